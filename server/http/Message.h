@@ -11,7 +11,7 @@ namespace clockwell::server
 
 /// One complete, validated request. Path and query are percent-decoded, valid UTF-8 and free of control characters.
 struct Request {
-    std::string method;                            ///< "GET", "POST", ... as sent (methods are case-sensitive)
+    std::string method;                            ///< as sent ("GET", "POST"), but a HEAD arrives as "GET"
     std::string path;                              ///< without query, e.g. "/api/attendance/today"
     std::multimap<std::string, std::string> query; ///< '+' stands for itself, a key without '=' has an empty value
     std::string authorization;                     ///< value of the Authorization header, or empty
