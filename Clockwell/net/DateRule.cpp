@@ -1,0 +1,103 @@
+#include "net/DateRule.h"
+
+namespace clockwell {
+
+namespace {
+
+/// Walks over the characters; the first thing that does not fit makes everything after it fail as well.
+class Reader
+{
+public:
+    explicit Reader(std::string_view text) : m_next(text.data()), m_end(text.data() + text.size()) {}
+
+    bool ok() const { return m_ok; }
+    bool atEnd() const { return m_next == m_end; }
+    bool isNext(char wanted) const { return m_next != m_end && *m_next == wanted; }
+    bool isNextDigit() const { return m_next != m_end && *m_next >= '0' && *m_next <= '9'; }
+
+    void expect(char wanted)
+    {
+        m_ok = m_ok && isNext(wanted);
+        m_next += m_ok;
+    }
+
+    int digit()
+    {
+        m_ok = m_ok && isNextDigit();
+        return m_ok ? *m_next++ - '0' : 0;
+    }
+
+    int number(int digits, int least, int most)
+    {
+        int value = 0;
+        for (int i = 0; i < digits; ++i)
+            value = value * 10 + digit();
+        m_ok = m_ok && value >= least && value <= most;
+        return value;
+    }
+
+    /// One to nine digits after the decimal point, as milliseconds.
+    int fraction()
+    {
+        int value = 0;
+        int scale = 100;
+        int count = 0;
+        while (m_ok && (count == 0 || (count < 9 && isNextDigit()))) {
+            value += digit() * scale;
+            scale /= 10;
+            ++count;
+        }
+        return value;
+    }
+
+private:
+    const char *m_next;
+    const char *m_end;
+    bool m_ok = true;
+};
+
+std::chrono::minutes readOffset(Reader &reader)
+{
+    if (reader.isNext('Z')) {
+        reader.expect('Z');
+        return {};
+    }
+    const bool west = reader.isNext('-');
+    reader.expect(west ? '-' : '+');
+    const std::chrono::minutes offset = std::chrono::hours(reader.number(2, 0, 23));
+    reader.expect(':');
+    const std::chrono::minutes whole = offset + std::chrono::minutes(reader.number(2, 0, 59));
+    return west ? -whole : whole;
+}
+
+} // namespace
+
+std::optional<Instant> parseInstant(std::string_view text) noexcept
+{
+    using namespace std::chrono;
+    Reader reader(text);
+    const int y = reader.number(4, 0, 9999);
+    reader.expect('-');
+    const int m = reader.number(2, 1, 12);
+    reader.expect('-');
+    const int d = reader.number(2, 1, 31);
+    reader.expect('T');
+    const int hour = reader.number(2, 0, 23);
+    reader.expect(':');
+    const int minute = reader.number(2, 0, 59);
+    reader.expect(':');
+    // A leap second has no place in the platform's clocks, so 60 is refused like 61.
+    const int second = reader.number(2, 0, 59);
+    int milli = 0;
+    if (reader.isNext('.')) {
+        reader.expect('.');
+        milli = reader.fraction();
+    }
+    const minutes offset = readOffset(reader);
+    const year_month_day date{year(y), month(static_cast<unsigned>(m)), day(static_cast<unsigned>(d))};
+    if (!reader.ok() || !reader.atEnd() || !date.ok())
+        return std::nullopt;
+    return sys_days(date) + hours(hour) + minutes(minute) + seconds(second) + milliseconds(milli) - offset;
+}
+
+} // namespace clockwell

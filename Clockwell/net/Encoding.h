@@ -1,0 +1,72 @@
+#pragma once
+
+#include "net/Errors.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <boost/describe.hpp>
+#include <boost/mp11/algorithm.hpp>
+
+#include <memory>
+#include <optional>
+#include <type_traits>
+
+namespace clockwell {
+
+/// The shortest decimal text, without an exponent, that reads back as the same number. Throws EncodingError
+/// for a number that is not finite.
+QString shortestDecimal(double value);
+
+/// A JSON object under construction; keeps its keys in the order in which they came. The JSON library stays
+/// behind it, because every file that sends a request would pay for its headers.
+class JsonObject
+{
+public:
+    JsonObject();
+    JsonObject(JsonObject &&) noexcept;
+    ~JsonObject();
+
+    void add(const char *key, const QString &text); // throws EncodingError for invalid UTF-16
+    void add(const char *key, double value);        // throws EncodingError for NaN and infinities
+    void add(const char *key, bool value);
+    void add(const char *key, qint64 value);
+    void add(const char *key, const JsonObject &nested);
+
+    template <class T>
+    requires boost::describe::has_describe_members<T>::value void add(const char *key, const T &record)
+    {
+        add(key, of(record));
+    }
+    /// A missing optional is left out, never sent as null.
+    template <class T>
+    void add(const char *key, const std::optional<T> &value)
+    {
+        if (value)
+            add(key, *value);
+    }
+
+    template <class T>
+    static JsonObject of(const T &record)
+    {
+        JsonObject object;
+        boost::mp11::mp_for_each<boost::describe::describe_members<T, boost::describe::mod_public>>(
+            [&](auto member) { object.add(member.name, record.*member.pointer); });
+        return object;
+    }
+
+    QByteArray text() const;
+
+private:
+    struct Value;
+    std::unique_ptr<Value> m_value;
+};
+
+/// The JSON text of a described struct, its keys in the order of their declaration. Throws EncodingError.
+template <class T>
+QByteArray encodeBody(const T &record)
+{
+    return JsonObject::of(record).text();
+}
+
+} // namespace clockwell

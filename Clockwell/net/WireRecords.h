@@ -1,0 +1,166 @@
+#pragma once
+
+#include <QString>
+
+#include <boost/describe.hpp>
+
+#include <chrono>
+#include <optional>
+
+namespace clockwell {
+
+/// A moment as the server sends it, exact to the millisecond, UTC.
+using Instant = std::chrono::sys_time<std::chrono::milliseconds>;
+
+/// A number that some servers send as text; no value when it can be read as neither.
+struct LenientDouble
+{
+    std::optional<double> value;
+};
+
+/// A message sent as one text or as a list of texts.
+struct MessageField
+{
+    QString text;
+};
+
+/// The result of a call whose reply body is of no interest.
+struct Empty
+{};
+
+struct TokenPair
+{
+    QString accessToken;
+    QString refreshToken;
+};
+BOOST_DESCRIBE_STRUCT(TokenPair, (), (accessToken, refreshToken))
+
+struct AuthUser
+{
+    QString id;
+    QString fullName;
+    QString email;
+    std::optional<QString> phone;
+    QString role;
+    QString status;
+    std::optional<QString> instituteId;
+    std::optional<QString> officeLocationId;
+};
+BOOST_DESCRIBE_STRUCT(AuthUser, (), (id, fullName, email, phone, role, status, instituteId, officeLocationId))
+
+struct LoginResponse
+{
+    QString accessToken;
+    QString refreshToken;
+    AuthUser user;
+};
+BOOST_DESCRIBE_STRUCT(LoginResponse, (), (accessToken, refreshToken, user))
+
+struct SignupResponse
+{
+    QString message;
+    std::optional<QString> status;
+    std::optional<bool> emailVerified;
+    std::optional<QString> employeeId;
+    std::optional<QString> email;
+    std::optional<QString> demoCode;
+};
+BOOST_DESCRIBE_STRUCT(SignupResponse, (), (message, status, emailVerified, employeeId, email, demoCode))
+
+struct MessageResponse
+{
+    std::optional<QString> message;
+    std::optional<bool> emailVerified;
+    std::optional<QString> status;
+    std::optional<QString> demoCode;
+};
+BOOST_DESCRIBE_STRUCT(MessageResponse, (), (message, emailVerified, status, demoCode))
+
+struct OfficeBlock
+{
+    QString name;
+    QString checkInTime;
+    QString checkOutTime;
+    qint64 radiusMeters = 0;
+};
+BOOST_DESCRIBE_STRUCT(OfficeBlock, (), (name, checkInTime, checkOutTime, radiusMeters))
+
+/// One working day.
+struct AttendanceRecord
+{
+    QString id;
+    QString workDate;
+    QString status;
+    std::optional<Instant> checkInAt;
+    std::optional<Instant> checkOutAt;
+    std::optional<qint64> lateMinutes;
+    std::optional<qint64> earlyLeaveMinutes;
+    std::optional<qint64> workingMinutes;
+    std::optional<LenientDouble> checkInDistanceMeters;
+    std::optional<LenientDouble> checkOutDistanceMeters;
+};
+BOOST_DESCRIBE_STRUCT(AttendanceRecord, (),
+                      (id, workDate, status, checkInAt, checkOutAt, lateMinutes, earlyLeaveMinutes,
+                       workingMinutes, checkInDistanceMeters, checkOutDistanceMeters))
+
+struct TodayResponse
+{
+    QString workDate;
+    bool open = false;
+    OfficeBlock office;
+    std::optional<AttendanceRecord> record;
+    bool canCheckIn = false;
+    bool canCheckOut = false;
+};
+BOOST_DESCRIBE_STRUCT(TodayResponse, (), (workDate, open, office, record, canCheckIn, canCheckOut))
+
+struct DistanceResponse
+{
+    bool inside = false;
+    double distanceMeters = 0;
+    qint64 radiusMeters = 0;
+    std::optional<QString> office;
+};
+BOOST_DESCRIBE_STRUCT(DistanceResponse, (), (inside, distanceMeters, radiusMeters, office))
+
+struct PunchResponse
+{
+    QString type;
+    bool inside = false;
+    std::optional<QString> status;
+    std::optional<qint64> lateMinutes;
+    std::optional<qint64> workingMinutes;
+    std::optional<QString> office;
+    std::optional<double> distanceMeters;
+    std::optional<Instant> checkInAt;
+    std::optional<Instant> checkOutAt;
+};
+BOOST_DESCRIBE_STRUCT(PunchResponse, (),
+                      (type, inside, status, lateMinutes, workingMinutes, office, distanceMeters, checkInAt,
+                       checkOutAt))
+
+struct MonthlySummary
+{
+    QString month;
+    qint64 presentDays = 0;
+    qint64 lateDays = 0;
+    qint64 totalLateMinutes = 0;
+    qint64 absentDays = 0;
+    qint64 leaveDays = 0;
+    qint64 halfDays = 0;
+    qint64 totalWorkingMinutes = 0;
+};
+BOOST_DESCRIBE_STRUCT(MonthlySummary, (),
+                      (month, presentDays, lateDays, totalLateMinutes, absentDays, leaveDays, halfDays,
+                       totalWorkingMinutes))
+
+/// The body of a reply that is not a success.
+struct APIErrorBody
+{
+    std::optional<qint64> statusCode;
+    std::optional<QString> error;
+    std::optional<MessageField> message;
+};
+BOOST_DESCRIBE_STRUCT(APIErrorBody, (), (statusCode, error, message))
+
+} // namespace clockwell
