@@ -6,16 +6,15 @@
 #include <memory>
 #include <string>
 
-namespace spdlog
-{
+namespace spdlog {
 class logger;
 }
 
-namespace clockwell::server
-{
+namespace clockwell::server {
 
 /// Where the server listens and how much it lets a client take. Sizes are in bytes.
-struct HttpOptions {
+struct HttpOptions
+{
     static constexpr std::chrono::milliseconds defaultHeadDeadline = std::chrono::seconds(10);
     static constexpr std::chrono::milliseconds defaultRequestDeadline = std::chrono::seconds(30);
     static constexpr std::chrono::milliseconds defaultWriteDeadline = std::chrono::seconds(30);
@@ -34,17 +33,20 @@ struct HttpOptions {
     std::size_t bodyLimit = 1024 * 1024; ///< 413 above, also for chunked bodies
     std::size_t headerLimit = 16 * 1024; ///< request line and header fields together, 431 above
 
-    /// From the first byte of a request (on a new connection: from accepting it) to the end of its header.
+    /// For the TLS handshake, from there to the first byte of the first request, and from the first byte of
+    /// any request to the end of its header.
     std::chrono::milliseconds headDeadline = defaultHeadDeadline;
     /// From the first byte of a request to the last one of its body, however steadily it drips.
     std::chrono::milliseconds requestDeadline = defaultRequestDeadline;
-    std::chrono::milliseconds writeDeadline = defaultWriteDeadline;   ///< for one whole response
-    std::chrono::milliseconds idleDeadline = defaultIdleDeadline;     ///< between two requests of a connection
-    std::chrono::milliseconds lingerDeadline = defaultLingerDeadline; ///< for a peer to read the last response
-    std::chrono::milliseconds stopDeadline = defaultStopDeadline;     ///< for requests in flight at stop()
+    std::chrono::milliseconds writeDeadline = defaultWriteDeadline; ///< for one whole response
+    std::chrono::milliseconds idleDeadline = defaultIdleDeadline;   ///< between two requests of a connection
+    std::chrono::milliseconds lingerDeadline =
+        defaultLingerDeadline;                                    ///< for a peer to read the last response
+    std::chrono::milliseconds stopDeadline = defaultStopDeadline; ///< for requests in flight at stop()
 
-    /// Requests that one address (IPv6: one /64 network) may make; 429 above, 0 switches it off. All employees of an
-    /// office usually come from one address, hence the generous numbers; the health check is not counted.
+    /// Requests that one address (IPv6: one /64 network) may make; 429 above, 0 switches it off. All
+    /// employees of an office usually come from one address, hence the generous numbers; the health check is
+    /// not counted.
     unsigned requestsPerMinute = 6000;
     unsigned requestBurst = 2000;
 

@@ -6,12 +6,11 @@
 #include <cstdint>
 #include <memory>
 
-namespace clockwell::server
-{
+namespace clockwell::server {
 
-/// An HTTP/1.1 server: one I/O thread that never blocks and a pool of workers that run the handler. It answers
-/// "GET /health", OPTIONS and every malformed or excessive request by itself; a HEAD reaches the handler as a GET.
-/// Start and stop it from one thread of the owner, which must not be a worker.
+/// An HTTP/1.1 server: one I/O thread that never blocks and a pool of workers that run the handler. It
+/// answers "GET /health", OPTIONS and every malformed or excessive request by itself; a HEAD reaches the
+/// handler as a GET. Start and stop it from one thread of the owner, which must not be a worker.
 class HttpServer
 {
 public:
@@ -22,15 +21,16 @@ public:
     HttpServer(const HttpServer &) = delete;
     HttpServer &operator=(const HttpServer &) = delete;
 
-    /// Binds and begins to serve. Throws std::runtime_error with a text for people when the address is not free or not
-    /// an address, or when the certificate or key cannot be used. A server is started once.
+    /// Binds and begins to serve. Throws std::runtime_error with a text for people when the address is not
+    /// free or not an address, or when the certificate or key cannot be used. A server is started once.
     void start();
 
     /// The port that is listened on, also when 0 was asked for. 0 before start().
     std::uint16_t port() const;
 
-    /// Accepts no more, closes idle connections, gives requests in flight up to `stopDeadline`, closes the rest. Then
-    /// it waits for handlers that still run: a handler must end by itself. Further calls do nothing.
+    /// Accepts no more, closes idle connections, gives requests in flight up to `stopDeadline`, closes the
+    /// rest. Then it waits for handlers that still run: a handler must end by itself. Further calls do
+    /// nothing.
     void stop();
 
 private:

@@ -6,29 +6,33 @@
 #include <utility>
 #include <vector>
 
-namespace clockwell::server
-{
+namespace clockwell::server {
 
-/// One complete, validated request. Path and query are percent-decoded, valid UTF-8 and free of control characters.
-struct Request {
-    std::string method;                            ///< as sent ("GET", "POST"), but a HEAD arrives as "GET"
-    std::string path;                              ///< without query, e.g. "/api/attendance/today"
-    std::multimap<std::string, std::string> query; ///< '+' stands for itself, a key without '=' has an empty value
-    std::string authorization;                     ///< value of the Authorization header, or empty
-    std::string contentType;                       ///< value of the Content-Type header, or empty
-    std::string body;                              ///< raw bytes, transfer coding removed
-    std::string remoteAddress;                     ///< the peer's IP address as text
-    std::string requestId;                         ///< names this request in the log
+/// One complete, validated request. Path and query are percent-decoded, valid UTF-8 and free of control
+/// characters.
+struct Request
+{
+    std::string method; ///< as sent ("GET", "POST"), but a HEAD arrives as "GET"
+    std::string path;   ///< without query, e.g. "/api/attendance/today"
+    std::multimap<std::string, std::string>
+        query;                 ///< '+' stands for itself, a key without '=' has an empty value
+    std::string authorization; ///< value of the Authorization header, or empty
+    std::string contentType;   ///< value of the Content-Type header, or empty
+    std::string body;          ///< raw bytes, transfer coding removed
+    std::string remoteAddress; ///< the peer's IP address as text
+    std::string requestId;     ///< names this request in the log
 };
 
-struct Response {
+struct Response
+{
     int status = 200;
     std::string body; ///< JSON text; empty for 204
     std::string contentType = "application/json";
     std::vector<std::pair<std::string, std::string>> headers; ///< further ones, e.g. Retry-After
 };
 
-/// Called on a worker thread, several at once; may block. What it throws becomes a 500 that does not show the text.
+/// Called on a worker thread, several at once; may block. What it throws becomes a 500 that does not show the
+/// text.
 using Handler = std::function<Response(const Request &)>;
 
 } // namespace clockwell::server

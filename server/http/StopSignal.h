@@ -4,13 +4,12 @@
 #include <csignal>
 #include <optional>
 
-namespace clockwell::server
-{
+namespace clockwell::server {
 
 class HttpServer;
 
-/// Turns SIGTERM and SIGINT into an orderly stop. Create it in main() before any thread is started: the signals are
-/// blocked in the creating thread and in those it starts, so that only wait() receives them.
+/// Turns SIGTERM and SIGINT into an orderly stop. Create it in main() before any thread is started: the
+/// signals are blocked in the creating thread and in those it starts, so that only wait() receives them.
 class StopSignal
 {
 public:
@@ -23,8 +22,8 @@ public:
     int wait();
     /// The same with a limit; empty when no signal came.
     std::optional<int> waitFor(std::chrono::milliseconds limit);
-    /// wait(), then server.stop(). From the first signal on a second one ends the process at once, as people expect
-    /// of a Ctrl-C pressed twice. Returns the signal's number.
+    /// wait(), then server.stop(). From the first signal on a second one ends the process at once, as people
+    /// expect of a Ctrl-C pressed twice. Returns the signal's number.
     int waitThenStop(HttpServer &server);
 
 private:

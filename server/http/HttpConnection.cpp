@@ -1,0 +1,281 @@
+#include "HttpConnection.h"
+
+#include "ResponseText.h"
+
+#include <boost/asio/as_tuple.hpp>
+#include <boost/asio/read.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/asio/write.hpp>
+
+#include <array>
+#include <cmath>
+#include <ctime>
+#include <stdexcept>
+
+namespace clockwell::server {
+
+namespace asio = boost::asio;
+using asio::awaitable;
+
+namespace {
+
+constexpr std::size_t readSize = 16 * 1024;
+constexpr std::size_t lingerBytes = 8 * 1024 * 1024; // what a peer may still send after its last answer
+constexpr long busyRetrySeconds = 1;
+constexpr const char *supportedMethods = "GET, HEAD, POST, OPTIONS";
+
+const auto withoutThrowing = asio::as_tuple(asio::use_awaitable);
+
+asio::ip::address peerAddress(const Stream::Socket &socket)
+{
+    boost::system::error_code error;
+    const auto address = socket.remote_endpoint(error).address();
+    if (!error && address.is_v6() && address.to_v6().is_v4_mapped())
+        return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+    return address;
+}
+
+/// An IPv6 customer holds at least a /64 network, so the last eight bytes distinguish nobody.
+std::string throttleKeyOf(const asio::ip::address &address)
+{
+    if (!address.is_v6())
+        return address.to_string();
+    auto bytes = address.to_v6().to_bytes();
+    std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
+    return asio::ip::address_v6(bytes).to_string();
+}
+
+long wholeSeconds(std::chrono::milliseconds time)
+{
+    return static_cast<long>(std::chrono::ceil<std::chrono::seconds>(time).count());
+}
+
+} // namespace
+
+HttpConnection::HttpConnection(Stream::Socket socket, ServerContext &context, bool overLimit)
+    : m_context(context),
+      m_stream(std::move(socket), context.tls.get()),
+      m_deadline(m_stream.socket()),
+      m_remoteAddress(peerAddress(m_stream.socket()).to_string()),
+      m_throttleKey(throttleKeyOf(peerAddress(m_stream.socket()))),
+      m_overLimit(overLimit)
+{
+    boost::system::error_code ignored;
+    m_stream.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+}
+
+awaitable<void> HttpConnection::run(std::shared_ptr<HttpConnection> self)
+{
+    if (co_await self->handshake()) {
+        co_await self->serveRequests();
+        co_await self->close();
+    }
+    self->cutOff();
+}
+
+awaitable<bool> HttpConnection::handshake()
+{
+    if (!m_stream.hasTls())
+        co_return true;
+    m_deadline.setAt(Clock::now() + m_context.options.headDeadline);
+    const auto [error] =
+        co_await m_stream.tls().async_handshake(asio::ssl::stream_base::server, withoutThrowing);
+    co_return !error;
+}
+
+awaitable<void> HttpConnection::serveRequests()
+{
+    if (m_overLimit) {
+        m_requestId = m_context.ids.next();
+        const std::size_t bytes = co_await write(encode(toResponse(refusals::busy, busyRetrySeconds)).text);
+        m_context.log.answered(m_requestId, "-", "-", refusals::busy.status, {}, bytes);
+        co_return;
+    }
+    do {
+        if (!co_await awaitRequest())
+            co_return;
+        co_await serveRequest();
+        m_firstRequest = false;
+    } while (m_keepAlive && !m_broken);
+}
+
+bool HttpConnection::nothingArrived()
+{
+    boost::system::error_code error;
+    return m_buffer.empty() && (m_stream.socket().available(error) == 0 || error);
+}
+
+void HttpConnection::stopSoon()
+{
+    m_stopping = true;
+    boost::system::error_code ignored;
+    if (m_idle && nothingArrived())
+        m_stream.socket().cancel(ignored);
+}
+
+void HttpConnection::cutOff()
+{
+    m_broken = true;
+    m_deadline.clear();
+    boost::system::error_code ignored;
+    m_stream.socket().close(ignored);
+}
+
+/// False when no further request comes: the peer closed or was idle for too long, or the server stops.
+awaitable<bool> HttpConnection::awaitRequest()
+{
+    if (!m_buffer.empty())
+        co_return true; // sent ahead, with an earlier request
+    if (m_stopping && nothingArrived())
+        co_return false;
+    const auto &options = m_context.options;
+    m_deadline.setAt(Clock::now() + (m_firstRequest ? options.headDeadline : options.idleDeadline));
+    m_idle = true;
+    const bool arrived = co_await readSome();
+    m_idle = false;
+    co_return arrived;
+}
+
+awaitable<void> HttpConnection::serveRequest()
+{
+    m_requestId = m_context.ids.next();
+    m_requestStart = Clock::now();
+    m_parser.emplace(m_context.options);
+    m_keepAlive = false;
+    const Response response = co_await answer();
+    const Encoded encoded = encode(response);
+    const std::size_t bytes = co_await write(encoded.text);
+    const auto duration =
+        std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - m_requestStart);
+    m_context.log.answered(m_requestId, m_parser->methodAsSent(), m_parser->path(), encoded.status, duration,
+                           bytes);
+}
+
+awaitable<Response> HttpConnection::answer()
+{
+    if (const auto refusal = co_await readHead())
+        co_return refuse(*refusal);
+    m_keepAlive = m_parser->keepAlive();
+    if (auto response = answerAtOnce()) {
+        // A body that nobody reads would be taken for the next request.
+        m_keepAlive = m_keepAlive && m_parser->complete();
+        co_return std::move(*response);
+    }
+    if (const auto refusal = co_await readBody())
+        co_return refuse(*refusal);
+    m_deadline.clear();
+    Request request = m_parser->takeRequest();
+    request.remoteAddress = m_remoteAddress;
+    request.requestId = m_requestId;
+    auto response = co_await m_context.pool.run(std::move(request));
+    co_return response ? std::move(*response) : toResponse(refusals::busy, busyRetrySeconds);
+}
+
+/// After a refusal the framing of what follows is unknown, so the connection ends with it.
+Response HttpConnection::refuse(const Refusal &refusal)
+{
+    m_keepAlive = false;
+    return toResponse(refusal);
+}
+
+/// What needs no worker: the health check, OPTIONS, and a client that asks too often.
+std::optional<Response> HttpConnection::answerAtOnce()
+{
+    const Request &request = m_parser->request();
+    if (request.path == "/health" && request.method == "GET")
+        return Response{200, R"({"status":"ok"})", "application/json", {}};
+    const auto wait = m_context.throttle.take(m_throttleKey, Throttle::Clock::now());
+    if (wait > wait.zero())
+        return toResponse(refusals::throttled, wholeSeconds(wait));
+    if (request.method == "OPTIONS")
+        return Response{204, {}, {}, {{"Allow", supportedMethods}}};
+    return std::nullopt;
+}
+
+awaitable<std::optional<Refusal>> HttpConnection::readHead()
+{
+    m_deadline.setAt(m_requestStart + m_context.options.headDeadline);
+    co_return co_await fillParser(&RequestParser::headComplete);
+}
+
+awaitable<std::optional<Refusal>> HttpConnection::readBody()
+{
+    if (m_parser->expectsContinue() && !m_parser->complete() && m_buffer.empty())
+        co_await write("HTTP/1.1 100 Continue\r\n\r\n");
+    m_deadline.setAt(m_requestStart + m_context.options.requestDeadline);
+    co_return co_await fillParser(&RequestParser::complete);
+}
+
+/// Reads until the parser has what is asked for; else says why it never will.
+awaitable<std::optional<Refusal>> HttpConnection::fillParser(bool (RequestParser::*isReady)() const)
+{
+    while (true) {
+        const std::size_t used = m_parser->feed(m_buffer);
+        m_buffer.erase(0, used);
+        if (m_parser->refusal())
+            co_return m_parser->refusal();
+        if (((*m_parser).*isReady)())
+            co_return std::nullopt;
+        if (used > 0 && !m_buffer.empty())
+            continue;
+        if (!co_await readSome())
+            co_return m_deadline.expired() ? refusals::timeout : refusals::cutShort;
+    }
+}
+
+/// Appends what arrives next to the buffer. False on the end of the stream, an error or an expired deadline.
+awaitable<bool> HttpConnection::readSome()
+{
+    const std::size_t before = m_buffer.size();
+    m_buffer.resize(before + readSize);
+    const auto [error, count] =
+        co_await m_stream.async_read_some(asio::buffer(m_buffer.data() + before, readSize), withoutThrowing);
+    m_buffer.resize(before + count);
+    co_return !error && !m_deadline.expired();
+}
+
+HttpConnection::Encoded HttpConnection::encode(const Response &response)
+{
+    m_keepAlive = m_keepAlive && !m_stopping;
+    const bool parsed = m_parser && m_parser->headComplete();
+    const ResponseFraming framing{m_keepAlive, parsed && m_parser->isHttp10(), parsed && m_parser->isHead()};
+    try {
+        return {responseText(response, framing, std::time(nullptr)), response.status};
+    } catch (const std::invalid_argument &error) {
+        m_context.log.handlerFailed(m_requestId, error.what());
+        const Response failure = toResponse(refusals::internal);
+        return {responseText(failure, framing, std::time(nullptr)), failure.status};
+    }
+}
+
+/// Returns the bytes written; fewer than all break the connection.
+awaitable<std::size_t> HttpConnection::write(std::string text)
+{
+    m_deadline.setAt(Clock::now() + m_context.options.writeDeadline);
+    const auto [error, count] = co_await asio::async_write(m_stream, asio::buffer(text), withoutThrowing);
+    m_broken = m_broken || error;
+    co_return count;
+}
+
+/// Says goodbye and lets the peer read its last answer: closing a socket with unread input would make the
+/// system send a reset, which throws away what the peer has not read yet.
+awaitable<void> HttpConnection::close()
+{
+    if (m_broken)
+        co_return;
+    m_deadline.setAt(Clock::now() + m_context.options.lingerDeadline);
+    if (m_stream.hasTls())
+        co_await m_stream.tls().async_shutdown(withoutThrowing);
+    boost::system::error_code ignored;
+    m_stream.socket().shutdown(asio::socket_base::shutdown_send, ignored);
+    std::array<char, 4096> discarded{};
+    for (std::size_t total = 0; total < lingerBytes && !m_deadline.expired();) {
+        const auto [error, count] =
+            co_await m_stream.socket().async_read_some(asio::buffer(discarded), withoutThrowing);
+        if (error)
+            break;
+        total += count;
+    }
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Deadline.h"
+#include "RequestParser.h"
+#include "ServerContext.h"
+#include "Stream.h"
+
+#include <boost/asio/awaitable.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace clockwell::server {
+
+/// One connection: reads a request, has it answered, writes the answer, and again, one request at a time;
+/// what the peer sends meanwhile waits in the socket. Lives on the I/O thread, as long as its run() does.
+class HttpConnection : public std::enable_shared_from_this<HttpConnection>
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// `context` must outlive the connection. A connection over the limit answers 503 without reading.
+    HttpConnection(Stream::Socket socket, ServerContext &context, bool overLimit);
+
+    static boost::asio::awaitable<void> run(std::shared_ptr<HttpConnection> self);
+
+    /// The server stops: ends an idle connection now, a busy one after the answer under way.
+    void stopSoon();
+    /// Closes the socket; run() ends as soon as a handler that it waits for has returned.
+    void cutOff();
+
+private:
+    struct Encoded
+    {
+        std::string text;
+        int status;
+    };
+
+    boost::asio::awaitable<bool> handshake();
+    boost::asio::awaitable<void> serveRequests();
+    boost::asio::awaitable<bool> awaitRequest();
+    boost::asio::awaitable<void> serveRequest();
+    boost::asio::awaitable<Response> answer();
+    boost::asio::awaitable<std::optional<Refusal>> readHead();
+    boost::asio::awaitable<std::optional<Refusal>> readBody();
+    boost::asio::awaitable<std::optional<Refusal>> fillParser(bool (RequestParser::*isReady)() const);
+    boost::asio::awaitable<bool> readSome();
+    boost::asio::awaitable<std::size_t> write(std::string text);
+    boost::asio::awaitable<void> close();
+
+    std::optional<Response> answerAtOnce();
+    Response refuse(const Refusal &refusal);
+    Encoded encode(const Response &response);
+    bool nothingArrived();
+
+    ServerContext &m_context;
+    Stream m_stream;
+    Deadline m_deadline;
+    std::string m_remoteAddress;
+    std::string m_throttleKey;
+    std::string m_buffer; // bytes read and not yet used; may hold further requests
+    std::string m_requestId;
+    Clock::time_point m_requestStart{};
+    std::optional<RequestParser> m_parser;
+    const bool m_overLimit;
+    bool m_firstRequest = true;
+    bool m_idle = false; // waits for the first byte of a request
+    bool m_stopping = false;
+    bool m_keepAlive = false; // as far as the request under way is concerned
+    bool m_broken = false;    // nothing more can be sent
+};
+
+} // namespace clockwell::server
