@@ -1,0 +1,2 @@
+// Badly formatted on purpose: clang-format must object.
+int   answer( ){return 42 ;}

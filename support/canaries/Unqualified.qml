@@ -1,0 +1,6 @@
+// Wrong on purpose: qmllint must object to the unknown name.
+import QtQuick
+
+Item {
+    width: somethingThatIsNowhere
+}

@@ -1,0 +1,59 @@
+# The Debian packages that each command needs, and their installation. Sourced by ./dev.
+
+build_packages=(
+    g++ cmake ninja-build ccache pkg-config ca-certificates
+    qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-positioning-dev libqt6svg6-dev
+    libgl-dev libopengl-dev
+    qcoro-qt6-dev libsecret-1-dev libicu-dev libsimdjson-dev nlohmann-json3-dev libboost1.81-dev
+    libsoci-dev libsodium-dev libgeographiclib-dev libcurl4-openssl-dev libcli11-dev libspdlog-dev libsqlite3-dev
+    libssl-dev
+)
+run_packages=(
+    qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
+    qml6-module-qtquick-templates qml6-module-qtquick-window
+    libqt6positioning6-plugins fonts-inter fonts-noto-core dbus gnome-keyring tzdata
+)
+test_packages=(
+    libgtest-dev libgmock-dev sqlite3 openssl xvfb xauth at-spi2-core python3 python3-gi gir1.2-atspi-2.0
+)
+lint_packages=(clang-format clang-tidy-16 qt6-declarative-dev-tools)
+bench_packages=(libbenchmark-dev qml6-module-qtquick-controls)
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "Root or sudo is needed once, to install: ${*}" >&2
+        return 1
+    fi
+}
+
+# Installs what is missing of the packages named; silent and quick when nothing is.
+ensure_packages() {
+    local missing=() name
+    local present
+    present=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' 2>/dev/null | sed -n 's/^installed //p')
+    for name in "$@"; do
+        grep -qxF "$name" <<<"$present" || missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    if ! command -v apt-get >/dev/null; then
+        echo "These packages are needed (their names as on Debian 12): ${missing[*]}" >&2
+        return 1
+    fi
+    echo "Installing ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# The icon set, as the lock file pins it.
+ensure_icons() {
+    if ! command -v npm >/dev/null; then
+        ensure_packages nodejs npm
+    fi
+    if [ ! -d node_modules ] || [ package-lock.json -nt node_modules/.package-lock.json ]; then
+        npm ci --no-audit --no-fund --ignore-scripts --loglevel=error
+    fi
+}

@@ -1,0 +1,67 @@
+# Running the app against the real server on this machine. Sourced by ./dev.
+
+run_dir=$root/out/run
+
+# The port that the development build of the app speaks to.
+demo_port() { sed -n 's|^CLOCKWELL_BASE_URL:[A-Z]*=.*:\([0-9]*\)/api$|\1|p' build/dev/CMakeCache.txt; }
+
+has_display() { [ -n "${WAYLAND_DISPLAY:-}" ] || [ -n "${DISPLAY:-}" ]; }
+
+start_server() { # sets server_pid; the demo data stays between runs
+    mkdir -p "$run_dir"
+    local server=build/dev/bin/clockwell-server port
+    port=$(demo_port)
+    "$server" demo --database "$run_dir/demo.db"
+    rm -f "$run_dir/port"
+    "$server" serve --database "$run_dir/demo.db" --listen "127.0.0.1:$port" --port-file "$run_dir/port" \
+        >"$run_dir/server.log" 2>&1 &
+    server_pid=$!
+    trap 'kill "$server_pid" 2>/dev/null; wait "$server_pid" 2>/dev/null || true' EXIT
+    local tries
+    for tries in $(seq 100); do
+        [ -s "$run_dir/port" ] && return
+        if ! kill -0 "$server_pid" 2>/dev/null; then
+            echo "The server did not start (is port $port in use?):" >&2
+            tail -n 5 "$run_dir/server.log" >&2
+            return 1
+        fi
+        sleep 0.1
+    done
+    echo "The server did not answer within 10 seconds; its log is $run_dir/server.log" >&2
+    return 1
+}
+
+dev_run() {
+    local vnc=
+    while [ $# -gt 0 ]; do
+        case $1 in
+            --vnc) vnc=1 ;;
+            --fresh) rm -rf "$run_dir" ;;
+            *) usage >&2; return 2 ;;
+        esac
+        shift
+    done
+    if [ -z "$vnc" ] && ! has_display; then
+        echo "There is no display here, so the tour runs instead: the real app offscreen, driven by real input."
+        echo "(--vnc serves the app's window to a VNC viewer.)"
+        dev_tour
+        return
+    fi
+    [ -z "$vnc" ] || ensure_packages qt6-qpa-plugins
+    build dev clockwell clockwell-server
+    start_server
+    local platform=()
+    [ -n "$vnc" ] && platform=(QT_QPA_PLATFORM=vnc:addr=127.0.0.1:port=5900) &&
+        echo "The app's window is served to VNC viewers at 127.0.0.1:5900."
+    echo "Server log: $run_dir/server.log. Close the window to stop."
+    env "${platform[@]}" CLOCKWELL_SIMULATED_LOCATION="${CLOCKWELL_SIMULATED_LOCATION:-$(demo_fix)}" \
+        tests/support/with-secret-service --if-missing --home "$run_dir/keyring" build/dev/bin/clockwell
+}
+
+dev_tour() {
+    build dev clockwell-server clockwell_tour
+    rm -rf out/tour
+    mkdir -p out/tour
+    QT_QPA_PLATFORM=offscreen QT_FORCE_STDERR_LOGGING=1 \
+        tests/support/with-secret-service build/dev/bin/clockwell_tour build/dev/bin/clockwell-server out/tour
+}

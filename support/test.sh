@@ -1,0 +1,36 @@
+# Tests, pictures and benchmarks. Sourced by ./dev.
+
+dev_test() {
+    local preset=dev
+    if [ "${1:-}" = --asan ]; then
+        preset=asan
+        shift
+    fi
+    ensure_packages "${test_packages[@]}"
+    build "$preset"
+    local filter=()
+    [ $# -gt 0 ] && filter=(-R "$1")
+    # A leak is a failure too; the toolkit's and the font library's one-time caches are listed as known.
+    export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+    export LSAN_OPTIONS=suppressions=$root/support/leaks.supp:print_suppressions=0
+    export UBSAN_OPTIONS=print_stacktrace=1
+    ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error "${filter[@]}"
+}
+
+dev_screens() {
+    ensure_packages "${test_packages[@]}"
+    build dev clockwell_screens
+    rm -rf out/screens
+    QT_QPA_PLATFORM=offscreen build/dev/bin/clockwell_screens out/screens
+}
+
+dev_bench() {
+    ensure_packages "${test_packages[@]}" "${bench_packages[@]}"
+    build bench
+    local failed=0 bench
+    for bench in build/bench/bin/bench/*; do
+        [ -x "$bench" ] && [ -f "$bench" ] || continue
+        QT_QPA_PLATFORM=offscreen "$bench" || failed=1
+    done
+    return $failed
+}
