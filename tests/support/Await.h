@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QCoro/QCoroTask>
+#include <QElapsedTimer>
+#include <QEventLoop>
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <variant>
+
+namespace clockwell::test {
+
+/// Runs the calling thread's events until `condition` holds; false after the limit.
+inline bool spinUntil(const std::function<bool()> &condition,
+                      std::chrono::milliseconds limit = std::chrono::seconds(10))
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.hasExpired(limit.count()))
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    return true;
+}
+
+template <class T>
+struct Outcome
+{
+    using Stored = std::conditional_t<std::is_void_v<T>, std::monostate, T>;
+    bool done = false;
+    std::optional<Stored> value;
+    std::exception_ptr error;
+};
+
+/// Starts following a task; the outcome fills up when it ends, and outlives the test's own scope if it must.
+template <class T>
+QCoro::Task<> follow(QCoro::Task<T> task, std::shared_ptr<Outcome<T>> outcome)
+{
+    try {
+        if constexpr (std::is_void_v<T>) {
+            co_await task;
+            outcome->value.emplace();
+        } else {
+            outcome->value.emplace(co_await task);
+        }
+    } catch (...) {
+        outcome->error = std::current_exception();
+    }
+    outcome->done = true;
+}
+
+template <class T>
+std::shared_ptr<Outcome<T>> observe(QCoro::Task<T> task)
+{
+    auto outcome = std::make_shared<Outcome<T>>();
+    follow<T>(std::move(task), outcome);
+    return outcome;
+}
+
+/// Waits for a task with the event loop running and hands on its value or exception; throws after the limit,
+/// where QCoro::waitFor would hang for ever on an exception.
+template <class T>
+T await(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seconds(10))
+{
+    const auto outcome = observe<T>(std::move(task));
+    if (!spinUntil([&] { return outcome->done; }, limit))
+        throw std::runtime_error("the task did not end in time");
+    if (outcome->error)
+        std::rethrow_exception(outcome->error);
+    if constexpr (!std::is_void_v<T>)
+        return std::move(*outcome->value);
+}
+
+/// The exception of type E that a task ends with; throws when it ends in any other way.
+template <class E, class T>
+E awaitError(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seconds(10))
+{
+    try {
+        await<T>(std::move(task), limit);
+    } catch (const E &error) {
+        return error;
+    }
+    throw std::runtime_error("the task ended without an error");
+}
+
+} // namespace clockwell::test
