@@ -1,0 +1,37 @@
+#include "net/Reachability.h"
+
+#include <QNetworkInformation>
+
+namespace clockwell {
+
+namespace {
+
+class PlatformReachability final : public Reachability
+{
+public:
+    PlatformReachability()
+    {
+        if (!QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability))
+            return;
+        m_platform = QNetworkInformation::instance();
+        connect(m_platform, &QNetworkInformation::reachabilityChanged, this, &Reachability::changed);
+    }
+
+    bool isOffline() const override
+    {
+        // Anything short of "disconnected" may still lead to a server on the local network.
+        return m_platform && m_platform->reachability() == QNetworkInformation::Reachability::Disconnected;
+    }
+
+private:
+    QNetworkInformation *m_platform = nullptr;
+};
+
+} // namespace
+
+std::unique_ptr<Reachability> platformReachability()
+{
+    return std::make_unique<PlatformReachability>();
+}
+
+} // namespace clockwell
