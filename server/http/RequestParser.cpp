@@ -7,8 +7,6 @@
 #include <boost/beast/http/string_body.hpp>
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 
 namespace clockwell::server {
 
@@ -29,16 +27,15 @@ Refusal refusalFor(const boost::system::error_code &error)
     return error == http::error::body_limit ? refusals::bodyTooLarge : refusals::badRequest;
 }
 
-/// The number of a Content-Length, the largest one for a number too long to hold; empty when it is none.
-std::optional<std::uint64_t> contentLength(std::string_view text)
+/// A request line that is well-formed but for the version's number: "HTTP/" digit "." digit (RFC 9112,
+/// section 2.3).
+bool namesAVersion(std::string_view head)
 {
-    std::uint64_t length = 0;
-    const bool digits =
-        !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (!digits)
-        return std::nullopt;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), length);
-    return result.ec == std::errc() ? length : std::numeric_limits<std::uint64_t>::max();
+    const std::string_view line = head.substr(0, head.find("\r\n"));
+    const std::string_view version = line.substr(std::min(line.size(), line.rfind(' ') + 1));
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return version.size() == 8 && version.substr(0, 5) == "HTTP/" && isDigit(version[5]) &&
+           version[6] == '.' && isDigit(version[7]);
 }
 
 } // namespace
@@ -96,13 +93,11 @@ void RequestParser::acceptHead(std::string_view head)
     boost::system::error_code error;
     m_parser->eager(false);
     m_parser->put(boost::asio::buffer(head), error);
-    // Beast checks lengths against its limit while it reads the header, so a too large one is known here
-    // already.
     std::optional<Refusal> refusal;
-    if (error)
-        refusal = refusalFor(error);
-    else if (m_parser->get().version() != 10 && m_parser->get().version() != 11)
+    if (error == http::error::bad_version && namesAVersion(head))
         refusal = refusals::version;
+    else if (error) // also a Content-Length that is none or over the limit
+        refusal = refusalFor(error);
     else
         refusal = checkFraming();
     if (!refusal)
@@ -121,13 +116,6 @@ std::optional<Refusal> RequestParser::checkFraming()
     const auto codings = message.count(http::field::transfer_encoding);
     if (lengths > 1 || codings > 1 || lengths + codings > 1)
         return refusals::badRequest;
-    if (lengths == 1) {
-        const auto length = contentLength(view(message[http::field::content_length]));
-        if (!length)
-            return refusals::badRequest;
-        if (*length > m_options.bodyLimit)
-            return refusals::bodyTooLarge;
-    }
     if (codings == 1) {
         if (message.version() == 10)
             return refusals::badRequest;

@@ -1,0 +1,52 @@
+#include "TestServer.h"
+
+#include <spdlog/logger.h>
+#include <spdlog/sinks/ostream_sink.h>
+
+namespace clockwell::server {
+
+HttpOptions TestServer::quickOptions()
+{
+    using std::chrono::milliseconds;
+    HttpOptions options;
+    options.workerThreads = 2;
+    options.headDeadline = milliseconds(400);
+    options.requestDeadline = milliseconds(600);
+    options.writeDeadline = milliseconds(500);
+    options.idleDeadline = milliseconds(400);
+    options.lingerDeadline = milliseconds(300);
+    options.stopDeadline = milliseconds(1500);
+    return options;
+}
+
+TestServer::TestServer(Handler handler, HttpOptions options)
+{
+    const auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(m_log);
+    options.logger = std::make_shared<spdlog::logger>("http-test", sink);
+    options.logger->set_pattern("%l %v");
+    m_server = std::make_unique<HttpServer>(options, std::move(handler));
+    m_server->start();
+}
+
+TestServer::~TestServer()
+{
+    m_server->stop();
+}
+
+std::string TestServer::log()
+{
+    m_server->stop();
+    return m_log.str();
+}
+
+Response TestServer::echo(const Request &request)
+{
+    std::string text = "method=" + request.method + "\npath=" + request.path + "\n";
+    for (const auto &[key, value] : request.query)
+        text += "query " + key + "=" + value + "\n";
+    text += "authorization=" + request.authorization + "\ntype=" + request.contentType +
+            "\nbody=" + request.body + "\nfrom=" + request.remoteAddress + "\n";
+    return {200, text, "text/plain", {}};
+}
+
+} // namespace clockwell::server

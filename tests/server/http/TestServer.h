@@ -1,0 +1,61 @@
+#pragma once
+
+#include "RawClient.h"
+#include "server/http/HttpServer.h"
+
+#include <future>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+
+namespace clockwell::server {
+
+/// A running server on a free port of loopback, whose log lines can be read.
+class TestServer
+{
+public:
+    static HttpOptions quickOptions(); ///< short deadlines
+
+    explicit TestServer(Handler handler = echo, HttpOptions options = quickOptions());
+    ~TestServer();
+
+    std::uint16_t port() const { return m_server->port(); }
+    HttpServer &server() { return *m_server; }
+    /// What was logged; stops the server first, so that it is all there.
+    std::string log();
+
+    /// Answers with what it got, one fact a line.
+    static Response echo(const Request &request);
+
+private:
+    std::ostringstream m_log;
+    std::unique_ptr<HttpServer> m_server;
+};
+
+/// Holds handlers up until it is opened, at most for five seconds.
+class Gate
+{
+public:
+    void open() { m_promise.set_value(); }
+    void pass() const { m_future.wait_for(std::chrono::seconds(5)); }
+
+private:
+    std::promise<void> m_promise;
+    std::shared_future<void> m_future = m_promise.get_future().share();
+};
+
+/// True as soon as `condition` is; false when it is not within two seconds.
+template <typename Condition>
+bool eventually(Condition condition)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+} // namespace clockwell::server
