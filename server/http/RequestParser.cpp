@@ -27,15 +27,19 @@ Refusal refusalFor(const boost::system::error_code &error)
     return error == http::error::body_limit ? refusals::bodyTooLarge : refusals::badRequest;
 }
 
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
 /// A request line that is well-formed but for the version's number: "HTTP/" digit "." digit (RFC 9112,
 /// section 2.3).
 bool namesAVersion(std::string_view head)
 {
     const std::string_view line = head.substr(0, head.find("\r\n"));
     const std::string_view version = line.substr(std::min(line.size(), line.rfind(' ') + 1));
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    return version.size() == 8 && version.substr(0, 5) == "HTTP/" && isDigit(version[5]) &&
-           version[6] == '.' && isDigit(version[7]);
+    return std::count(line.begin(), line.end(), ' ') == 2 && version.size() == 8 &&
+           version.substr(0, 5) == "HTTP/" && isDigit(version[5]) && version[6] == '.' && isDigit(version[7]);
 }
 
 } // namespace
@@ -115,6 +119,10 @@ std::optional<Refusal> RequestParser::checkFraming()
     const auto lengths = message.count(http::field::content_length);
     const auto codings = message.count(http::field::transfer_encoding);
     if (lengths > 1 || codings > 1 || lengths + codings > 1)
+        return refusals::badRequest;
+    // Beast would take "5, 5" for 5, as RFC 9112 allows; other implementations on the way may not.
+    const auto length = view(message[http::field::content_length]);
+    if (!std::all_of(length.begin(), length.end(), isDigit))
         return refusals::badRequest;
     if (codings == 1) {
         if (message.version() == 10)
