@@ -1,0 +1,37 @@
+#include "server/Application.h"
+
+#include "server/ApiError.h"
+#include "server/JsonReply.h"
+
+#include <spdlog/spdlog.h>
+
+namespace clockwell::server {
+
+Application::Application(Database &database, Clock clock, const Settings &settings)
+    : m_passwords(settings.passwordCost),
+      m_loginThrottle(settings.loginLimits, clock),
+      m_sessions(database, clock, settings.sessions),
+      m_punches(database, clock, settings.repeatWindow),
+      m_auth(database, m_passwords, m_loginThrottle, m_sessions),
+      m_attendance(database, m_sessions, m_punches, clock)
+{
+    m_router.add(m_auth.routes());
+    m_router.add(m_attendance.routes());
+}
+
+Response Application::handle(const Request &request) const
+{
+    try {
+        return m_router.dispatch(request);
+    } catch (const ApiError &error) {
+        return errorReply(error);
+    } catch (const DatabaseError &error) {
+        spdlog::error("database failed: {}, request={}", error.what(), request.requestId);
+        return errorReply(toApiError(error));
+    } catch (const std::exception &error) {
+        spdlog::error("request failed: {}, request={}", error.what(), request.requestId);
+        return errorReply({500, "INTERNAL_ERROR", "Something went wrong on the server. Please try again."});
+    }
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,135 @@
+#include "server/AttendanceEndpoints.h"
+
+#include "server/ApiError.h"
+#include "server/AttendanceJson.h"
+#include "server/BearerGuard.h"
+#include "server/BodyReader.h"
+#include "server/NumberText.h"
+
+#include <nlohmann/json.hpp>
+#include <spdlog/spdlog.h>
+
+#include <algorithm>
+#include <ranges>
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr double LargestLatitude = 90;
+constexpr double LargestLongitude = 180;
+constexpr std::size_t LongestPunchDeviceId = 128;
+
+/// The one value of a query parameter; empty when it is missing or given more than once.
+std::string queryValue(const Request &request, const std::string &key)
+{
+    return request.query.count(key) == 1 ? request.query.find(key)->second : std::string{};
+}
+
+double degrees(const Request &request, const std::string &key, double largest,
+               std::vector<std::string> &problems)
+{
+    const auto value = parseNumber(queryValue(request, key));
+    if (value && std::abs(*value) <= largest)
+        return *value;
+    problems.push_back(numberRule(key, -largest, largest));
+    return 0;
+}
+
+} // namespace
+
+std::vector<Route> AttendanceEndpoints::routes()
+{
+    return {
+        {"GET", "/api/attendance/today", [this](const Request &request) { return today(request); }},
+        {"GET", "/api/attendance/distance", [this](const Request &request) { return distance(request); }},
+        {"POST", "/api/attendance/punch", [this](const Request &request) { return punch(request); }},
+        {"GET", "/api/attendance/me", [this](const Request &request) { return history(request); }},
+        {"GET", "/api/attendance/me/summary", [this](const Request &request) { return summary(request); }},
+    };
+}
+
+Response AttendanceEndpoints::today(const Request &request)
+{
+    const Employee employee = requireEmployee(m_sessions, request);
+    return m_database.read([&](Connection &connection) {
+        const Office office = requireOffice(connection, employee.officeId);
+        const Day day = office.timeZone().dayOf(m_clock());
+        const bool open = isOpen(WorkCalendar{connection, employee, office, day, day}.factsOf(day));
+        const auto rows = findAttendance(connection, employee.id, day, day);
+        const auto worked = rows.empty() ? std::nullopt : std::optional{rows.front().worked()};
+        const NextPunch next = nextPunch(open, worked ? &*worked : nullptr);
+        Json body{{"workDate", toText(day)}, {"open", open}, {"office", officeJson(office)}};
+        if (!rows.empty())
+            body["record"] = recordJson(historyDay(rows.front(), day));
+        body["canCheckIn"] = next == NextPunch::CheckIn;
+        body["canCheckOut"] = next == NextPunch::CheckOut;
+        return jsonReply(body);
+    });
+}
+
+Response AttendanceEndpoints::distance(const Request &request)
+{
+    const Employee employee = requireEmployee(m_sessions, request);
+    std::vector<std::string> problems;
+    const double latitude = degrees(request, "lat", LargestLatitude, problems);
+    const double longitude = degrees(request, "lng", LargestLongitude, problems);
+    if (!problems.empty())
+        throw ApiError{400, "VALIDATION_FAILED", problems};
+    const Office office =
+        m_database.read([&](Connection &connection) { return requireOffice(connection, employee.officeId); });
+    const double meters = office.distanceTo(latitude, longitude);
+    return jsonReply({{"inside", meters <= static_cast<double>(office.radiusMeters)},
+                      {"distanceMeters", meters},
+                      {"radiusMeters", office.radiusMeters},
+                      {"office", office.name}});
+}
+
+Response AttendanceEndpoints::punch(const Request &request)
+{
+    const Employee employee = requireEmployee(m_sessions, request);
+    BodyReader body{request};
+    PunchClaim claim;
+    claim.latitude = body.number("lat", -LargestLatitude, LargestLatitude);
+    claim.longitude = body.number("lng", -LargestLongitude, LargestLongitude);
+    claim.accuracy = body.number("accuracy", 0);
+    claim.deviceId = body.text("deviceId", LongestPunchDeviceId);
+    claim.mockLocation = body.boolean("isMockLocation");
+    body.finish();
+    const PunchAnswer answer = m_punches.punch(employee, claim);
+    spdlog::info("punch answered, employee={} type={} request={}", employee.id, answer.type,
+                 request.requestId);
+    return jsonReply(punchJson(answer));
+}
+
+Response AttendanceEndpoints::history(const Request &request)
+{
+    const Employee employee = requireEmployee(m_sessions, request);
+    const auto days = m_database.read([&](Connection &connection) {
+        const Office office = requireOffice(connection, employee.officeId);
+        const Day today = office.timeZone().dayOf(m_clock());
+        return historyBetween(connection, employee, office, startOfHistory(today), today, today);
+    });
+    Json body = Json::array();
+    for (const HistoryDay &day : days | std::views::reverse)
+        body.push_back(recordJson(day));
+    return jsonReply(body);
+}
+
+Response AttendanceEndpoints::summary(const Request &request)
+{
+    const Employee employee = requireEmployee(m_sessions, request);
+    const auto month = parseMonth(queryValue(request, "month"));
+    if (!month)
+        throw ApiError{400, "VALIDATION_FAILED", "month must be a month like 2026-05."};
+    const auto days = m_database.read([&](Connection &connection) {
+        const Office office = requireOffice(connection, employee.officeId);
+        const Day today = office.timeZone().dayOf(m_clock());
+        return historyBetween(connection, employee, office, firstDayOf(*month), lastDayOf(*month), today);
+    });
+    std::vector<Assessment> assessments;
+    std::ranges::transform(days, std::back_inserter(assessments), &HistoryDay::assessment);
+    return jsonReply(summaryJson(*month, addUp(assessments)));
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "server/Sessions.h"
+#include "server/http/Message.h"
+
+namespace clockwell::server {
+
+/// The employee who sends a request, told by its bearer token (RFC 6750, section 2.1).
+/// Throws ApiError 401 when there is no valid one.
+Employee requireEmployee(Sessions &sessions, const Request &request);
+
+} // namespace clockwell::server

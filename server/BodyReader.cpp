@@ -1,0 +1,100 @@
+#include "server/BodyReader.h"
+
+#include "server/ApiError.h"
+#include "server/NumberText.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace clockwell::server {
+
+namespace {
+
+/// The media type without its parameters, in lower case.
+std::string mediaType(std::string_view contentType)
+{
+    std::string type{contentType.substr(0, contentType.find_first_of("; \t"))};
+    std::ranges::transform(type, type.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return type;
+}
+
+bool isControl(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7f;
+}
+
+} // namespace
+
+BodyReader::BodyReader(const Request &request)
+{
+    const std::string type = mediaType(request.contentType);
+    if (!type.empty() && type != "application/json")
+        throw ApiError{415, "UNSUPPORTED_MEDIA_TYPE", "The request body must be JSON (application/json)."};
+    m_body = nlohmann::json::parse(request.body, nullptr, false);
+    if (m_body.is_discarded())
+        throw ApiError{400, "BAD_JSON", "The request body is not valid JSON."};
+    if (!m_body.is_object())
+        throw ApiError{400, "BAD_JSON", "The request body must be a JSON object."};
+}
+
+const nlohmann::json *BodyReader::find(const char *key)
+{
+    const auto field = m_body.find(key);
+    if (field != m_body.end() && !field->is_null())
+        return &*field;
+    m_problems.push_back(std::string{key} + " is missing.");
+    return nullptr;
+}
+
+std::string BodyReader::text(const char *key, std::size_t longest)
+{
+    const auto *field = find(key);
+    if (field == nullptr)
+        return {};
+    const auto *value = field->get_ptr<const std::string *>();
+    if (value == nullptr)
+        m_problems.push_back(std::string{key} + " must be a text.");
+    else if (value->empty())
+        m_problems.push_back(std::string{key} + " must not be empty.");
+    else if (value->size() > longest)
+        m_problems.push_back(std::string{key} + " must not be longer than " + std::to_string(longest) +
+                             " characters.");
+    else if (std::ranges::any_of(*value, isControl))
+        m_problems.push_back(std::string{key} + " must not contain control characters.");
+    else
+        return *value;
+    return {};
+}
+
+double BodyReader::number(const char *key, double smallest, double largest)
+{
+    const auto *field = find(key);
+    if (field == nullptr)
+        return 0;
+    const double value = field->is_number() ? field->get<double>() : std::numeric_limits<double>::quiet_NaN();
+    if (value >= smallest && value <= largest)
+        return value;
+    m_problems.push_back(numberRule(key, smallest, largest));
+    return 0;
+}
+
+bool BodyReader::boolean(const char *key)
+{
+    const auto *field = find(key);
+    if (field == nullptr)
+        return false;
+    if (!field->is_boolean())
+        m_problems.push_back(std::string{key} + " must be true or false.");
+    return field->is_boolean() && field->get<bool>();
+}
+
+void BodyReader::finish() const
+{
+    if (!m_problems.empty())
+        throw ApiError{400, "VALIDATION_FAILED", m_problems};
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "server/ApiError.h"
+#include "server/DatabaseError.h"
+#include "server/http/Message.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace clockwell::server {
+
+/// Objects keep the order in which their keys were written.
+using Json = nlohmann::ordered_json;
+
+Response jsonReply(const Json &body, int status = 200);
+
+/// {"statusCode", "error", "message"}; `message` is an array of texts when there are several.
+Response errorReply(const ApiError &error);
+
+/// What a client is told when the database failed; nothing of the request was recorded.
+ApiError toApiError(const DatabaseError &error);
+
+} // namespace clockwell::server

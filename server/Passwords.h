@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <semaphore>
+#include <string>
+
+namespace clockwell::server {
+
+/// What one argon2id computation costs.
+struct PasswordCost
+{
+    unsigned long long passes = 2;
+    std::size_t bytes = 64ULL * 1024 * 1024; ///< about 50 ms on a desktop processor with two passes
+};
+
+/// Hashes and checks passwords with argon2id. Safe on several threads; only a few computations run at once,
+/// so that a burst of sign-ins cannot exhaust the machine's memory.
+class Passwords
+{
+public:
+    static constexpr std::size_t LongestPassword = 1024; ///< bytes
+
+    explicit Passwords(PasswordCost cost = {}, std::ptrdiff_t atOnce = 2);
+
+    /// The text to store; it names its own salt and cost. Throws ApiError 503 when the queue is too long.
+    std::string hash(const std::string &password);
+
+    /// Takes the same time for every `storedHash` of the same cost. Throws ApiError 503 when the queue is too
+    /// long.
+    bool matches(const std::string &storedHash, const std::string &password);
+
+    /// Spends the time of a check for an account that does not exist; always false.
+    bool matchesNobody(const std::string &password) { return matches(m_nobodysHash, password) && false; }
+
+private:
+    class Turn;
+
+    PasswordCost m_cost;
+    std::counting_semaphore<> m_turns;
+    std::string m_nobodysHash; // of a random password
+};
+
+} // namespace clockwell::server

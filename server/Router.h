@@ -1,0 +1,32 @@
+#pragma once
+
+#include "server/http/Message.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace clockwell::server {
+
+struct Route
+{
+    std::string method;
+    std::string path;
+    std::function<Response(const Request &)> handle;
+};
+
+/// Finds the handler for a request in a table. Paths are compared exactly.
+class Router
+{
+public:
+    void add(std::vector<Route> routes);
+
+    /// Throws ApiError 404 for a path that is not in the table and 405, with Allow, for one that is but not
+    /// with this method.
+    Response dispatch(const Request &request) const;
+
+private:
+    std::vector<Route> m_routes;
+};
+
+} // namespace clockwell::server

@@ -1,0 +1,86 @@
+#include "server/ServeCommand.h"
+
+#include "server/Application.h"
+#include "server/ListenAddress.h"
+#include "server/http/HttpServer.h"
+#include "server/http/StopSignal.h"
+
+#include <spdlog/spdlog.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace clockwell::server {
+
+namespace {
+
+HttpServer::Options httpOptions(const ServeCommandOptions &options)
+{
+    const auto listen = parseListenAddress(options.listen);
+    if (!listen)
+        throw std::runtime_error{
+            "\"" + options.listen +
+            "\" is not an address to listen on. Use the form 127.0.0.1:8460 or [::1]:8460."};
+    HttpServer::Options http;
+    http.address = listen->address;
+    http.port = listen->port;
+    http.certificateFile = options.certificateFile;
+    http.privateKeyFile = options.privateKeyFile;
+    return http;
+}
+
+Settings settingsOf(const ServeCommandOptions &options)
+{
+    Settings settings;
+    settings.loginLimits.attempts = options.loginAttempts;
+    settings.loginLimits.window = std::chrono::seconds{options.loginWindowSeconds};
+    settings.repeatWindow = std::chrono::seconds{options.repeatWindowSeconds};
+    return settings;
+}
+
+DatabaseOptions databaseOptions(const ServeCommandOptions &options)
+{
+    constexpr unsigned long long Megabyte = 1024ULL * 1024;
+    DatabaseOptions database;
+    database.maximumBytes = options.databaseLimitMegabytes * Megabyte;
+    return database;
+}
+
+/// Whoever waits for the file finds it complete or not at all.
+void writePortFile(const std::string &file, std::uint16_t port)
+{
+    const std::string unfinished = file + ".new";
+    {
+        std::ofstream stream{unfinished};
+        stream << port << '\n';
+        if (!stream.flush())
+            throw std::runtime_error{"The port file " + file + " cannot be written."};
+    }
+    std::filesystem::rename(unfinished, file);
+}
+
+} // namespace
+
+int runServe(const ServeCommandOptions &options)
+{
+    const HttpServer::Options http = httpOptions(options);
+    StopSignal stopSignal; // before any thread is started
+    Database database{options.database, databaseOptions(options)};
+    Application application{database, systemClock(), settingsOf(options)};
+    HttpServer server{http, [&application](const Request &request) { return application.handle(request); }};
+    server.start();
+    const bool encrypted = !http.certificateFile.empty();
+    spdlog::info("listening on {}:{} ({})", http.address, server.port(), encrypted ? "https" : "http");
+    if (!encrypted && !isLoopback(http.address))
+        spdlog::warn(
+            "passwords travel unencrypted: give --certificate and --private-key, or listen on 127.0.0.1"
+            " behind a proxy that encrypts");
+    if (!options.portFile.empty())
+        writePortFile(options.portFile, server.port());
+    const int signal = stopSignal.waitThenStop(server);
+    spdlog::info("stopped by signal {}", signal);
+    return 0;
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace clockwell::server {
+
+struct ServeCommandOptions
+{
+    std::string database;
+    std::string listen = "127.0.0.1:8460"; ///< ADDRESS:PORT; an IPv6 address in brackets
+    std::string certificateFile;
+    std::string privateKeyFile;
+    std::string portFile;                ///< empty: none is written
+    unsigned databaseLimitMegabytes = 0; ///< 0: no limit
+    unsigned loginAttempts = 5;
+    unsigned loginWindowSeconds = 900;
+    unsigned repeatWindowSeconds = 5;
+};
+
+/// `clockwell-server serve`: answers requests until SIGINT or SIGTERM. Returns the exit code; throws
+/// std::exception.
+int runServe(const ServeCommandOptions &options);
+
+} // namespace clockwell::server

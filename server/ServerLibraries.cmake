@@ -1,0 +1,20 @@
+# Imported targets for the libraries whose Debian packages bring no usable CMake files of their own.
+
+function(clockwell_import_library target header)
+    if(TARGET ${target})
+        return()
+    endif()
+    string(MAKE_C_IDENTIFIER "CLOCKWELL_${target}" name)
+    find_path(${name}_INCLUDE_DIR ${header} REQUIRED)
+    add_library(${target} INTERFACE IMPORTED)
+    target_include_directories(${target} INTERFACE "${${name}_INCLUDE_DIR}")
+    foreach(library IN LISTS ARGN)
+        find_library(${name}_${library}_LIBRARY ${library} REQUIRED)
+        target_link_libraries(${target} INTERFACE "${${name}_${library}_LIBRARY}")
+    endforeach()
+endfunction()
+
+clockwell_import_library(GeographicLib::GeographicLib GeographicLib/Geodesic.hpp GeographicLib)
+clockwell_import_library(Sodium::Sodium sodium.h sodium)
+clockwell_import_library(SOCI::core soci/soci.h soci_core)
+clockwell_import_library(SOCI::sqlite3 soci/sqlite3/soci-sqlite3.h soci_sqlite3 soci_core)
