@@ -1,0 +1,40 @@
+import QtQuick
+import Clockwell.Ui
+
+Row {
+    id: root
+
+    property string subtitle: ""
+
+    spacing: 12
+
+    Image {
+        id: logo
+        width: 46
+        height: 46
+        source: "qrc:/clockwell/AppLogo.png"
+    }
+
+    Column {
+        anchors.verticalCenter: parent.verticalCenter
+        width: root.width - logo.width - root.spacing
+        spacing: 2
+
+        TextLabel {
+            width: parent.width
+            text: "Qorvane"
+            size: 17
+            weight: Font.Bold
+            color: Theme.white
+            Accessible.role: Accessible.Heading
+        }
+
+        TextLabel {
+            width: parent.width
+            visible: text !== ""
+            text: root.subtitle
+            size: 12
+            color: Theme.textSecondary
+        }
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QVariantMap>
+
+class QDBusPendingCallWatcher;
+class QDBusVariant;
+
+namespace clockwell {
+
+class Theme;
+
+/// Carries the desktop's text size and its wish for reduced motion into the Theme: on Linux from the settings
+/// portal (org.freedesktop.portal.Settings), and again whenever they change. Where there is no portal the
+/// Theme keeps its defaults. Main thread; no call waits for the portal's answer.
+class DesktopPreferences : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The theme has to outlive this object.
+    explicit DesktopPreferences(Theme &theme, QObject *parent = nullptr);
+
+    /// Asks for the settings. Not done by the constructor, so that the first frame need not wait for a D-Bus
+    /// connection.
+    void start();
+
+private Q_SLOTS:
+    void takeAll(QDBusPendingCallWatcher *call);
+    void takeChange(const QString &group, const QString &key, const QDBusVariant &value);
+
+private:
+    void apply(const QString &group, const QString &key, const QVariant &value);
+
+    Theme &m_theme;
+};
+
+} // namespace clockwell

@@ -1,0 +1,60 @@
+#include "ImageNode.h"
+
+#include <QCache>
+#include <QPainter>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSGImageNode>
+
+#include <memory>
+
+namespace clockwell {
+
+namespace {
+
+constexpr qsizetype cacheBytes = 2 * 1024 * 1024;
+
+} // namespace
+
+size_t qHash(const ImageKey &key, size_t seed = 0)
+{
+    return qHashMulti(seed, key.name, key.pixels.width(), key.pixels.height(), key.color);
+}
+
+QImage cachedImage(const ImageKey &key, const std::function<void(QPainter &)> &paint)
+{
+    static QCache<ImageKey, QImage> cache(cacheBytes);
+    if (const QImage *known = cache.object(key)) {
+        return *known;
+    }
+    auto image = std::make_unique<QImage>(key.pixels, QImage::Format_ARGB32_Premultiplied);
+    image->fill(Qt::transparent);
+    QPainter painter(image.get());
+    painter.setRenderHint(QPainter::Antialiasing);
+    paint(painter);
+    painter.end();
+    const QImage result = *image;
+    cache.insert(key, image.release(), result.sizeInBytes());
+    return result;
+}
+
+QSGNode *updateImageNode(QSGNode *node, QQuickItem *item, qreal points, const QImage &image)
+{
+    if (image.isNull()) {
+        delete node;
+        return nullptr;
+    }
+    auto *imageNode = static_cast<QSGImageNode *>(node);
+    if (!imageNode) {
+        imageNode = item->window()->createImageNode();
+        imageNode->setOwnsTexture(true);
+        imageNode->setFiltering(QSGTexture::Linear);
+    }
+    imageNode->setTexture(item->window()->createTextureFromImage(image));
+    imageNode->setSourceRect(QRectF(image.rect()));
+    const QPointF corner((item->width() - points) / 2, (item->height() - points) / 2);
+    imageNode->setRect(QRectF(corner, QSizeF(points, points)));
+    return imageNode;
+}
+
+} // namespace clockwell

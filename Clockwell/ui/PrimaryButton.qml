@@ -1,0 +1,61 @@
+import QtQuick
+import Clockwell.Ui
+
+// The one clear thing to do on a screen. While `loading` or `disabled` it reacts to nothing.
+Pressable {
+    id: root
+
+    required property string title
+    property bool loading: false
+    property color color: Theme.brand
+    property bool disabled: false
+
+    enabled: !loading && !disabled
+    implicitWidth: parent?.width ?? 0
+    implicitHeight: label.height + 2 * 14
+
+    Accessible.role: Accessible.Button
+    Accessible.name: title
+    Accessible.focusable: true
+    Accessible.onPressAction: press()
+
+    ContinuousRectangle {
+        objectName: "fill"
+        anchors.fill: parent
+        radius: 12
+        color: root.color
+        opacity: root.enabled ? 1 : 0.5
+    }
+
+    ContinuousRectangle {
+        anchors.fill: parent
+        radius: 12
+        color: Theme.background
+        opacity: root.pressed ? 0.2 : 0
+    }
+
+    TextLabel {
+        id: label
+        x: 16
+        y: 14
+        width: root.width - 2 * x
+        text: root.title
+        weight: Font.DemiBold
+        color: Theme.white
+        horizontalAlignment: Text.AlignHCenter
+        opacity: root.loading ? 0 : 1
+        Accessible.ignored: true
+    }
+
+    Spinner {
+        anchors.centerIn: parent
+        visible: root.loading
+        color: Theme.white
+        still: Theme.reducedMotion
+    }
+
+    FocusRing {
+        shown: root.focusVisible
+        cornerRadius: 12
+    }
+}

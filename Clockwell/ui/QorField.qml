@@ -1,0 +1,112 @@
+import QtQuick
+import Clockwell.Ui
+
+// A one-line text field. `text` may be bound to a model; `textEdited` says when to write it back. `label` is what
+// assistive technology calls it: the text of the FieldLabel above.
+FocusScope {
+    id: root
+
+    required property string label
+    property string placeholder: ""
+    property alias text: input.text
+    property bool secure: false
+    property int keyboard: FieldTraits.DefaultKeyboard
+    property int textContentType: FieldTraits.NoContentType
+    property int autocap: FieldTraits.NoAutocap
+    property bool reveal: false
+    property alias maximumLength: input.maximumLength
+
+    signal textEdited
+    signal accepted
+
+    implicitWidth: parent?.width ?? 0
+    implicitHeight: input.implicitHeight + 2 * 12
+
+    FieldTraits {
+        id: traits
+        keyboard: root.keyboard
+        textContentType: root.textContentType
+        autocap: root.autocap
+        secure: root.secure
+    }
+
+    ContinuousRectangle {
+        anchors.fill: parent
+        radius: 11
+        color: Theme.surface
+        borderColor: Theme.divider
+        borderWidth: 1
+    }
+
+    TextInput {
+        id: input
+        objectName: "input"
+        x: 12
+        width: root.width - 24 - (root.secure ? reveal.width + 8 : 0)
+        height: root.height
+        focus: true
+        activeFocusOnTab: true
+        clip: true
+        selectByMouse: true
+        verticalAlignment: TextInput.AlignVCenter
+        color: Theme.textPrimary
+        selectionColor: Theme.brand
+        selectedTextColor: Theme.white
+        font.family: Theme.fontFamily
+        font.pixelSize: 17 * Theme.textScale
+        echoMode: root.secure && !root.reveal ? TextInput.Password : TextInput.Normal
+        inputMethodHints: traits.hints
+        onTextChanged: root.textEdited()
+        onAccepted: root.accepted()
+
+        Accessible.role: Accessible.EditableText
+        Accessible.name: root.label
+        Accessible.description: root.placeholder
+        Accessible.focusable: true
+        Accessible.editable: true
+        Accessible.passwordEdit: root.secure && !root.reveal
+    }
+
+    TextLabel {
+        anchors.fill: input
+        visible: input.text === "" && input.preeditText === ""
+        text: root.placeholder
+        color: Theme.textMuted
+        verticalAlignment: Text.AlignVCenter
+        wrapMode: Text.NoWrap
+        Accessible.ignored: true
+    }
+
+    Pressable {
+        id: reveal
+        objectName: "reveal"
+        anchors.verticalCenter: parent.verticalCenter
+        x: root.width - 12 - width
+        width: 22
+        height: 22
+        visible: root.secure
+        onTriggered: root.reveal = !root.reveal
+
+        Accessible.role: Accessible.Button
+        Accessible.name: root.reveal ? qsTr("Hide password") : qsTr("Show password")
+        Accessible.focusable: true
+        Accessible.onPressAction: press()
+
+        Symbol {
+            name: root.reveal ? "eye.slash" : "eye"
+            size: 22
+            color: Theme.textMuted
+        }
+
+        FocusRing {
+            shown: reveal.focusVisible
+            cornerRadius: 6
+        }
+    }
+
+    FocusRing {
+        shown: input.activeFocus
+        cornerRadius: 11
+        gap: 0
+    }
+}

@@ -1,0 +1,52 @@
+import QtQuick
+import Clockwell.Ui
+
+// One tab of the tab bar.
+Pressable {
+    id: root
+
+    required property string title
+    required property string symbol
+    property bool selected: false
+    readonly property color tint: selected ? Theme.brand : Theme.textMuted
+
+    implicitWidth: 96
+    implicitHeight: Math.max(49, content.height + 10)
+
+    Accessible.role: Accessible.PageTab
+    Accessible.name: title
+    Accessible.focusable: true
+    Accessible.selectable: true
+    Accessible.selected: selected
+    Accessible.onPressAction: press()
+
+    Column {
+        id: content
+        anchors.centerIn: parent
+        width: parent.width - 4
+        spacing: 2
+
+        Symbol {
+            anchors.horizontalCenter: parent.horizontalCenter
+            name: root.symbol
+            size: 24
+            color: root.tint
+        }
+
+        TextLabel {
+            width: parent.width
+            text: root.title
+            size: 10
+            weight: Font.Medium
+            color: root.tint
+            horizontalAlignment: Text.AlignHCenter
+            maximumLineCount: 1
+            Accessible.ignored: true
+        }
+    }
+
+    FocusRing {
+        shown: root.focusVisible
+        gap: -4
+    }
+}

@@ -1,0 +1,69 @@
+#include "Theme.h"
+
+#include "StatusVocabulary.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+
+#include <algorithm>
+
+namespace clockwell {
+
+QString Theme::fontFamily() const
+{
+    static const QString family = [] {
+#if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
+        if (QFontDatabase::hasFamily(QStringLiteral("Inter"))) {
+            return QStringLiteral("Inter");
+        }
+#endif
+        return QGuiApplication::font().family();
+    }();
+    return family;
+}
+
+QString Theme::monospacedFamily() const
+{
+    static const QString family = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+    return family;
+}
+
+void Theme::setTextScale(qreal scale)
+{
+    const qreal limited = std::clamp(scale, 0.5, 3.0);
+    if (!qFuzzyCompare(limited, m_textScale)) {
+        m_textScale = limited;
+        Q_EMIT textScaleChanged();
+    }
+}
+
+void Theme::setReducedMotion(bool reduced)
+{
+    if (reduced != m_reducedMotion) {
+        m_reducedMotion = reduced;
+        Q_EMIT reducedMotionChanged();
+    }
+}
+
+QColor Theme::statusColor(const QString &status) const
+{
+    return QColor::fromRgb(clockwell::statusColor(status));
+}
+
+QString Theme::statusLabel(const QString &status) const
+{
+    return clockwell::statusLabel(status);
+}
+
+qreal Theme::digitWidth(const QFont &font) const
+{
+    const QFontMetricsF metrics(font);
+    qreal widest = 0;
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit) {
+        widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
+    }
+    return widest;
+}
+
+} // namespace clockwell
