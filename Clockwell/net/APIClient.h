@@ -87,6 +87,7 @@ private:
         bool isRetry = false;
     };
     class Core;
+    class Worker;
 
     std::shared_ptr<ReplySlot> send(Call call);
     std::shared_ptr<ReplySlot> run(std::function<void()> work);

@@ -41,7 +41,8 @@ QString currentDeviceId(const QString &machineIdPath)
     const QByteArray machine = machineId(machineIdPath);
     if (machine.isEmpty())
         return QStringLiteral("ios-unknown");
-    // machine-id(5) asks never to send the id itself over a network, but a keyed hash of it, different for each application.
+    // machine-id(5) asks never to send the id itself over a network, but a keyed hash of it, different for
+    // each application.
     const QByteArray app = QByteArray::fromHex("5f0c9d1e6b7a4c3f8a2d41b7e0936c58");
     QByteArray id = QMessageAuthenticationCode::hash(app, machine, QCryptographicHash::Sha256).first(16);
     // RFC 4122, section 4.4: version 4, variant 1.

@@ -22,11 +22,18 @@ const SecretSchema schema = {
         {"account", SECRET_SCHEMA_ATTRIBUTE_STRING},
         {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING},
     },
-    0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+    0,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
 };
 
-
-/// Takes the error that a call reports and drops it: no session bus, no service, a locked keyring all read as "nothing".
+/// Takes the error that a call reports and drops it: no session bus, no service, a locked keyring all read as
+/// "nothing".
 class Ignored
 {
 public:
@@ -53,8 +60,8 @@ std::optional<QString> SecretServiceTokenStore::load(const QString &key) const
 {
     Ignored error;
     const std::unique_ptr<SecretValue, ValueUnref> value(
-        secret_password_lookup_binary_sync(&schema, nullptr, &error, "service", m_service.constData(), "account",
-                                           key.toUtf8().constData(), nullptr));
+        secret_password_lookup_binary_sync(&schema, nullptr, &error, "service", m_service.constData(),
+                                           "account", key.toUtf8().constData(), nullptr));
     if (!value)
         return std::nullopt;
     gsize length = 0;
@@ -80,8 +87,9 @@ void SecretServiceTokenStore::save(const QString &key, const std::optional<QStri
     const std::unique_ptr<SecretValue, ValueUnref> secret(
         secret_value_new(bytes.constData(), static_cast<gssize>(bytes.size()), "text/plain"));
     Ignored error;
-    secret_password_store_binary_sync(&schema, SECRET_COLLECTION_DEFAULT, "Clockwell", secret.get(), nullptr, &error,
-                                      "service", m_service.constData(), "account", account.constData(), nullptr);
+    secret_password_store_binary_sync(&schema, SECRET_COLLECTION_DEFAULT, "Clockwell", secret.get(), nullptr,
+                                      &error, "service", m_service.constData(), "account",
+                                      account.constData(), nullptr);
 }
 
 } // namespace clockwell

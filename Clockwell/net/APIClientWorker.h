@@ -1,0 +1,34 @@
+#pragma once
+
+#include "net/APIClient.h"
+#include "net/HttpTransport.h"
+#include "net/SessionRenewal.h"
+
+namespace clockwell {
+
+/// The part of the client that lives on its thread.
+class APIClient::Worker
+{
+public:
+    Worker(const Options &options, TokenStore &tokens, SessionEvents &events,
+           std::shared_ptr<SessionGuard> guard);
+
+    /// Carries a call through and finishes the slot with its outcome.
+    QCoro::Task<> serve(Call call, std::shared_ptr<ReplySlot> slot);
+    /// Ends everything in flight; what waits for it resumes from the thread's events.
+    void close() { m_transport.close(); }
+
+private:
+    QCoro::Task<HttpReply> send(std::shared_ptr<const Call> call, SessionGuard::Epoch epoch, bool isRetry);
+    QCoro::Task<HttpReply> answered(std::shared_ptr<const Call> call);
+    QNetworkRequest build(const Call &call) const;
+    void authorize(QNetworkRequest &request) const;
+
+    const QUrl m_baseURL;
+    TokenStore &m_tokens;
+    const std::shared_ptr<SessionGuard> m_guard;
+    HttpTransport m_transport;
+    SessionRenewal m_renewal;
+};
+
+} // namespace clockwell

@@ -1,0 +1,124 @@
+#include "net/HttpExchange.h"
+
+#include <QNetworkAccessManager>
+
+namespace clockwell {
+
+namespace {
+
+// What Qt may hold for us before we look at it; the connection's flow control does the rest.
+constexpr qint64 bufferBytes = 256 * 1024;
+
+/// Codes that merely repeat the HTTP status: those replies are complete and readable.
+bool isAboutStatus(QNetworkReply::NetworkError error)
+{
+    return (error >= QNetworkReply::ContentAccessDenied && error < QNetworkReply::ProtocolUnknownError) ||
+           error >= QNetworkReply::InternalServerError;
+}
+
+TransportError::Kind kindOf(QNetworkReply::NetworkError error)
+{
+    using Kind = TransportError::Kind;
+    switch (error) {
+    case QNetworkReply::ConnectionRefusedError:
+    case QNetworkReply::ProxyConnectionRefusedError:
+    case QNetworkReply::ProxyNotFoundError:
+        return Kind::CannotConnect;
+    case QNetworkReply::HostNotFoundError:
+        return Kind::HostNotFound;
+    case QNetworkReply::TimeoutError:
+    case QNetworkReply::ProxyTimeoutError:
+        return Kind::TimedOut;
+    case QNetworkReply::OperationCanceledError:
+        return Kind::Cancelled;
+    case QNetworkReply::SslHandshakeFailedError:
+        return Kind::UntrustedCertificate;
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::ProxyConnectionClosedError:
+    case QNetworkReply::UnknownNetworkError: // among others a TCP reset
+        return Kind::ConnectionLost;
+    default:
+        return Kind::Broken;
+    }
+}
+
+} // namespace
+
+HttpExchange::HttpExchange(std::unique_ptr<QNetworkAccessManager> ownManager, QNetworkReply *reply,
+                           const HttpLimits &limits)
+    : m_limits(limits), m_ownManager(std::move(ownManager)), m_reply(reply)
+{
+    reply->setReadBufferSize(bufferBytes);
+    connect(reply, &QNetworkReply::metaDataChanged, this, &HttpExchange::progress);
+    connect(reply, &QNetworkReply::uploadProgress, this, &HttpExchange::progress);
+    connect(reply, &QIODevice::readyRead, this, &HttpExchange::collect);
+    connect(reply, &QNetworkReply::finished, this, &HttpExchange::complete);
+    for (QTimer *timer : {&m_idle, &m_total}) {
+        timer->setSingleShot(true);
+        connect(timer, &QTimer::timeout, this, [this] { end(TransportError::Kind::TimedOut); });
+    }
+    m_idle.start(limits.idle);
+    m_total.start(limits.total);
+}
+
+HttpExchange::~HttpExchange()
+{
+    m_reply->disconnect(this);
+    m_reply->abort();
+}
+
+HttpReply HttpExchange::takeReply()
+{
+    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    return {status.isValid() ? std::optional(status.toInt()) : std::nullopt, std::move(m_body)};
+}
+
+void HttpExchange::progress()
+{
+    if (m_slot->isFinished())
+        return;
+    m_idle.start(m_limits.idle);
+    // A length that is announced too large is refused before a byte of the body is fetched.
+    if (m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > m_limits.replyBytes)
+        tooLarge();
+}
+
+void HttpExchange::collect()
+{
+    progress();
+    while (!m_slot->isFinished()) {
+        const qint64 room = m_limits.replyBytes - m_body.size();
+        const QByteArray piece = m_reply->read(std::min(bufferBytes, room + 1));
+        if (piece.isEmpty())
+            return;
+        m_body += piece;
+        if (piece.size() > room)
+            tooLarge();
+    }
+}
+
+void HttpExchange::complete()
+{
+    const QNetworkReply::NetworkError error = m_reply->error();
+    if (error != QNetworkReply::NoError && !isAboutStatus(error)) {
+        end(kindOf(error));
+        return;
+    }
+    collect();
+    m_idle.stop();
+    m_total.stop();
+    m_slot->finish();
+}
+
+void HttpExchange::end(TransportError::Kind kind)
+{
+    m_idle.stop();
+    m_total.stop();
+    m_slot->finish(std::make_exception_ptr(TransportError(kind)));
+    m_reply->disconnect(this);
+    m_reply->abort();
+}
+
+} // namespace clockwell

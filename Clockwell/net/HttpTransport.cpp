@@ -1,0 +1,115 @@
+#include "net/HttpTransport.h"
+
+#include <QHostAddress>
+#include <QNetworkProxy>
+
+namespace clockwell {
+
+namespace {
+
+bool isLoopback(const QUrl &url)
+{
+    return url.host() == QLatin1StringView("localhost") || QHostAddress(url.host()).isLoopback();
+}
+
+void prepare(QNetworkRequest &request)
+{
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    // Our own limit on the size after decompression is stricter than Qt's on the ratio.
+    request.setDecompressedSafetyCheckThreshold(-1);
+}
+
+/// A system proxy is of no use to reach this machine, and could not.
+void chooseProxy(QNetworkAccessManager &manager, const QUrl &url)
+{
+    if (isLoopback(url))
+        manager.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+}
+
+} // namespace
+
+HttpTransport::HttpTransport(std::unique_ptr<Reachability> reachability, HttpLimits limits)
+    : m_reachability(std::move(reachability)),
+      m_limits(limits),
+      m_manager(std::make_unique<QNetworkAccessManager>())
+{
+    connect(m_reachability.get(), &Reachability::changed, this, &HttpTransport::releaseWaiting);
+}
+
+HttpTransport::~HttpTransport() = default;
+
+QCoro::Task<HttpReply> HttpTransport::get(QNetworkRequest request)
+{
+    co_await online();
+    prepare(request);
+    chooseProxy(*m_manager, request.url());
+    co_return co_await exchange(std::make_unique<HttpExchange>(nullptr, m_manager->get(request), m_limits));
+}
+
+QCoro::Task<HttpReply> HttpTransport::post(QNetworkRequest request, QByteArray body)
+{
+    co_await online();
+    prepare(request);
+    // When a kept-alive connection closes without an answer, Qt silently sends the request again, a POST as
+    // well. Nothing can be kept alive in a manager of its own, so a punch or a renewal is sent once, whatever
+    // happens to the connection.
+    auto manager = std::make_unique<QNetworkAccessManager>();
+    chooseProxy(*manager, request.url());
+    QNetworkReply *reply = manager->sendCustomRequest(request, "POST", body);
+    co_return co_await exchange(std::make_unique<HttpExchange>(std::move(manager), reply, m_limits));
+}
+
+QCoro::Task<HttpReply> HttpTransport::exchange(std::unique_ptr<HttpExchange> running)
+{
+    m_running.insert(running.get());
+    std::exception_ptr failure;
+    try {
+        co_await running->finished();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    m_running.remove(running.get());
+    if (failure)
+        std::rethrow_exception(failure);
+    co_return running->takeReply();
+}
+
+QCoro::Task<> HttpTransport::online()
+{
+    if (!m_closed && m_reachability->isOffline()) {
+        const std::shared_ptr<ReplySlot> slot = ReplySlot::make();
+        m_waiting.append(slot);
+        QTimer limit;
+        limit.setSingleShot(true);
+        connect(&limit, &QTimer::timeout, this, [this, slot] {
+            m_waiting.removeOne(slot);
+            slot->finish(std::make_exception_ptr(TransportError(TransportError::Kind::Offline)));
+        });
+        limit.start(m_limits.total);
+        co_await slot->finished();
+    }
+    if (m_closed)
+        throw TransportError(TransportError::Kind::Cancelled);
+}
+
+void HttpTransport::releaseWaiting()
+{
+    if (!m_closed && m_reachability->isOffline())
+        return;
+    for (const auto &slot : std::exchange(m_waiting, {}))
+        slot->finish();
+}
+
+void HttpTransport::close()
+{
+    m_closed = true;
+    releaseWaiting();
+    const QSet<HttpExchange *> running = m_running;
+    for (HttpExchange *exchange : running)
+        exchange->cancel();
+}
+
+} // namespace clockwell
