@@ -2,13 +2,22 @@ import QtQuick
 import Clockwell.Ui
 
 // Above a QorField. Shown in upper case, read out as it is written.
-TextLabel {
+Item {
     id: root
 
+    required property string text
+
     implicitWidth: parent?.width ?? 0
-    size: 10
-    weight: Font.Medium
-    font.letterSpacing: 0.6
-    font.capitalization: Font.AllUppercase
-    color: Theme.textMuted
+    implicitHeight: label.height
+
+    TextLabel {
+        id: label
+        width: root.width
+        text: root.text
+        size: 10
+        weight: Font.Medium
+        font.letterSpacing: 0.6
+        font.capitalization: Font.AllUppercase
+        color: Theme.textMuted
+    }
 }

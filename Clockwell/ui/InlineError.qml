@@ -2,15 +2,21 @@ import QtQuick
 import Clockwell.Ui
 
 // What went wrong, where it went wrong. Announced when it appears.
-TextLabel {
+Item {
     id: root
 
     required property string message
 
     implicitWidth: parent?.width ?? 0
-    text: message
-    size: 13
-    color: Theme.danger
+    implicitHeight: label.height
 
-    Accessible.role: Accessible.AlertMessage
+    TextLabel {
+        id: label
+        width: root.width
+        text: root.message
+        size: 13
+        color: Theme.danger
+
+        Accessible.role: Accessible.AlertMessage
+    }
 }

@@ -5,10 +5,17 @@
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QQmlEngine>
 
 #include <algorithm>
 
 namespace clockwell {
+
+Theme *Theme::of(QQmlEngine &engine)
+{
+    const int type = qmlTypeId("Clockwell.Ui", 1, 0, "Theme");
+    return type < 0 ? nullptr : engine.singletonInstance<Theme *>(type);
+}
 
 QString Theme::fontFamily() const
 {

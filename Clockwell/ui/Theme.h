@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
+class QQmlEngine;
+
 namespace clockwell {
 
 /// The look that every screen shares: palette, type, spacing and motion. One object for each QML engine; the
@@ -42,6 +44,9 @@ class Theme : public QObject
 
 public:
     explicit Theme(QObject *parent = nullptr) : QObject(parent) {}
+
+    /// The engine's one theme, owned by it. Null while no QML file has imported this module.
+    static Theme *of(QQmlEngine &engine);
 
     QColor background() const { return QColor::fromRgb(palette::background); }
     QColor card() const { return QColor::fromRgb(palette::card); }
