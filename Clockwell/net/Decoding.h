@@ -24,4 +24,10 @@ T decode(const QByteArray &json)
     return decode<T>(std::string_view(json.constData(), static_cast<std::size_t>(json.size())));
 }
 
+template <class T>
+T decode(const char *json)
+{
+    return decode<T>(std::string_view(json));
+}
+
 } // namespace clockwell
