@@ -1,1 +1,68 @@
 #pragma once
+
+#include "account/AuthStore.h"
+#include "attendance/AttendanceStore.h"
+#include "attendance/LocationManager.h"
+#include "net/APIClient.h"
+#include "net/SessionEvents.h"
+
+#include <QObject>
+#include <QQmlApplicationEngine>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+#include <memory>
+
+class QQuickWindow;
+
+namespace clockwell {
+
+class LocationSource;
+
+/// The composition root: builds the object graph of the process once, shows the window, starts the restoring of the
+/// session and reacts to its expiry. Main thread only; needs a QGuiApplication that outlives it.
+class ClockwellApp : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Built by main()")
+    Q_PROPERTY(clockwell::AuthStore *auth READ auth CONSTANT)
+
+public:
+    /// What differs between a phone, a desktop and a test.
+    struct Parts
+    {
+        APIClient::Options client;
+        std::unique_ptr<TokenStore> tokens;
+        /// Called for each signed-in stretch, on first need.
+        std::function<std::unique_ptr<LocationSource>()> makeLocationSource;
+    };
+    /// The parts of this platform, with the base URL that was configured.
+    static Parts platformParts();
+
+    explicit ClockwellApp(Parts parts);
+    ~ClockwellApp() override;
+
+    /// Loads the interface, shows it and starts to restore the session. False when the interface does not load.
+    bool show();
+    /// The app's window; null before show(). Owned by this object.
+    QQuickWindow *window() const;
+
+    AuthStore *auth() { return &m_auth; }
+    SessionEvents &sessionEvents() { return m_sessionEvents; }
+
+    /// New services for one signed-in stretch; they live as long as `owner`.
+    Q_INVOKABLE clockwell::AttendanceStore *newAttendanceStore(QObject *owner);
+    Q_INVOKABLE clockwell::LocationManager *newLocationManager(QObject *owner);
+
+private:
+    // In the order of dependence: what is declared later goes first.
+    std::unique_ptr<TokenStore> m_tokens;
+    std::function<std::unique_ptr<LocationSource>()> m_makeLocationSource;
+    SessionEvents m_sessionEvents;
+    APIClient m_api;
+    AuthStore m_auth;
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+};
+
+} // namespace clockwell

@@ -1,2 +1,68 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
-Item {}
+import Clockwell
+import Clockwell.Account
+import Clockwell.Attendance
+import Clockwell.Ui
+
+// The signed-in interface. It owns the attendance store of this signed-in stretch.
+Item {
+    id: tabs
+
+    required property ClockwellApp app
+    readonly property AttendanceStore attendance: app.newAttendanceStore(tabs)
+    readonly property LocationManager location: app.newLocationManager(tabs)
+    property int selected: 0
+
+    ScreenBackground {
+        anchors.fill: parent
+    }
+
+    Item {
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: parent.top
+            bottom: bar.top
+        }
+
+        TabPage {
+            selected: tabs.selected === 0
+            sourceComponent: HomeView {
+                attendance: tabs.attendance
+                location: tabs.location
+                fullName: tabs.app.auth.fullName
+            }
+        }
+        TabPage {
+            selected: tabs.selected === 1
+            sourceComponent: HistoryView {
+                attendance: tabs.attendance
+            }
+        }
+        TabPage {
+            selected: tabs.selected === 2
+            sourceComponent: SummaryView {
+                attendance: tabs.attendance
+            }
+        }
+        TabPage {
+            selected: tabs.selected === 3
+            sourceComponent: ProfileView {
+                auth: tabs.app.auth
+            }
+        }
+    }
+
+    MainTabBar {
+        id: bar
+        anchors {
+            left: parent.left
+            right: parent.right
+            bottom: parent.bottom
+        }
+        selected: tabs.selected
+        onSelect: index => tabs.selected = index
+    }
+}

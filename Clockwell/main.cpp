@@ -1,14 +1,17 @@
-#include "account/AuthStore.h"
+#include "ClockwellApp.h"
+
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
+#include <QIcon>
+
+using namespace Qt::StringLiterals;
 
 int main(int argc, char **argv)
 {
-    QGuiApplication app(argc, argv);
-    clockwell::AuthStore auth;
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.setInitialProperties({{QStringLiteral("auth"), QVariant::fromValue(&auth)}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Clockwell/RootView.qml")));
-    return engine.rootObjects().isEmpty() ? 1 : app.exec();
+    QGuiApplication application(argc, argv);
+    QGuiApplication::setApplicationName(u"clockwell"_s);
+    QGuiApplication::setApplicationDisplayName(u"Clockwell"_s);
+    QGuiApplication::setDesktopFileName(u"io.clockwell.app"_s);
+
+    clockwell::ClockwellApp app(clockwell::ClockwellApp::platformParts());
+    return app.show() ? QGuiApplication::exec() : 1;
 }

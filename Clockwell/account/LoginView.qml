@@ -1,9 +1,131 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-Item {
+FormPage {
     id: view
+
     required property AuthStore auth
-    TextLabel { text: view.auth.fullName; anchors.centerIn: parent }
+
+    signal forgotPassword(email: string)
+    signal enterCode(email: string)
+    signal createAccount()
+
+    LoginViewModel {
+        id: model
+        auth: view.auth
+    }
+
+    BrandHeader {
+        width: parent.width
+        subtitle: "Sign in to mark attendance"
+    }
+
+    Column {
+        width: parent.width
+        spacing: 6
+
+        FieldLabel {
+            width: parent.width
+            text: "Email"
+        }
+
+        QorField {
+            id: emailField
+            width: parent.width
+            label: "Email"
+            placeholder: "name@example.org"
+            keyboard: FieldTraits.EmailKeyboard
+            textContentType: FieldTraits.UserName
+            onTextEdited: model.email = text
+            onAccepted: passwordField.forceActiveFocus()
+        }
+
+        FieldLabel {
+            width: parent.width
+            text: "Password"
+        }
+
+        QorField {
+            id: passwordField
+            width: parent.width
+            label: "Password"
+            placeholder: "••••••••"
+            secure: true
+            textContentType: FieldTraits.Password
+            onTextEdited: model.password = text
+            onAccepted: model.signIn()
+        }
+
+        Item {
+            width: parent.width
+            height: forgot.y + forgot.height
+
+            LinkText {
+                id: forgot
+                y: 4
+                size: 13
+                text: "Forgot password?"
+                onTriggered: view.forgotPassword(model.email)
+            }
+        }
+
+        Item {
+            width: parent.width
+            height: failure.y + failure.height
+            visible: model.failed
+
+            InlineError {
+                id: failure
+                y: 6
+                width: parent.width
+                message: model.error
+            }
+        }
+
+        Item {
+            width: parent.width
+            height: enterCode.y + enterCode.height
+            visible: model.needsVerification
+
+            LinkText {
+                id: enterCode
+                y: 2
+                size: 13
+                weight: Font.DemiBold
+                color: Theme.warning
+                text: "Enter verification code"
+                onTriggered: view.enterCode(model.email)
+            }
+        }
+
+        PrimaryButton {
+            width: parent.width
+            title: "Sign in"
+            loading: model.loading
+            disabled: model.incomplete
+            onTriggered: model.signIn()
+        }
+    }
+
+    Row {
+        anchors.horizontalCenter: parent.horizontalCenter
+        spacing: 4
+        topPadding: 4
+
+        TextLabel {
+            size: 14
+            color: Theme.textMuted
+            text: "New here?"
+        }
+
+        LinkText {
+            size: 14
+            weight: Font.DemiBold
+            text: "Create an account"
+            onTriggered: view.createAccount()
+        }
+    }
 }

@@ -1,0 +1,9 @@
+import QtQuick
+import Clockwell.Ui
+import Clockwell.Account
+
+NavigationPage {
+    required property string prefillEmail
+
+    title: "Forgot password"
+}

@@ -1,0 +1,9 @@
+import QtQuick
+import Clockwell.Ui
+import Clockwell.Account
+
+TitledPage {
+    required property AuthStore auth
+
+    title: "Profile"
+}

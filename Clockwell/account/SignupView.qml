@@ -1,0 +1,7 @@
+import QtQuick
+import Clockwell.Ui
+import Clockwell.Account
+
+NavigationPage {
+    title: "Sign up"
+}

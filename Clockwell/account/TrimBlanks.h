@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+namespace clockwell {
+
+/// The text without leading and trailing blanks: tabs and Unicode space separators (category Zs). Line breaks stay.
+QString trimBlanks(const QString &text);
+
+} // namespace clockwell

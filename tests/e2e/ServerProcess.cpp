@@ -1,0 +1,111 @@
+#include "ServerProcess.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace clockwell::test {
+
+namespace {
+
+constexpr int startLimitMs = 30'000;
+constexpr int stopLimitMs = 10'000;
+
+QString textOf(const QByteArray &bytes)
+{
+    return QString::fromUtf8(bytes).trimmed();
+}
+
+} // namespace
+
+ServerProcess::ServerProcess(QString binary, QString directory)
+    : m_binary(std::move(binary)),
+      m_directory(std::move(directory))
+{
+}
+
+ServerProcess::~ServerProcess()
+{
+    stop();
+}
+
+QString ServerProcess::database() const
+{
+    return QDir(m_directory).filePath(u"demo.db"_s);
+}
+
+bool ServerProcess::fillDatabase(QString *error)
+{
+    for (const auto *suffix : {"", "-wal", "-shm"})
+        QFile::remove(database() + QLatin1String(suffix));
+    QProcess demo;
+    demo.start(m_binary, {u"demo"_s, u"--database"_s, database(), u"--json"_s});
+    if (!demo.waitForFinished(startLimitMs) || demo.exitCode() != 0) {
+        *error = u"The demo database could not be made: "_s + textOf(demo.readAllStandardError());
+        return false;
+    }
+    const auto said = QJsonDocument::fromJson(demo.readAllStandardOutput()).object();
+    m_demo = {said["email"_L1].toString(), said["password"_L1].toString(), said["office"_L1].toString(),
+              said["latitude"_L1].toDouble(), said["longitude"_L1].toDouble()};
+    return !m_demo.email.isEmpty();
+}
+
+bool ServerProcess::start(QString *error)
+{
+    QDir().mkpath(m_directory);
+    if (!fillDatabase(error))
+        return false;
+    const QString portFile = QDir(m_directory).filePath(u"port"_s);
+    QFile::remove(portFile);
+    m_process.setStandardErrorFile(QDir(m_directory).filePath(u"server.log"_s));
+    m_process.setStandardOutputFile(QProcess::nullDevice());
+    m_process.start(m_binary, {u"serve"_s, u"--database"_s, database(), u"--listen"_s, u"127.0.0.1:0"_s,
+                               u"--port-file"_s, portFile});
+    const bool listening = QTest::qWaitFor(
+        [&] {
+            QFile file(portFile);
+            if (file.open(QIODevice::ReadOnly))
+                m_port = textOf(file.readAll()).toInt();
+            return m_port != 0 || m_process.state() == QProcess::NotRunning;
+        },
+        startLimitMs);
+    if (!listening || m_port == 0)
+        *error = u"The server did not start; its log is in "_s + m_directory;
+    return m_port != 0;
+}
+
+void ServerProcess::stop()
+{
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    m_process.terminate();
+    if (!m_process.waitForFinished(stopLimitMs))
+        m_process.kill();
+    m_process.waitForFinished(stopLimitMs);
+}
+
+QList<QStringList> ServerProcess::rows(const QString &sql) const
+{
+    sqlite3 *connection = nullptr;
+    QList<QStringList> rows;
+    if (sqlite3_open_v2(database().toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+        const auto take = [](void *target, int count, char **values, char **) {
+            QStringList row;
+            for (int column = 0; column < count; ++column)
+                row.append(QString::fromUtf8(values[column])); // NULL gives an empty text
+            static_cast<QList<QStringList> *>(target)->append(row);
+            return 0;
+        };
+        sqlite3_exec(connection, sql.toUtf8().constData(), take, &rows, nullptr);
+    }
+    sqlite3_close(connection);
+    return rows;
+}
+
+} // namespace clockwell::test

@@ -1,0 +1,96 @@
+#include "ClockwellApp.h"
+#include "ServerProcess.h"
+#include "Tour.h"
+#include "attendance/LocationSource.h"
+#include "net/SecretServiceTokenStore.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QTextStream>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using clockwell::ClockwellApp;
+using clockwell::test::ScreenDriver;
+using clockwell::test::ServerProcess;
+using clockwell::test::Tour;
+
+bool nothingToDo(ScreenDriver &)
+{
+    return true;
+}
+
+void walk(Tour &tour, const ServerProcess::Demo &demo)
+{
+    tour.step(u"The app starts without a session"_s, nothingToDo, u"Sign in to mark attendance"_s);
+    tour.step(
+        u"A wrong password is refused"_s,
+        [&](ScreenDriver &screen) {
+            return screen.type(u"Email"_s, demo.email) && screen.type(u"Password"_s, u"not the password"_s)
+                && screen.click(u"Sign in"_s);
+        },
+        u"The e-mail or the password is wrong"_s);
+    tour.step(
+        u"The demo employee signs in"_s,
+        [&](ScreenDriver &screen) {
+            return screen.retype(u"Password"_s, demo.password) && screen.click(u"Sign in"_s);
+        },
+        u"Hours "_s);
+    tour.step(u"The office and the geofence are known"_s, nothingToDo, u"Inside geofence"_s);
+    tour.step(
+        u"Check in"_s, [](ScreenDriver &screen) { return screen.click(u"Check In"_s); }, u"Checked in at "_s);
+    tour.step(u"The day shows the check-in"_s, nothingToDo, u"Check Out"_s);
+    for (const auto &tab : {u"History"_s, u"Summary"_s, u"Profile"_s, u"Attendance"_s}) {
+        tour.step(
+            u"The %1 tab"_s.arg(tab),
+            [&](ScreenDriver &screen) { return screen.click(tab, QAccessible::PageTab); }, tab);
+    }
+}
+
+bool printRow(const ServerProcess &server, const QString &email)
+{
+    const auto rows = server.rows(
+        u"SELECT e.email, a.work_date, p.type, datetime(p.at / 1000, 'unixepoch') || 'Z', p.latitude, p.longitude,"
+        " p.accuracy, round(p.distance, 1) FROM punches p JOIN attendance a ON a.id = p.attendance_id"
+        " JOIN employees e ON e.id = a.employee_id WHERE e.email = '%1' ORDER BY p.at DESC LIMIT 1"_s.arg(email));
+    QTextStream out(stdout);
+    if (rows.size() != 1 || rows.first().value(2) != u"IN"_s) {
+        out << "FAILED: the server recorded no check-in" << Qt::endl;
+        return false;
+    }
+    out << "The server recorded (employee, day, type, time, latitude, longitude, accuracy, distance):\n   "
+        << rows.first().join(u" | "_s) << Qt::endl;
+    return true;
+}
+
+} // namespace
+
+// clockwell_tour SERVER DIRECTORY: the real app against the real server, driven by real input events.
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    const auto arguments = QGuiApplication::arguments();
+    if (arguments.size() != 3) {
+        QTextStream(stderr) << "usage: clockwell_tour SERVER-BINARY OUTPUT-DIRECTORY" << Qt::endl;
+        return 2;
+    }
+    ServerProcess server(arguments[1], arguments[2]);
+    QString error;
+    if (!server.start(&error)) {
+        QTextStream(stderr) << error << Qt::endl;
+        return 1;
+    }
+    const auto &demo = server.demo();
+    qputenv("CLOCKWELL_SIMULATED_LOCATION",
+            u"%1,%2,8"_s.arg(demo.latitude, 0, 'f', 7).arg(demo.longitude, 0, 'f', 7).toUtf8());
+    ClockwellApp::Parts parts = ClockwellApp::platformParts();
+    parts.client.baseURL = server.baseUrl();
+    ClockwellApp app(std::move(parts));
+    if (!app.show())
+        return 1;
+    Tour tour(app.window(), arguments[2]);
+    walk(tour, demo);
+    return !tour.failed() && printRow(server, demo.email) ? 0 : 1;
+}
