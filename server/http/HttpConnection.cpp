@@ -64,13 +64,17 @@ HttpConnection::HttpConnection(Stream::Socket socket, ServerContext &context, bo
     m_stream.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
 }
 
-awaitable<void> HttpConnection::run(std::shared_ptr<HttpConnection> self)
+// g++ 12 lays out a coroutine's frame wrongly (and the program crashes) when it awaits within a condition. So
+// every result here is given a name before it is looked at.
+
+awaitable<void> HttpConnection::run()
 {
-    if (co_await self->handshake()) {
-        co_await self->serveRequests();
-        co_await self->close();
+    const bool secured = co_await handshake();
+    if (secured) {
+        co_await serveRequests();
+        co_await close();
     }
-    self->cutOff();
+    cutOff();
 }
 
 awaitable<bool> HttpConnection::handshake()
@@ -92,7 +96,8 @@ awaitable<void> HttpConnection::serveRequests()
         co_return;
     }
     do {
-        if (!co_await awaitRequest())
+        const bool arrived = co_await awaitRequest();
+        if (!arrived)
             co_return;
         co_await serveRequest();
         m_firstRequest = false;
@@ -102,7 +107,7 @@ awaitable<void> HttpConnection::serveRequests()
 bool HttpConnection::nothingArrived()
 {
     boost::system::error_code error;
-    return m_buffer.empty() && (m_stream.socket().available(error) == 0 || error);
+    return (m_idle || m_buffer.empty()) && (m_stream.socket().available(error) == 0 || error);
 }
 
 void HttpConnection::stopSoon()
@@ -153,16 +158,18 @@ awaitable<void> HttpConnection::serveRequest()
 
 awaitable<Response> HttpConnection::answer()
 {
-    if (const auto refusal = co_await readHead())
-        co_return refuse(*refusal);
+    const auto headRefusal = co_await readHead();
+    if (headRefusal)
+        co_return refuse(*headRefusal);
     m_keepAlive = m_parser->keepAlive();
     if (auto response = answerAtOnce()) {
         // A body that nobody reads would be taken for the next request.
         m_keepAlive = m_keepAlive && m_parser->complete();
         co_return std::move(*response);
     }
-    if (const auto refusal = co_await readBody())
-        co_return refuse(*refusal);
+    const auto bodyRefusal = co_await readBody();
+    if (bodyRefusal)
+        co_return refuse(*bodyRefusal);
     m_deadline.clear();
     Request request = m_parser->takeRequest();
     request.remoteAddress = m_remoteAddress;
@@ -218,7 +225,8 @@ awaitable<std::optional<Refusal>> HttpConnection::fillParser(bool (RequestParser
             co_return std::nullopt;
         if (used > 0 && !m_buffer.empty())
             continue;
-        if (!co_await readSome())
+        const bool arrived = co_await readSome();
+        if (!arrived)
             co_return m_deadline.expired() ? refusals::timeout : refusals::cutShort;
     }
 }

@@ -15,7 +15,7 @@ namespace clockwell::server {
 
 /// One connection: reads a request, has it answered, writes the answer, and again, one request at a time;
 /// what the peer sends meanwhile waits in the socket. Lives on the I/O thread, as long as its run() does.
-class HttpConnection : public std::enable_shared_from_this<HttpConnection>
+class HttpConnection
 {
 public:
     using Clock = std::chrono::steady_clock;
@@ -23,7 +23,8 @@ public:
     /// `context` must outlive the connection. A connection over the limit answers 503 without reading.
     HttpConnection(Stream::Socket socket, ServerContext &context, bool overLimit);
 
-    static boost::asio::awaitable<void> run(std::shared_ptr<HttpConnection> self);
+    /// Ends with the connection; the caller keeps the object alive until then.
+    boost::asio::awaitable<void> run();
 
     /// The server stops: ends an idle connection now, a busy one after the answer under way.
     void stopSoon();
@@ -59,7 +60,7 @@ private:
     Deadline m_deadline;
     std::string m_remoteAddress;
     std::string m_throttleKey;
-    std::string m_buffer; // bytes read and not yet used; may hold further requests
+    std::string m_buffer; // bytes read and not yet used, and while reading room for more
     std::string m_requestId;
     Clock::time_point m_requestStart{};
     std::optional<RequestParser> m_parser;

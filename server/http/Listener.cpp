@@ -74,7 +74,7 @@ void Listener::admit(Stream::Socket socket)
     const auto connection =
         std::make_shared<HttpConnection>(std::move(socket), m_context, m_connections.size() >= limit);
     m_connections.insert(connection);
-    asio::co_spawn(m_acceptor.get_executor(), HttpConnection::run(connection),
+    asio::co_spawn(m_acceptor.get_executor(), connection->run(),
                    [this, connection](std::exception_ptr error) { ended(connection, error); });
 }
 

@@ -1,0 +1,186 @@
+#include "TestServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace clockwell::server {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+/// Sends `bytes` one by one, each `pause` after the other, until the server has had enough; returns the time
+/// it took.
+milliseconds drip(RawClient &client, std::string_view bytes, milliseconds pause)
+{
+    const auto start = Clock::now();
+    for (const char byte : bytes) {
+        if (!client.send({&byte, 1}) || client.closesWithin(pause))
+            break;
+        if (Clock::now() - start > std::chrono::seconds(3))
+            break;
+    }
+    return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
+
+} // namespace
+
+TEST(HttpSlowClientTest, HeaderThatStopsHalfwayIsTimedOut)
+{
+    TestServer server;
+    RawClient client(server.port());
+    const auto start = Clock::now();
+    const auto response = client.exchange("GET / HTTP/1.1\r\nHost: x\r\n");
+    EXPECT_EQ(response.status, 408);
+    EXPECT_EQ(response.body, R"({"statusCode":408,"error":"REQUEST_TIMEOUT",)"
+                             R"("message":"The request took too long to arrive."})");
+    EXPECT_GE(Clock::now() - start, milliseconds(390));
+    EXPECT_LT(Clock::now() - start, milliseconds(1500));
+    EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
+}
+
+TEST(HttpSlowClientTest, HeaderThatDripsIsTimedOutAllTheSame)
+{
+    TestServer server;
+    RawClient client(server.port());
+    const auto time = drip(client, get("/", "X: " + std::string(1000, 'a')), milliseconds(20));
+    EXPECT_GE(time, milliseconds(390));
+    EXPECT_LT(time, milliseconds(1500));
+    EXPECT_EQ(client.receive().status, 408);
+}
+
+TEST(HttpSlowClientTest, BodyThatStopsHalfwayIsTimedOut)
+{
+    TestServer server;
+    RawClient client(server.port());
+    const auto start = Clock::now();
+    EXPECT_EQ(client.exchange("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf").status, 408);
+    EXPECT_GE(Clock::now() - start, milliseconds(590));
+    EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
+}
+
+TEST(HttpSlowClientTest, BodyThatDripsIsTimedOutAllTheSame)
+{
+    std::atomic<int> handled{0};
+    TestServer server([&handled](const Request &request) {
+        ++handled;
+        return TestServer::echo(request);
+    });
+    RawClient client(server.port());
+    client.send("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 1000\r\n\r\n");
+    const auto time = drip(client, std::string(1000, 'b'), milliseconds(20));
+    EXPECT_GE(time, milliseconds(590));
+    EXPECT_LT(time, milliseconds(1700));
+    EXPECT_EQ(client.receive().status, 408);
+    EXPECT_EQ(handled, 0) << "half a request reaches no handler";
+}
+
+TEST(HttpSlowClientTest, DeadlineOfTheSecondRequestStartsWithIt)
+{
+    HttpOptions options = TestServer::quickOptions();
+    options.idleDeadline = std::chrono::seconds(5);
+    TestServer server(TestServer::echo, options);
+    RawClient client(server.port());
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(client.exchange(post("/", "a")).status, 200);
+        std::this_thread::sleep_for(milliseconds(450)); // longer than the header deadline
+    }
+    EXPECT_EQ(client.exchange(get("/")).status, 200);
+}
+
+TEST(HttpSlowClientTest, SlowHandlerIsNotTheClientsFault)
+{
+    TestServer server([](const Request &request) {
+        std::this_thread::sleep_for(milliseconds(900)); // longer than any deadline for the client
+        return TestServer::echo(request);
+    });
+    EXPECT_EQ(RawClient(server.port()).exchange(post("/", "a")).status, 200);
+}
+
+TEST(HttpSlowClientTest, ConnectionWithoutARequestIsClosedSilently)
+{
+    TestServer server;
+    RawClient client(server.port());
+    const auto start = Clock::now();
+    EXPECT_TRUE(client.closesWithin(milliseconds(1500)));
+    EXPECT_GE(Clock::now() - start, milliseconds(390));
+}
+
+TEST(HttpSlowClientTest, IdleKeptAliveConnectionIsClosedSilently)
+{
+    TestServer server;
+    RawClient client(server.port());
+    ASSERT_EQ(client.exchange(get("/")).status, 200);
+    const auto start = Clock::now();
+    EXPECT_TRUE(client.closesWithin(milliseconds(1500)));
+    EXPECT_GE(Clock::now() - start, milliseconds(390));
+}
+
+TEST(HttpSlowClientTest, HalfSentBodyAtTheEndOfTheStreamIsABadRequest)
+{
+    TestServer server;
+    RawClient client(server.port());
+    client.send("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf");
+    client.endOutput();
+    const auto response = client.receive();
+    EXPECT_EQ(response.status, 400);
+    EXPECT_EQ(response.body, R"({"statusCode":400,"error":"BAD_REQUEST",)"
+                             R"("message":"The request ended before it was complete."})");
+}
+
+TEST(HttpSlowClientTest, ResetsAtEveryStageLeaveTheServerServing)
+{
+    TestServer server([](const Request &) { return Response{200, std::string(500'000, 'r'), "a/b", {}}; });
+    const std::string request = post("/", "0123456789");
+    for (std::size_t sent = 0; sent <= request.size(); ++sent) {
+        RawClient client(server.port());
+        client.send(std::string_view(request).substr(0, sent));
+        client.reset();
+    }
+    EXPECT_EQ(RawClient(server.port()).exchange(request).status, 200);
+}
+
+TEST(HttpSlowClientTest, ReaderThatDoesNotReadIsCutOff)
+{
+    HttpOptions options = TestServer::quickOptions();
+    options.maxConnections = 1;
+    TestServer server(
+        [](const Request &) {
+            return Response{200, std::string(20'000'000, 'r'), "a/b", {}};
+        },
+        options);
+    RawClient client(server.port(), 4096);
+    const auto start = Clock::now();
+    client.send(get("/"));
+    // The one place is free again only when the slow reader was thrown out.
+    std::this_thread::sleep_for(milliseconds(100));
+    EXPECT_EQ(RawClient(server.port()).exchange(get("/health")).status, 503);
+    EXPECT_TRUE(
+        eventually([&server] { return RawClient(server.port()).exchange(get("/health")).status == 200; }));
+    EXPECT_GE(Clock::now() - start, milliseconds(490));
+    EXPECT_LT(client.receiveAll().size(), 20'000'000U);
+}
+
+TEST(HttpSlowClientTest, ReaderThatReadsGetsALargeAnswerWhole)
+{
+    TestServer server([](const Request &) { return Response{200, std::string(20'000'000, 'r'), "a/b", {}}; });
+    EXPECT_EQ(RawClient(server.port()).exchange(get("/")).body.size(), 20'000'000U);
+}
+
+TEST(HttpSlowClientTest, ManyDrippingConnectionsDoNotHinderOthers)
+{
+    TestServer server;
+    std::vector<std::unique_ptr<RawClient>> dripping;
+    for (int i = 0; i < 200; ++i) {
+        dripping.push_back(std::make_unique<RawClient>(server.port()));
+        dripping.back()->send("GET / HTTP/1.1\r\nX: ");
+    }
+    const auto start = Clock::now();
+    EXPECT_EQ(RawClient(server.port()).exchange(get("/")).status, 200);
+    EXPECT_LT(Clock::now() - start, milliseconds(300));
+}
+
+} // namespace clockwell::server
