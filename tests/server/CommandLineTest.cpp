@@ -1,0 +1,163 @@
+#include "HttpClient.h"
+#include "ServerProcess.h"
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <set>
+
+namespace clockwell::server::test {
+
+namespace {
+
+constexpr const char *DemoPunch =
+    R"({"lat":54.1234,"lng":9.5678,"accuracy":8,"deviceId":"dev-1","isMockLocation":false})";
+
+std::string signIn(std::uint16_t port, const std::string &password = "Clockwell-2026",
+                   const std::string &email = "demo@clockwell.example")
+{
+    const Reply reply =
+        send(port, "POST", "/api/auth/login", "",
+             nlohmann::json{{"email", email}, {"password", password}, {"deviceId", "dev-1"}}.dump());
+    return reply.status == 200 ? reply.json().at("accessToken").get<std::string>() : std::string{};
+}
+
+bool contains(const std::string &text, const std::string &part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST(CommandLineTest, HelpExplainsTheCommands)
+{
+    const ProcessResult general = runServer({"--help"});
+    EXPECT_EQ(general.exitCode, 0);
+    EXPECT_TRUE(contains(general.output, "serve"));
+    EXPECT_TRUE(contains(general.output, "demo"));
+    const ProcessResult serve = runServer({"serve", "--help"});
+    EXPECT_EQ(serve.exitCode, 0);
+    for (const char *option : {"--database", "--listen", "--certificate", "--private-key", "--port-file"})
+        EXPECT_TRUE(contains(serve.output, option)) << option;
+}
+
+TEST(CommandLineTest, WrongUsageIsTwo)
+{
+    EXPECT_EQ(runServer({}).exitCode, 2);
+    EXPECT_EQ(runServer({"sing"}).exitCode, 2);
+    EXPECT_EQ(runServer({"serve"}).exitCode, 2);
+    EXPECT_EQ(runServer({"demo", "--database", "x.db", "--now", "2026-01-01T00:00:00Z"}).exitCode, 2);
+    const ProcessResult lone = runServer({"serve", "--database", "x.db", "--certificate", "c.pem"});
+    EXPECT_EQ(lone.exitCode, 2);
+    EXPECT_TRUE(contains(lone.errors, "--private-key"));
+}
+
+TEST(CommandLineTest, FailuresAreOneAndSayWhy)
+{
+    const TempFolder folder;
+    const ProcessResult address =
+        runServer({"serve", "--database", folder.file("a.db"), "--listen", "somewhere"});
+    EXPECT_EQ(address.exitCode, 1);
+    EXPECT_TRUE(contains(address.errors, "127.0.0.1:8460"));
+    const ProcessResult missing = runServer({"demo", "--database", folder.file("none/a.db")});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_TRUE(contains(missing.errors, "No such file or directory"));
+    const ProcessResult zone =
+        runServer({"demo", "--database", folder.file("a.db"), "--time-zone", "Nowhere"});
+    EXPECT_EQ(zone.exitCode, 1);
+    EXPECT_TRUE(contains(zone.errors, "Europe/Berlin"));
+}
+
+TEST(CommandLineTest, AddressInUseIsAFailure)
+{
+    const TempFolder folder;
+    const ServerProcess server{folder.file("a.db")};
+    ASSERT_NE(server.port(), 0);
+    const ProcessResult second = runServer({"serve", "--database", folder.file("b.db"), "--listen",
+                                            "127.0.0.1:" + std::to_string(server.port())});
+    EXPECT_EQ(second.exitCode, 1);
+    EXPECT_FALSE(second.errors.empty());
+}
+
+TEST(CommandLineTest, TerminationIsOrderly)
+{
+    const TempFolder folder;
+    ServerProcess server{folder.file("a.db")};
+    ASSERT_NE(server.port(), 0);
+    EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
+    EXPECT_EQ(server.terminate(), 0);
+}
+
+TEST(DemoTest, PrintsHowToTryItAndIsIdempotent)
+{
+    const TempFolder folder;
+    const ProcessResult first =
+        runServer({"demo", "--database", folder.file("a.db"), "--time-zone", "Asia/Kolkata"});
+    EXPECT_EQ(first.exitCode, 0);
+    for (const char *fact : {"demo@clockwell.example", "Clockwell-2026", "Head Office", "Asia/Kolkata",
+                             "54.1234,9.5678", "150 m"})
+        EXPECT_TRUE(contains(first.output, fact)) << fact;
+    const std::string content = readFile(folder.file("a.db"));
+    const ProcessResult second = runServer({"demo", "--database", folder.file("a.db")});
+    EXPECT_EQ(second.exitCode, 0);
+    EXPECT_TRUE(contains(second.output, "was left as it is"));
+    EXPECT_TRUE(contains(second.output, "Clockwell-2026"));
+    EXPECT_EQ(readFile(folder.file("a.db")), content);
+}
+
+TEST(DemoTest, UnknownPasswordIsNotClaimedToWork)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db"), "--password", "Another-Word-9"});
+    const ProcessResult second = runServer({"demo", "--database", folder.file("a.db")});
+    EXPECT_FALSE(contains(second.output, "Clockwell-2026"));
+}
+
+TEST(DemoTest, FreshStartsOver)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db"), "--password", "Another-Word-9"});
+    const ProcessResult fresh = runServer({"demo", "--database", folder.file("a.db"), "--fresh"});
+    EXPECT_EQ(fresh.exitCode, 0);
+    EXPECT_TRUE(contains(fresh.output, "Filled"));
+    const ServerProcess server{folder.file("a.db")};
+    EXPECT_FALSE(signIn(server.port()).empty());
+    EXPECT_TRUE(signIn(server.port(), "Another-Word-9").empty());
+}
+
+TEST(DemoTest, CoversEveryStatusAndLeavesTodayOpenAtAnyHour)
+{
+    // Somewhere it is early, somewhere late: today's check-in works at any hour.
+    for (const char *zone : {"UTC", "Pacific/Kiritimati", "Pacific/Pago_Pago", "America/New_York"}) {
+        const TempFolder folder;
+        runServer({"demo", "--database", folder.file("a.db"), "--time-zone", zone});
+        const ServerProcess server{folder.file("a.db")};
+        const std::string token = signIn(server.port());
+        ASSERT_FALSE(token.empty());
+        const auto today = send(server.port(), "GET", "/api/attendance/today", token).json();
+        EXPECT_EQ(today.at("open"), true);
+        EXPECT_FALSE(today.contains("record"));
+        const auto history = send(server.port(), "GET", "/api/attendance/me", token).json();
+        EXPECT_EQ(history.size(), 61U);
+        std::map<std::string, int> count;
+        for (const auto &record : history)
+            ++count[record.at("status")];
+        for (const char *status : {"ON_TIME", "LATE", "HALF_DAY", "ABSENT", "MISSING_CHECK_OUT", "ON_LEAVE"})
+            EXPECT_GE(count[status], 2) << status;
+        EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type"),
+                  "IN");
+    }
+}
+
+TEST(DemoTest, ManagersMaySignInToo)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db")});
+    const ServerProcess server{folder.file("a.db")};
+    for (const char *email : {"manager@clockwell.example", "admin@clockwell.example"})
+        EXPECT_FALSE(signIn(server.port(), "Clockwell-2026", email).empty()) << email;
+}
+
+} // namespace clockwell::server::test

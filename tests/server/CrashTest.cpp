@@ -1,0 +1,78 @@
+#include "ServerProcess.h"
+#include "World.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace clockwell::server::test {
+
+TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
+{
+    constexpr int People = 60;
+    const TempFolder folder;
+    const std::string file = folder.file("a.db");
+    {
+        Database database{file};
+        database.write([](Connection &connection) {
+            connection.execute(
+                "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Works', 'W')");
+        });
+        addOffice(database, {});
+        for (int i = 0; i < People; ++i)
+            addEmployee(database,
+                        {.id = "e" + std::to_string(i), .email = std::to_string(i) + "@example.org"});
+    }
+    ServerProcess server{file};
+    ASSERT_NE(server.port(), 0);
+    std::vector<std::string> tokens;
+    for (int i = 0; i < People; ++i)
+        tokens.push_back(send(server.port(), "POST", "/api/auth/login", "",
+                              nlohmann::json{{"email", std::to_string(i) + "@example.org"},
+                                             {"password", "Correct-Horse-7"},
+                                             {"deviceId", "d"}}
+                                  .dump())
+                             .json()
+                             .at("accessToken"));
+    std::vector<char> acknowledged(People, 0);
+    std::atomic<int> next = 0;
+    std::atomic<int> answers = 0;
+    std::vector<std::thread> clients;
+    for (int client = 0; client < 4; ++client)
+        clients.emplace_back([&] {
+            for (int i = next++; i < People; i = next++) {
+                const Reply reply = send(server.port(), "POST", "/api/attendance/punch",
+                                         tokens[static_cast<std::size_t>(i)], punchBody(48.0, 11.0, 5, "d"));
+                acknowledged[static_cast<std::size_t>(i)] = reply.status == 200 ? 1 : 0;
+                ++answers;
+            }
+        });
+    for (int waited = 0; answers < People / 4 && waited < 10'000; ++waited)
+        std::this_thread::sleep_for(std::chrono::milliseconds{1});
+    server.kill(); // in the middle of punches
+    for (std::thread &client : clients)
+        client.join();
+    Database database{file};
+    EXPECT_EQ(database.read([](Connection &connection) {
+        return connection.value<std::string>("PRAGMA integrity_check");
+    }),
+              "ok");
+    int promised = 0;
+    for (int i = 0; i < People; ++i) {
+        const auto punches = database.read([&](Connection &connection) {
+            return connection.value<long long>(
+                "SELECT COUNT(*) FROM punches p JOIN attendance a ON a.id = p.attendance_id"
+                " WHERE a.employee_id = :id",
+                "e" + std::to_string(i));
+        });
+        promised += acknowledged[static_cast<std::size_t>(i)];
+        EXPECT_GE(punches, acknowledged[static_cast<std::size_t>(i)]) << i;
+        EXPECT_LE(punches, 1) << i;
+    }
+    EXPECT_GE(promised, People / 4 - 4);
+    EXPECT_LT(promised, People); // the kill came in time
+}
+
+} // namespace clockwell::server::test

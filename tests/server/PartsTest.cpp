@@ -1,0 +1,129 @@
+#include "World.h"
+
+#include "server/ApiError.h"
+#include "server/ListenAddress.h"
+#include "server/NumberText.h"
+#include "server/Tokens.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+namespace clockwell::server::test {
+
+TEST(TokensTest, AreLongRandomAndUrlSafe)
+{
+    std::set<std::string> tokens;
+    for (int i = 0; i < 100; ++i) {
+        const std::string token = newToken();
+        EXPECT_EQ(token.size(), 43U);
+        EXPECT_TRUE(std::ranges::all_of(token, [](unsigned char c) {
+            return std::isalnum(c) != 0 || c == '-' || c == '_';
+        })) << token;
+        tokens.insert(token);
+    }
+    EXPECT_EQ(tokens.size(), 100U);
+}
+
+TEST(TokensTest, HashIsBlake2b)
+{
+    EXPECT_EQ(tokenHash(""), "0e5751c026e543b2e8ab2eb06099daa1d1e5df47778f7787faab45cdf12fe3a8");
+    EXPECT_NE(tokenHash("a"), tokenHash("b"));
+}
+
+TEST(TokensTest, IdsAreRandomUuids)
+{
+    const std::string id = newId();
+    EXPECT_EQ(id.size(), 36U);
+    EXPECT_EQ(id[14], '4');
+    EXPECT_NE(std::string{"89ab"}.find(id[19]), std::string::npos);
+    EXPECT_NE(id, newId());
+}
+
+TEST(PasswordsTest, HashesAreSaltedArgon2idOfTheGivenCost)
+{
+    Passwords passwords;
+    const std::string hash = passwords.hash("secret");
+    EXPECT_EQ(hash.find("$argon2id$v=19$m=65536,t=2,p=1$"), 0U);
+    EXPECT_NE(hash, passwords.hash("secret"));
+    EXPECT_TRUE(passwords.matches(hash, "secret"));
+    EXPECT_FALSE(passwords.matches(hash, "Secret"));
+}
+
+TEST(PasswordsTest, NobodyIsNeverMatched)
+{
+    Passwords passwords{CheapCost};
+    EXPECT_FALSE(passwords.matchesNobody(""));
+    EXPECT_FALSE(passwords.matchesNobody("secret"));
+}
+
+TEST(PasswordsTest, BrokenStoredHashMatchesNothing)
+{
+    Passwords passwords{CheapCost};
+    EXPECT_FALSE(passwords.matches("", ""));
+    EXPECT_FALSE(passwords.matches("secret", "secret"));
+}
+
+TEST(LoginThrottleTest, ForgetsTheOneIdleForLongestWhenFull)
+{
+    Instant now{};
+    LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{100}, .entries = 2},
+                           [&] { return now; }};
+    throttle.begin("a", "x");
+    now += std::chrono::seconds{1};
+    throttle.begin("b", "x");
+    now += std::chrono::seconds{1};
+    throttle.begin("c", "x"); // forgets a
+    EXPECT_THROW(throttle.begin("c", "x"), ApiError);
+    throttle.begin("a", "x"); // forgets b
+    EXPECT_THROW(throttle.begin("c", "x"), ApiError);
+}
+
+TEST(LoginThrottleTest, CountsEachAddressOnItsOwn)
+{
+    LoginThrottle throttle{{.attempts = 1}, [] { return Instant{}; }};
+    throttle.begin("a", "x");
+    throttle.begin("a", "y");
+    EXPECT_THROW(throttle.begin("a", "x"), ApiError);
+}
+
+TEST(LoginThrottleTest, ShortWaitsAreSaidInSeconds)
+{
+    Instant now{};
+    LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
+    throttle.begin("a", "x");
+    now += std::chrono::milliseconds{59'001};
+    try {
+        throttle.begin("a", "x");
+        FAIL();
+    } catch (const ApiError &error) {
+        EXPECT_STREQ(error.what(), "Too many attempts to sign in. Please try again in 1 second.");
+    }
+}
+
+TEST(ListenAddressTest, ReadsBothFamilies)
+{
+    EXPECT_EQ(parseListenAddress("127.0.0.1:8460")->address, "127.0.0.1");
+    EXPECT_EQ(parseListenAddress("127.0.0.1:8460")->port, 8460);
+    EXPECT_EQ(parseListenAddress("[::1]:0")->address, "::1");
+    EXPECT_EQ(parseListenAddress("[::1]:0")->port, 0);
+}
+
+TEST(ListenAddressTest, RefusesOtherForms)
+{
+    for (const char *text :
+         {"", "8460", ":8460", "127.0.0.1", "127.0.0.1:", "127.0.0.1:65536", "127.0.0.1:-1", "127.0.0.1:http",
+          "::1:8460", "[::1]", "[127.0.0.1]:1", "127.0.0.1:84 60"})
+        EXPECT_FALSE(parseListenAddress(text)) << text;
+}
+
+TEST(NumberTextTest, ReadsWholeFiniteDecimalsOnly)
+{
+    EXPECT_EQ(parseNumber("-12.5"), -12.5);
+    EXPECT_EQ(parseNumber("1e3"), 1000);
+    for (const char *text : {"", " 1", "1 ", "+1", "0x10", "1,5", "nan", "inf", "1e999", "--1"})
+        EXPECT_FALSE(parseNumber(text)) << text;
+}
+
+} // namespace clockwell::server::test

@@ -1,0 +1,73 @@
+#include "World.h"
+
+#include <spdlog/sinks/ostream_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace clockwell::server::test {
+
+namespace {
+
+/// Collects everything that is logged while it exists.
+class LogCatcher
+{
+public:
+    LogCatcher() : m_previous(spdlog::default_logger())
+    {
+        auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(m_stream);
+        auto logger = std::make_shared<spdlog::logger>("caught", sink);
+        logger->set_level(spdlog::level::trace);
+        spdlog::set_default_logger(logger);
+    }
+    ~LogCatcher() { spdlog::set_default_logger(m_previous); }
+    LogCatcher(const LogCatcher &) = delete;
+    LogCatcher &operator=(const LogCatcher &) = delete;
+
+    std::string text() const { return m_stream.str(); }
+
+private:
+    std::shared_ptr<spdlog::logger> m_previous;
+    std::ostringstream m_stream;
+};
+
+} // namespace
+
+TEST(SecretsTest, NeitherFilesNorLogHoldASecret)
+{
+    const LogCatcher log;
+    std::vector<std::string> secrets{"Correct-Horse-7", "Wrong-Horse-8"};
+    std::string files;
+    {
+        World world;
+        addOffice(world.database(), {});
+        addEmployee(world.database(), {});
+        world.login("kim@example.org", "Wrong-Horse-8");
+        const auto login = world.login().json();
+        const auto renewed =
+            world.post("/api/auth/refresh", nlohmann::json{{"refreshToken", login.at("refreshToken")}}.dump())
+                .json();
+        for (const auto &pair : {login, renewed}) {
+            secrets.push_back(pair.at("accessToken"));
+            secrets.push_back(pair.at("refreshToken"));
+        }
+        EXPECT_EQ(world.punch(renewed.at("accessToken")).status, 200);
+        world.advance(std::chrono::minutes{1});
+        world.post("/api/auth/refresh", nlohmann::json{{"refreshToken", login.at("refreshToken")}}.dump());
+        for (const char *suffix : {"", "-wal"})
+            files += readFile(world.databaseFile() + suffix);
+    }
+    ASSERT_NE(files.find("kim@example.org"), std::string::npos); // it is the right file
+    ASSERT_NE(log.text().find("punch answered"), std::string::npos);
+    ASSERT_NE(log.text().find("session revoked"), std::string::npos);
+    for (const std::string &secret : secrets) {
+        EXPECT_EQ(files.find(secret), std::string::npos) << secret;
+        EXPECT_EQ(log.text().find(secret), std::string::npos) << secret;
+    }
+    for (const char *personal : {"kim@example.org", "48.000", "$argon2"})
+        EXPECT_EQ(log.text().find(personal), std::string::npos) << personal;
+}
+
+} // namespace clockwell::server::test

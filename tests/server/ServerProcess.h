@@ -1,0 +1,40 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace clockwell::server::test {
+
+struct ProcessResult
+{
+    int exitCode = -1; ///< -1 when it was ended by a signal
+    std::string output;
+    std::string errors;
+};
+
+/// Runs the server program to its end, with a limit of twenty seconds.
+ProcessResult runServer(const std::vector<std::string> &arguments);
+
+/// The server program while it serves; killed with the object if it still runs.
+class ServerProcess
+{
+public:
+    /// Starts it on a free port and waits until it listens, at most ten seconds.
+    explicit ServerProcess(const std::string &database, std::vector<std::string> more = {});
+    ~ServerProcess();
+    ServerProcess(const ServerProcess &) = delete;
+    ServerProcess &operator=(const ServerProcess &) = delete;
+
+    std::uint16_t port() const { return m_port; } ///< 0 when it did not start
+    void kill();                                  ///< SIGKILL, and waits for the end
+    int terminate();                              ///< SIGTERM; returns the exit code
+
+private:
+    pid_t m_process = -1;
+    std::uint16_t m_port = 0;
+};
+
+} // namespace clockwell::server::test
