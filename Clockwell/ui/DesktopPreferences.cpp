@@ -31,30 +31,58 @@ struct Setting
     void (*apply)(Theme &theme, const QVariant &value);
 };
 
-// "reduced-motion" is 1 where animations are unwanted, "enable-animations" false, the duration factor 0.
+void applyTextScale(Theme &theme, const QVariant &value)
+{
+    bool isNumber = false;
+    const double scale = value.toDouble(&isNumber);
+    if (isNumber) {
+        theme.setTextScale(scale);
+    }
+}
+
+void applyAnimations(Theme &theme, const QVariant &value)
+{
+    if (value.typeId() == QMetaType::Bool) {
+        theme.setReducedMotion(!value.toBool());
+    }
+}
+
+// A factor on every animation's duration, written as text.
+void applyDurationFactor(Theme &theme, const QVariant &value)
+{
+    bool isNumber = false;
+    const double factor = value.toDouble(&isNumber);
+    if (isNumber) {
+        theme.setReducedMotion(qFuzzyIsNull(factor));
+    }
+}
+
+// 1: reduced motion is preferred; every other number: no preference.
+void applyReducedMotion(Theme &theme, const QVariant &value)
+{
+    if (value.typeId() == QMetaType::UInt) {
+        theme.setReducedMotion(value.toUInt() == 1);
+    }
+}
+
 constexpr auto settings = std::to_array<Setting>({
-    {u"org.gnome.desktop.interface", u"text-scaling-factor",
-     [](Theme &theme, const QVariant &value) { theme.setTextScale(value.toDouble()); }},
-    {u"org.gnome.desktop.interface", u"enable-animations",
-     [](Theme &theme, const QVariant &value) { theme.setReducedMotion(!value.toBool()); }},
-    {u"org.kde.kdeglobals.KDE", u"AnimationDurationFactor",
-     [](Theme &theme, const QVariant &value) { theme.setReducedMotion(qFuzzyIsNull(value.toDouble())); }},
-    {u"org.freedesktop.appearance", u"reduced-motion",
-     [](Theme &theme, const QVariant &value) { theme.setReducedMotion(value.toUInt() == 1); }},
+    {u"org.gnome.desktop.interface", u"text-scaling-factor", applyTextScale},
+    {u"org.gnome.desktop.interface", u"enable-animations", applyAnimations},
+    {u"org.kde.kdeglobals.KDE", u"AnimationDurationFactor", applyDurationFactor},
+    {u"org.freedesktop.appearance", u"reduced-motion", applyReducedMotion},
 });
 
 } // namespace
 
 DesktopPreferences::DesktopPreferences(Theme &theme, QObject *parent) : QObject(parent), m_theme(theme) {}
 
-void DesktopPreferences::start()
+void DesktopPreferences::start(const QDBusConnection &bus)
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;
     }
-    bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
-                SLOT(takeChange(QString, QString, QDBusVariant)));
+    QDBusConnection(bus).connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+                                 SLOT(takeChange(QString, QString, QDBusVariant)));
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     QStringList groups;
     for (const Setting &setting : settings) {

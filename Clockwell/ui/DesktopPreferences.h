@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusConnection>
 #include <QObject>
 #include <QVariantMap>
 
@@ -22,8 +23,8 @@ public:
     explicit DesktopPreferences(Theme &theme, QObject *parent = nullptr);
 
     /// Asks for the settings. Not done by the constructor, so that the first frame need not wait for a D-Bus
-    /// connection.
-    void start();
+    /// connection: to be called when that frame has been shown.
+    void start(const QDBusConnection &bus = QDBusConnection::sessionBus());
 
 private Q_SLOTS:
     void takeAll(QDBusPendingCallWatcher *call);

@@ -38,7 +38,7 @@ QImage cachedImage(const ImageKey &key, const std::function<void(QPainter &)> &p
     return result;
 }
 
-QSGNode *updateImageNode(QSGNode *node, QQuickItem *item, qreal points, const QImage &image)
+QSGNode *updateImageNode(QSGNode *node, QQuickItem *item, const QImage &image)
 {
     if (image.isNull()) {
         delete node;
@@ -52,8 +52,10 @@ QSGNode *updateImageNode(QSGNode *node, QQuickItem *item, qreal points, const QI
     }
     imageNode->setTexture(item->window()->createTextureFromImage(image));
     imageNode->setSourceRect(QRectF(image.rect()));
-    const QPointF corner((item->width() - points) / 2, (item->height() - points) / 2);
-    imageNode->setRect(QRectF(corner, QSizeF(points, points)));
+    const qreal ratio = item->window()->effectiveDevicePixelRatio();
+    const QSizeF free = item->size() * ratio - image.size();
+    const QPointF corner(qRound(free.width() / 2), qRound(free.height() / 2));
+    imageNode->setRect(QRectF(corner / ratio, QSizeF(image.size()) / ratio));
     return imageNode;
 }
 

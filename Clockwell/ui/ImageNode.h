@@ -26,9 +26,9 @@ struct ImageKey
 /// updatePaintNode(), where the main thread waits, so that the one cache needs no lock.
 QImage cachedImage(const ImageKey &key, const std::function<void(QPainter &)> &paint);
 
-/// The scene-graph node that shows a square image of this many points a side in the middle of the item:
+/// The scene-graph node that shows an image in the middle of the item, one pixel of it on one of the screen:
 /// `node` with its texture replaced, or a new one. A null image gives no node. The scene graph owns the
 /// result.
-QSGNode *updateImageNode(QSGNode *node, QQuickItem *item, qreal points, const QImage &image);
+QSGNode *updateImageNode(QSGNode *node, QQuickItem *item, const QImage &image);
 
 } // namespace clockwell

@@ -26,6 +26,7 @@ FocusScope {
             x: 4
             anchors.verticalCenter: parent.verticalCenter
             symbol: "chevron.left"
+            size: 22 * Math.min(Theme.textScale, 1.5)
             label: qsTr("Back")
             color: Theme.brand
             onTriggered: root.back()

@@ -23,15 +23,8 @@ Pressable {
         objectName: "fill"
         anchors.fill: parent
         radius: 12
-        color: root.color
+        color: root.pressed ? Qt.darker(root.color, 1.15) : root.color
         opacity: root.enabled ? 1 : 0.5
-    }
-
-    ContinuousRectangle {
-        anchors.fill: parent
-        radius: 12
-        color: Theme.background
-        opacity: root.pressed ? 0.2 : 0
     }
 
     TextLabel {
@@ -50,6 +43,7 @@ Pressable {
     Spinner {
         anchors.centerIn: parent
         visible: root.loading
+        size: 20 * Theme.textScale
         color: Theme.white
         still: Theme.reducedMotion
     }

@@ -53,7 +53,8 @@ FocusScope {
         selectionColor: Theme.brand
         selectedTextColor: Theme.white
         font.family: Theme.fontFamily
-        font.pixelSize: 17 * Theme.textScale
+        font.pixelSize: Math.round(17 * Theme.textScale)
+        passwordCharacter: "•"
         echoMode: root.secure && !root.reveal ? TextInput.Password : TextInput.Normal
         inputMethodHints: traits.hints
         onTextChanged: root.textEdited()
@@ -82,8 +83,8 @@ FocusScope {
         objectName: "reveal"
         anchors.verticalCenter: parent.verticalCenter
         x: root.width - 12 - width
-        width: 22
-        height: 22
+        width: icon.width
+        height: icon.height
         visible: root.secure
         onTriggered: root.reveal = !root.reveal
 
@@ -93,8 +94,9 @@ FocusScope {
         Accessible.onPressAction: press()
 
         Symbol {
+            id: icon
             name: root.reveal ? "eye.slash" : "eye"
-            size: 22
+            size: 22 * Theme.textScale
             color: Theme.textMuted
         }
 

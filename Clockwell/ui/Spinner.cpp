@@ -72,15 +72,15 @@ void Spinner::setStill(bool still)
 
 QSGNode *Spinner::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
-    const int pixels = qCeil(m_size * window()->effectiveDevicePixelRatio());
+    const int pixels = qRound(m_size * window()->effectiveDevicePixelRatio());
     if (pixels <= 0) {
-        return updateImageNode(node, this, m_size, {});
+        return updateImageNode(node, this, {});
     }
     const QString name = QStringLiteral("spinner %1").arg(m_step);
     const QImage image = cachedImage({name, {pixels, pixels}, m_color.rgba()}, [&](QPainter &painter) {
         paintSpokes(painter, pixels, m_step, m_color);
     });
-    return updateImageNode(node, this, m_size, image);
+    return updateImageNode(node, this, image);
 }
 
 void Spinner::itemChange(ItemChange change, const ItemChangeData &data)

@@ -24,9 +24,9 @@ Item {
         objectName: "dot"
         x: 11
         y: Math.round((root.height - height) / 2)
-        width: 6
-        height: 6
-        radius: 3
+        width: Math.round(6 * Theme.textScale)
+        height: width
+        radius: width / 2
         color: root.tint
     }
 

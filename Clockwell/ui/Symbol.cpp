@@ -53,15 +53,15 @@ void Symbol::setColor(const QColor &color)
 QSGNode *Symbol::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
     const QPainterPath path = symbolPath(m_name);
-    const int pixels = qCeil(m_size * window()->effectiveDevicePixelRatio());
+    const int pixels = qRound(m_size * window()->effectiveDevicePixelRatio());
     if (path.isEmpty() || pixels <= 0) {
-        return updateImageNode(node, this, m_size, {});
+        return updateImageNode(node, this, {});
     }
     const QImage image = cachedImage({m_name, {pixels, pixels}, m_color.rgba()}, [&](QPainter &painter) {
         painter.scale(pixels / iconUnits, pixels / iconUnits);
         painter.fillPath(path, m_color);
     });
-    return updateImageNode(node, this, m_size, image);
+    return updateImageNode(node, this, image);
 }
 
 void Symbol::itemChange(ItemChange change, const ItemChangeData &data)

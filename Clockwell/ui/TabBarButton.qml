@@ -29,7 +29,7 @@ Pressable {
         Symbol {
             anchors.horizontalCenter: parent.horizontalCenter
             name: root.symbol
-            size: 24
+            size: 24 * Math.min(Theme.textScale, 1.5)
             color: root.tint
         }
 
@@ -41,6 +41,8 @@ Pressable {
             color: root.tint
             horizontalAlignment: Text.AlignHCenter
             maximumLineCount: 1
+            fontSizeMode: Text.HorizontalFit // four tabs share the width: large text grows as far as it fits
+            minimumPixelSize: 10
             Accessible.ignored: true
         }
     }

@@ -12,7 +12,7 @@ Text {
 
     color: Theme.textPrimary
     font.family: monospaced ? Theme.monospacedFamily : Theme.fontFamily
-    font.pixelSize: size * Theme.textScale
+    font.pixelSize: Math.round(size * Theme.textScale)
     font.weight: weight
     wrapMode: Text.Wrap
     elide: Text.ElideRight

@@ -8,6 +8,7 @@
 #include <QQmlEngine>
 
 #include <algorithm>
+#include <cmath>
 
 namespace clockwell {
 
@@ -38,7 +39,7 @@ QString Theme::monospacedFamily() const
 
 void Theme::setTextScale(qreal scale)
 {
-    const qreal limited = std::clamp(scale, 0.5, 3.0);
+    const qreal limited = std::isnan(scale) ? 1.0 : std::clamp(scale, 0.5, 3.0);
     if (!qFuzzyCompare(limited, m_textScale)) {
         m_textScale = limited;
         Q_EMIT textScaleChanged();
