@@ -1,6 +1,7 @@
 #include "server/CommandLine.h"
 
 #include "server/DemoCommand.h"
+#include "server/ListenAddress.h"
 #include "server/ServeCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -13,6 +14,25 @@
 namespace clockwell::server {
 
 namespace {
+
+// Each returns what is wrong with an option's text; nothing when it is all right.
+
+std::string listenProblem(const std::string &text)
+{
+    return parseListenAddress(text) ? "" : "\"" + text + "\" is not of the form 127.0.0.1:8460 or [::1]:8460";
+}
+
+std::string timeZoneProblem(const std::string &text)
+{
+    return TimeZone::named(text) ? ""
+                                 : "there is no time zone \"" + text + "\"; use a name like Europe/Berlin";
+}
+
+std::string passwordProblem(const std::string &text)
+{
+    return text.empty() || text.size() > Passwords::LongestPassword ? "the password has no usable length"
+                                                                    : "";
+}
 
 constexpr int Failure = 1;
 constexpr int WrongUsage = 2;
@@ -32,6 +52,7 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
     serve->add_option("--listen", options.listen, "Address and port; port 0 takes a free one")
         ->envname("CLOCKWELL_LISTEN")
         ->type_name("ADDRESS:PORT")
+        ->check(listenProblem)
         ->capture_default_str();
     auto *certificate =
         serve->add_option("--certificate", options.certificateFile, "PEM certificate chain; turns HTTPS on")
@@ -71,15 +92,12 @@ void addDemo(CLI::App &app, DemoCommandOptions &options, std::function<int()> &r
     addDatabase(*demo, options.database);
     demo->add_flag("--fresh", options.fresh, "Delete everything in the database first");
     demo->add_option("--password", options.password, "The password of the demonstration's accounts")
-        ->check([](const std::string &text) {
-            return text.empty() || text.size() > Passwords::LongestPassword
-                       ? "the password has no usable length"
-                       : std::string{};
-        })
+        ->check(passwordProblem)
         ->capture_default_str();
     demo->add_option("--time-zone", options.timeZone,
                      "The office's time zone, e.g. Europe/Berlin [this machine's]")
-        ->type_name("NAME");
+        ->type_name("NAME")
+        ->check(timeZoneProblem);
     demo->callback([&] { run = [&] { return runDemo(options); }; });
 }
 

@@ -10,7 +10,7 @@ struct DemoCommandOptions
 {
     std::string database;
     std::string password = DefaultDemoPassword;
-    std::string timeZone; ///< empty: the machine's
+    std::string timeZone; ///< a known name; empty: the machine's
     bool fresh = false;   ///< delete what is there first
 };
 

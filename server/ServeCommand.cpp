@@ -17,14 +17,10 @@ namespace {
 
 HttpServer::Options httpOptions(const ServeCommandOptions &options)
 {
-    const auto listen = parseListenAddress(options.listen);
-    if (!listen)
-        throw std::runtime_error{
-            "\"" + options.listen +
-            "\" is not an address to listen on. Use the form 127.0.0.1:8460 or [::1]:8460."};
+    const ListenAddress listen = parseListenAddress(options.listen).value();
     HttpServer::Options http;
-    http.address = listen->address;
-    http.port = listen->port;
+    http.address = listen.address;
+    http.port = listen.port;
     http.certificateFile = options.certificateFile;
     http.privateKeyFile = options.privateKeyFile;
     return http;

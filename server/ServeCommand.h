@@ -7,7 +7,7 @@ namespace clockwell::server {
 struct ServeCommandOptions
 {
     std::string database;
-    std::string listen = "127.0.0.1:8460"; ///< ADDRESS:PORT; an IPv6 address in brackets
+    std::string listen = "127.0.0.1:8460"; ///< of a form that parseListenAddress() reads
     std::string certificateFile;
     std::string privateKeyFile;
     std::string portFile;                ///< empty: none is written

@@ -57,17 +57,25 @@ TEST(CommandLineTest, WrongUsageIsTwo)
 TEST(CommandLineTest, FailuresAreOneAndSayWhy)
 {
     const TempFolder folder;
-    const ProcessResult address =
-        runServer({"serve", "--database", folder.file("a.db"), "--listen", "somewhere"});
-    EXPECT_EQ(address.exitCode, 1);
-    EXPECT_TRUE(contains(address.errors, "127.0.0.1:8460"));
     const ProcessResult missing = runServer({"demo", "--database", folder.file("none/a.db")});
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_TRUE(contains(missing.errors, "No such file or directory"));
-    const ProcessResult zone =
-        runServer({"demo", "--database", folder.file("a.db"), "--time-zone", "Nowhere"});
-    EXPECT_EQ(zone.exitCode, 1);
+    std::ofstream{folder.file("a.txt")} << std::string(5000, 'x');
+    const ProcessResult broken = runServer({"serve", "--database", folder.file("a.txt")});
+    EXPECT_EQ(broken.exitCode, 1);
+    EXPECT_TRUE(contains(broken.errors, "a.txt cannot be used: file is not a database."));
+}
+
+TEST(CommandLineTest, WrongValuesAreUsageErrorsThatShowARightOne)
+{
+    const ProcessResult address = runServer({"serve", "--database", "x.db", "--listen", "somewhere"});
+    EXPECT_EQ(address.exitCode, 2);
+    EXPECT_TRUE(contains(address.errors, "127.0.0.1:8460"));
+    const ProcessResult zone = runServer({"demo", "--database", "x.db", "--time-zone", "Nowhere"});
+    EXPECT_EQ(zone.exitCode, 2);
     EXPECT_TRUE(contains(zone.errors, "Europe/Berlin"));
+    EXPECT_EQ(runServer({"demo", "--database", "x.db", "--password", ""}).exitCode, 2);
+    EXPECT_EQ(runServer({"serve", "--database", "x.db", "--login-attempts", "0"}).exitCode, 2);
 }
 
 TEST(CommandLineTest, AddressInUseIsAFailure)

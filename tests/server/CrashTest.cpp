@@ -11,7 +11,7 @@ namespace clockwell::server::test {
 
 TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
 {
-    constexpr int People = 60;
+    constexpr int People = 160;
     const TempFolder folder;
     const std::string file = folder.file("a.db");
     {
@@ -49,7 +49,7 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
                 ++answers;
             }
         });
-    for (int waited = 0; answers < People / 4 && waited < 10'000; ++waited)
+    for (int waited = 0; answers < People / 8 && waited < 10'000; ++waited)
         std::this_thread::sleep_for(std::chrono::milliseconds{1});
     server.kill(); // in the middle of punches
     for (std::thread &client : clients)
@@ -71,7 +71,7 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
         EXPECT_GE(punches, acknowledged[static_cast<std::size_t>(i)]) << i;
         EXPECT_LE(punches, 1) << i;
     }
-    EXPECT_GE(promised, People / 4 - 4);
+    EXPECT_GE(promised, People / 8 - 4);
     EXPECT_LT(promised, People); // the kill came in time
 }
 

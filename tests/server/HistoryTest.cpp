@@ -211,7 +211,8 @@ TEST_F(HistoryTest, SummaryOfAnyMonthIsWhatItsRecordsAddUpTo)
     const auto records = history();
     std::map<std::string, nlohmann::json> expected;
     for (const auto &record : records) {
-        auto &month = expected[record.at("workDate").get<std::string>().substr(0, 7)];
+        const std::string monthText = record.at("workDate").get<std::string>().substr(0, 7);
+        auto &month = expected.try_emplace(monthText, nlohmann::json::object()).first->second;
         const auto add = [&month](const char *key, long long amount) {
             month[key] = month.value(key, 0LL) + amount;
         };

@@ -105,7 +105,7 @@ TEST(StorageFailureTest, DamagedTableIsSaidAndOtherTablesStillWork)
         addOffice(database, {});
         addEmployee(database, {});
     }
-    damageTable(file, "attendance");
+    damageTable(file, "offices");
     Database database{file};
     const auto now = [] { return instantOf("2026-06-10T09:00:00Z"); };
     const Application application{database, now, World::cheap()};
