@@ -9,11 +9,20 @@ namespace {
 // What Qt may hold for us before we look at it; the connection's flow control does the rest.
 constexpr qint64 bufferBytes = 256 * 1024;
 
-/// Codes that merely repeat the HTTP status: those replies are complete and readable.
-bool isAboutStatus(QNetworkReply::NetworkError error)
+/// Codes that merely repeat the HTTP status: those replies are complete and readable. Of a reply that is cut
+/// short, the code says so instead, whatever its status.
+bool isAboutStatus(QNetworkReply::NetworkError error, int status)
 {
-    return (error >= QNetworkReply::ContentAccessDenied && error < QNetworkReply::ProtocolUnknownError) ||
-           error >= QNetworkReply::InternalServerError;
+    // Of a 307 and a 308 Qt rewinds the body even when it is told not to follow.
+    if (error == QNetworkReply::ContentReSendError)
+        return status >= 300;
+    if (status < 400)
+        return false;
+    const bool content =
+        error >= QNetworkReply::ContentAccessDenied && error < QNetworkReply::ProtocolUnknownError;
+    return content || error >= QNetworkReply::InternalServerError ||
+           error == QNetworkReply::ProtocolInvalidOperationError        // 400 and 418
+           || error == QNetworkReply::ProxyAuthenticationRequiredError; // 407
 }
 
 TransportError::Kind kindOf(QNetworkReply::NetworkError error)
@@ -38,6 +47,7 @@ TransportError::Kind kindOf(QNetworkReply::NetworkError error)
     case QNetworkReply::NetworkSessionFailedError:
     case QNetworkReply::ProxyConnectionClosedError:
     case QNetworkReply::UnknownNetworkError: // among others a TCP reset
+    case QNetworkReply::ContentReSendError:  // closed without an answer, see OneShotBody
         return Kind::ConnectionLost;
     default:
         return Kind::Broken;
@@ -71,8 +81,13 @@ HttpExchange::~HttpExchange()
 
 HttpReply HttpExchange::takeReply()
 {
-    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    return {status.isValid() ? std::optional(status.toInt()) : std::nullopt, std::move(m_body)};
+    return {status(), std::move(m_body)};
+}
+
+std::optional<int> HttpExchange::status() const
+{
+    const QVariant value = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    return value.isValid() ? std::optional(value.toInt()) : std::nullopt;
 }
 
 void HttpExchange::progress()
@@ -102,7 +117,7 @@ void HttpExchange::collect()
 void HttpExchange::complete()
 {
     const QNetworkReply::NetworkError error = m_reply->error();
-    if (error != QNetworkReply::NoError && !isAboutStatus(error)) {
+    if (error != QNetworkReply::NoError && !isAboutStatus(error, status().value_or(0))) {
         end(kindOf(error));
         return;
     }

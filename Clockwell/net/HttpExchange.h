@@ -45,6 +45,7 @@ public:
     void cancel() { end(TransportError::Kind::Cancelled); }
 
 private:
+    std::optional<int> status() const;
     void collect();
     void progress();
     void complete();

@@ -1,5 +1,7 @@
 #include "net/HttpTransport.h"
 
+#include "net/OneShotBody.h"
+
 #include <QHostAddress>
 #include <QNetworkProxy>
 
@@ -53,12 +55,15 @@ QCoro::Task<HttpReply> HttpTransport::post(QNetworkRequest request, QByteArray b
 {
     co_await online();
     prepare(request);
-    // When a kept-alive connection closes without an answer, Qt silently sends the request again, a POST as
-    // well. Nothing can be kept alive in a manager of its own, so a punch or a renewal is sent once, whatever
-    // happens to the connection.
+    // A connection kept alive may have died unnoticed, and what is sent on it is lost; Qt then sends a GET
+    // again, but a POST must not be. In a manager of its own nothing is kept alive.
     auto manager = std::make_unique<QNetworkAccessManager>();
     chooseProxy(*manager, request.url());
-    QNetworkReply *reply = manager->sendCustomRequest(request, "POST", body);
+    auto upload = std::make_unique<OneShotBody>(body);
+    request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
+    request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    QNetworkReply *reply = manager->sendCustomRequest(request, "POST", upload.get());
+    upload.release()->setParent(reply);
     co_return co_await exchange(std::make_unique<HttpExchange>(std::move(manager), reply, m_limits));
 }
 

@@ -32,7 +32,8 @@ QString failure(const QByteArray &json)
     return QStringLiteral("(decoded)");
 }
 
-#define EXPECT_FAILS(Type, json) EXPECT_THROW(decode<Type>(QByteArray(json)), DecodingError) << QByteArray(json).toStdString()
+#define EXPECT_FAILS(Type, json)                                                                             \
+    EXPECT_THROW(decode<Type>(QByteArray(json)), DecodingError) << QByteArray(json).toStdString()
 
 std::optional<double> distance(const QByteArray &value)
 {
@@ -144,8 +145,8 @@ TEST(Decoding, TodayWithoutRecordHasNone)
 
 TEST(Decoding, TodayWithRecordHasIt)
 {
-    const auto today = decode<TodayResponse>("{" + day + ",\"office\":" + office + ",\"record\":" + recordHead
-                                             + ",\"lateMinutes\":7}}");
+    const auto today = decode<TodayResponse>("{" + day + ",\"office\":" + office +
+                                             ",\"record\":" + recordHead + ",\"lateMinutes\":7}}");
     ASSERT_TRUE(today.record);
     EXPECT_EQ(today.record->lateMinutes, 7);
 }
@@ -239,8 +240,10 @@ TEST(Decoding, IntTakesIntegralNumbersOnly)
 
 TEST(Decoding, IntBeyond64BitsFails)
 {
-    EXPECT_EQ(recordWith(R"("lateMinutes":9223372036854775807)").lateMinutes, std::numeric_limits<qint64>::max());
-    EXPECT_EQ(recordWith(R"("lateMinutes":-9223372036854775808)").lateMinutes, std::numeric_limits<qint64>::min());
+    EXPECT_EQ(recordWith(R"("lateMinutes":9223372036854775807)").lateMinutes,
+              std::numeric_limits<qint64>::max());
+    EXPECT_EQ(recordWith(R"("lateMinutes":-9223372036854775808)").lateMinutes,
+              std::numeric_limits<qint64>::min());
     for (const char *bad : {"9223372036854775808", "18446744073709551615", "18446744073709551616",
                             "-9223372036854775809", "1e19", "-1e19", "1e400"})
         EXPECT_THROW(recordWith(QByteArray("\"lateMinutes\":") + bad), DecodingError) << bad;
@@ -262,8 +265,9 @@ TEST(Decoding, DoubleTakesEveryNumber)
 
 TEST(Decoding, MomentWithOffsetDecodes)
 {
-    EXPECT_EQ(recordWith(R"("checkInAt":"2024-05-01T09:15:30.123+05:30")").checkInAt->time_since_epoch().count(),
-              1'714'554'930'123 - 330 * 60'000);
+    EXPECT_EQ(
+        recordWith(R"("checkInAt":"2024-05-01T09:15:30.123+05:30")").checkInAt->time_since_epoch().count(),
+        1'714'554'930'123 - 330 * 60'000);
     EXPECT_FALSE(recordWith(R"("checkInAt":null)").checkInAt);
 }
 
@@ -291,7 +295,8 @@ TEST(Decoding, MessageFieldTakesTextsAndLists)
 
 TEST(Decoding, MessageFieldOfAnyOtherKindSaysRequestFailed)
 {
-    for (const char *other : {"42", "true", "{}", R"({"a":"b"})", R"(["a",1])", R"(["a",null])", R"([["a"]])"})
+    for (const char *other :
+         {"42", "true", "{}", R"({"a":"b"})", R"(["a",1])", R"(["a",null])", R"([["a"]])"})
         EXPECT_EQ(message(other), QStringLiteral("Request failed")) << other;
 }
 
@@ -328,10 +333,9 @@ TEST(Decoding, LenientDoubleTakesNumbersAndNumbersInText)
 
 TEST(Decoding, LenientDoubleNeverFailsTheReply)
 {
-    for (const char *bad :
-         {"\"far\"", "true", "false", "{}", "[]", "[1]", "\"\"", "\" 12\"", "\"\\t12\"", "\"\\n12\"", "\"\\u000b12\"",
-          "\"\\f12\"", "\"\\r12\"", "\"12 \"", "\"12 m\"", "\"12,5\"", "\"\\u000012\"", "\"12\\u0000\"",
-          "\"12\\u00003\""})
+    for (const char *bad : {"\"far\"", "true", "false", "{}", "[]", "[1]", "\"\"", "\" 12\"", "\"\\t12\"",
+                            "\"\\n12\"", "\"\\u000b12\"", "\"\\f12\"", "\"\\r12\"", "\"12 \"", "\"12 m\"",
+                            "\"12,5\"", "\"\\u000012\"", "\"12\\u0000\"", "\"12\\u00003\""})
         EXPECT_EQ(distance(bad), std::nullopt) << bad;
 }
 
@@ -363,14 +367,28 @@ TEST(Decoding, TextKeepsEveryCharacter)
 
 TEST(Decoding, BrokenTextsFail)
 {
-    for (const QByteArray &json :
-         {QByteArray(), QByteArray("   "), QByteArray("{"), QByteArray("{}{}"), QByteArray("{} x"),
-          QByteArray("{\"status\":\"\xff\"}"), QByteArray("{\"status\":\"\xc3\"}"), QByteArray("{\"status\":\"\xed\xa0\x80\"}"),
-          QByteArray("{\"status\":\"\\ud83d\"}"), QByteArray("{\"other\":\"\xff\"}"), QByteArray("{\"status\":\"a\nb\"}"),
-          QByteArray("{'status':1}"), QByteArray("{\"status\":\"a\",}"), QByteArray("\0", 1),
-          QByteArray("{\"status\":\"a\"}\0", 15), QByteArray("<html><body>Hello</body></html>"), QByteArray("tru"),
-          QByteArray("nul"), QByteArray("{\"other\":tru}"), QByteArray("{\"other\":01}"), QByteArray("{\"status\":\"a"),
-          QByteArray("\xef\xbb\xbf") + "\"a\""})
+    for (const QByteArray &json : {QByteArray(),
+                                   QByteArray("   "),
+                                   QByteArray("{"),
+                                   QByteArray("{}{}"),
+                                   QByteArray("{} x"),
+                                   QByteArray("{\"status\":\"\xff\"}"),
+                                   QByteArray("{\"status\":\"\xc3\"}"),
+                                   QByteArray("{\"status\":\"\xed\xa0\x80\"}"),
+                                   QByteArray("{\"status\":\"\\ud83d\"}"),
+                                   QByteArray("{\"other\":\"\xff\"}"),
+                                   QByteArray("{\"status\":\"a\nb\"}"),
+                                   QByteArray("{'status':1}"),
+                                   QByteArray("{\"status\":\"a\",}"),
+                                   QByteArray("\0", 1),
+                                   QByteArray("{\"status\":\"a\"}\0", 15),
+                                   QByteArray("<html><body>Hello</body></html>"),
+                                   QByteArray("tru"),
+                                   QByteArray("nul"),
+                                   QByteArray("{\"other\":tru}"),
+                                   QByteArray("{\"other\":01}"),
+                                   QByteArray("{\"status\":\"a"),
+                                   QByteArray("\xef\xbb\xbf") + "\"a\""})
         EXPECT_THROW(decode<MessageResponse>(json), DecodingError) << json.toHex().toStdString();
 }
 
@@ -394,11 +412,13 @@ TEST(Decoding, EveryTruncationFails)
 
 TEST(Decoding, NeedsNoPaddingBehindTheText)
 {
-    // On the heap and exactly as long as the text, so that the address sanitizer sees every byte read too far.
+    // On the heap and exactly as long as the text, so that the address sanitizer sees every byte read too
+    // far.
     const std::string text = R"({"accessToken":"a","refreshToken":"r"})";
     const std::unique_ptr<char[]> exact(new char[text.size()]);
     std::copy(text.begin(), text.end(), exact.get());
-    EXPECT_EQ(decode<TokenPair>(std::string_view(exact.get(), text.size())).refreshToken, QStringLiteral("r"));
+    EXPECT_EQ(decode<TokenPair>(std::string_view(exact.get(), text.size())).refreshToken,
+              QStringLiteral("r"));
 }
 
 } // namespace clockwell

@@ -67,16 +67,19 @@ TEST(Encoding, RefusesInvalidUtf16)
 
 TEST(Encoding, RefusesNumbersThatAreNotFinite)
 {
-    for (const double bad : {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
-                             std::numeric_limits<double>::quiet_NaN()}) {
-        EXPECT_THROW(encodeBody(Everything{.zeta = bad, .alpha = {}, .middle = {}, .inner = {}}), EncodingError);
+    for (const double bad :
+         {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+          std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_THROW(encodeBody(Everything{.zeta = bad, .alpha = {}, .middle = {}, .inner = {}}),
+                     EncodingError);
         EXPECT_THROW(shortestDecimal(bad), EncodingError);
     }
 }
 
 TEST(Encoding, NumbersReadBackTheSame)
 {
-    for (const double value : {12.9715987, 77.5945627, 0.1, 1.0 / 3, -89.99999999999999, 5e-324, 1.7976931348623157e308}) {
+    for (const double value :
+         {12.9715987, 77.5945627, 0.1, 1.0 / 3, -89.99999999999999, 5e-324, 1.7976931348623157e308}) {
         const QByteArray json = encodeBody(Everything{.zeta = value, .alpha = {}, .middle = {}, .inner = {}});
         const QByteArray number = json.mid(8, json.indexOf(',') - 8);
         EXPECT_EQ(number.toDouble(), value) << number.toStdString();
@@ -98,7 +101,8 @@ TEST(ShortestDecimal, NeverHasAnExponent)
     EXPECT_EQ(shortestDecimal(1e-7), QStringLiteral("0.0000001"));
     EXPECT_EQ(shortestDecimal(1e20), QStringLiteral("100000000000000000000"));
     EXPECT_EQ(shortestDecimal(5e-324).toDouble(), 5e-324);
-    EXPECT_EQ(shortestDecimal(std::numeric_limits<double>::max()).toDouble(), std::numeric_limits<double>::max());
+    EXPECT_EQ(shortestDecimal(std::numeric_limits<double>::max()).toDouble(),
+              std::numeric_limits<double>::max());
 }
 
 } // namespace clockwell
