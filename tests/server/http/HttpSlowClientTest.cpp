@@ -172,7 +172,9 @@ TEST(HttpSlowClientTest, ReaderThatReadsGetsALargeAnswerWhole)
 
 TEST(HttpSlowClientTest, ManyDrippingConnectionsDoNotHinderOthers)
 {
-    TestServer server;
+    HttpOptions options = TestServer::quickOptions();
+    options.headDeadline = std::chrono::seconds(20); // they stay for the whole test
+    TestServer server(TestServer::echo, options);
     std::vector<std::unique_ptr<RawClient>> dripping;
     for (int i = 0; i < 200; ++i) {
         dripping.push_back(std::make_unique<RawClient>(server.port()));
@@ -180,7 +182,7 @@ TEST(HttpSlowClientTest, ManyDrippingConnectionsDoNotHinderOthers)
     }
     const auto start = Clock::now();
     EXPECT_EQ(RawClient(server.port()).exchange(get("/")).status, 200);
-    EXPECT_LT(Clock::now() - start, milliseconds(300));
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
 }
 
 } // namespace clockwell::server
