@@ -1,42 +1,11 @@
-#include "World.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <thread>
-#include <vector>
+#include "PunchFixture.h"
 
 namespace clockwell::server::test {
 
 namespace {
 
-class PunchTest : public testing::Test
-{
-protected:
-    PunchTest()
-    {
-        addOffice(world.database(), {});
-        addEmployee(world.database(), {});
-        token = world.token();
-    }
-
-    /// Sets the time and signs in again, for tokens are short-lived.
-    void at(const std::string &isoText)
-    {
-        world.setNow(isoText);
-        token = world.token();
-    }
-    nlohmann::json today() const { return world.get("/api/attendance/today", token).json(); }
-    long long rows(const std::string &table)
-    {
-        return world.database().read([&](Connection &connection) {
-            return connection.value<long long>("SELECT COUNT(*) FROM " + table);
-        });
-    }
-
-    World world{"2026-06-10T09:20:00Z"};
-    std::string token;
-};
+class PunchTest : public PunchFixture
+{};
 
 } // namespace
 
@@ -132,9 +101,8 @@ TEST_F(PunchTest, AccuracyDoesNotWidenTheFence)
     EXPECT_EQ(world.punch(token, 48.0014, 11.0, "dev-1", 100).error(), "OUTSIDE_GEOFENCE"); // 156 m
 }
 
-TEST_F(PunchTest, FenceIncludesItsEdge)
+TEST_F(PunchTest, FenceIsDrawnAtItsRadius)
 {
-    // One arc second of latitude is about 30.89 m here; five of them lie just outside 150 m.
     EXPECT_EQ(world.punch(token, 48.00134, 11.0).status, 200); // 149 m
     at("2026-06-11T09:00:00Z");
     EXPECT_EQ(world.punch(token, 48.00136, 11.0).error(), "OUTSIDE_GEOFENCE"); // 151.2 m
@@ -201,129 +169,6 @@ TEST_F(PunchTest, NumbersBeyondADoubleAreRefused)
     EXPECT_EQ(rows("attendance"), 0);
 }
 
-TEST_F(PunchTest, RepeatFromTheSameDeviceIsAnsweredLikeTheFirst)
-{
-    const Reply first = world.punch(token);
-    world.advance(std::chrono::seconds{5});
-    const Reply again = world.punch(token);
-    EXPECT_EQ(again.status, 200);
-    EXPECT_EQ(again.body, first.body);
-    EXPECT_EQ(rows("punches"), 1);
-}
-
-TEST_F(PunchTest, RepeatOfACheckOutIsAnsweredLikeTheFirst)
-{
-    world.punch(token);
-    at("2026-06-10T17:00:00Z");
-    const Reply out = world.punch(token);
-    world.advance(std::chrono::seconds{2});
-    const Reply again = world.punch(token, 48.0001, 11.0);
-    EXPECT_EQ(again.body, out.body);
-    EXPECT_EQ(rows("punches"), 2);
-}
-
-TEST_F(PunchTest, PunchAfterTheRepeatWindowIsTheNextOne)
-{
-    world.punch(token);
-    world.advance(std::chrono::milliseconds{5001});
-    EXPECT_EQ(world.punch(token).json().at("type"), "OUT");
-}
-
-TEST_F(PunchTest, AnotherDeviceCannotCheckOutWithinTheRepeatWindow)
-{
-    world.punch(token);
-    const Reply other = world.punch(token, 48.0, 11.0, "dev-2");
-    EXPECT_EQ(other.status, 409);
-    EXPECT_EQ(other.error(), "TOO_SOON");
-    world.advance(std::chrono::seconds{6});
-    EXPECT_EQ(world.punch(token, 48.0, 11.0, "dev-2").json().at("type"), "OUT");
-}
-
-TEST_F(PunchTest, RepeatAcrossMidnightIsStillARepeat)
-{
-    at("2026-06-10T23:59:58Z");
-    const Reply first = world.punch(token);
-    world.advance(std::chrono::seconds{4});
-    EXPECT_EQ(world.punch(token).body, first.body);
-    EXPECT_EQ(rows("attendance"), 1);
-}
-
-TEST_F(PunchTest, FiftyParallelPunchesMakeOneRowAndOneAnswer)
-{
-    std::vector<Reply> replies(50);
-    std::vector<std::thread> threads;
-    for (Reply &reply : replies)
-        threads.emplace_back([this, &reply] { reply = world.punch(token); });
-    for (std::thread &thread : threads)
-        thread.join();
-    for (const Reply &reply : replies) {
-        EXPECT_EQ(reply.status, 200);
-        EXPECT_EQ(reply.body, replies.front().body);
-    }
-    EXPECT_EQ(replies.front().json().at("type"), "IN");
-    EXPECT_EQ(rows("attendance"), 1);
-    EXPECT_EQ(rows("punches"), 1);
-}
-
-TEST_F(PunchTest, FiftyParallelPunchesFromManyDevicesMakeOneCheckIn)
-{
-    std::vector<Reply> replies(50);
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < replies.size(); ++i)
-        threads.emplace_back(
-            [this, &replies, i] { replies[i] = world.punch(token, 48.0, 11.0, "dev-" + std::to_string(i)); });
-    for (std::thread &thread : threads)
-        thread.join();
-    EXPECT_EQ(std::ranges::count(replies, 200, &Reply::status), 1);
-    EXPECT_EQ(std::ranges::count(replies, 409, &Reply::status), 49);
-    EXPECT_EQ(rows("punches"), 1);
-}
-
-TEST_F(PunchTest, HolidayIsClosed)
-{
-    addHoliday(world.database(), "office-1", "2026-06-10", "Founders' Day");
-    EXPECT_EQ(today().at("open"), false);
-    EXPECT_EQ(today().at("canCheckIn"), false);
-    const Reply reply = world.punch(token);
-    EXPECT_EQ(reply.status, 409);
-    EXPECT_EQ(reply.error(), "DAY_CLOSED");
-    EXPECT_EQ(reply.message(), "Head Office is closed today: Founders' Day.");
-}
-
-TEST_F(PunchTest, WeekendIsClosed)
-{
-    addOffice(world.database(), {.id = "weekdays", .name = "Annex", .weekdays = 31});
-    addEmployee(world.database(), {.id = "e2", .officeId = "weekdays", .email = "two@example.org"});
-    world.setNow("2026-06-13T10:00:00Z"); // a Saturday
-    EXPECT_EQ(world.punch(world.token("two@example.org")).message(), "Annex is closed today.");
-    world.setNow("2026-06-15T10:00:00Z");
-    EXPECT_EQ(world.punch(world.token("two@example.org")).status, 200);
-}
-
-TEST_F(PunchTest, CheckOutWorksWhenTheDayWasClosedAfterTheCheckIn)
-{
-    world.punch(token);
-    addHoliday(world.database(), "office-1", "2026-06-10", "Storm");
-    at("2026-06-10T15:00:00Z");
-    EXPECT_EQ(today().at("canCheckOut"), true);
-    EXPECT_EQ(world.punch(token).json().at("type"), "OUT");
-}
-
-TEST_F(PunchTest, NobodyChecksInBeforeTheFirstWorkingDay)
-{
-    addEmployee(world.database(), {.id = "e2", .email = "two@example.org", .joinedOn = "2026-07-01"});
-    const Reply reply = world.punch(world.token("two@example.org"));
-    EXPECT_EQ(reply.error(), "DAY_CLOSED");
-    EXPECT_EQ(reply.message(), "Your first working day is 2026-07-01.");
-}
-
-TEST_F(PunchTest, EmployeeOnLeaveMayStillComeIn)
-{
-    addLeave(world.database(), "employee-1", "2026-06-10", "2026-06-10");
-    EXPECT_EQ(today().at("canCheckIn"), true);
-    EXPECT_EQ(world.punch(token).status, 200);
-}
-
 TEST_F(PunchTest, EmployeeWithoutAnOfficeIsToldSo)
 {
     addEmployee(world.database(), {.id = "e2", .officeId = {}, .email = "two@example.org"});
@@ -332,52 +177,6 @@ TEST_F(PunchTest, EmployeeWithoutAnOfficeIsToldSo)
     for (const char *target : {"/api/attendance/today", "/api/attendance/distance?lat=1&lng=1",
                                "/api/attendance/me", "/api/attendance/me/summary?month=2026-06"})
         EXPECT_EQ(world.get(target, two).error(), "NO_OFFICE") << target;
-}
-
-TEST_F(PunchTest, PunchAfterMidnightBeginsTheNewDay)
-{
-    world.punch(token);
-    at("2026-06-11T00:00:00Z");
-    EXPECT_EQ(today().at("workDate"), "2026-06-11");
-    EXPECT_FALSE(today().contains("record"));
-    EXPECT_EQ(world.punch(token).json().at("type"), "IN");
-    const auto history = world.get("/api/attendance/me", token).json();
-    EXPECT_EQ(history.at(0).at("workDate"), "2026-06-11");
-    EXPECT_EQ(history.at(1).at("status"), "MISSING_CHECK_OUT");
-}
-
-TEST_F(PunchTest, WorkDateIsTheOfficesNotUtcs)
-{
-    addOffice(world.database(), {.id = "ny", .name = "East", .zone = "America/New_York"});
-    addOffice(world.database(), {.id = "ktm", .name = "Hill", .zone = "Asia/Kathmandu"});
-    addEmployee(world.database(), {.id = "e2", .officeId = "ny", .email = "ny@example.org"});
-    addEmployee(world.database(), {.id = "e3", .officeId = "ktm", .email = "ktm@example.org"});
-    world.setNow("2026-12-31T18:20:00Z");
-    const auto dayOf = [&](const char *email) {
-        return world.get("/api/attendance/today", world.token(email)).json().at("workDate");
-    };
-    EXPECT_EQ(dayOf("ny@example.org"), "2026-12-31");
-    EXPECT_EQ(dayOf("ktm@example.org"), "2027-01-01");
-}
-
-TEST_F(PunchTest, LatenessFollowsTheClockChange)
-{
-    addOffice(world.database(), {.id = "b", .name = "Mitte", .zone = "Europe/Berlin"});
-    addEmployee(world.database(), {.id = "e2", .officeId = "b", .email = "b@example.org"});
-    world.setNow("2026-03-29T07:45:00Z"); // 09:45 summer time, the first day of it
-    EXPECT_EQ(world.punch(world.token("b@example.org")).json().at("lateMinutes"), 15);
-    world.setNow("2026-10-25T08:30:00Z"); // 09:30 standard time again
-    EXPECT_EQ(world.punch(world.token("b@example.org")).json().at("lateMinutes"), 0);
-}
-
-TEST_F(PunchTest, ChangedHoursDoNotRewriteADayAlreadyBegun)
-{
-    at("2026-06-10T09:50:00Z");
-    world.punch(token);
-    world.database().write([](Connection &connection) {
-        connection.execute("UPDATE offices SET check_in_minute = 700, check_out_minute = 800");
-    });
-    EXPECT_EQ(today().at("record").at("lateMinutes"), 20);
 }
 
 TEST_F(PunchTest, InjectedSqlInADeviceIdIsJustAText)
