@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <map>
-#include <set>
+#include <thread>
 
 namespace clockwell::server::test {
 
@@ -96,6 +98,55 @@ TEST(CommandLineTest, TerminationIsOrderly)
     ASSERT_NE(server.port(), 0);
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
     EXPECT_EQ(server.terminate(), 0);
+}
+
+TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db")});
+    std::string token;
+    {
+        ServerProcess server{folder.file("a.db")};
+        token = signIn(server.port());
+        EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).status, 200);
+        EXPECT_EQ(server.terminate(), 0);
+    }
+    const ServerProcess server{folder.file("a.db")};
+    const Reply today = send(server.port(), "GET", "/api/attendance/today", token);
+    ASSERT_EQ(today.status, 200);
+    EXPECT_EQ(today.json().at("canCheckOut"), true);
+}
+
+TEST(CommandLineTest, RepeatWindowCanBeSwitchedOff)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db")});
+    const ServerProcess server{folder.file("a.db"), {"--repeat-window", "0"}};
+    const std::string token = signIn(server.port());
+    EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type"), "IN");
+    std::this_thread::sleep_for(std::chrono::milliseconds{5}); // the next millisecond
+    EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type"),
+              "OUT");
+}
+
+TEST(CommandLineTest, DatabaseMayComeFromTheEnvironment)
+{
+    const TempFolder folder;
+    ASSERT_EQ(::setenv("CLOCKWELL_DATABASE", folder.file("a.db").c_str(), 1), 0);
+    const ProcessResult demo = runServer({"demo"});
+    ::unsetenv("CLOCKWELL_DATABASE");
+    EXPECT_EQ(demo.exitCode, 0);
+    EXPECT_TRUE(contains(demo.output, folder.file("a.db")));
+}
+
+TEST(CommandLineTest, MissingCertificateIsAFailure)
+{
+    const TempFolder folder;
+    const ProcessResult serve =
+        runServer({"serve", "--database", folder.file("a.db"), "--listen", "127.0.0.1:0", "--certificate",
+                   folder.file("c.pem"), "--private-key", folder.file("k.pem")});
+    EXPECT_EQ(serve.exitCode, 1);
+    EXPECT_TRUE(contains(serve.errors, "c.pem"));
 }
 
 TEST(DemoTest, PrintsHowToTryItAndIsIdempotent)

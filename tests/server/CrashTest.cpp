@@ -11,7 +11,7 @@ namespace clockwell::server::test {
 
 TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
 {
-    constexpr int People = 160;
+    constexpr int People = 100;
     const TempFolder folder;
     const std::string file = folder.file("a.db");
     {

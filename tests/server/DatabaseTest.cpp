@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
-#include <future>
 #include <thread>
 
 namespace clockwell::server::test {
@@ -153,6 +153,37 @@ TEST(DatabaseTest, ManyWritersTakeTurns)
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(institutes(database), 80);
+}
+
+TEST(DatabaseTest, TwoProgramsOnOneFileTakeTurnsWithoutLosingAnUpdate)
+{
+    const TempFolder folder;
+    Database first{folder.file("a.db")};
+    Database second{folder.file("a.db")};
+    first.write([](Connection &connection) { insertInstitute(connection, "0"); });
+    const auto countUp = [](Connection &connection) {
+        const auto before = connection.value<std::string>("SELECT code FROM institutes");
+        connection.execute("UPDATE institutes SET code = :code", std::to_string(std::stoi(before) + 1));
+    };
+    std::vector<std::thread> threads;
+    std::atomic<int> failures = 0;
+    for (Database *database : {&first, &second, &first, &second})
+        threads.emplace_back([&, database] {
+            for (int i = 0; i < 25; ++i) {
+                try {
+                    database->write(countUp);
+                } catch (const DatabaseError &) {
+                    ++failures;
+                }
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(first.read([](Connection &connection) {
+        return connection.value<std::string>("SELECT code FROM institutes");
+    }),
+              "100");
 }
 
 TEST(DatabaseTest, LockedByAnotherProcessIsBusyAfterTheWait)

@@ -203,17 +203,17 @@ TEST(LoginTimingTest, UnknownAddressTakesAboutAsLongAsAWrongPassword)
     world.database().write([&](Connection &connection) {
         connection.execute("UPDATE employees SET password_hash = :hash", hash);
     });
-    const auto quickest = [&](const std::string &email) {
-        auto best = std::chrono::steady_clock::duration::max();
-        for (int i = 0; i < 5; ++i) {
-            const auto start = std::chrono::steady_clock::now();
-            EXPECT_EQ(world.login(email, "wrong").status, 401);
-            best = std::min(best, std::chrono::steady_clock::now() - start);
-        }
-        return std::chrono::duration<double, std::milli>(best).count();
+    const auto timeOf = [&](const std::string &email) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(world.login(email, "wrong").status, 401);
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     };
-    const double known = quickest("kim@example.org");
-    const double unknown = quickest("nobody@example.org");
+    double known = timeOf("kim@example.org");
+    double unknown = timeOf("nobody@example.org");
+    for (int i = 0; i < 7; ++i) { // by turns: other work on the machine slows both alike
+        known = std::min(known, timeOf("kim@example.org"));
+        unknown = std::min(unknown, timeOf("nobody@example.org"));
+    }
     EXPECT_GT(unknown, known * 0.6);
     EXPECT_LT(unknown, known * 1.6);
 }
