@@ -1,7 +1,6 @@
 #include "net/SecretServiceTokenStore.h"
 
 #include <QByteArrayView>
-#include <QStringDecoder>
 
 // GLib's headers have members called "signals".
 #undef signals
@@ -13,7 +12,7 @@ namespace clockwell {
 
 namespace {
 
-// No xdg:schema attribute: an item is identified by its service and account alone.
+// Items are found by service and account alone, whatever else a keyring notes about them.
 const SecretSchema schema = {
     "io.clockwell.app.tokens",
     SECRET_SCHEMA_DONT_MATCH_NAME,
@@ -41,16 +40,50 @@ public:
     Ignored(const Ignored &) = delete;
     Ignored &operator=(const Ignored &) = delete;
     ~Ignored() { g_clear_error(&m_error); }
-    GError **operator&() { return &m_error; }
+    operator GError **() { return &m_error; }
 
 private:
     GError *m_error = nullptr;
 };
 
-struct ValueUnref
+struct Unref
 {
+    void operator()(void *object) const { g_object_unref(object); }
     void operator()(SecretValue *value) const { secret_value_unref(value); }
+    void operator()(GHashTable *table) const { g_hash_table_unref(table); }
 };
+template <class T>
+using Owned = std::unique_ptr<T, Unref>;
+
+Owned<GHashTable> attributesOf(const QByteArray &service, const QString &key)
+{
+    return Owned<GHashTable>(secret_attributes_build(&schema, "service", service.constData(), "account",
+                                                     key.toUtf8().constData(), nullptr));
+}
+
+/// None without a session bus or a service on it. The connection is libsecret's own, shared and kept.
+Owned<SecretService> connected()
+{
+    return Owned<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, Ignored()));
+}
+
+/// The secret of the first item that matches. Unlike libsecret's simple calls it never asks the user to
+/// unlock anything: a start of the app must not end in a password dialog.
+Owned<SecretValue> find(SecretService *service, GHashTable *attributes)
+{
+    GList *items = secret_service_search_sync(service, &schema, attributes, SECRET_SEARCH_LOAD_SECRETS,
+                                              nullptr, Ignored());
+    SecretValue *value = items ? secret_item_get_secret(SECRET_ITEM(items->data)) : nullptr;
+    g_list_free_full(items, g_object_unref);
+    return Owned<SecretValue>(value);
+}
+
+bool isDefaultCollectionLocked(SecretService *service)
+{
+    const Owned<SecretCollection> collection(secret_collection_for_alias_sync(
+        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, nullptr, Ignored()));
+    return collection && secret_collection_get_locked(collection.get());
+}
 
 } // namespace
 
@@ -58,10 +91,10 @@ SecretServiceTokenStore::SecretServiceTokenStore(const QString &service) : m_ser
 
 std::optional<QString> SecretServiceTokenStore::load(const QString &key) const
 {
-    Ignored error;
-    const std::unique_ptr<SecretValue, ValueUnref> value(
-        secret_password_lookup_binary_sync(&schema, nullptr, &error, "service", m_service.constData(),
-                                           "account", key.toUtf8().constData(), nullptr));
+    const Owned<SecretService> service = connected();
+    if (!service)
+        return std::nullopt;
+    const Owned<SecretValue> value = find(service.get(), attributesOf(m_service, key).get());
     if (!value)
         return std::nullopt;
     gsize length = 0;
@@ -75,21 +108,18 @@ std::optional<QString> SecretServiceTokenStore::load(const QString &key) const
 
 void SecretServiceTokenStore::save(const QString &key, const std::optional<QString> &value)
 {
-    const QByteArray account = key.toUtf8();
-    {
-        Ignored error;
-        secret_password_clear_sync(&schema, nullptr, &error, "service", m_service.constData(), "account",
-                                   account.constData(), nullptr);
-    }
-    if (!value)
+    const Owned<SecretService> service = connected();
+    if (!service)
+        return;
+    const Owned<GHashTable> attributes = attributesOf(m_service, key);
+    secret_service_clear_sync(service.get(), &schema, attributes.get(), nullptr, Ignored());
+    if (!value || isDefaultCollectionLocked(service.get()))
         return;
     const QByteArray bytes = value->toUtf8();
-    const std::unique_ptr<SecretValue, ValueUnref> secret(
+    const Owned<SecretValue> secret(
         secret_value_new(bytes.constData(), static_cast<gssize>(bytes.size()), "text/plain"));
-    Ignored error;
-    secret_password_store_binary_sync(&schema, SECRET_COLLECTION_DEFAULT, "Clockwell", secret.get(), nullptr,
-                                      &error, "service", m_service.constData(), "account",
-                                      account.constData(), nullptr);
+    secret_service_store_sync(service.get(), &schema, attributes.get(), SECRET_COLLECTION_DEFAULT,
+                              "Clockwell", secret.get(), nullptr, Ignored());
 }
 
 } // namespace clockwell
