@@ -1,5 +1,6 @@
 #include "HttpConnection.h"
 
+#include "PeerAddress.h"
 #include "ResponseText.h"
 
 #include <boost/asio/as_tuple.hpp>
@@ -8,7 +9,6 @@
 #include <boost/asio/write.hpp>
 
 #include <array>
-#include <cmath>
 #include <ctime>
 #include <stdexcept>
 
@@ -25,25 +25,6 @@ constexpr long busyRetrySeconds = 1;
 constexpr const char *supportedMethods = "GET, HEAD, POST, OPTIONS";
 
 const auto withoutThrowing = asio::as_tuple(asio::use_awaitable);
-
-asio::ip::address peerAddress(const Stream::Socket &socket)
-{
-    boost::system::error_code error;
-    const auto address = socket.remote_endpoint(error).address();
-    if (!error && address.is_v6() && address.to_v6().is_v4_mapped())
-        return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
-    return address;
-}
-
-/// An IPv6 customer holds at least a /64 network, so the last eight bytes distinguish nobody.
-std::string throttleKeyOf(const asio::ip::address &address)
-{
-    if (!address.is_v6())
-        return address.to_string();
-    auto bytes = address.to_v6().to_bytes();
-    std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
-    return asio::ip::address_v6(bytes).to_string();
-}
 
 long wholeSeconds(std::chrono::milliseconds time)
 {

@@ -1,0 +1,27 @@
+#include "PeerAddress.h"
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+namespace ip = boost::asio::ip;
+
+ip::address peerAddress(const ip::tcp::socket &socket)
+{
+    boost::system::error_code error;
+    const auto address = socket.remote_endpoint(error).address();
+    if (!error && address.is_v6() && address.to_v6().is_v4_mapped())
+        return ip::make_address_v4(ip::v4_mapped, address.to_v6());
+    return address;
+}
+
+std::string throttleKeyOf(const ip::address &address)
+{
+    if (!address.is_v6())
+        return address.to_string();
+    auto bytes = address.to_v6().to_bytes();
+    std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
+    return ip::address_v6(bytes).to_string();
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <boost/asio/ip/address.hpp>
+#include <boost/asio/ip/tcp.hpp>
+
+#include <string>
+
+namespace clockwell::server {
+
+/// Who is at the other end; an IPv4 peer of an IPv6 socket as the IPv4 address that it is. All zeros when the
+/// peer is gone already.
+boost::asio::ip::address peerAddress(const boost::asio::ip::tcp::socket &socket);
+
+/// What the throttle counts by: an IPv4 address, or an IPv6 network of 64 bits. An IPv6 customer holds at
+/// least that much, so the last eight bytes distinguish nobody.
+std::string throttleKeyOf(const boost::asio::ip::address &address);
+
+} // namespace clockwell::server
