@@ -2,10 +2,17 @@
 
 #include "server/ApiError.h"
 #include "server/JsonReply.h"
+#include "server/http/AccessLog.h"
 
 #include <spdlog/spdlog.h>
 
 namespace clockwell::server {
+
+namespace {
+
+constexpr std::size_t LongestReason = 200;
+
+} // namespace
 
 Application::Application(Database &database, Clock clock, const Settings &settings)
     : m_passwords(settings.passwordCost),
@@ -26,10 +33,12 @@ Response Application::handle(const Request &request) const
     } catch (const ApiError &error) {
         return errorReply(error);
     } catch (const DatabaseError &error) {
-        spdlog::error("database failed: {}, request={}", error.what(), request.requestId);
+        spdlog::error("event=databaseFailed what={} request={}", logValue(error.what(), LongestReason),
+                      request.requestId);
         return errorReply(toApiError(error));
     } catch (const std::exception &error) {
-        spdlog::error("request failed: {}, request={}", error.what(), request.requestId);
+        spdlog::error("event=requestFailed what={} request={}", logValue(error.what(), LongestReason),
+                      request.requestId);
         return errorReply({500, "INTERNAL_ERROR", "Something went wrong on the server. Please try again."});
     }
 }

@@ -97,8 +97,7 @@ Response AttendanceEndpoints::punch(const Request &request)
     claim.mockLocation = body.boolean("isMockLocation");
     body.finish();
     const PunchAnswer answer = m_punches.punch(employee, claim);
-    spdlog::info("punch answered, employee={} type={} request={}", employee.id, answer.type,
-                 request.requestId);
+    spdlog::info("event=punch employee={} type={} request={}", employee.id, answer.type, request.requestId);
     return jsonReply(punchJson(answer));
 }
 

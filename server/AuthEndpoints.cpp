@@ -49,7 +49,7 @@ Response AuthEndpoints::login(const Request &request)
     body.finish();
     const Employee employee = checkedEmployee(email, password, request);
     const TokenPair pair = m_sessions.start(employee.id, deviceId);
-    spdlog::info("signed in, employee={} request={}", employee.id, request.requestId);
+    spdlog::info("event=signedIn employee={} request={}", employee.id, request.requestId);
     return jsonReply({{"accessToken", pair.accessToken},
                       {"refreshToken", pair.refreshToken},
                       {"user", userJson(employee)}});
@@ -66,7 +66,7 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
     const bool matches = employee ? m_passwords.matches(employee->passwordHash, password)
                                   : m_passwords.matchesNobody(password);
     if (!matches) {
-        spdlog::info("sign-in refused: wrong credentials, request={}", request.requestId);
+        spdlog::info("event=signInRefused request={}", request.requestId);
         throw ApiError{401, "INVALID_CREDENTIALS", "The e-mail address or the password is wrong."};
     }
     m_throttle.succeed(account, request.remoteAddress);

@@ -67,15 +67,16 @@ int runServe(const ServeCommandOptions &options)
     HttpServer server{http, [&application](const Request &request) { return application.handle(request); }};
     server.start();
     const bool encrypted = !http.certificateFile.empty();
-    spdlog::info("listening on {}:{} ({})", http.address, server.port(), encrypted ? "https" : "http");
+    spdlog::info("event=listening address={} port={} scheme={}", http.address, server.port(),
+                 encrypted ? "https" : "http");
     if (!encrypted && !isLoopback(http.address))
         spdlog::warn(
-            "passwords travel unencrypted: give --certificate and --private-key, or listen on 127.0.0.1"
-            " behind a proxy that encrypts");
+            "event=unencrypted advice=\"give --certificate and --private-key, or listen on 127.0.0.1 behind"
+            " a proxy that encrypts: passwords travel in requests\"");
     if (!options.portFile.empty())
         writePortFile(options.portFile, server.port());
     const int signal = stopSignal.waitThenStop(server);
-    spdlog::info("stopped by signal {}", signal);
+    spdlog::info("event=stopped signal={}", signal);
     return 0;
 }
 

@@ -75,8 +75,8 @@ TokenPair Sessions::refresh(const std::string &refreshToken)
             return issue(connection, token->familyId, token->generation + 1);
         connection.execute("UPDATE token_families SET revoked_at = :now WHERE id = :id", now,
                            token->familyId);
-        spdlog::warn("session revoked: a used refresh token came again, employee={} session={}",
-                     token->employeeId, token->familyId);
+        spdlog::warn("event=sessionRevoked reason=replay employee={} session={}", token->employeeId,
+                     token->familyId);
         return sessionEnded();
     });
     if (auto *refusal = std::get_if<ApiError>(&outcome))
