@@ -5,6 +5,7 @@
 #include "attendance/LocationManager.h"
 #include "net/APIClient.h"
 #include "net/SessionEvents.h"
+#include "net/TokenStore.h"
 
 #include <QObject>
 #include <QQmlApplicationEngine>

@@ -5,7 +5,6 @@ find_package(QCoro6 0.8 REQUIRED COMPONENTS Core Network)
 find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
 qcoro_enable_coroutines()
 
-set(CMAKE_AUTOMOC ON)
 # Where QML modules are laid out: the import path of the app's resources, of qmllint and of the tests.
 set(QT_QML_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/qml")
 

@@ -8,33 +8,35 @@ dev_format() {
     cpp_sources | xargs clang-format -i
 }
 
-# must_fail NAME COMMAND...: the canary's command has to fail
-must_fail() {
-    local name=$1
+# finds_canary WORDS COMMAND...: the command has to fail on its canary, and with these words; a linter that is missing or
+# broken fails too, but says something else.
+finds_canary() {
+    local words=$1 said
     shift
-    if "$@" >/dev/null 2>&1; then
-        echo "lint: $name did not find its canary, so its silence means nothing" >&2
+    if said=$("$@" 2>&1) || ! grep -qF -- "$words" <<<"$said"; then
+        echo "lint: the canary was not found, so silence would mean nothing: $*" >&2
         return 1
     fi
 }
 
 lint_format() {
-    must_fail clang-format clang-format --dry-run --Werror support/canaries/Format.cpp
+    finds_canary clang-format-violations clang-format --dry-run --Werror support/canaries/Format.cpp || return
     cpp_sources | xargs clang-format --dry-run --Werror
 }
 
-# qmllint of this Qt exits with 0 after warnings: any output is a failure here.
-qmllint_says_nothing() {
-    local said
-    said=$("$@" 2>&1 | grep -E '^(Warning|Error|Info|.*\.qml:[0-9]+)' || true)
-    [ -z "$said" ] || { printf '%s\n' "$said"; return 1; }
+# Any word of qmllint is a failure, also one that does not change its exit status.
+qmllint_is_silent() {
+    local said status=0
+    said=$("$@" 2>&1) || status=$?
+    said=$(grep -E '^(Warning|Error|Info)' -A 3 <<<"$said" || true)
+    [ $status -eq 0 ] && [ -z "$said" ] || { printf '%s\n' "$said"; return 1; }
 }
 
 lint_qml() {
-    build dev clockwell >/dev/null
-    must_fail qmllint qmllint_says_nothing /usr/lib/qt6/bin/qmllint --bare -I build/dev/qml \
-        -I "$(qtpaths6 --query QT_INSTALL_QML)" support/canaries/Unqualified.qml
-    qmllint_says_nothing cmake --build build/dev --target all_qmllint
+    build dev clockwell >build/.lint.log 2>&1 || { tail -n 40 build/.lint.log; return 1; }
+    finds_canary "Unqualified access" qmllint_is_silent /usr/lib/qt6/bin/qmllint --bare -I build/dev/qml \
+        -I "$(qtpaths6 --query QT_INSTALL_QML)" support/canaries/Unqualified.qml || return
+    qmllint_is_silent cmake --build build/dev --target all_qmllint
 }
 
 # All sources of a target are parsed together (unity), which makes this several times as fast.
@@ -45,7 +47,7 @@ lint_tidy() {
     generated=$(ninja -C build/tidy -t targets all | sed -n 's/^\([^/:]*_autogen\): phony$/\1/p')
     # shellcheck disable=SC2086
     ninja -C build/tidy $generated >/dev/null
-    must_fail clang-tidy clang-tidy-16 --quiet support/canaries/Tidy.cpp -- -std=c++20
+    finds_canary "use nullptr" clang-tidy-16 --quiet support/canaries/Tidy.cpp -- -std=c++20 || return
     run-clang-tidy-16 -quiet -p build/tidy -j "$(nproc)" 'unity_[0-9]*_cxx\.cxx$' >build/tidy/tidy.log 2>&1 || {
         grep -E 'warning:|error:|note:' -A 4 build/tidy/tidy.log | head -200
         return 1

@@ -5,13 +5,16 @@ run_dir=$root/out/run
 # The port that the development build of the app speaks to.
 demo_port() { sed -n 's|^CLOCKWELL_BASE_URL:[A-Z]*=.*:\([0-9]*\)/api$|\1|p' build/dev/CMakeCache.txt; }
 
+# A position inside the demo office, accurate to 8 metres.
+demo_fix() { sed -n 's/^  coordinates *//p' "$run_dir/demo.txt" | sed 's/$/,8/'; }
+
 has_display() { [ -n "${WAYLAND_DISPLAY:-}" ] || [ -n "${DISPLAY:-}" ]; }
 
 start_server() { # sets server_pid; the demo data stays between runs
     mkdir -p "$run_dir"
     local server=build/dev/bin/clockwell-server port
     port=$(demo_port)
-    "$server" demo --database "$run_dir/demo.db"
+    "$server" demo --database "$run_dir/demo.db" | tee "$run_dir/demo.txt"
     rm -f "$run_dir/port"
     "$server" serve --database "$run_dir/demo.db" --listen "127.0.0.1:$port" --port-file "$run_dir/port" \
         >"$run_dir/server.log" 2>&1 &

@@ -51,7 +51,8 @@ QCoro::Task<> AuthStore::storeTokens(const LoginResponse &reply)
 
 QCoro::Task<> AuthStore::bootstrap()
 {
-    if (!co_await whileAlive(this, hasStoredToken())) {
+    const bool hasSession = co_await whileAlive(this, hasStoredToken());
+    if (!hasSession) {
         setPhase(Phase::SignedOut);
         co_return;
     }

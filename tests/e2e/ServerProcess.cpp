@@ -2,8 +2,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QMap>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <sqlite3.h>
@@ -45,15 +45,23 @@ bool ServerProcess::fillDatabase(QString *error)
     for (const auto *suffix : {"", "-wal", "-shm"})
         QFile::remove(database() + QLatin1String(suffix));
     QProcess demo;
-    demo.start(m_binary, {u"demo"_s, u"--database"_s, database(), u"--json"_s});
+    demo.start(m_binary, {u"demo"_s, u"--database"_s, database()});
     if (!demo.waitForFinished(startLimitMs) || demo.exitCode() != 0) {
         *error = u"The demo database could not be made: "_s + textOf(demo.readAllStandardError());
         return false;
     }
-    const auto said = QJsonDocument::fromJson(demo.readAllStandardOutput()).object();
-    m_demo = {said["email"_L1].toString(), said["password"_L1].toString(), said["office"_L1].toString(),
-              said["latitude"_L1].toDouble(), said["longitude"_L1].toDouble()};
-    return !m_demo.email.isEmpty();
+    // One fact a line: "  e-mail       ada@..."
+    static const QRegularExpression fact(u"^  (\\S+) {2,}(.+)$"_s, QRegularExpression::MultilineOption);
+    QMap<QString, QString> facts;
+    const QString said = QString::fromUtf8(demo.readAllStandardOutput());
+    for (auto match = fact.globalMatch(said); match.hasNext();) {
+        const auto found = match.next();
+        facts.insert(found.captured(1), found.captured(2));
+    }
+    m_demo = {facts.value(u"e-mail"_s), facts.value(u"password"_s), facts.value(u"coordinates"_s)};
+    if (m_demo.email.isEmpty() || m_demo.coordinates.isEmpty())
+        *error = u"The demo command did not say whom to sign in as:\n"_s + said;
+    return error->isEmpty();
 }
 
 bool ServerProcess::start(QString *error)

@@ -18,9 +18,7 @@ public:
     {
         QString email;
         QString password;
-        QString office;
-        double latitude = 0;
-        double longitude = 0;
+        QString coordinates; ///< of the office: latitude,longitude in degrees
     };
 
     /// `binary` is the server's executable; the database and the log are written below `directory`.

@@ -83,8 +83,7 @@ int main(int argc, char **argv)
         return 1;
     }
     const auto &demo = server.demo();
-    qputenv("CLOCKWELL_SIMULATED_LOCATION",
-            u"%1,%2,8"_s.arg(demo.latitude, 0, 'f', 7).arg(demo.longitude, 0, 'f', 7).toUtf8());
+    qputenv("CLOCKWELL_SIMULATED_LOCATION", (demo.coordinates + u",8"_s).toUtf8());
     ClockwellApp::Parts parts = ClockwellApp::platformParts();
     parts.client.baseURL = server.baseUrl();
     ClockwellApp app(std::move(parts));

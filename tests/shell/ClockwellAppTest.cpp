@@ -1,0 +1,249 @@
+#include "ClockwellApp.h"
+
+#include "attendance/LocationSource.h"
+#include "support/Await.h"
+#include "support/FakeServer.h"
+#include "support/MemoryTokenStore.h"
+#include "support/screen/ScreenDriver.h"
+
+#include <QQuickWindow>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace clockwell {
+namespace {
+
+using test::FakeServer;
+using test::MemoryTokenStore;
+using test::ScreenDriver;
+using test::spinUntil;
+
+/// A device on which the location is switched off: no test here is about positions.
+class NoLocation final : public LocationSource
+{
+public:
+    AuthorizationStatus authorizationStatus() const override { return AuthorizationStatus::Denied; }
+    void setDesiredAccuracy(Accuracy) override {}
+    void requestWhenInUseAuthorization() override {}
+    void requestLocation() override {}
+};
+
+QByteArray user(const QByteArray &name)
+{
+    return R"({"id":"1","fullName":")" + name + R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})";
+}
+
+QByteArray today(const QByteArray &office)
+{
+    return R"({"workDate":"2026-03-02","open":true,"office":{"name":")" + office
+        + R"(","checkInTime":"09:30","checkOutTime":"18:00","radiusMeters":150},"canCheckIn":true,)"
+          R"("canCheckOut":false})";
+}
+
+class ClockwellAppTest : public ::testing::Test
+{
+protected:
+    /// Starts the app with these tokens stored.
+    void start(const std::optional<QString> &access = {}, const std::optional<QString> &refresh = {})
+    {
+        auto store = std::make_unique<MemoryTokenStore>();
+        tokens = store.get();
+        tokens->save(TokenKey::accessToken, access);
+        tokens->save(TokenKey::refreshToken, refresh);
+        ClockwellApp::Parts parts;
+        parts.client.baseURL = server.url(u"/api"_s);
+        parts.tokens = std::move(store);
+        parts.makeLocationSource = [] { return std::make_unique<NoLocation>(); };
+        app = std::make_unique<ClockwellApp>(std::move(parts));
+        ASSERT_TRUE(app->show());
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(app->window()));
+        screen = std::make_unique<ScreenDriver>(app->window());
+    }
+
+    void startSignedIn(const QByteArray &name = "Ada Byron")
+    {
+        server.expect("GET", "/api/auth/me").reply(200, user(name));
+        server.expect("GET", "/api/attendance/today").anyNumber().reply(200, today("North Tower"));
+        start(u"a1"_s, u"r1"_s);
+        ASSERT_TRUE(screen->waitFor(u"Attendance"_s));
+    }
+
+    bool isSelected(const QString &tab) const
+    {
+        const auto element = screen->find(tab, QAccessible::PageTab);
+        return element && element->state.selected;
+    }
+
+    FakeServer server;
+    MemoryTokenStore *tokens = nullptr; // owned by the app
+    std::unique_ptr<ClockwellApp> app;
+    std::unique_ptr<ScreenDriver> screen;
+};
+
+TEST_F(ClockwellAppTest, WithoutTokensTheSpinnerGivesWayToTheSignIn)
+{
+    start();
+    EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::Loading);
+    EXPECT_FALSE(screen->shows(u"Sign in"_s));
+    EXPECT_TRUE(screen->waitFor(u"Sign in"_s));
+    EXPECT_TRUE(server.requests().isEmpty());
+}
+
+TEST_F(ClockwellAppTest, WithValidTokensTheMainScreenShowsItsFirstTab)
+{
+    startSignedIn();
+    EXPECT_TRUE(isSelected(u"Attendance"_s));
+    EXPECT_FALSE(isSelected(u"History"_s));
+    EXPECT_TRUE(screen->waitFor(u"North Tower"_s));
+    EXPECT_TRUE(screen->waitUntilGone(u"Sign in"_s));
+}
+
+TEST_F(ClockwellAppTest, TheTabsStandInTheirOrder)
+{
+    startSignedIn();
+    QStringList tabs;
+    for (const auto &element : screen->elements()) {
+        if (element.role == QAccessible::PageTab)
+            tabs.append(element.name);
+    }
+    EXPECT_EQ(tabs, (QStringList{u"Attendance"_s, u"History"_s, u"Summary"_s, u"Profile"_s}));
+}
+
+TEST_F(ClockwellAppTest, OnlyTheSelectedTabIsShowing)
+{
+    startSignedIn();
+    ASSERT_TRUE(screen->waitFor(u"North Tower"_s));
+    ASSERT_TRUE(screen->click(u"Summary"_s, QAccessible::PageTab));
+    EXPECT_TRUE(spinUntil([&] { return isSelected(u"Summary"_s); }));
+    EXPECT_TRUE(screen->waitUntilGone(u"North Tower"_s));
+    EXPECT_TRUE(screen->find(u"Summary"_s, QAccessible::StaticText));
+    EXPECT_FALSE(screen->find(u"History"_s, QAccessible::StaticText));
+    ASSERT_TRUE(screen->press(u"History"_s, QAccessible::PageTab));
+    EXPECT_TRUE(spinUntil([&] { return screen->find(u"History"_s, QAccessible::StaticText).has_value(); }));
+    ASSERT_TRUE(screen->click(u"Profile"_s, QAccessible::PageTab));
+    EXPECT_TRUE(spinUntil([&] { return screen->find(u"Profile"_s, QAccessible::StaticText).has_value(); }));
+    ASSERT_TRUE(screen->click(u"Attendance"_s, QAccessible::PageTab));
+    EXPECT_TRUE(screen->waitFor(u"North Tower"_s));
+}
+
+TEST_F(ClockwellAppTest, ComingBackToTheFirstTabLoadsTheDayAgain)
+{
+    startSignedIn();
+    ASSERT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 1; }));
+    ASSERT_TRUE(screen->click(u"History"_s, QAccessible::PageTab));
+    ASSERT_TRUE(screen->click(u"Attendance"_s, QAccessible::PageTab));
+    EXPECT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 2; }));
+}
+
+TEST_F(ClockwellAppTest, TheEmptyExpiryAtTheStartSignsNobodyOut)
+{
+    startSignedIn();
+    EXPECT_FALSE(app->sessionEvents().expiredAt());
+    EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::SignedIn);
+}
+
+TEST_F(ClockwellAppTest, TwoExpiriesInARowEndAtTheSameSignIn)
+{
+    startSignedIn();
+    const auto now = QDateTime::currentDateTimeUtc();
+    app->sessionEvents().setExpiredAt(now);
+    app->sessionEvents().setExpiredAt(now);
+    EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::SignedOut);
+    EXPECT_FALSE(tokens->access());
+    EXPECT_FALSE(tokens->refresh());
+    EXPECT_TRUE(screen->waitFor(u"Sign in"_s));
+    EXPECT_TRUE(screen->waitUntilGone(u"Attendance"_s));
+}
+
+TEST_F(ClockwellAppTest, ARefusedRefreshLeadsBackToTheSignIn)
+{
+    server.expect("GET", "/api/auth/me").reply(200, user("Ada"));
+    server.expect("GET", "/api/attendance/today").reply(401, "{}");
+    server.expect("POST", "/api/auth/refresh").reply(401, "{}");
+    start(u"a1"_s, u"r1"_s);
+    EXPECT_TRUE(screen->waitFor(u"Sign in to mark attendance"_s));
+    EXPECT_FALSE(tokens->access());
+    EXPECT_FALSE(tokens->refresh());
+    EXPECT_FALSE(app->auth()->user());
+}
+
+TEST_F(ClockwellAppTest, ANewSessionShowsNothingOfTheOneBefore)
+{
+    server.expect("GET", "/api/auth/me").reply(200, user("Ada Byron"));
+    server.expect("GET", "/api/attendance/today").withHeader("Authorization", "Bearer a1").reply(200, today("First Office"));
+    start(u"a1"_s, u"r1"_s);
+    ASSERT_TRUE(screen->waitFor(u"First Office"_s));
+    app->auth()->logout();
+    ASSERT_TRUE(screen->waitFor(u"Email"_s));
+    server.expect("POST", "/api/auth/login")
+        .reply(200, R"({"accessToken":"a2","refreshToken":"r2","user":)" + user("Bob Kay") + "}");
+    server.expect("GET", "/api/attendance/today")
+        .withHeader("Authorization", "Bearer a2")
+        .after(500ms)
+        .reply(200, today("Second Office"));
+    ASSERT_TRUE(screen->waitUntilGone(u"Attendance"_s));
+    ASSERT_TRUE(screen->type(u"Email"_s, u"bob@example.org"_s));
+    ASSERT_TRUE(screen->type(u"Password"_s, u"secret"_s));
+    ASSERT_TRUE(screen->click(u"Sign in"_s));
+    ASSERT_TRUE(screen->waitFor(u"Attendance"_s));
+    EXPECT_FALSE(screen->shows(u"First Office"_s));
+    EXPECT_TRUE(screen->waitFor(u"Second Office"_s));
+    EXPECT_FALSE(screen->shows(u"First Office"_s));
+    EXPECT_TRUE(isSelected(u"Attendance"_s));
+}
+
+TEST_F(ClockwellAppTest, SigningOutRebuildsTheSignInAtItsRootWithEmptyFields)
+{
+    start();
+    ASSERT_TRUE(screen->waitFor(u"Email"_s));
+    server.expect("POST", "/api/auth/login")
+        .reply(200, R"({"accessToken":"a","refreshToken":"r","user":)" + user("Ada") + "}");
+    server.expect("GET", "/api/attendance/today").reply(200, today("North Tower"));
+    ASSERT_TRUE(screen->type(u"Email"_s, u"ada@example.org"_s));
+    ASSERT_TRUE(screen->type(u"Password"_s, u"secret"_s));
+    ASSERT_TRUE(screen->click(u"Sign in"_s));
+    ASSERT_TRUE(screen->waitFor(u"North Tower"_s));
+    app->auth()->logout();
+    ASSERT_TRUE(screen->waitFor(u"Email"_s));
+    EXPECT_FALSE(screen->isEnabled(u"Sign in"_s));
+}
+
+TEST_F(ClockwellAppTest, ThePagesAreDarkWhateverTheDesktopPrefers)
+{
+    start();
+    ASSERT_TRUE(screen->waitFor(u"Sign in"_s));
+    const QImage picture = app->window()->grabWindow();
+    EXPECT_EQ(picture.pixelColor(4, 4), QColor(9, 21, 42));
+    EXPECT_EQ(picture.pixelColor(picture.width() - 4, picture.height() - 4), QColor(9, 21, 42));
+}
+
+TEST_F(ClockwellAppTest, QuittingInTheMiddleOfARequestIsHarmless)
+{
+    server.expect("GET", "/api/auth/me").reply(200, user("Ada"));
+    server.expect("GET", "/api/attendance/today").never();
+    start(u"a1"_s, u"r1"_s);
+    ASSERT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 1; }));
+    QElapsedTimer clock;
+    clock.start();
+    app.reset();
+    EXPECT_LT(clock.elapsed(), 2000);
+    spinUntil([] { return false; }, 100ms);
+}
+
+TEST_F(ClockwellAppTest, QuittingWhileTheSessionIsRestoredIsHarmless)
+{
+    server.expect("GET", "/api/auth/me").never();
+    start(u"a1"_s, u"r1"_s);
+    ASSERT_TRUE(server.waitForRequests(1));
+    auto *const kept = tokens;
+    EXPECT_EQ(kept->access(), u"a1"_s);
+    app.reset();
+    spinUntil([] { return false; }, 100ms);
+}
+
+} // namespace
+} // namespace clockwell
