@@ -4,8 +4,6 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class ApiTest : public testing::Test
 {
 protected:
@@ -16,8 +14,6 @@ protected:
     }
     World world;
 };
-
-} // namespace
 
 TEST_F(ApiTest, UnknownPathsAreNotFound)
 {

@@ -8,8 +8,6 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class HistoryTest : public testing::Test
 {
 protected:
@@ -44,8 +42,6 @@ protected:
 
     World world{"2026-06-01T00:00:00Z"};
 };
-
-} // namespace
 
 TEST_F(HistoryTest, NewEmployeeHasNone)
 {

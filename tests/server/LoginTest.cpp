@@ -8,8 +8,6 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class LoginTest : public testing::Test
 {
 protected:
@@ -20,8 +18,6 @@ protected:
     }
     World world;
 };
-
-} // namespace
 
 TEST_F(LoginTest, GivesTokensAndTheUser)
 {

@@ -6,12 +6,8 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class PunchRepeatTest : public PunchFixture
 {};
-
-} // namespace
 
 TEST_F(PunchRepeatTest, RepeatFromTheSameDeviceIsAnsweredLikeTheFirst)
 {

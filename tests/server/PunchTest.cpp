@@ -2,12 +2,8 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class PunchTest : public PunchFixture
 {};
-
-} // namespace
 
 TEST_F(PunchTest, FirstPunchOfTheDayChecksIn)
 {

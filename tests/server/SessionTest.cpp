@@ -9,8 +9,6 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class SessionTest : public testing::Test
 {
 protected:
@@ -40,8 +38,6 @@ protected:
     std::string access;
     std::string refresh;
 };
-
-} // namespace
 
 TEST_F(SessionTest, AccessTokenWorksForFifteenMinutes)
 {

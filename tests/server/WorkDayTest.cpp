@@ -2,12 +2,8 @@
 
 namespace clockwell::server::test {
 
-namespace {
-
 class WorkDayTest : public PunchFixture
 {};
-
-} // namespace
 
 TEST_F(WorkDayTest, HolidayIsClosed)
 {
