@@ -10,6 +10,7 @@ Row {
 
     Image {
         id: logo
+        objectName: "logo"
         width: 46
         height: 46
         source: "qrc:/clockwell/AppLogo.png"
@@ -22,6 +23,7 @@ Row {
 
         TextLabel {
             width: parent.width
+            objectName: "title"
             text: "Qorvane"
             size: 17
             weight: Font.Bold
@@ -31,6 +33,7 @@ Row {
 
         TextLabel {
             width: parent.width
+            objectName: "subtitle"
             visible: text !== ""
             text: root.subtitle
             size: 12

@@ -7,6 +7,7 @@
 #include <QQuickWindow>
 #include <QSGImageNode>
 #include <QSGRectangleNode>
+#include <QSGRendererInterface>
 
 #include <algorithm>
 #include <array>
@@ -50,9 +51,11 @@ public:
     explicit FrameNode(QQuickWindow *window) : m_middle(window->createRectangleNode())
     {
         appendChildNode(m_middle);
+        // The software renderer's smooth stretching loses a level of colour; a graphics card's does not.
+        const bool software = window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software;
         for (QSGImageNode *&part : m_parts) {
             part = window->createImageNode();
-            part->setFiltering(QSGTexture::Linear);
+            part->setFiltering(software ? QSGTexture::Nearest : QSGTexture::Linear);
             appendChildNode(part);
         }
         m_parts.front()->setOwnsTexture(true);
@@ -85,6 +88,21 @@ private:
     QSGRectangleNode *m_middle;
     std::array<QSGImageNode *, 8> m_parts{};
 };
+
+// The rasteriser rounds to one side; the eye sees that in corners that stand across from each other.
+void makeSymmetric(QImage &image)
+{
+    const int right = image.width() - 1;
+    const int bottom = image.height() - 1;
+    for (int y = 0; y <= bottom / 2; ++y) {
+        for (int x = 0; x <= right / 2; ++x) {
+            const auto pixel = reinterpret_cast<const QRgb *>(image.constScanLine(y))[x];
+            reinterpret_cast<QRgb *>(image.scanLine(y))[right - x] = pixel;
+            reinterpret_cast<QRgb *>(image.scanLine(bottom - y))[x] = pixel;
+            reinterpret_cast<QRgb *>(image.scanLine(bottom - y))[right - x] = pixel;
+        }
+    }
+}
 
 template <typename Value>
 bool assign(Value &member, const Value &value)
@@ -146,7 +164,9 @@ QSGNode *ContinuousRectangle::updatePaintNode(QSGNode *node, UpdatePaintNodeData
     const qreal radius = m_radius * ratio;
     const qreal border = m_borderWidth * ratio;
     const QString name = QStringLiteral("frame %1 %2 %3").arg(radius).arg(border).arg(m_borderColor.rgba());
-    const QImage image = cachedImage({name, {x.pixels, y.pixels}, m_color.rgba()}, [&](QPainter &painter) {
+    const QImage image = cachedImage({name, {x.pixels, y.pixels}, m_color.rgba()}, [&](QImage &drawn) {
+        QPainter painter(&drawn);
+        painter.setRenderHint(QPainter::Antialiasing);
         const QRectF shape(0, 0, x.pixels, y.pixels);
         QPainterPath outline = continuousRectangle(shape, radius);
         painter.fillPath(outline, m_color);
@@ -155,6 +175,8 @@ QSGNode *ContinuousRectangle::updatePaintNode(QSGNode *node, UpdatePaintNodeData
                 continuousRectangle(shape.adjusted(border, border, -border, -border), radius - border));
             painter.fillPath(outline, m_borderColor);
         }
+        painter.end();
+        makeSymmetric(drawn);
     });
     auto *frame = node ? static_cast<FrameNode *>(node) : new FrameNode(window());
     frame->layOut(x, y, m_color, window()->createTextureFromImage(image));

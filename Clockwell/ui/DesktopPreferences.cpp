@@ -7,9 +7,9 @@
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
+#include <optional>
 
 namespace clockwell {
 
@@ -24,52 +24,42 @@ const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
 const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 
-struct Setting
+bool isTextScale(const QString &group, const QString &key)
+{
+    return group == u"org.gnome.desktop.interface" && key == u"text-scaling-factor";
+}
+
+/// A setting that can ask for reduced motion, and what of its values does; none for a value of another type.
+struct MotionSetting
 {
     QStringView group;
     QStringView key;
-    void (*apply)(Theme &theme, const QVariant &value);
+    std::optional<bool> (*reduces)(const QVariant &value);
 };
 
-void applyTextScale(Theme &theme, const QVariant &value)
+std::optional<bool> noAnimations(const QVariant &value)
 {
-    bool isNumber = false;
-    const double scale = value.toDouble(&isNumber);
-    if (isNumber) {
-        theme.setTextScale(scale);
-    }
-}
-
-void applyAnimations(Theme &theme, const QVariant &value)
-{
-    if (value.typeId() == QMetaType::Bool) {
-        theme.setReducedMotion(!value.toBool());
-    }
+    return value.typeId() == QMetaType::Bool ? std::optional(!value.toBool()) : std::nullopt;
 }
 
 // A factor on every animation's duration, written as text.
-void applyDurationFactor(Theme &theme, const QVariant &value)
+std::optional<bool> noDuration(const QVariant &value)
 {
     bool isNumber = false;
     const double factor = value.toDouble(&isNumber);
-    if (isNumber) {
-        theme.setReducedMotion(qFuzzyIsNull(factor));
-    }
+    return isNumber ? std::optional(qFuzzyIsNull(factor)) : std::nullopt;
 }
 
 // 1: reduced motion is preferred; every other number: no preference.
-void applyReducedMotion(Theme &theme, const QVariant &value)
+std::optional<bool> preferred(const QVariant &value)
 {
-    if (value.typeId() == QMetaType::UInt) {
-        theme.setReducedMotion(value.toUInt() == 1);
-    }
+    return value.typeId() == QMetaType::UInt ? std::optional(value.toUInt() == 1) : std::nullopt;
 }
 
-constexpr auto settings = std::to_array<Setting>({
-    {u"org.gnome.desktop.interface", u"text-scaling-factor", applyTextScale},
-    {u"org.gnome.desktop.interface", u"enable-animations", applyAnimations},
-    {u"org.kde.kdeglobals.KDE", u"AnimationDurationFactor", applyDurationFactor},
-    {u"org.freedesktop.appearance", u"reduced-motion", applyReducedMotion},
+constexpr auto motionSettings = std::to_array<MotionSetting>({
+    {u"org.freedesktop.appearance", u"reduced-motion", preferred},
+    {u"org.gnome.desktop.interface", u"enable-animations", noAnimations},
+    {u"org.kde.kdeglobals.KDE", u"AnimationDurationFactor", noDuration},
 });
 
 } // namespace
@@ -85,10 +75,9 @@ void DesktopPreferences::start(const QDBusConnection &bus)
                                  SLOT(takeChange(QString, QString, QDBusVariant)));
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     QStringList groups;
-    for (const Setting &setting : settings) {
+    for (const MotionSetting &setting : motionSettings) {
         groups.append(setting.group.toString());
     }
-    groups.removeDuplicates();
     call.setArguments({groups});
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, portalTimeout.count()), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, &DesktopPreferences::takeAll);
@@ -116,10 +105,20 @@ void DesktopPreferences::takeChange(const QString &group, const QString &key, co
 
 void DesktopPreferences::apply(const QString &group, const QString &key, const QVariant &value)
 {
-    const auto setting = std::ranges::find_if(
-        settings, [&](const Setting &known) { return known.group == group && known.key == key; });
-    if (setting != settings.end()) {
-        setting->apply(m_theme, value);
+    bool isNumber = false;
+    const double number = value.toDouble(&isNumber);
+    if (isTextScale(group, key) && isNumber) {
+        m_theme.setTextScale(number);
+        return;
+    }
+    for (const MotionSetting &setting : motionSettings) {
+        const auto reduces =
+            setting.group == group && setting.key == key ? setting.reduces(value) : std::nullopt;
+        if (reduces) {
+            m_reducing.removeAll(key);
+            m_reducing.append(*reduces ? QStringList(key) : QStringList());
+            m_theme.setReducedMotion(!m_reducing.isEmpty());
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QStringList>
 #include <QVariantMap>
 
 class QDBusPendingCallWatcher;
@@ -34,6 +35,8 @@ private:
     void apply(const QString &group, const QString &key, const QVariant &value);
 
     Theme &m_theme;
+    /// The keys of the settings that ask for reduced motion now: one is enough.
+    QStringList m_reducing;
 };
 
 } // namespace clockwell

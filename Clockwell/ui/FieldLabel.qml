@@ -12,6 +12,7 @@ Item {
 
     TextLabel {
         id: label
+        objectName: "label"
         width: root.width
         text: root.text
         size: 10

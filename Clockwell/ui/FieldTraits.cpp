@@ -1,5 +1,7 @@
 #include "FieldTraits.h"
 
+#include "ItemAccessible.h"
+
 namespace clockwell {
 
 namespace {
@@ -51,6 +53,11 @@ Qt::InputMethodHints contentHints(FieldTraits::TextContentType type)
 }
 
 } // namespace
+
+FieldTraits::FieldTraits(QObject *parent) : QObject(parent)
+{
+    installItemAccessibles();
+}
 
 Qt::InputMethodHints FieldTraits::hints() const
 {

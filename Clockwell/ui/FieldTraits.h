@@ -33,7 +33,7 @@ public:
     enum Autocap { NoAutocap, Words, Sentences, AllCharacters };
     Q_ENUM(Autocap)
 
-    explicit FieldTraits(QObject *parent = nullptr) : QObject(parent) {}
+    explicit FieldTraits(QObject *parent = nullptr);
 
     /// Autocorrection is off in every field, whatever it is for.
     Qt::InputMethodHints hints() const;

@@ -27,6 +27,7 @@ Pressable {
     }
 
     FocusRing {
+        objectName: "ring"
         shown: root.focusVisible
         gap: -4
     }

@@ -1,7 +1,6 @@
 #include "ImageNode.h"
 
 #include <QCache>
-#include <QPainter>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSGImageNode>
@@ -21,7 +20,7 @@ size_t qHash(const ImageKey &key, size_t seed = 0)
     return qHashMulti(seed, key.name, key.pixels.width(), key.pixels.height(), key.color);
 }
 
-QImage cachedImage(const ImageKey &key, const std::function<void(QPainter &)> &paint)
+QImage cachedImage(const ImageKey &key, const std::function<void(QImage &)> &paint)
 {
     static QCache<ImageKey, QImage> cache(cacheBytes);
     if (const QImage *known = cache.object(key)) {
@@ -29,10 +28,7 @@ QImage cachedImage(const ImageKey &key, const std::function<void(QPainter &)> &p
     }
     auto image = std::make_unique<QImage>(key.pixels, QImage::Format_ARGB32_Premultiplied);
     image->fill(Qt::transparent);
-    QPainter painter(image.get());
-    painter.setRenderHint(QPainter::Antialiasing);
-    paint(painter);
-    painter.end();
+    paint(*image);
     const QImage result = *image;
     cache.insert(key, image.release(), result.sizeInBytes());
     return result;

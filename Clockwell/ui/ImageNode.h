@@ -6,7 +6,6 @@
 
 #include <functional>
 
-class QPainter;
 class QQuickItem;
 class QSGNode;
 
@@ -24,7 +23,7 @@ struct ImageKey
 
 /// The image of this key, painted once and kept as long as it is in use often enough. To be called only from
 /// updatePaintNode(), where the main thread waits, so that the one cache needs no lock.
-QImage cachedImage(const ImageKey &key, const std::function<void(QPainter &)> &paint);
+QImage cachedImage(const ImageKey &key, const std::function<void(QImage &)> &paint);
 
 /// The scene-graph node that shows an image in the middle of the item, one pixel of it on one of the screen:
 /// `node` with its texture replaced, or a new one. A null image gives no node. The scene graph owns the

@@ -30,6 +30,7 @@ Pressable {
     }
 
     FocusRing {
+        objectName: "ring"
         shown: root.focusVisible
         cornerRadius: 4
     }

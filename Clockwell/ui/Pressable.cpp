@@ -1,5 +1,7 @@
 #include "Pressable.h"
 
+#include "ItemAccessible.h"
+
 #include <QCursor>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -22,6 +24,7 @@ bool isPressKey(int key)
 
 Pressable::Pressable(QQuickItem *parent) : QQuickItem(parent)
 {
+    installItemAccessibles();
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     setCursor(Qt::PointingHandCursor);
@@ -92,6 +95,9 @@ void Pressable::itemChange(ItemChange change, const ItemChangeData &data)
 {
     if ((change == ItemEnabledHasChanged || change == ItemVisibleHasChanged) && !data.boolValue) {
         setPressed(false);
+    }
+    if (change == ItemEnabledHasChanged) {
+        announceEnabled(this);
     }
     QQuickItem::itemChange(change, data);
 }

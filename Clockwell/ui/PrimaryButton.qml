@@ -29,6 +29,7 @@ Pressable {
 
     TextLabel {
         id: label
+        objectName: "label"
         x: 16
         y: 14
         width: root.width - 2 * x
@@ -41,6 +42,7 @@ Pressable {
     }
 
     Spinner {
+        objectName: "spinner"
         anchors.centerIn: parent
         visible: root.loading
         size: 20 * Theme.textScale
@@ -49,6 +51,7 @@ Pressable {
     }
 
     FocusRing {
+        objectName: "ring"
         shown: root.focusVisible
         cornerRadius: 12
     }

@@ -31,6 +31,7 @@ FocusScope {
     }
 
     ContinuousRectangle {
+        objectName: "frame"
         anchors.fill: parent
         radius: 11
         color: Theme.surface
@@ -64,11 +65,10 @@ FocusScope {
         Accessible.name: root.label
         Accessible.description: root.placeholder
         Accessible.focusable: true
-        Accessible.editable: true
-        Accessible.passwordEdit: root.secure && !root.reveal
     }
 
     TextLabel {
+        objectName: "placeholder"
         anchors.fill: input
         visible: input.text === "" && input.preeditText === ""
         text: root.placeholder
@@ -95,6 +95,7 @@ FocusScope {
 
         Symbol {
             id: icon
+            objectName: "eye"
             name: root.reveal ? "eye.slash" : "eye"
             size: 22 * Theme.textScale
             color: Theme.textMuted
@@ -107,6 +108,7 @@ FocusScope {
     }
 
     FocusRing {
+        objectName: "ring"
         shown: input.activeFocus
         cornerRadius: 11
         gap: 0

@@ -19,8 +19,10 @@ constexpr std::chrono::milliseconds stepTime = 100ms;
 constexpr qreal faintest = 0.2;
 
 // Spokes on a square of 20 units, the brightest first, the others fading behind it.
-void paintSpokes(QPainter &painter, int pixels, int first, const QColor &color)
+void paintSpokes(QImage &image, int pixels, int first, const QColor &color)
 {
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(pixels / 20.0, pixels / 20.0);
     painter.translate(10, 10);
     for (int spoke = 0; spoke < spokes; ++spoke) {
@@ -77,9 +79,8 @@ QSGNode *Spinner::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
         return updateImageNode(node, this, {});
     }
     const QString name = QStringLiteral("spinner %1").arg(m_step);
-    const QImage image = cachedImage({name, {pixels, pixels}, m_color.rgba()}, [&](QPainter &painter) {
-        paintSpokes(painter, pixels, m_step, m_color);
-    });
+    const QImage image = cachedImage({name, {pixels, pixels}, m_color.rgba()},
+                                     [&](QImage &drawn) { paintSpokes(drawn, pixels, m_step, m_color); });
     return updateImageNode(node, this, image);
 }
 

@@ -32,6 +32,7 @@ Item {
 
     TextLabel {
         id: label
+        objectName: "label"
         x: dot.x + dot.width + 6
         y: 4
         width: root.width - x - 11

@@ -41,19 +41,19 @@ QPainterPath continuousRectangle(const QRectF &rectangle, qreal radius)
     }
     const qreal extent = continuousCornerExtent(rectangle.size(), radius);
     const qreal power = 2 / exponent(extent, limited);
-    const QPointF middle = rectangle.center();
-    const qreal straightX = rectangle.width() / 2 - extent;
-    const qreal straightY = rectangle.height() / 2 - extent;
     for (int corner = 0; corner < 4; ++corner) {
+        const bool right = corner == 0 || corner == 3;
+        const bool bottom = corner < 2;
         for (int step = 0; step <= stepsPerCorner; ++step) {
-            const qreal angle = (corner + qreal(step) / stepsPerCorner) * std::numbers::pi / 2;
-            const qreal cosine = std::cos(angle);
-            const qreal sine = std::sin(angle);
-            // The side comes from the corner, not from the sign: at its ends the sign is a rounding error.
-            const qreal sideX = corner == 0 || corner == 3 ? 1 : -1;
-            const qreal sideY = corner < 2 ? 1 : -1;
-            const QPointF point(middle.x() + sideX * (straightX + extent * std::pow(std::abs(cosine), power)),
-                                middle.y() + sideY * (straightY + extent * std::pow(std::abs(sine), power)));
+            // From the vertical side to the horizontal one, and back at every other corner. The ends are
+            // exactly on the sides, whatever the rounding, so that the sides fall on whole pixels.
+            const int along = corner % 2 == 0 ? step : stepsPerCorner - step;
+            const qreal angle = along * std::numbers::pi / (2 * stepsPerCorner);
+            const qreal insetX = along == 0 ? 0 : extent * (1 - std::pow(std::cos(angle), power));
+            const qreal insetY =
+                along == stepsPerCorner ? 0 : extent * (1 - std::pow(std::sin(angle), power));
+            const QPointF point(right ? rectangle.right() - insetX : rectangle.left() + insetX,
+                                bottom ? rectangle.bottom() - insetY : rectangle.top() + insetY);
             corner == 0 && step == 0 ? path.moveTo(point) : path.lineTo(point);
         }
     }

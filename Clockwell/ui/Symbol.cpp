@@ -57,7 +57,9 @@ QSGNode *Symbol::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
     if (path.isEmpty() || pixels <= 0) {
         return updateImageNode(node, this, {});
     }
-    const QImage image = cachedImage({m_name, {pixels, pixels}, m_color.rgba()}, [&](QPainter &painter) {
+    const QImage image = cachedImage({m_name, {pixels, pixels}, m_color.rgba()}, [&](QImage &drawn) {
+        QPainter painter(&drawn);
+        painter.setRenderHint(QPainter::Antialiasing);
         painter.scale(pixels / iconUnits, pixels / iconUnits);
         painter.fillPath(path, m_color);
     });

@@ -35,6 +35,7 @@ Pressable {
 
         TextLabel {
             width: parent.width
+            objectName: "label"
             text: root.title
             size: 10
             weight: Font.Medium
@@ -48,6 +49,7 @@ Pressable {
     }
 
     FocusRing {
+        objectName: "ring"
         shown: root.focusVisible
         gap: -4
     }

@@ -9,19 +9,21 @@
 #include <QQuickView>
 #include <QTest>
 
-// clockwell_ui_gallery FOLDER: draws the components into PNG files there. Run it with QT_SCALE_FACTOR=2 for the look at
-// two pixels a point and with --text-scale 2 for large text.
+// clockwell_ui_gallery FOLDER: draws the components into PNG files there. Run it with QT_SCALE_FACTOR=2 for
+// the look at two pixels a point and with --text-scale 2 for large text.
 int main(int argc, char **argv)
 {
     QGuiApplication app(argc, argv);
     QCommandLineParser parser;
-    parser.addOption({QStringLiteral("text-scale"), QString(), QStringLiteral("factor"), QStringLiteral("1")});
+    parser.addOption(
+        {QStringLiteral("text-scale"), QString(), QStringLiteral("factor"), QStringLiteral("1")});
     parser.addOption({QStringLiteral("suffix"), QString(), QStringLiteral("text")});
     parser.addPositionalArgument(QStringLiteral("folder"), QString());
     parser.process(app);
     const QString folder = parser.positionalArguments().value(0, QStringLiteral("."));
     const QList<QPair<QString, QStringList>> pages{
-        {QStringLiteral("Gallery"), {QStringLiteral("focused"), QStringLiteral("ring"), QStringLiteral("link")}},
+        {QStringLiteral("Gallery"),
+         {QStringLiteral("focused"), QStringLiteral("ring"), QStringLiteral("link")}},
         {QStringLiteral("Tabs"), {QStringLiteral("ring")}},
     };
     for (const auto &[page, focused] : pages) {

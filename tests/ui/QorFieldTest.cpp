@@ -1,0 +1,310 @@
+#include "ComponentStage.h"
+
+#include "ui/Theme.h"
+
+#include <QClipboard>
+#include <QFont>
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace clockwell::test {
+
+namespace {
+
+const auto secret = QStringLiteral("correct horse");
+const auto password = QStringLiteral("Password");
+const auto show = QStringLiteral("Show password");
+const auto hide = QStringLiteral("Hide password");
+
+const QByteArray plainField = "QorField { label: \"Email\"; placeholder: \"name@company.com\" }";
+const QByteArray secureField = "QorField { label: \"Password\"; placeholder: \"••••••••\"; secure: true }";
+
+QAccessibleInterface *accessible(ComponentStage &stage)
+{
+    return QAccessible::queryAccessibleInterface(stage.part("input"));
+}
+
+/// Everything that assistive technology can read out of the window, wherever it asks.
+QString everythingReadable(QAccessibleInterface *interface)
+{
+    QString all;
+    for (const auto text :
+         {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help}) {
+        all += interface->text(text) + u'\n';
+    }
+    if (auto *text = interface->textInterface()) {
+        all += text->text(0, text->characterCount()) + u'\n';
+    }
+    for (int i = 0; i < interface->childCount(); ++i) {
+        all += everythingReadable(interface->child(i));
+    }
+    return all;
+}
+
+} // namespace
+
+TEST(QorField, IsNamedByItsLabel)
+{
+    ComponentStage stage(plainField);
+    EXPECT_EQ(stage.screen().find(QStringLiteral("Email"))->role, QAccessible::EditableText);
+    EXPECT_TRUE(stage.screen().find(QStringLiteral("Email"))->state.editable);
+    EXPECT_TRUE(stage.screen().find(QStringLiteral("Email"))->state.focusable);
+    EXPECT_EQ(stage.screen().texts(), QStringList(QStringLiteral("Email")));
+}
+
+TEST(QorField, TakesWhatIsTyped)
+{
+    ComponentStage stage(plainField);
+    QSignalSpy edited(stage.item(), SIGNAL(textEdited()));
+    EXPECT_TRUE(stage.screen().type(QStringLiteral("Email"), QStringLiteral("ada")));
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("ada"));
+    EXPECT_EQ(edited.count(), 3);
+    EXPECT_EQ(accessible(stage)->text(QAccessible::Value), QStringLiteral("ada"));
+}
+
+TEST(QorField, StaysBoundInBothDirections)
+{
+    ComponentStage stage("QorField { id: field; property string model: \"A\"; label: \"Code\"; text: model; "
+                         "onTextEdited: model = text.toUpperCase() }");
+    stage.screen().type(QStringLiteral("Code"), QStringLiteral("b"));
+    EXPECT_EQ(stage.item()->property("model").toString(), QStringLiteral("AB"));
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("AB"));
+    stage.item()->setProperty("model", QStringLiteral("NEW"));
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("NEW"));
+}
+
+TEST(QorField, TellsOfTextThatAssistiveTechnologySets)
+{
+    ComponentStage stage(plainField);
+    QSignalSpy edited(stage.item(), SIGNAL(textEdited()));
+    auto *text = accessible(stage)->editableTextInterface();
+    if (text) {
+        text->insertText(0, QStringLiteral("x"));
+    } else {
+        accessible(stage)->setText(QAccessible::Value, QStringLiteral("x"));
+    }
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("x"));
+    EXPECT_EQ(edited.count(), 1);
+}
+
+TEST(QorField, TellsWhenEnterIsPressed)
+{
+    ComponentStage stage(plainField);
+    QSignalSpy accepted(stage.item(), SIGNAL(accepted()));
+    stage.item()->forceActiveFocus();
+    QTest::keyClick(&stage.window(), Qt::Key_Return);
+    QTest::keyClick(&stage.window(), Qt::Key_Enter);
+    EXPECT_EQ(accepted.count(), 2);
+}
+
+TEST(QorField, ShowsItsPlaceholderOnlyWhileEmpty)
+{
+    ComponentStage stage(plainField);
+    const auto *placeholder = stage.part("placeholder");
+    EXPECT_TRUE(placeholder->isVisible());
+    EXPECT_EQ(placeholder->property("text").toString(), QStringLiteral("name@company.com"));
+    stage.screen().type(QStringLiteral("Email"), QStringLiteral("a"));
+    EXPECT_FALSE(placeholder->isVisible());
+    QTest::keyClick(&stage.window(), Qt::Key_Backspace);
+    EXPECT_TRUE(placeholder->isVisible());
+}
+
+TEST(QorField, ShowsNoEyeUnlessItIsSecure)
+{
+    ComponentStage stage(plainField);
+    EXPECT_FALSE(stage.part("eye")->isVisible());
+    EXPECT_FALSE(stage.screen().shows(show));
+    EXPECT_EQ(stage.part("input")->width(), 350 - 24);
+}
+
+TEST(QorField, MasksASecureTextAndKeepsItFromAssistiveTechnology)
+{
+    ComponentStage stage(secureField);
+    EXPECT_TRUE(stage.screen().type(password, secret));
+    EXPECT_EQ(stage.part("input")->property("displayText").toString(), QString(secret.size(), QChar(0x2022)));
+    EXPECT_TRUE(accessible(stage)->state().passwordEdit);
+    EXPECT_FALSE(everythingReadable(QAccessible::queryAccessibleInterface(&stage.window())).contains(secret));
+}
+
+TEST(QorField, RevealsAndMasksWithoutLosingTextOrCursor)
+{
+    ComponentStage stage(secureField);
+    stage.screen().type(password, secret);
+    stage.part("input")->setProperty("cursorPosition", 4);
+    EXPECT_EQ(stage.part("eye")->property("name").toString(), QStringLiteral("eye"));
+    EXPECT_TRUE(stage.screen().click(show));
+    EXPECT_EQ(stage.part("input")->property("displayText").toString(), secret);
+    EXPECT_EQ(stage.part("eye")->property("name").toString(), QStringLiteral("eye.slash"));
+    EXPECT_FALSE(accessible(stage)->state().passwordEdit);
+    EXPECT_EQ(stage.part("input")->property("cursorPosition").toInt(), 4);
+    EXPECT_TRUE(stage.part("input")->hasActiveFocus());
+    EXPECT_TRUE(stage.screen().press(hide));
+    EXPECT_EQ(stage.part("input")->property("displayText").toString(), QString(secret.size(), QChar(0x2022)));
+    EXPECT_EQ(stage.item()->property("text").toString(), secret);
+    EXPECT_EQ(stage.part("input")->property("cursorPosition").toInt(), 4);
+    EXPECT_TRUE(stage.screen().shows(show));
+}
+
+TEST(QorField, ShowsAssistiveTechnologyARevealedTextWithCursorAndSelection)
+{
+    ComponentStage stage(secureField);
+    stage.screen().type(password, secret);
+    stage.item()->setProperty("reveal", true);
+    auto *text = accessible(stage)->textInterface();
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->text(0, text->characterCount()), secret);
+    text->setCursorPosition(3);
+    EXPECT_EQ(text->cursorPosition(), 3);
+    EXPECT_EQ(text->selectionCount(), 0);
+    text->setSelection(0, 2, 5);
+    int start = -1;
+    int end = -1;
+    text->selection(0, &start, &end);
+    EXPECT_EQ(text->selectionCount(), 1);
+    EXPECT_EQ(start, 2);
+    EXPECT_EQ(end, 5);
+    EXPECT_EQ(text->offsetAtPoint(text->characterRect(4).center()), 4);
+    text->removeSelection(0);
+    EXPECT_EQ(text->selectionCount(), 0);
+}
+
+TEST(QorField, IsReportedDisabled)
+{
+    ComponentStage stage(plainField);
+    EXPECT_TRUE(stage.screen().isEnabled(QStringLiteral("Email")));
+    stage.item()->setEnabled(false);
+    EXPECT_FALSE(stage.screen().isEnabled(QStringLiteral("Email")));
+}
+
+TEST(QorField, RevealDoesNotCountAsAnEdit)
+{
+    ComponentStage stage(secureField);
+    stage.screen().type(password, secret);
+    QSignalSpy edited(stage.item(), SIGNAL(textEdited()));
+    stage.screen().click(show);
+    EXPECT_EQ(edited.count(), 0);
+}
+
+TEST(QorField, TellsTheKeyboardThatASecureTextIsSecretAlsoWhileItIsShown)
+{
+    ComponentStage stage(secureField);
+    stage.item()->setProperty("reveal", true);
+    const auto hints = stage.part("input")->property("inputMethodHints").value<Qt::InputMethodHints>();
+    EXPECT_TRUE(hints & Qt::ImhSensitiveData);
+    EXPECT_TRUE(hints & Qt::ImhNoPredictiveText);
+}
+
+TEST(QorField, DoesNotLetASecretBeCopiedWhileMasked)
+{
+    const auto before = QStringLiteral("what was there");
+    QGuiApplication::clipboard()->setText(before);
+    ComponentStage stage(secureField);
+    stage.screen().type(password, secret);
+    QTest::keySequence(&stage.window(), QKeySequence::SelectAll);
+    QTest::keySequence(&stage.window(), QKeySequence::Copy);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), before);
+    QTest::keySequence(&stage.window(), QKeySequence::Cut);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), before);
+    stage.item()->setProperty("reveal", true);
+    QTest::keySequence(&stage.window(), QKeySequence::SelectAll);
+    QTest::keySequence(&stage.window(), QKeySequence::Copy);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), secret);
+}
+
+TEST(QorField, IsFilledWithTheSurfaceColorInsideAOnePointOutline)
+{
+    ComponentStage stage(plainField);
+    const QColor outline = stage.colorAt(175, 0);
+    EXPECT_NEAR(outline.red(), 19 + .08 * (255 - 19), 1.5);
+    EXPECT_NEAR(outline.blue(), 69 + .08 * (255 - 69), 1.5);
+    EXPECT_EQ(stage.colorAt(175, 1), QColor(19, 38, 69));
+    EXPECT_EQ(stage.colorAt(1, 1), QColor(9, 21, 42));
+    EXPECT_EQ(stage.part("frame")->property("radius").toReal(), 11);
+}
+
+TEST(QorField, PadsItsTextByTwelvePoints)
+{
+    ComponentStage stage(secureField);
+    const auto *input = stage.part("input");
+    EXPECT_EQ(input->x(), 12);
+    EXPECT_EQ(stage.item()->height(), input->implicitHeight() + 24);
+    const auto *eye = stage.part("eye");
+    EXPECT_EQ(eye->mapRectToItem(stage.item(), eye->boundingRect()).right(), 350 - 12);
+    EXPECT_LT(input->x() + input->width(), 350 - 12 - eye->width());
+    EXPECT_EQ(input->property("color").value<QColor>(), QColor(230, 237, 248));
+}
+
+TEST(QorField, RevealIsHitWithinFortyFourPoints)
+{
+    ComponentStage stage(secureField);
+    const auto *eye = stage.part("eye");
+    const QPointF middle = eye->mapToScene(QPointF(eye->width() / 2, eye->height() / 2));
+    bool revealed = false;
+    for (const QPointF away : {QPointF(-21, 0), QPointF(21, 0), QPointF(0, -21), QPointF(0, 21)}) {
+        QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, (middle + away).toPoint());
+        revealed = !revealed;
+        EXPECT_EQ(stage.item()->property("reveal").toBool(), revealed) << away.x() << ',' << away.y();
+    }
+}
+
+TEST(QorField, GivesTheKeyboardToTheTextWhereverItIsTapped)
+{
+    ComponentStage stage(plainField);
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, QPoint(300, 22));
+    EXPECT_TRUE(stage.part("input")->hasActiveFocus());
+}
+
+TEST(QorField, TakesTheTabKeyInReadingOrder)
+{
+    ComponentStage stage(
+        "Column { width: 350; QorField { objectName: \"a\"; label: \"A\"; secure: true } "
+        "QorField { objectName: \"b\"; label: \"B\" } PrimaryButton { objectName: \"c\"; title: \"C\" } }");
+    const auto focusedName = [&] {
+        return QAccessible::queryAccessibleInterface(stage.window().activeFocusItem())
+            ->text(QAccessible::Name);
+    };
+    stage.part("a")->forceActiveFocus();
+    QStringList order{focusedName()};
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(&stage.window(), Qt::Key_Tab);
+        order.append(focusedName());
+    }
+    EXPECT_EQ(order, QStringList({QStringLiteral("A"), show, QStringLiteral("B"), QStringLiteral("C")}));
+    QTest::keyClick(&stage.window(), Qt::Key_Backtab);
+    EXPECT_EQ(focusedName(), QStringLiteral("B"));
+}
+
+TEST(QorField, ShowsARingWhileItHasTheFocus)
+{
+    ComponentStage stage(plainField);
+    EXPECT_FALSE(stage.part("ring")->isVisible());
+    stage.item()->forceActiveFocus();
+    EXPECT_TRUE(stage.part("ring")->isVisible());
+    EXPECT_EQ(stage.colorAt(175, -1), QColor(39, 120, 245));
+}
+
+TEST(QorField, KeepsALongTextInsideItsFrame)
+{
+    ComponentStage stage(plainField);
+    stage.screen().type(QStringLiteral("Email"), QString(100, u'W'));
+    stage.part("input")->setFocus(false);
+    for (const int x : {4, 8, 342, 346}) {
+        EXPECT_EQ(stage.colorAt(x, 22), QColor(19, 38, 69)) << x;
+    }
+}
+
+TEST(QorField, GrowsWithTheTextScale)
+{
+    ComponentStage stage(secureField);
+    const qreal before = stage.item()->height();
+    stage.theme().setTextScale(2);
+    stage.shot();
+    EXPECT_EQ(stage.part("input")->property("font").value<QFont>().pixelSize(), 34);
+    EXPECT_GT(stage.item()->height(), before + 15);
+    EXPECT_EQ(stage.part("eye")->width(), 44);
+}
+
+} // namespace clockwell::test

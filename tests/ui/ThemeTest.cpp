@@ -1,0 +1,103 @@
+#include "ui/Theme.h"
+
+#include <QFont>
+#include <QFontInfo>
+#include <QFontMetricsF>
+#include <QSignalSpy>
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace clockwell {
+
+TEST(Theme, HasTheColorsOfThePalette)
+{
+    const Theme theme;
+    EXPECT_EQ(theme.background(), QColor(9, 21, 42));
+    EXPECT_EQ(theme.card(), QColor(13, 30, 58));
+    EXPECT_EQ(theme.surface(), QColor(19, 38, 69));
+    EXPECT_EQ(theme.textPrimary(), QColor(230, 237, 248));
+    EXPECT_EQ(theme.textSecondary(), QColor(138, 160, 192));
+    EXPECT_EQ(theme.textMuted(), QColor(91, 123, 168));
+    EXPECT_EQ(theme.brand(), QColor(39, 120, 245));
+    EXPECT_EQ(theme.success(), QColor(52, 199, 89));
+    EXPECT_EQ(theme.warning(), QColor(255, 159, 10));
+    EXPECT_EQ(theme.danger(), QColor(255, 69, 58));
+    EXPECT_EQ(theme.leave(), QColor(191, 90, 242));
+    EXPECT_EQ(theme.white(), QColor(255, 255, 255));
+}
+
+TEST(Theme, DividesWithWhiteAtEightPercent)
+{
+    const QColor divider = Theme().divider();
+    EXPECT_EQ(divider.rgb(), qRgb(255, 255, 255));
+    EXPECT_NEAR(divider.alphaF(), .08, .0001);
+}
+
+TEST(Theme, StartsWithTextAsDesignedAndMotion)
+{
+    const Theme theme;
+    EXPECT_EQ(theme.textScale(), 1.0);
+    EXPECT_FALSE(theme.reducedMotion());
+    EXPECT_GT(theme.shortDuration(), 0);
+    EXPECT_GT(theme.duration(), theme.shortDuration());
+}
+
+TEST(Theme, TellsOnceWhenTheTextScaleChanges)
+{
+    Theme theme;
+    QSignalSpy changed(&theme, &Theme::textScaleChanged);
+    theme.setTextScale(1.5);
+    theme.setTextScale(1.5);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(theme.textScale(), 1.5);
+}
+
+TEST(Theme, LimitsTheTextScaleToWhatScreensCanTake)
+{
+    Theme theme;
+    theme.setTextScale(0);
+    EXPECT_EQ(theme.textScale(), 0.5);
+    theme.setTextScale(100);
+    EXPECT_EQ(theme.textScale(), 3.0);
+}
+
+TEST(Theme, IgnoresATextScaleThatIsNoNumber)
+{
+    Theme theme;
+    theme.setTextScale(std::numeric_limits<qreal>::quiet_NaN());
+    EXPECT_EQ(theme.textScale(), 1.0);
+}
+
+TEST(Theme, HasNoDurationsWithReducedMotion)
+{
+    Theme theme;
+    QSignalSpy changed(&theme, &Theme::reducedMotionChanged);
+    theme.setReducedMotion(true);
+    theme.setReducedMotion(true);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(theme.shortDuration(), 0);
+    EXPECT_EQ(theme.duration(), 0);
+}
+
+TEST(Theme, NamesFontsThatAreThere)
+{
+    const Theme theme;
+    EXPECT_FALSE(theme.fontFamily().isEmpty());
+    EXPECT_TRUE(QFontInfo(QFont(theme.monospacedFamily())).fixedPitch())
+        << theme.monospacedFamily().toStdString();
+}
+
+TEST(Theme, GivesDigitsTheWidthOfTheWidest)
+{
+    QFont font(Theme().fontFamily());
+    font.setPixelSize(22);
+    const QFontMetricsF metrics(font);
+    const qreal width = Theme().digitWidth(font);
+    EXPECT_GE(width, metrics.horizontalAdvance(u'0'));
+    EXPECT_GE(width, metrics.horizontalAdvance(u'1'));
+    EXPECT_LT(width, 22);
+}
+
+} // namespace clockwell
