@@ -122,9 +122,22 @@ void HttpExchange::complete()
         return;
     }
     collect();
+    if (isCutShort()) {
+        end(TransportError::Kind::ConnectionLost);
+        return;
+    }
     m_idle.stop();
     m_total.stop();
     m_slot->finish();
+}
+
+/// Qt does not always notice that a connection has closed before the announced length came.
+bool HttpExchange::isCutShort() const
+{
+    const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
+    const bool hasBody = status() != 204 && status() != 304;
+    return hasBody && length.isValid() && !m_reply->hasRawHeader("Content-Encoding") &&
+           m_body.size() < length.toLongLong();
 }
 
 void HttpExchange::end(TransportError::Kind kind)

@@ -46,6 +46,7 @@ public:
 
 private:
     std::optional<int> status() const;
+    bool isCutShort() const;
     void collect();
     void progress();
     void complete();

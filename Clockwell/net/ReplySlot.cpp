@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QThread>
 
+#include <algorithm>
 #include <set>
 
 namespace clockwell {
@@ -56,7 +57,14 @@ public:
             QCoreApplication::postEvent(m_receiver.get(), new WakeEvent(std::move(slot)));
     }
 
-    void deliverNow() { QCoreApplication::sendPostedEvents(m_receiver.get(), wakeType); }
+    /// What resumes may wait again for something that is finished already; who does so for ever is left
+    /// behind.
+    void deliverNow()
+    {
+        constexpr int rounds = 100;
+        for (int round = 0; round < rounds && hasFinished(); ++round)
+            QCoreApplication::sendPostedEvents(m_receiver.get(), wakeType);
+    }
 
 private:
     class Receiver final : public QObject
@@ -75,6 +83,12 @@ private:
         std::shared_ptr<Courier> courier = std::make_shared<Courier>();
         ~Owner() { courier->close(); }
     };
+
+    bool hasFinished() const
+    {
+        return std::any_of(m_waiting.begin(), m_waiting.end(),
+                           [](const auto &slot) { return slot->isFinished(); });
+    }
 
     void dropAll()
     {
@@ -126,14 +140,15 @@ void ReplySlot::deliverHere()
     Courier::ofThisThread()->deliverNow();
 }
 
-bool ReplySlot::suspend(std::coroutine_handle<> waiter)
+void ReplySlot::suspend(std::coroutine_handle<> waiter)
 {
     const std::scoped_lock lock(m_mutex);
-    if (m_finished)
-        return false;
     m_waiter = waiter;
     m_home->expect(shared_from_this());
-    return true;
+    // Also what is finished by now comes through the event loop, behind whatever was posted to this thread
+    // before it.
+    if (m_finished)
+        m_home->wake(shared_from_this());
 }
 
 void ReplySlot::rethrow() const

@@ -37,7 +37,7 @@ public:
     public:
         explicit Finished(std::shared_ptr<ReplySlot> slot) : m_slot(std::move(slot)) {}
         bool await_ready() const noexcept { return false; }
-        bool await_suspend(std::coroutine_handle<> waiter) { return m_slot->suspend(waiter); }
+        void await_suspend(std::coroutine_handle<> waiter) { m_slot->suspend(waiter); }
         void await_resume() const { m_slot->rethrow(); }
 
     private:
@@ -46,7 +46,7 @@ public:
     Finished finished() { return Finished(shared_from_this()); }
 
 private:
-    bool suspend(std::coroutine_handle<> waiter);
+    void suspend(std::coroutine_handle<> waiter);
     void rethrow() const;
     void resume();
 
