@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import Clockwell.Ui
 
 // A screen of fields in one scrolling column. The field with the focus stays visible above an on-screen keyboard.

@@ -88,7 +88,7 @@ QAccessible::State ItemAccessible::state() const
 
 QRect ItemAccessible::rect() const
 {
-    const QRectF scene = item()->mapRectToScene(item()->boundingRect());
+    const QRectF scene = item()->mapRectToScene(QRectF(QPointF(), item()->size()));
     return window() ? QRect(window()->mapToGlobal(scene.topLeft().toPoint()), scene.size().toSize())
                     : QRect();
 }

@@ -171,6 +171,15 @@ TEST(QorField, ShowsAssistiveTechnologyARevealedTextWithCursorAndSelection)
     EXPECT_EQ(text->selectionCount(), 0);
 }
 
+TEST(QorField, IsWhereItIsSeenForAssistiveTechnology)
+{
+    ComponentStage stage("QorField { label: \"Email\"; text: \"A\" }");
+    const QRect rect = stage.screen().find(QStringLiteral("Email"))->rect;
+    EXPECT_EQ(rect.left(), 20 + 12);
+    EXPECT_EQ(rect.width(), 350 - 24);
+    EXPECT_GE(rect.height(), 44);
+}
+
 TEST(QorField, IsReportedDisabled)
 {
     ComponentStage stage(plainField);
