@@ -1,0 +1,156 @@
+#include "attendance/AttendanceStore.h"
+
+#include "attendance/LocationManager.h"
+#include "attendance/PunchBody.h"
+#include "attendance/PunchTexts.h"
+#include "net/APIClient.h"
+#include "net/DeviceFacts.h"
+#include "net/Liveness.h"
+
+namespace clockwell {
+
+namespace {
+
+const QString get = QStringLiteral("GET");
+const QString post = QStringLiteral("POST");
+
+/// A manager that is gone unwinds the operation, like one that goes while it is awaited.
+QCoro::Task<Fix> fixFrom(QPointer<LocationManager> location)
+{
+    if (!location)
+        throw Abandoned{};
+    co_return co_await location->currentFix(AttendanceStore::fixTimeout);
+}
+
+QMap<QString, QString> positionQuery(const Fix &fix)
+{
+    return {{QStringLiteral("lat"), shortestDecimal(fix.latitude)},
+            {QStringLiteral("lng"), shortestDecimal(fix.longitude)}};
+}
+
+QMap<QString, QString> monthQuery(const QString &month)
+{
+    return {{QStringLiteral("month"), month}};
+}
+
+/// Whether the count went from or to zero.
+bool count(int &running, bool begins)
+{
+    running += begins ? 1 : -1;
+    return running == (begins ? 1 : 0);
+}
+
+} // namespace
+
+AttendanceStore::AttendanceStore(APIClient &api, QObject *parent)
+    : AttendanceStore(
+          api, [] { return currentDeviceId(); }, parent)
+{}
+
+AttendanceStore::AttendanceStore(APIClient &api, std::function<QString()> deviceId, QObject *parent)
+    : QObject(parent), m_api(api), m_deviceId(std::move(deviceId))
+{}
+
+void AttendanceStore::setBanner(std::optional<Banner> banner)
+{
+    m_banner = std::move(banner);
+    Q_EMIT bannerChanged();
+}
+
+QCoro::Task<> AttendanceStore::loadToday()
+{
+    const BusyFlag busy(this, &AttendanceStore::countLoadingToday);
+    try {
+        m_today =
+            co_await whileAlive(this, m_api.request<std::optional<TodayResponse>>(
+                                          QStringLiteral("attendance/today"), get, {}, std::nullopt, true));
+        Q_EMIT todayChanged();
+    } catch (const std::exception &error) {
+        showError(error);
+    }
+}
+
+QCoro::Task<> AttendanceStore::checkDistance(QPointer<LocationManager> location)
+{
+    const BusyFlag busy(this, &AttendanceStore::countCheckingDistance);
+    try {
+        const Fix fix = co_await whileAlive(this, fixFrom(location));
+        m_live = co_await whileAlive(
+            this, m_api.request<std::optional<DistanceResponse>>(QStringLiteral("attendance/distance"), get,
+                                                                 positionQuery(fix), std::nullopt, true));
+        Q_EMIT liveChanged();
+    } catch (const std::exception &error) {
+        showError(error);
+    }
+}
+
+QCoro::Task<> AttendanceStore::punch(QPointer<LocationManager> location)
+{
+    const BusyFlag busy(this, &AttendanceStore::countPunching);
+    try {
+        co_await whileAlive(this, sendPunch(location));
+    } catch (const std::exception &error) {
+        showError(error);
+        co_return;
+    }
+    co_await whileAlive(this, loadToday());
+    co_await whileAlive(this, checkDistance(location));
+}
+
+QCoro::Task<> AttendanceStore::sendPunch(QPointer<LocationManager> location)
+{
+    const Fix fix = co_await whileAlive(this, fixFrom(location));
+    const auto answer = co_await whileAlive(
+        this, m_api.request<PunchResponse, PunchBody>(QStringLiteral("attendance/punch"), post, {},
+                                                      punchBody(fix, m_deviceId()), true));
+    setBanner(Banner{.text = punchText(answer), .kind = Banner::Kind::Success});
+}
+
+QCoro::Task<> AttendanceStore::loadHistory()
+{
+    try {
+        m_history =
+            co_await whileAlive(this, m_api.request<QList<AttendanceRecord>>(QStringLiteral("attendance/me"),
+                                                                             get, {}, std::nullopt, true));
+        Q_EMIT historyChanged();
+    } catch (const std::exception &) {
+        // The list keeps what it showed.
+    }
+}
+
+QCoro::Task<> AttendanceStore::loadSummary(QString month)
+{
+    try {
+        m_summary = co_await whileAlive(
+            this, m_api.request<std::optional<MonthlySummary>>(QStringLiteral("attendance/me/summary"), get,
+                                                               monthQuery(month), std::nullopt, true));
+        Q_EMIT summaryChanged();
+    } catch (const std::exception &) {
+        // The screen keeps what it showed.
+    }
+}
+
+void AttendanceStore::countLoadingToday(bool begins)
+{
+    if (count(m_loadingToday, begins))
+        Q_EMIT loadingTodayChanged();
+}
+
+void AttendanceStore::countPunching(bool begins)
+{
+    if (count(m_punching, begins))
+        Q_EMIT punchingChanged();
+}
+
+void AttendanceStore::countCheckingDistance(bool begins)
+{
+    if (count(m_checkingDistance, begins))
+        Q_EMIT checkingDistanceChanged();
+}
+
+void AttendanceStore::showError(const std::exception &error)
+{
+    setBanner(Banner{.text = errorText(error), .kind = Banner::Kind::Error});
+}
+
+} // namespace clockwell

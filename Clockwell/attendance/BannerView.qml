@@ -1,0 +1,90 @@
+import QtQuick
+import Clockwell.Attendance
+import Clockwell.Ui
+
+// The store's banner, over the top of its parent. It slides in and is announced; a new one in its place slides in anew.
+ContinuousRectangle {
+    id: view
+
+    required property AttendanceStore attendance
+    property alias interval: model.interval
+
+    anchors.horizontalCenter: parent.horizontalCenter
+    height: Math.max(text.height + 2 * 16, 52)
+    y: 12
+    radius: 14
+    color: Theme.surface
+    borderColor: model.color
+    borderWidth: 1
+    visible: model.present || leaving.running
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: text.text
+
+    BannerViewModel {
+        id: model
+        attendance: view.attendance
+        onAppeared: arriving.restart()
+        onPresentChanged: leaving.running = !present
+    }
+
+    ParallelAnimation {
+        id: arriving
+        NumberAnimation {
+            target: slide
+            property: "y"
+            from: -view.height - view.y
+            to: 0
+            duration: Theme.duration
+            easing.type: Easing.OutCubic
+        }
+    }
+    NumberAnimation {
+        id: leaving
+        target: slide
+        property: "y"
+        to: -view.height - view.y
+        duration: Theme.duration
+        easing.type: Easing.InCubic
+    }
+    transform: Translate {
+        id: slide
+    }
+
+    Symbol {
+        id: icon
+        x: 16
+        anchors.verticalCenter: parent.verticalCenter
+        name: model.symbol
+        size: 22
+        color: model.color
+    }
+    TextLabel {
+        id: text
+        anchors {
+            left: icon.right
+            leftMargin: 12
+            right: close.left
+            verticalCenter: parent.verticalCenter
+        }
+        text: model.text
+        size: 14
+        weight: Font.Medium
+        color: Theme.white
+        Accessible.ignored: true
+    }
+    IconButton {
+        id: close
+        anchors {
+            right: parent.right
+            rightMargin: 4
+            verticalCenter: parent.verticalCenter
+        }
+        symbol: "xmark"
+        label: "Close"
+        size: 16
+        color: Theme.white
+        opacity: 0.8
+        onTriggered: model.dismiss()
+    }
+}

@@ -1,0 +1,80 @@
+#include "attendance/BannerViewModel.h"
+
+#include "ui/Palette.h"
+
+namespace clockwell {
+
+BannerViewModel::BannerViewModel(QObject *parent) : QObject(parent)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(defaultInterval);
+    connect(&m_timer, &QTimer::timeout, this, &BannerViewModel::dismiss);
+}
+
+void BannerViewModel::setAttendance(AttendanceStore *attendance)
+{
+    if (m_attendance == attendance)
+        return;
+    if (m_attendance)
+        m_attendance->disconnect(this);
+    m_attendance = attendance;
+    if (attendance)
+        connect(attendance, &AttendanceStore::bannerChanged, this, &BannerViewModel::follow);
+    Q_EMIT attendanceChanged();
+    follow();
+}
+
+void BannerViewModel::setInterval(int interval)
+{
+    if (interval == m_timer.interval())
+        return;
+    m_timer.setInterval(interval);
+    Q_EMIT intervalChanged();
+}
+
+void BannerViewModel::follow()
+{
+    m_timer.stop();
+    const bool present = isPresent();
+    if (present) {
+        m_last = *m_attendance->banner();
+        m_timer.start();
+    }
+    Q_EMIT bannerChanged();
+    if (present)
+        Q_EMIT appeared();
+}
+
+void BannerViewModel::dismiss()
+{
+    if (m_attendance)
+        m_attendance->setBanner({});
+}
+
+QString BannerViewModel::symbol() const
+{
+    switch (m_last.kind) {
+    case Banner::Kind::Success:
+        return QStringLiteral("checkmark.circle.fill");
+    case Banner::Kind::Error:
+        return QStringLiteral("exclamationmark.triangle.fill");
+    case Banner::Kind::Info:
+        break;
+    }
+    return QStringLiteral("info.circle.fill");
+}
+
+QColor BannerViewModel::color() const
+{
+    switch (m_last.kind) {
+    case Banner::Kind::Success:
+        return QColor::fromRgb(palette::success);
+    case Banner::Kind::Error:
+        return QColor::fromRgb(palette::danger);
+    case Banner::Kind::Info:
+        break;
+    }
+    return QColor::fromRgb(palette::brand);
+}
+
+} // namespace clockwell

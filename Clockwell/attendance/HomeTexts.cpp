@@ -1,0 +1,63 @@
+#include "attendance/HomeTexts.h"
+
+#include <QStringList>
+
+#include <cmath>
+
+namespace clockwell::home {
+
+namespace {
+
+const QString dash = QStringLiteral("—");
+
+QString partOfDay(int hour)
+{
+    if (hour < 12)
+        return QStringLiteral("Good morning");
+    return hour < 17 ? QStringLiteral("Good afternoon") : QStringLiteral("Good evening");
+}
+
+} // namespace
+
+QString greeting(int hour, const QString &fullName)
+{
+    const QStringList names = fullName.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return names.isEmpty() ? partOfDay(hour) : partOfDay(hour) + QStringLiteral(", ") + names.first();
+}
+
+QString officeName(const TodayResponse *today)
+{
+    return today ? today->office.name : dash;
+}
+
+QString hoursLine(const TodayResponse *today)
+{
+    if (!today)
+        return {};
+    const OfficeBlock &office = today->office;
+    return QStringLiteral("Hours ") + office.checkInTime + QStringLiteral("–") + office.checkOutTime +
+           QStringLiteral(" · within ") + QString::number(office.radiusMeters) + QStringLiteral("m");
+}
+
+QString distance(double metres)
+{
+    // Adding zero turns a negative zero into the plain one.
+    return QString::number(std::trunc(metres) + 0.0, 'f', 0) + QStringLiteral("m");
+}
+
+QString nearestLine(const DistanceResponse &live)
+{
+    return QStringLiteral("Nearest: ") + live.office.value_or(dash) + QStringLiteral(" · radius ") +
+           QString::number(live.radiusMeters) + QStringLiteral("m");
+}
+
+Punch punch(const TodayResponse *today)
+{
+    if (!today)
+        return Punch::CheckIn;
+    if (today->canCheckOut)
+        return Punch::CheckOut;
+    return today->canCheckIn ? Punch::CheckIn : Punch::Complete;
+}
+
+} // namespace clockwell::home

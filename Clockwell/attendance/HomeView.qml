@@ -1,0 +1,107 @@
+import QtQuick
+import Clockwell.Attendance
+import Clockwell.Ui
+
+// The first tab: the day at a glance, and the punch within the thumb's reach below it.
+FocusScope {
+    id: view
+
+    required property AttendanceStore attendance
+    required property LocationManager location
+    required property string fullName
+    // How long a banner stays, in milliseconds.
+    property alias bannerInterval: banner.interval
+
+    readonly property real contentWidth: Math.min(width, 600) - 2 * Theme.margin
+
+    HomeViewModel {
+        id: home
+        attendance: view.attendance
+        location: view.location
+        fullName: view.fullName
+        shown: view.visible
+    }
+
+    Shortcut {
+        sequences: ["F5", "Ctrl+R"]
+        enabled: view.visible
+        onActivated: home.refreshToday()
+    }
+
+    ScreenBackground {}
+
+    Flickable {
+        id: page
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: parent.top
+            bottom: punchBar.top
+        }
+        clip: true
+        contentHeight: column.height + column.y + 24
+        flickableDirection: Flickable.VerticalFlick
+
+        Column {
+            id: column
+            x: (page.width - width) / 2
+            y: 24
+            width: view.contentWidth
+            spacing: 16
+
+            Column {
+                width: parent.width
+                bottomPadding: 8
+                spacing: 4
+
+                TextLabel {
+                    width: parent.width
+                    text: home.greeting
+                    size: 26
+                    weight: Font.Bold
+                    color: Theme.white
+                    Accessible.role: Accessible.Heading
+                }
+                TextLabel {
+                    width: parent.width
+                    text: home.dateLine
+                    size: 14
+                    color: Theme.textSecondary
+                }
+            }
+
+            OfficeCard {
+                home: home
+            }
+            TodayCard {
+                home: home
+            }
+            GeofenceCard {
+                home: home
+            }
+        }
+    }
+
+    PullSpinner {
+        flickable: page
+        busy: home.loadingToday
+        onTriggered: home.refreshToday()
+    }
+
+    PunchBar {
+        id: punchBar
+        anchors {
+            left: parent.left
+            right: parent.right
+            bottom: parent.bottom
+        }
+        contentWidth: view.contentWidth
+        home: home
+    }
+
+    BannerView {
+        id: banner
+        width: view.contentWidth
+        attendance: view.attendance
+    }
+}

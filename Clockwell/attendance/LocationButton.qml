@@ -1,0 +1,59 @@
+import QtQuick
+import Clockwell.Attendance
+import Clockwell.Ui
+
+// Takes a new position. Stays pressable while it works.
+Pressable {
+    id: root
+
+    required property string text
+    property bool busy: false
+
+    implicitHeight: Math.max(Theme.touchTarget, label.height + 16)
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.focusable: true
+    Accessible.onPressAction: press()
+
+    Row {
+        anchors.centerIn: parent
+        spacing: 8
+        opacity: root.pressed ? 0.5 : 1
+
+        Item {
+            anchors.verticalCenter: parent.verticalCenter
+            width: 20
+            height: 20
+
+            Symbol {
+                anchors.centerIn: parent
+                name: "location.circle"
+                size: 20
+                color: Theme.brand
+                visible: !root.busy
+            }
+            Spinner {
+                anchors.centerIn: parent
+                size: 16
+                color: Theme.brand
+                still: Theme.reducedMotion
+                visible: root.busy
+            }
+        }
+        TextLabel {
+            id: label
+            anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, root.width - 28)
+            text: root.text
+            size: 14
+            weight: Font.Medium
+            color: Theme.brand
+            Accessible.ignored: true
+        }
+    }
+
+    FocusRing {
+        shown: root.focusVisible
+    }
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "net/Errors.h"
+
+namespace clockwell {
+
+/// Why there is no position, in words for the person who waits for it.
+class LocationError final : public UserFacingError
+{
+public:
+    enum class Kind {
+        Denied, // also: restricted by the owner of the device
+        Timeout,
+        Unavailable,
+    };
+    explicit LocationError(Kind theKind) : kind(theKind) {}
+    QString text() const override;
+
+    Kind kind;
+};
+
+} // namespace clockwell

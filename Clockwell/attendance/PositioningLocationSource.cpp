@@ -1,0 +1,174 @@
+#include "attendance/PositioningLocationSource.h"
+
+#include <QGuiApplication>
+#include <QVariantMap>
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+#include <QPermissions>
+#endif
+#if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#endif
+
+namespace clockwell {
+
+namespace {
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) && (defined(Q_OS_IOS) || defined(Q_OS_ANDROID))
+constexpr bool asksByItself = false;
+
+QLocationPermission permission()
+{
+    QLocationPermission wanted;
+    wanted.setAccuracy(QLocationPermission::Precise);
+    wanted.setAvailability(QLocationPermission::WhenInUse);
+    return wanted;
+}
+
+AuthorizationStatus statusOf(Qt::PermissionStatus status)
+{
+    switch (status) {
+    case Qt::PermissionStatus::Granted:
+        return AuthorizationStatus::AuthorizedWhenInUse;
+    case Qt::PermissionStatus::Denied:
+        return AuthorizationStatus::Denied;
+    case Qt::PermissionStatus::Undetermined:
+        break;
+    }
+    return AuthorizationStatus::NotDetermined;
+}
+
+AuthorizationStatus currentStatus()
+{
+    return statusOf(qApp->checkPermission(permission()));
+}
+#else
+// The desktop's location service asks the person by itself when a position is first wanted and cannot be
+// asked before; until it refuses, the app counts as permitted.
+constexpr bool asksByItself = true;
+
+AuthorizationStatus currentStatus()
+{
+    return AuthorizationStatus::AuthorizedWhenInUse;
+}
+#endif
+
+/// Qt reports a missing GeoClue as a refusal. The difference matters: nobody can switch on what is not
+/// installed.
+bool isServiceThere()
+{
+#if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
+    QDBusConnectionInterface *bus = QDBusConnection::systemBus().interface();
+    if (!bus)
+        return false;
+    const QString service = QStringLiteral("org.freedesktop.GeoClue2");
+    return bus->activatableServiceNames().value().contains(service) ||
+           bus->isServiceRegistered(service).value();
+#else
+    return true;
+#endif
+}
+
+} // namespace
+
+Fix toFix(const QGeoPositionInfo &position)
+{
+    const bool known = position.hasAttribute(QGeoPositionInfo::HorizontalAccuracy);
+    return Fix{position.coordinate().latitude(), position.coordinate().longitude(),
+               known ? position.attribute(QGeoPositionInfo::HorizontalAccuracy) : -1.0};
+}
+
+PositioningLocationSource::PositioningLocationSource(QObject *parent)
+    : LocationSource(parent), m_status(currentStatus())
+{
+    if (auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        connect(application, &QGuiApplication::applicationStateChanged, this,
+                &PositioningLocationSource::reconsider);
+}
+
+void PositioningLocationSource::setDesiredAccuracy(Accuracy)
+{
+    // The best accuracy is every positioning method, which is also what a new source starts with (see
+    // load()).
+    if (m_source)
+        m_source->setPreferredPositioningMethods(QGeoPositionInfoSource::AllPositioningMethods);
+}
+
+void PositioningLocationSource::requestWhenInUseAuthorization()
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) && (defined(Q_OS_IOS) || defined(Q_OS_ANDROID))
+    qApp->requestPermission(permission(), this,
+                            [this](const QPermission &answer) { setStatus(statusOf(answer.status())); });
+#else
+    setStatus(currentStatus());
+#endif
+}
+
+void PositioningLocationSource::requestLocation()
+{
+    if (load())
+        m_source->requestUpdate(0);
+    else
+        Q_EMIT failed(Failure::Other);
+}
+
+bool PositioningLocationSource::load()
+{
+    if (m_source)
+        return true;
+    QVariantMap parameters;
+    // GeoClue names the app to the person by its desktop entry.
+    if (const QString entry = QGuiApplication::desktopFileName(); !entry.isEmpty())
+        parameters.insert(QStringLiteral("desktopId"), entry);
+    m_source = QGeoPositionInfoSource::createDefaultSource(parameters, this);
+    if (!m_source)
+        return false;
+    setDesiredAccuracy(Accuracy::Best);
+    connect(m_source, &QGeoPositionInfoSource::positionUpdated, this,
+            &PositioningLocationSource::takePosition);
+    connect(m_source, &QGeoPositionInfoSource::errorOccurred, this, &PositioningLocationSource::takeError);
+    return true;
+}
+
+void PositioningLocationSource::setStatus(AuthorizationStatus status)
+{
+    if (std::exchange(m_status, status) != status)
+        Q_EMIT authorizationChanged();
+}
+
+void PositioningLocationSource::takePosition(const QGeoPositionInfo &position)
+{
+    if (position.coordinate().isValid())
+        Q_EMIT locationsUpdated({toFix(position)});
+}
+
+void PositioningLocationSource::takeError(QGeoPositionInfoSource::Error error)
+{
+    switch (error) {
+    case QGeoPositionInfoSource::NoError:
+    case QGeoPositionInfoSource::UpdateTimeoutError: // whoever waits has a time limit of its own
+        return;
+    case QGeoPositionInfoSource::AccessError:
+        if (isServiceThere()) {
+            setStatus(AuthorizationStatus::Denied);
+            Q_EMIT failed(Failure::Denied);
+            return;
+        }
+        break;
+    case QGeoPositionInfoSource::ClosedError:
+    case QGeoPositionInfoSource::UnknownSourceError:
+        break;
+    }
+    Q_EMIT failed(Failure::Other);
+}
+
+void PositioningLocationSource::reconsider(Qt::ApplicationState state)
+{
+    // A person who comes back to the app may have been to the settings. Where the service asks by itself the
+    // only way to know is to try again.
+    if (state == Qt::ApplicationActive && (!asksByItself || m_status == AuthorizationStatus::Denied))
+        setStatus(currentStatus());
+}
+
+} // namespace clockwell

@@ -1,0 +1,28 @@
+#include "attendance/PunchTexts.h"
+
+#include "attendance/DateFormats.h"
+#include "attendance/LocationSource.h"
+#include "attendance/PunchBody.h"
+
+namespace clockwell {
+
+QString punchText(const PunchResponse &punch)
+{
+    if (punch.type != QLatin1String("IN"))
+        return QStringLiteral("Checked out · worked ") + hoursAndMinutes(punch.workingMinutes.value_or(0));
+    QString text = QStringLiteral("Checked in at ") + punch.office.value_or(QStringLiteral("office")) +
+                   QStringLiteral(" · ") + punch.status.value_or(QString());
+    if (punch.lateMinutes && *punch.lateMinutes > 0)
+        text += QStringLiteral(" · ") + QString::number(*punch.lateMinutes) + QStringLiteral("m late");
+    return text;
+}
+
+PunchBody punchBody(const Fix &fix, QString deviceId)
+{
+    return PunchBody{.lat = fix.latitude,
+                     .lng = fix.longitude,
+                     .accuracy = fix.horizontalAccuracy > 0 ? fix.horizontalAccuracy : 0,
+                     .deviceId = std::move(deviceId)};
+}
+
+} // namespace clockwell
