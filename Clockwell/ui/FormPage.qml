@@ -16,7 +16,7 @@ FocusScope {
 
         anchors {
             fill: parent
-            bottomMargin: Qt.inputMethod.visible ? Qt.inputMethod.keyboardRectangle.height / Screen.devicePixelRatio : 0
+            bottomMargin: InputMethod.visible ? InputMethod.keyboardRectangle.height / Screen.devicePixelRatio : 0
         }
         contentWidth: width
         contentHeight: column.height + 2 * column.y

@@ -15,8 +15,6 @@ Pressable {
 
     Accessible.role: Accessible.Button
     Accessible.name: label
-    Accessible.focusable: true
-    Accessible.onPressAction: press()
 
     Symbol {
         anchors.centerIn: parent

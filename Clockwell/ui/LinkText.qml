@@ -15,8 +15,6 @@ Pressable {
 
     Accessible.role: Accessible.Link
     Accessible.name: text
-    Accessible.focusable: true
-    Accessible.onPressAction: press()
 
     TextLabel {
         id: label

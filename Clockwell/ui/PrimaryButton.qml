@@ -16,8 +16,6 @@ Pressable {
 
     Accessible.role: Accessible.Button
     Accessible.name: title
-    Accessible.focusable: true
-    Accessible.onPressAction: press()
 
     ContinuousRectangle {
         objectName: "fill"

@@ -63,8 +63,7 @@ FocusScope {
 
         Accessible.role: Accessible.EditableText
         Accessible.name: root.label
-        Accessible.description: root.placeholder
-        Accessible.focusable: true
+        Accessible.description: root.secure ? "" : root.placeholder
     }
 
     TextLabel {
@@ -90,8 +89,6 @@ FocusScope {
 
         Accessible.role: Accessible.Button
         Accessible.name: root.reveal ? qsTr("Hide password") : qsTr("Show password")
-        Accessible.focusable: true
-        Accessible.onPressAction: press()
 
         Symbol {
             id: icon

@@ -15,10 +15,8 @@ Pressable {
 
     Accessible.role: Accessible.PageTab
     Accessible.name: title
-    Accessible.focusable: true
     Accessible.selectable: true
     Accessible.selected: selected
-    Accessible.onPressAction: press()
 
     Column {
         id: content
