@@ -29,11 +29,20 @@ public:
 
     int number(int digits, int least, int most)
     {
-        int value = 0;
-        for (int i = 0; i < digits; ++i)
-            value = value * 10 + digit();
-        m_ok = m_ok && value >= least && value <= most;
-        return value;
+        if (m_end - m_next < digits) {
+            m_ok = false;
+            return 0;
+        }
+        unsigned value = 0;
+        bool allDigits = true;
+        for (int i = 0; i < digits; ++i) {
+            const unsigned digit = static_cast<unsigned char>(*m_next++) - unsigned{'0'};
+            allDigits = allDigits && digit <= 9;
+            value = value * 10 + digit;
+        }
+        const int result = static_cast<int>(value);
+        m_ok = m_ok && allDigits && result >= least && result <= most;
+        return result;
     }
 
     /// One to nine digits after the decimal point, as milliseconds.

@@ -8,6 +8,7 @@
 #include <boost/mp11/algorithm.hpp>
 #include <simdjson.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
@@ -75,17 +76,23 @@ void read(element value, Instant &out)
     out = *moment;
 }
 
-/// strtod in the "C" locale: the app sets the user's locale for its dates and numbers, so the plain function
-/// would take a decimal comma in some places.
+/// What strtod reads in the "C" locale. Not the plain function: the app sets the user's locale for its dates
+/// and numbers, and it would then take a decimal comma.
 std::optional<double> readDecimal(std::string_view text)
 {
     static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
     constexpr std::string_view blanks(" \t\n\v\f\r\0", 7);
     if (text.empty() || blanks.find(text.front()) != std::string_view::npos)
         return std::nullopt;
+    // Faster and of the same mind about all it accepts; a plus sign, hexadecimal and overflow are left to
+    // strtod.
+    double value = 0;
+    const auto quick = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (quick.ec == std::errc() && quick.ptr == text.data() + text.size())
+        return value;
     const std::string terminated(text);
     char *end = nullptr;
-    const double value = strtod_l(terminated.c_str(), &end, classic);
+    value = strtod_l(terminated.c_str(), &end, classic);
     if (end != terminated.c_str() + terminated.size())
         return std::nullopt;
     return value;
@@ -157,11 +164,37 @@ constexpr bool isOptional = false;
 template <class T>
 constexpr bool isOptional<std::optional<T>> = true;
 
+/// Looks members up in the order of their declaration. Servers mostly send them in that order, so the field
+/// after the last one found is tried first. Everything before it has been taken by other members: of equal
+/// keys the first still counts.
+class Fields
+{
+public:
+    explicit Fields(simdjson::dom::object object)
+        : m_object(object), m_next(object.begin()), m_end(object.end())
+    {}
+
+    bool find(std::string_view key, element &value)
+    {
+        if (m_next != m_end && m_next.key_equals(key)) {
+            value = m_next.value();
+            ++m_next;
+            return true;
+        }
+        return m_object.at_key(key).get(value) == simdjson::SUCCESS;
+    }
+
+private:
+    simdjson::dom::object m_object;
+    simdjson::dom::object::iterator m_next;
+    simdjson::dom::object::iterator m_end;
+};
+
 template <class Member>
-void readMember(simdjson::dom::object object, std::string_view key, Member &out)
+void readMember(Fields &fields, std::string_view key, Member &out)
 {
     element value;
-    if (object.at_key(key).get(value) == simdjson::SUCCESS)
+    if (fields.find(key, value))
         read(value, out);
     else if constexpr (!isOptional<Member>)
         throw DecodingError(QStringLiteral("The reply has no \"%1\".").arg(QLatin1StringView(key.data())));
@@ -173,8 +206,12 @@ requires boost::describe::has_describe_members<T>::value void read(element value
     simdjson::dom::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         fail("A record is missing in the reply.");
+    Fields fields(object);
     boost::mp11::mp_for_each<boost::describe::describe_members<T, boost::describe::mod_public>>(
-        [&](auto member) { readMember(object, member.name, out.*member.pointer); });
+        [&]<class Description>(Description) {
+            static constexpr std::string_view key(Description::name);
+            readMember(fields, key, out.*Description::pointer);
+        });
 }
 
 } // namespace

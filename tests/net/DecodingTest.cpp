@@ -222,6 +222,17 @@ TEST(Decoding, FirstOfTwoEqualKeysCounts)
     EXPECT_EQ(recordWith(R"("lateMinutes":3,"lateMinutes":4)").lateMinutes, 3);
 }
 
+TEST(Decoding, OrderOfTheKeysDoesNotMatter)
+{
+    const auto pair =
+        decode<TokenPair>(R"({"refreshToken":"r","x":1,"accessToken":"a","refreshToken":"later"})");
+    EXPECT_EQ(pair.accessToken, QStringLiteral("a"));
+    EXPECT_EQ(pair.refreshToken, QStringLiteral("r"));
+    const auto twice = decode<TokenPair>(R"({"accessToken":"a","accessToken":"later","refreshToken":"r"})");
+    EXPECT_EQ(twice.accessToken, QStringLiteral("a"));
+    EXPECT_EQ(twice.refreshToken, QStringLiteral("r"));
+}
+
 TEST(Decoding, EscapedKeysAreTheSameKeys)
 {
     EXPECT_EQ(recordWith(R"("l\u0061teMinutes":3)").lateMinutes, 3);
