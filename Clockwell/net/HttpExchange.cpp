@@ -145,8 +145,9 @@ void HttpExchange::end(TransportError::Kind kind)
     m_idle.stop();
     m_total.stop();
     m_slot->finish(std::make_exception_ptr(TransportError(kind)));
+    // Aborting has to wait for the destructor, a turn of the event loop away: in the middle of the reply's
+    // own signals Qt would report the error twice.
     m_reply->disconnect(this);
-    m_reply->abort();
 }
 
 } // namespace clockwell
