@@ -3,7 +3,11 @@
 #include "Configuration.h"
 #include "attendance/LocationSource.h"
 #include "net/SecretServiceTokenStore.h"
+#include "ui/DesktopPreferences.h"
+#include "ui/Theme.h"
 
+#include <QGuiApplication>
+#include <QIcon>
 #include <QQuickWindow>
 
 using namespace Qt::StringLiterals;
@@ -43,7 +47,20 @@ bool ClockwellApp::show()
     if (!window())
         return false;
     m_auth.bootstrap();
+    followDesktop();
     return true;
+}
+
+void ClockwellApp::followDesktop()
+{
+    m_preferences = std::make_unique<DesktopPreferences>(*Theme::of(*m_engine));
+    // After the first frame, which need not wait for a D-Bus connection or an icon.
+    const auto start = [this] {
+        m_preferences->start();
+        QGuiApplication::setWindowIcon(QIcon(u":/clockwell/AppIcon.png"_s));
+    };
+    connect(window(), &QQuickWindow::frameSwapped, m_preferences.get(), start,
+            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
 QQuickWindow *ClockwellApp::window() const

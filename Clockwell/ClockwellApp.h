@@ -18,6 +18,7 @@ class QQuickWindow;
 
 namespace clockwell {
 
+class DesktopPreferences;
 class LocationSource;
 
 /// The composition root: builds the object graph of the process once, shows the window, starts the restoring of the
@@ -57,6 +58,8 @@ public:
     Q_INVOKABLE clockwell::LocationManager *newLocationManager(QObject *owner);
 
 private:
+    void followDesktop();
+
     // In the order of dependence: what is declared later goes first.
     std::unique_ptr<TokenStore> m_tokens;
     std::function<std::unique_ptr<LocationSource>()> m_makeLocationSource;
@@ -64,6 +67,7 @@ private:
     APIClient m_api;
     AuthStore m_auth;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
+    std::unique_ptr<DesktopPreferences> m_preferences;
 };
 
 } // namespace clockwell

@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Clockwell
 import Clockwell.Account
@@ -14,6 +12,10 @@ Item {
     readonly property AttendanceStore attendance: app.newAttendanceStore(tabs)
     readonly property LocationManager location: app.newLocationManager(tabs)
     property int selected: 0
+    // One bit a tab. A tab is built on its first visit; once built it is hidden and shown.
+    property int visited: 1
+
+    onSelectedChanged: visited |= 1 << selected
 
     ScreenBackground {
         anchors.fill: parent
@@ -27,28 +29,40 @@ Item {
             bottom: bar.top
         }
 
-        TabPage {
-            selected: tabs.selected === 0
+        Loader {
+            anchors.fill: parent
+            active: tabs.visited & 1
+            visible: tabs.selected === 0
+            focus: visible
             sourceComponent: HomeView {
                 attendance: tabs.attendance
                 location: tabs.location
                 fullName: tabs.app.auth.fullName
             }
         }
-        TabPage {
-            selected: tabs.selected === 1
+        Loader {
+            anchors.fill: parent
+            active: tabs.visited & 2
+            visible: tabs.selected === 1
+            focus: visible
             sourceComponent: HistoryView {
                 attendance: tabs.attendance
             }
         }
-        TabPage {
-            selected: tabs.selected === 2
+        Loader {
+            anchors.fill: parent
+            active: tabs.visited & 4
+            visible: tabs.selected === 2
+            focus: visible
             sourceComponent: SummaryView {
                 attendance: tabs.attendance
             }
         }
-        TabPage {
-            selected: tabs.selected === 3
+        Loader {
+            anchors.fill: parent
+            active: tabs.visited & 8
+            visible: tabs.selected === 3
+            focus: visible
             sourceComponent: ProfileView {
                 auth: tabs.app.auth
             }

@@ -1,7 +1,6 @@
 #include "ClockwellApp.h"
 
 #include <QGuiApplication>
-#include <QIcon>
 
 using namespace Qt::StringLiterals;
 

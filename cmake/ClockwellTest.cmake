@@ -7,6 +7,8 @@ include(GoogleTest)
 function(clockwell_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "SECRET_SERVICE;NO_MAIN" "TIMEOUT" "SOURCES;LIBRARIES")
     add_executable(${name} ${test_SOURCES})
+    # Fixtures in anonymous namespaces do not stand side by side in one translation unit.
+    set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
     target_link_libraries(${name} PRIVATE clockwell_warnings GTest::gmock ${test_LIBRARIES})
     if(NOT test_NO_MAIN)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)

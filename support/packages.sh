@@ -2,7 +2,7 @@
 
 build_packages=(
     g++ cmake ninja-build ccache pkg-config ca-certificates
-    qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-positioning-dev libqt6svg6-dev
+    qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-positioning-dev qt6-svg-dev
     libgl-dev libopengl-dev
     qcoro-qt6-dev libsecret-1-dev libicu-dev libsimdjson-dev nlohmann-json3-dev libboost1.81-dev
     libsoci-dev libsodium-dev libgeographiclib-dev libcurl4-openssl-dev libcli11-dev libspdlog-dev libsqlite3-dev
@@ -11,10 +11,10 @@ build_packages=(
 run_packages=(
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
     qml6-module-qtquick-templates qml6-module-qtquick-window
-    libqt6positioning6-plugins fonts-inter fonts-noto-core dbus gnome-keyring tzdata
+    libqt6positioning6-plugins fonts-inter fonts-noto-core dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
 )
 test_packages=(
-    libgtest-dev libgmock-dev sqlite3 openssl xvfb xauth at-spi2-core python3 python3-gi gir1.2-atspi-2.0
+    libgtest-dev libgmock-dev zlib1g-dev openssl xvfb xauth at-spi2-core python3 python3-gi gir1.2-atspi-2.0
 )
 lint_packages=(clang-format clang-tidy-16 qt6-declarative-dev-tools)
 bench_packages=(libbenchmark-dev qml6-module-qtquick-controls)

@@ -8,12 +8,9 @@ Row {
 
     spacing: 12
 
-    Image {
+    AppLogo {
         id: logo
         objectName: "logo"
-        width: 46
-        height: 46
-        source: "qrc:/clockwell/AppLogo.png"
     }
 
     Column {
@@ -28,7 +25,6 @@ Row {
             size: 17
             weight: Font.Bold
             color: Theme.white
-            Accessible.role: Accessible.Heading
         }
 
         TextLabel {

@@ -1,7 +1,7 @@
 import QtQuick
 import Clockwell.Ui
 
-// Above a QorField. Shown in upper case, read out as it is written.
+// Above a QorField, which carries the same text as its name. Shown and read out in upper case.
 Item {
     id: root
 
@@ -20,5 +20,6 @@ Item {
         font.letterSpacing: 0.6
         font.capitalization: Font.AllUppercase
         color: Theme.textMuted
+        Accessible.name: text.toUpperCase()
     }
 }

@@ -39,7 +39,6 @@ FocusScope {
             text: root.title
             weight: Font.DemiBold
             horizontalAlignment: Text.AlignHCenter
-            Accessible.role: Accessible.Heading
         }
     }
 

@@ -20,15 +20,13 @@ Theme *Theme::of(QQmlEngine &engine)
 
 QString Theme::fontFamily() const
 {
-    static const QString family = [] {
 #if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
-        if (QFontDatabase::hasFamily(QStringLiteral("Inter"))) {
-            return QStringLiteral("Inter");
-        }
+    // Not asked for first: looking a family up costs more than the sign-in screen's whole text. Where it is not
+    // installed the font system takes its default for it.
+    return QStringLiteral("Inter");
+#else
+    return QGuiApplication::font().family();
 #endif
-        return QGuiApplication::font().family();
-    }();
-    return family;
 }
 
 QString Theme::monospacedFamily() const

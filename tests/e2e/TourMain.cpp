@@ -31,7 +31,7 @@ void walk(Tour &tour, const ServerProcess::Demo &demo)
             return screen.type(u"Email"_s, demo.email) && screen.type(u"Password"_s, u"not the password"_s)
                 && screen.click(u"Sign in"_s);
         },
-        u"The e-mail or the password is wrong"_s);
+        u"The e-mail address or the password is wrong."_s);
     tour.step(
         u"The demo employee signs in"_s,
         [&](ScreenDriver &screen) {

@@ -1,17 +1,32 @@
 #include "Superellipse.h"
 
+#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
 
 #include <cstdio>
 
-// DrawLogo SVG PNG SIDE RADIUS: draws a square SVG image, SIDE pixels a side, with continuous corners of
-// RADIUS pixels.
+namespace {
+
+bool save(const QImage &image, const QString &name)
+{
+    if (name.endsWith(QStringLiteral(".png")))
+        return image.save(name, "PNG");
+    QFile file(name);
+    return file.open(QIODevice::WriteOnly)
+        && file.write(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes())
+        == image.sizeInBytes();
+}
+
+} // namespace
+
+// DrawLogo SVG FILE SIDE RADIUS: draws a square SVG image, SIDE pixels a side, with continuous corners of
+// RADIUS pixels, as a PNG file or else as bare premultiplied ARGB32 pixels in this machine's byte order.
 int main(int argc, char **argv)
 {
     if (argc != 5) {
-        std::fputs("usage: clockwell_logo SVG PNG SIDE RADIUS\n", stderr);
+        std::fputs("usage: clockwell_logo SVG FILE SIDE RADIUS\n", stderr);
         return 2;
     }
     QSvgRenderer logo(QString::fromLocal8Bit(argv[1]));
@@ -36,7 +51,7 @@ int main(int argc, char **argv)
     // As a brush, not as a clip: a clip's edge is not smoothed.
     painter.fillPath(clockwell::continuousRectangle(square, radius), QBrush(drawn));
     painter.end();
-    if (!image.save(QString::fromLocal8Bit(argv[2]), "PNG")) {
+    if (!save(image, QString::fromLocal8Bit(argv[2]))) {
         std::fprintf(stderr, "%s cannot be written\n", argv[2]);
         return 1;
     }

@@ -1,0 +1,72 @@
+#include "Stage.h"
+
+#include "support/MemoryTokenStore.h"
+#include "ui/Theme.h"
+
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace clockwell::test {
+
+namespace {
+
+class PicturedLocation final : public LocationSource
+{
+public:
+    explicit PicturedLocation(Device device) : m_device(device) {}
+
+    AuthorizationStatus authorizationStatus() const override { return m_device.authorization; }
+    void setDesiredAccuracy(Accuracy) override {}
+    void requestWhenInUseAuthorization() override {}
+    void requestLocation() override
+    {
+        if (m_device.hasFix)
+            QTimer::singleShot(0, this, [this] { Q_EMIT locationsUpdated({Fix{54.1234, 9.5678, 8}}); });
+    }
+
+private:
+    Device m_device;
+};
+
+} // namespace
+
+Stage::Stage(Format format, Device device) : m_format(format), m_device(device) {}
+
+bool Stage::start()
+{
+    return show(false);
+}
+
+bool Stage::startAs(const QByteArray &fullName)
+{
+    m_server.expect("GET", "/api/auth/me")
+        .reply(200, R"({"id":"1","fullName":")" + fullName
+                        + R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})");
+    return show(true);
+}
+
+bool Stage::show(bool signedIn)
+{
+    auto tokens = std::make_unique<MemoryTokenStore>();
+    if (signedIn)
+        saveTokens(*tokens, u"a"_s, u"r"_s);
+    ClockwellApp::Parts parts;
+    parts.client.baseURL = m_server.url(u"/api"_s);
+    parts.tokens = std::move(tokens);
+    parts.makeLocationSource = [device = m_device] { return std::make_unique<PicturedLocation>(device); };
+    m_app = std::make_unique<ClockwellApp>(std::move(parts));
+    if (!m_app->show())
+        return false;
+    auto *window = m_app->window();
+    window->resize(m_format.size);
+    const int theme = qmlTypeId("Clockwell.Ui", 1, 0, "Theme");
+    qmlEngine(window)->singletonInstance<Theme *>(theme)->setTextScale(m_format.textScale);
+    m_screen = std::make_unique<ScreenDriver>(window);
+    return QTest::qWaitForWindowExposed(window);
+}
+
+} // namespace clockwell::test

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ClockwellApp.h"
+#include "attendance/LocationSource.h"
+#include "support/FakeServer.h"
+#include "support/screen/ScreenDriver.h"
+
+#include <QSize>
+
+#include <memory>
+
+namespace clockwell::test {
+
+/// The device of a picture: whether positions are allowed, and whether one ever arrives.
+struct Device
+{
+    AuthorizationStatus authorization = AuthorizationStatus::AuthorizedWhenInUse;
+    bool hasFix = true;
+};
+
+/// How large everything is.
+struct Format
+{
+    const char *name;
+    QSize size;
+    double textScale;
+};
+
+/// The whole app in one window against a scripted server, brought into one state for one picture.
+class Stage
+{
+public:
+    explicit Stage(Format format, Device device = {});
+
+    FakeServer &server() { return m_server; }
+    ScreenDriver &screen() { return *m_screen; }
+    AuthStore &auth() { return *m_app->auth(); }
+
+    /// Shows the app signed out.
+    bool start();
+    /// Shows the app signed in as this person; what the tabs ask for has to be scripted before.
+    bool startAs(const QByteArray &fullName);
+
+private:
+    bool show(bool signedIn);
+
+    Format m_format;
+    Device m_device;
+    FakeServer m_server;
+    std::unique_ptr<ClockwellApp> m_app;
+    std::unique_ptr<ScreenDriver> m_screen;
+};
+
+} // namespace clockwell::test
