@@ -8,6 +8,9 @@ ContinuousRectangle {
 
     required property AttendanceStore attendance
     property alias interval: model.interval
+    // Off for a moment when a banner comes: assistive technology announces an alert when it turns visible, and one that
+    // takes the place of another has to be announced as well.
+    property bool renewing: false
 
     anchors.horizontalCenter: parent.horizontalCenter
     height: Math.max(text.height + 2 * 16, 52)
@@ -16,7 +19,7 @@ ContinuousRectangle {
     color: Theme.surface
     borderColor: model.color
     borderWidth: 1
-    visible: model.present || leaving.running
+    visible: (model.present || leaving.running) && !renewing
 
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text.text
@@ -28,8 +31,18 @@ ContinuousRectangle {
         onPresentChanged: leaving.running = !present
     }
 
-    ParallelAnimation {
+    SequentialAnimation {
         id: arriving
+        PropertyAction {
+            target: view
+            property: "renewing"
+            value: true
+        }
+        PropertyAction {
+            target: view
+            property: "renewing"
+            value: false
+        }
         NumberAnimation {
             target: slide
             property: "y"

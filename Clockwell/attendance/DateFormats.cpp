@@ -1,7 +1,7 @@
 #include "attendance/DateFormats.h"
 
+#include <QHash>
 #include <QLocale>
-#include <QStringList>
 
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
@@ -13,28 +13,44 @@ namespace clockwell {
 namespace {
 
 const QString dash = QStringLiteral("—");
+// A day of the calendar is the same text in every zone. Read and written in this one it is never lost to a
+// clock change: where clocks go forward at midnight the day's first moment does not exist.
+const QByteArray dayZone = "UTC";
 
-/// How the device writes dates. POSIX systems say so in the environment, in a category of its own that may
-/// differ from the language of the texts.
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN) && !defined(Q_OS_ANDROID)
+/// A POSIX locale name, language[_REGION][.charset][@modifier]; of the modifiers those count that name a
+/// script.
+icu::Locale fromPosix(const QByteArray &name)
+{
+    static const QHash<QByteArray, QByteArray> scripts = {
+        {"latin", "_Latn"}, {"cyrillic", "_Cyrl"}, {"devanagari", "_Deva"}, {"iqtelif", "_Latn"}};
+    const QByteArray place = name.split('@').first().split('.').first();
+    if (place == "C" || place == "POSIX")
+        return icu::Locale("en_US_POSIX");
+    const QByteArray script = scripts.value(name.mid(name.indexOf('@') + 1));
+    const QByteArray language = place.split('_').first();
+    return icu::Locale::createCanonical((language + script + place.mid(language.size())).constData());
+}
+
+/// How the device writes dates: POSIX systems say so in a category of its own, which may differ from the
+/// language of the texts.
 icu::Locale deviceLocale()
 {
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN) && !defined(Q_OS_ANDROID)
     for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"}) {
-        const QByteArray value = qgetenv(variable);
-        if (value.isEmpty())
-            continue;
-        const QByteArray name = value.left(value.indexOf('.'));
-        return name == "C" || name == "POSIX" ? icu::Locale("en_US_POSIX")
-                                              : icu::Locale::createCanonical(value.constData());
+        if (const QByteArray name = qgetenv(variable); !name.isEmpty())
+            return fromPosix(name);
     }
-    return icu::Locale("en_US_POSIX");
-#else
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Locale locale =
-        icu::Locale::forLanguageTag(QLocale::system().bcp47Name().toLatin1().constData(), status);
-    return U_SUCCESS(status) ? locale : icu::Locale::getDefault();
-#endif
+    return fromPosix("C");
 }
+#else
+icu::Locale deviceLocale()
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const QByteArray tag = QLocale::system().bcp47Name().toLatin1();
+    const icu::Locale locale = icu::Locale::forLanguageTag(tag.constData(), status);
+    return U_SUCCESS(status) ? locale : icu::Locale::getDefault();
+}
+#endif
 
 std::unique_ptr<icu::TimeZone> zoneOf(const QByteArray &name)
 {
@@ -109,14 +125,14 @@ DateFormats::DateFormats(QByteArray locale, QByteArray timeZone)
 
 QString DateFormats::day(const QString &workDate) const
 {
-    const auto moment = read(u"yyyy-MM-dd", workDate, m_locale, m_timeZone);
-    return moment ? write(u"EEE, d MMM yyyy", *moment, m_locale, m_timeZone) : workDate;
+    const auto moment = read(u"yyyy-MM-dd", workDate, m_locale, dayZone);
+    return moment ? write(u"EEE, d MMM yyyy", *moment, m_locale, dayZone) : workDate;
 }
 
 QString DateFormats::month(const QString &month) const
 {
-    const auto moment = read(u"yyyy-MM", month, m_locale, m_timeZone);
-    return moment ? write(u"MMMM yyyy", *moment, m_locale, m_timeZone) : month;
+    const auto moment = read(u"yyyy-MM", month, m_locale, dayZone);
+    return moment ? write(u"MMMM yyyy", *moment, m_locale, dayZone) : month;
 }
 
 QString DateFormats::monthKey(Instant now) const

@@ -9,19 +9,28 @@ Card {
 
     Column {
         width: parent.width
+        bottomPadding: -10 // the button brings room of its own
         spacing: 8
 
         Item {
             id: row
 
             readonly property bool stacked: 42 + distance.width + 12 + pill.width > width
+            // The number's line is kept while there is none.
+            readonly property real line: Math.max(icon.height, numberLine.height)
 
             width: parent.width
-            height: stacked ? pill.y + pill.height : Math.max(icon.height, distance.height)
+            height: stacked && pill.visible ? pill.y + pill.height : line
+
+            TextLabel {
+                id: numberLine
+                size: 22
+                visible: false
+            }
 
             Symbol {
                 id: icon
-                anchors.verticalCenter: distance.verticalCenter
+                y: (row.line - height) / 2
                 name: card.home.geofenceSymbol
                 size: 30
                 color: card.home.geofenceColor
@@ -29,6 +38,7 @@ Card {
             TabularLabel {
                 id: distance
                 x: 42
+                y: (row.line - height) / 2
                 text: card.home.distanceText
                 size: 22
                 weight: Font.Bold
@@ -47,7 +57,7 @@ Card {
             ContinuousRectangle {
                 id: pill
                 x: row.stacked ? distance.x : row.width - width
-                y: row.stacked ? distance.height + 8 : distance.y + (distance.height - height) / 2
+                y: row.stacked ? row.line + 8 : (row.line - height) / 2
                 width: pillText.implicitWidth + 24
                 height: pillText.height + 8
                 radius: height / 2
@@ -66,13 +76,23 @@ Card {
             }
         }
 
-        // Holds its line before the first answer too.
+        // Holds its line before the first answer too, unless the hint takes its place.
         TextLabel {
             width: parent.width
             text: card.home.nearestLine
             size: 12
             color: Theme.textSecondary
+            visible: text !== "" || card.home.hint === ""
             Accessible.ignored: text === ""
+
+            ContinuousRectangle {
+                anchors.verticalCenter: parent.verticalCenter
+                width: Math.min(parent.width, 180)
+                height: 8
+                radius: 4
+                color: Theme.surface
+                visible: parent.text === ""
+            }
         }
 
         TextLabel {
@@ -83,10 +103,16 @@ Card {
             visible: text !== ""
         }
 
-        Rectangle {
+        Item {
             width: parent.width
-            height: 1
-            color: Theme.divider
+            height: 9
+
+            Rectangle {
+                y: 8
+                width: parent.width
+                height: 1
+                color: Theme.divider
+            }
         }
 
         LocationButton {

@@ -60,7 +60,6 @@ FocusScope {
                     size: 26
                     weight: Font.Bold
                     color: Theme.white
-                    Accessible.role: Accessible.Heading
                 }
                 TextLabel {
                     width: parent.width

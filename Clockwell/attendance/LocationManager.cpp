@@ -56,7 +56,7 @@ QCoro::Task<AuthorizationStatus> LocationManager::requestPermission()
         co_return known;
     const auto waiter = replace(m_permissionWaiter);
     m_source->requestWhenInUseAuthorization();
-    co_return co_await *waiter;
+    co_return co_await waiter->wait();
 }
 
 QCoro::Task<Fix> LocationManager::currentFix(double timeout)
@@ -67,7 +67,7 @@ QCoro::Task<Fix> LocationManager::currentFix(double timeout)
     const auto waiter = replace(m_fixWaiter);
     m_source->requestLocation();
     startTimer(timeout);
-    co_return co_await *waiter;
+    co_return co_await waiter->wait();
 }
 
 template <class T>

@@ -13,6 +13,8 @@ namespace {
 // NMEA states a dilution of precision, not metres; this is the usual range error of a civilian receiver, in
 // metres.
 constexpr double rangeError = 5.0;
+// Receivers state one position a second.
+constexpr std::chrono::milliseconds longestGap{1500};
 
 } // namespace
 
@@ -25,6 +27,9 @@ NmeaLocationSource::NmeaLocationSource(const QString &where, QObject *parent) : 
         openFile(where);
     if (!m_device)
         return;
+    m_silence.setSingleShot(true);
+    m_silence.setInterval(longestGap);
+    connect(&m_silence, &QTimer::timeout, this, &NmeaLocationSource::answer);
     m_receiver->setUserEquivalentRangeError(rangeError);
     m_receiver->setDevice(m_device.get());
     connect(m_receiver.get(), &QGeoPositionInfoSource::positionUpdated, this,
@@ -58,19 +63,25 @@ void NmeaLocationSource::requestLocation()
 {
     if (!m_device) {
         Q_EMIT failed(Failure::Other);
-    } else if (m_last && m_device->atEnd() && !m_device->isSequential()) {
-        Q_EMIT locationsUpdated({*m_last});
-    } else {
-        m_wanted = true;
-        m_receiver->startUpdates();
+        return;
     }
+    m_wanted = true;
+    m_receiver->startUpdates();
+    if (m_last && !m_device->isSequential())
+        m_silence.start();
+}
+
+void NmeaLocationSource::answer()
+{
+    if (std::exchange(m_wanted, false))
+        Q_EMIT locationsUpdated({*m_last});
 }
 
 void NmeaLocationSource::takePosition(const QGeoPositionInfo &position)
 {
     m_last = toFix(position);
-    if (std::exchange(m_wanted, false))
-        Q_EMIT locationsUpdated({*m_last});
+    m_silence.stop();
+    answer();
 }
 
 } // namespace clockwell

@@ -4,6 +4,7 @@
 
 #include <QGeoPositionInfo>
 #include <QString>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -33,18 +34,20 @@ public:
     }
     void setDesiredAccuracy(Accuracy) override {}
     void requestWhenInUseAuthorization() override {}
-    /// Answered with the next position, or with the last one once a recording has ended.
+    /// Answered with the next position, or, of a recording that has none any more, with its last one.
     void requestLocation() override;
 
 private:
     void takePosition(const QGeoPositionInfo &position);
     void openFile(const QString &path);
+    void answer();
     void openSocket(const QString &address);
 
     std::unique_ptr<QIODevice> m_device; // outlives m_receiver, which reads it
     std::unique_ptr<QNmeaPositionInfoSource> m_receiver;
     std::optional<Fix> m_last;
     bool m_wanted = false;
+    QTimer m_silence; // of a recording: how long to wait for its next position
 };
 
 } // namespace clockwell

@@ -49,7 +49,7 @@ Card {
                 size: 16
                 weight: Font.DemiBold
                 color: Theme.white
-                maximumLineCount: 3
+                maximumLineCount: 4
             }
             // Holds its line before the first answer too, so that nothing moves when it comes.
             TextLabel {

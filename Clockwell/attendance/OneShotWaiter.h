@@ -10,7 +10,7 @@ namespace clockwell {
 /// Suspends one coroutine until somebody has a value or an error for it. Single-threaded, used once.
 ///
 ///     auto waiter = std::make_shared<OneShotWaiter<int>>();   // kept by the one who will resume it
-///     const int value = co_await *waiter;
+///     const int value = co_await waiter->wait();
 ///
 /// resume() and fail() run the coroutine up to its next suspension before they return: everything that the
 /// caller needs must be settled by then, and the caller itself may be gone afterwards.
@@ -18,6 +18,10 @@ template <class T>
 class OneShotWaiter
 {
 public:
+    OneShotWaiter() = default;
+    OneShotWaiter(const OneShotWaiter &) = delete;
+    OneShotWaiter &operator=(const OneShotWaiter &) = delete;
+
     void resume(T value)
     {
         m_value = std::move(value);
@@ -29,16 +33,24 @@ public:
         wake();
     }
 
-    bool await_ready() const noexcept { return m_value || m_error; }
-    void await_suspend(std::coroutine_handle<> coroutine) noexcept { m_coroutine = coroutine; }
-    T await_resume()
-    {
-        if (m_error)
-            std::rethrow_exception(m_error);
-        return std::move(*m_value);
-    }
+    /// What to co_await. It refers to the waiter and may be copied, which some compilers do with an awaited
+    /// object.
+    auto wait() { return Awaiter{*this}; }
 
 private:
+    struct Awaiter
+    {
+        OneShotWaiter &waiter;
+        bool await_ready() const noexcept { return waiter.m_value || waiter.m_error; }
+        void await_suspend(std::coroutine_handle<> coroutine) noexcept { waiter.m_coroutine = coroutine; }
+        T await_resume()
+        {
+            if (waiter.m_error)
+                std::rethrow_exception(waiter.m_error);
+            return std::move(*waiter.m_value);
+        }
+    };
+
     void wake()
     {
         if (const auto coroutine = std::exchange(m_coroutine, {}))

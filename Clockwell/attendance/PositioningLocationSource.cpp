@@ -107,7 +107,7 @@ void PositioningLocationSource::requestWhenInUseAuthorization()
 
 void PositioningLocationSource::requestLocation()
 {
-    if (load())
+    if (load() && isServiceThere())
         m_source->requestUpdate(0);
     else
         Q_EMIT failed(Failure::Other);
@@ -150,12 +150,9 @@ void PositioningLocationSource::takeError(QGeoPositionInfoSource::Error error)
     case QGeoPositionInfoSource::UpdateTimeoutError: // whoever waits has a time limit of its own
         return;
     case QGeoPositionInfoSource::AccessError:
-        if (isServiceThere()) {
-            setStatus(AuthorizationStatus::Denied);
-            Q_EMIT failed(Failure::Denied);
-            return;
-        }
-        break;
+        setStatus(AuthorizationStatus::Denied);
+        Q_EMIT failed(Failure::Denied);
+        return;
     case QGeoPositionInfoSource::ClosedError:
     case QGeoPositionInfoSource::UnknownSourceError:
         break;

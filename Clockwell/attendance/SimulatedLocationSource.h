@@ -26,7 +26,7 @@ public:
         /// What the person answers, one second after being asked.
         AuthorizationStatus answer = AuthorizationStatus::NotDetermined;
         std::optional<Fix> fix = {}; ///< arrives 0.3 seconds after it is asked for
-        bool fails = false;     ///< an error arrives in its place
+        bool fails = false;          ///< an error arrives in its place
     };
 
     /// Reads `LAT,LNG,ACCURACY`, `denied`, `restricted`, `silent` (granted, never a fix), `failing` (granted,

@@ -16,6 +16,5 @@ FocusScope {
         text: "Summary"
         size: 28
         weight: Font.Bold
-        Accessible.role: Accessible.Heading
     }
 }

@@ -8,6 +8,7 @@ Item {
 
     required property string caption
     required property string value
+    required property real valueSize
     property bool wide: false
 
     height: wide ? Math.max(label.height, number.height) : number.y + number.height
@@ -27,7 +28,7 @@ Item {
         x: root.wide ? root.width - width : 0
         y: root.wide ? 0 : label.height + 4
         text: root.value
-        size: 16
+        size: root.valueSize
         weight: Font.DemiBold
     }
 }

@@ -12,13 +12,17 @@ Card {
         spacing: 16
 
         Item {
+            id: header
+
+            readonly property bool stacked: badge.visible && caption.width + 12 + badge.implicitWidth > width
+
             width: parent.width
             // The badge is the taller one: it has its place before it is there.
-            height: Math.max(caption.height, badge.implicitHeight)
+            height: stacked ? badge.y + badge.height : badge.implicitHeight
 
             TextLabel {
                 id: caption
-                anchors.verticalCenter: parent.verticalCenter
+                y: header.stacked ? 0 : (badge.height - height) / 2
                 text: "TODAY"
                 size: 10
                 weight: Font.Medium
@@ -27,11 +31,9 @@ Card {
             }
             StatusBadge {
                 id: badge
-                anchors {
-                    right: parent.right
-                    verticalCenter: parent.verticalCenter
-                }
-                width: Math.min(implicitWidth, parent.width - caption.width - 12)
+                x: header.stacked ? 0 : header.width - width
+                y: header.stacked ? caption.height + 8 : 0
+                width: Math.min(implicitWidth, header.width)
                 visible: card.home.hasRecord
                 status: card.home.recordStatus
             }
@@ -44,6 +46,8 @@ Card {
             readonly property bool stacked: width < 226 * Theme.textScale
             readonly property real cell: stacked ? width : (width - 2 * columnSpacing) / 3
 
+            readonly property real valueSize: cell < 88 * Theme.textScale ? 16 : 18
+
             width: parent.width
             columns: stacked ? 1 : 3
             columnSpacing: 8
@@ -52,18 +56,21 @@ Card {
             TimeColumn {
                 width: grid.cell
                 wide: grid.stacked
+                valueSize: grid.valueSize
                 caption: "Check-in"
                 value: card.home.checkInText
             }
             TimeColumn {
                 width: grid.cell
                 wide: grid.stacked
+                valueSize: grid.valueSize
                 caption: "Check-out"
                 value: card.home.checkOutText
             }
             TimeColumn {
                 width: grid.cell
                 wide: grid.stacked
+                valueSize: grid.valueSize
                 caption: "Worked"
                 value: card.home.workedText
             }

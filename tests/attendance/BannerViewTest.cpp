@@ -1,0 +1,108 @@
+#include "HomeStage.h"
+
+#include "support/screen/QmlStage.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace clockwell {
+namespace {
+
+using test::spinUntil;
+
+/// How often an alert turned visible: that is what assistive technology announces.
+int announcements = 0;
+void countAnnouncement(QAccessibleEvent *event)
+{
+    QAccessibleInterface *element = event->accessibleInterface();
+    if (event->type() == QAccessible::ObjectShow && element && element->role() == QAccessible::AlertMessage)
+        ++announcements;
+}
+
+class BannerViewTest : public ::testing::Test
+{
+protected:
+    BannerViewTest()
+    {
+        services.expectToday(test::replies::beforeCheckIn);
+        services.expectDistance(test::replies::inside);
+        stage = std::make_unique<test::QmlStage>(u"Clockwell/Attendance/HomeView.qml"_s,
+                                                 services.properties(u"Ada"_s));
+        EXPECT_TRUE(services.settle(2));
+    }
+    void show(const QString &text)
+    {
+        services.store->setBanner(Banner{.text = text, .kind = Banner::Kind::Error});
+    }
+
+    test::HomeServices services;
+    std::unique_ptr<test::QmlStage> stage;
+};
+
+TEST_F(BannerViewTest, IsAnAlertOverTheTopOfTheScreen)
+{
+    show(u"You are outside"_s);
+    ASSERT_TRUE(stage->screen().waitFor(u"You are outside"_s)) << stage->screen().dump().toStdString();
+    const auto alert = stage->screen().find(u"You are outside"_s, QAccessible::AlertMessage);
+    ASSERT_TRUE(alert) << stage->screen().dump().toStdString();
+    ASSERT_TRUE(spinUntil([&] { return stage->screen().find(u"You are outside"_s)->rect.top() == 12; }));
+    EXPECT_EQ(alert->rect.left(), 20);
+    EXPECT_EQ(alert->rect.width(), 350);
+}
+
+TEST_F(BannerViewTest, CloseDismissesIt)
+{
+    show(u"You are outside"_s);
+    ASSERT_TRUE(spinUntil([&] {
+        const auto alert = stage->screen().find(u"You are outside"_s);
+        return alert && alert->rect.top() == 12;
+    }));
+    ASSERT_TRUE(stage->screen().click(u"Close"_s, QAccessible::Button));
+    EXPECT_FALSE(services.store->banner());
+    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s));
+    EXPECT_FALSE(stage->screen().shows(u"Close"_s));
+}
+
+TEST_F(BannerViewTest, CloseWorksForAssistiveTechnology)
+{
+    show(u"You are outside"_s);
+    ASSERT_TRUE(stage->screen().waitFor(u"Close"_s));
+    ASSERT_TRUE(stage->screen().press(u"Close"_s));
+    EXPECT_FALSE(services.store->banner());
+}
+
+TEST_F(BannerViewTest, LeavesWhenItsTimeIsOver)
+{
+    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 200));
+    show(u"You are outside"_s);
+    ASSERT_TRUE(stage->screen().waitFor(u"You are outside"_s));
+    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s, 2s));
+    EXPECT_FALSE(services.store->banner());
+}
+
+TEST_F(BannerViewTest, TheSameTextAgainIsShownAndAnnouncedAnew)
+{
+    QAccessible::setActive(true);
+    const auto previous = QAccessible::installUpdateHandler(countAnnouncement);
+    announcements = 0;
+    show(u"Down"_s);
+    ASSERT_TRUE(spinUntil([&] {
+        const auto alert = stage->screen().find(u"Down"_s);
+        return alert && alert->rect.top() == 12;
+    }));
+    EXPECT_EQ(announcements, 1);
+    show(u"Down"_s);
+    const auto sliding = stage->screen().find(u"Down"_s); // from outside the window once more
+    EXPECT_TRUE(!sliding || sliding->rect.top() < 12);
+    EXPECT_EQ(announcements, 2);
+    EXPECT_TRUE(spinUntil([&] {
+        const auto alert = stage->screen().find(u"Down"_s);
+        return alert && alert->rect.top() == 12;
+    }));
+    QAccessible::installUpdateHandler(previous);
+}
+
+} // namespace
+} // namespace clockwell

@@ -1,0 +1,219 @@
+#include "attendance/DateFormats.h"
+
+#include <unicode/ucal.h>
+#include <unicode/udat.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace clockwell {
+namespace {
+
+using Instant = DateFormats::Instant;
+using namespace std::chrono;
+
+constexpr Instant march3 = sys_days(2025y / March / 3) + 9h + 4min; // a Monday, UTC
+
+struct Place
+{
+    const char *locale;
+    const char *zone;
+};
+
+constexpr std::array places{
+    Place{"en_US", "America/New_York"}, Place{"en_GB", "Europe/London"},
+    Place{"de_DE", "Europe/Berlin"},    Place{"ar_EG", "Africa/Cairo"},
+    Place{"fa_IR", "Asia/Tehran"},      Place{"th_TH", "Asia/Bangkok"},
+    Place{"hi_IN", "Asia/Kolkata"},     Place{"en_AU", "Australia/Adelaide"},
+    Place{"en_NZ", "Pacific/Chatham"},
+};
+
+/// ICU's own answer, through its C interface.
+class Reference
+{
+public:
+    Reference(const Place &place, const char16_t *pattern)
+    {
+        const std::u16string zone(place.zone, place.zone + std::char_traits<char>::length(place.zone));
+        m_format =
+            udat_open(UDAT_PATTERN, UDAT_PATTERN, place.locale, zone.c_str(), -1, pattern, -1, &m_status);
+        EXPECT_TRUE(U_SUCCESS(m_status)) << u_errorName(m_status);
+        udat_setLenient(m_format, false);
+    }
+    ~Reference() { udat_close(m_format); }
+    QString write(UDate moment)
+    {
+        char16_t text[128];
+        const int32_t length = udat_format(m_format, moment, text, 128, nullptr, &m_status);
+        EXPECT_TRUE(U_SUCCESS(m_status));
+        return QString::fromUtf16(text, length);
+    }
+    UDate read(const QString &text)
+    {
+        const std::u16string source = text.toStdU16String();
+        const UDate moment = udat_parse(m_format, source.c_str(), -1, nullptr, &m_status);
+        EXPECT_TRUE(U_SUCCESS(m_status)) << u_errorName(m_status);
+        return moment;
+    }
+
+private:
+    UErrorCode m_status = U_ZERO_ERROR;
+    UDateFormat *m_format = nullptr;
+};
+
+UDate toIcu(Instant moment)
+{
+    return static_cast<UDate>(moment.time_since_epoch().count());
+}
+
+class EveryPlace : public ::testing::TestWithParam<Place>
+{
+protected:
+    DateFormats formats{GetParam().locale, GetParam().zone};
+};
+
+TEST_P(EveryPlace, DayIsReadAndWrittenByItsPatterns)
+{
+    const UDate day = Reference(GetParam(), u"yyyy-MM-dd").read(QStringLiteral("2025-03-03"));
+    EXPECT_EQ(formats.day(QStringLiteral("2025-03-03")),
+              Reference(GetParam(), u"EEE, d MMM yyyy").write(day));
+}
+
+TEST_P(EveryPlace, MonthIsReadAndWrittenByItsPatterns)
+{
+    const UDate month = Reference(GetParam(), u"yyyy-MM").read(QStringLiteral("2025-03"));
+    EXPECT_EQ(formats.month(QStringLiteral("2025-03")), Reference(GetParam(), u"MMMM yyyy").write(month));
+}
+
+TEST_P(EveryPlace, MomentsAreWrittenByTheirPatterns)
+{
+    // Around midnight and noon, and across the year, daylight saving included.
+    for (const auto offset : {0h, 3h, 9h, 14h, 15h, 15h + 24h * 120, 20h + 24h * 302}) {
+        const Instant moment = march3 + offset;
+        EXPECT_EQ(formats.longDate(moment), Reference(GetParam(), u"EEEE, d MMM yyyy").write(toIcu(moment)));
+        EXPECT_EQ(formats.monthKey(moment), Reference(GetParam(), u"yyyy-MM").write(toIcu(moment)));
+        EXPECT_EQ(formats.time(moment), Reference(GetParam(), u"h:mm a").write(toIcu(moment)));
+        EXPECT_EQ(QString::number(formats.hour(moment)),
+                  Reference({"en_US", GetParam().zone}, u"H").write(toIcu(moment)));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(DateFormats, EveryPlace, ::testing::ValuesIn(places),
+                         [](const auto &place) { return std::string(place.param.locale); });
+
+class DateFormatsTest : public ::testing::Test
+{
+protected:
+    static std::string day(const char *text)
+    {
+        return english().day(QString::fromLatin1(text)).toStdString();
+    }
+    static std::string month(const char *text)
+    {
+        return english().month(QString::fromLatin1(text)).toStdString();
+    }
+    static DateFormats english() { return {"en_US", "UTC"}; }
+};
+
+TEST_F(DateFormatsTest, EnglishExamples)
+{
+    EXPECT_EQ(day("2025-03-03"), "Mon, 3 Mar 2025");
+    EXPECT_EQ(month("2025-03"), "March 2025");
+    EXPECT_EQ(english().monthKey(march3).toStdString(), "2025-03");
+    EXPECT_EQ(english().longDate(march3).toStdString(), "Monday, 3 Mar 2025");
+    EXPECT_EQ(english().hour(march3), 9);
+    // The space before AM is the one of the locale data, which newer versions narrow.
+    const std::string time = english().time(march3).toStdString();
+    EXPECT_TRUE(time == "9:04 AM" || time == "9:04\u202fAM") << time;
+}
+
+TEST_F(DateFormatsTest, UnreadableDayIsShownAsReceived)
+{
+    for (const char *text : {"2025-13-01", "2025-02-30", "2025-00-10", "2025-01-00", "03/03/2025", "",
+                             "today", "2025-03", "2025-03-03T00:00:00Z", "2025-03-03 ", "2025-03-"})
+        EXPECT_EQ(day(text), text);
+}
+
+TEST_F(DateFormatsTest, UnreadableMonthIsShownAsReceived)
+{
+    for (const char *text : {"03/2025", "2025-13", "2025-00", "", "March", "2025-03-03", "2025"})
+        EXPECT_EQ(month(text), text);
+}
+
+TEST_F(DateFormatsTest, LeapDayIsRead)
+{
+    EXPECT_EQ(day("2024-02-29"), "Thu, 29 Feb 2024");
+    EXPECT_EQ(day("2025-02-29"), "2025-02-29");
+}
+
+TEST_F(DateFormatsTest, AbsentTimeIsADash)
+{
+    EXPECT_EQ(english().time(std::nullopt).toStdString(), "—");
+}
+
+TEST_F(DateFormatsTest, HalfHourZonesCount)
+{
+    EXPECT_EQ(DateFormats("en_GB", "Asia/Kolkata").time(march3),
+              DateFormats("en_GB", "UTC").time(march3 + 5h + 30min));
+    EXPECT_EQ(DateFormats("en_GB", "Asia/Kathmandu").hour(sys_days(2025y / March / 3) + 18h + 14min), 23);
+    EXPECT_EQ(DateFormats("en_GB", "Asia/Kathmandu").hour(sys_days(2025y / March / 3) + 18h + 15min), 0);
+}
+
+TEST_F(DateFormatsTest, AMidnightThatDoesNotExistStillHasItsDay)
+{
+    // Clocks go from 23:59:59 to 01:00:00 here.
+    EXPECT_EQ(DateFormats("en_US", "America/Santiago").day(QStringLiteral("2024-09-08")).toStdString(),
+              DateFormats("en_US", "UTC").day(QStringLiteral("2024-09-08")).toStdString());
+}
+
+TEST_F(DateFormatsTest, DevicesLocaleFollowsTheEnvironmentAtEachCall)
+{
+    const QByteArray all = qgetenv("LC_ALL");
+    const QByteArray lang = qgetenv("LANG");
+    const DateFormats device;
+    const QString text = QStringLiteral("2025-03");
+    qunsetenv("LC_ALL");
+    qputenv("LANG", "en_US.UTF-8");
+    qputenv("LC_TIME", "de_DE.UTF-8");
+    EXPECT_EQ(device.month(text).toStdString(), "März 2025");
+    qunsetenv("LC_TIME");
+    EXPECT_EQ(device.month(text).toStdString(), "March 2025");
+    qputenv("LANG", "sr_RS.UTF-8@latin");
+    EXPECT_EQ(device.month(text).toStdString(), "mart 2025");
+    qputenv("LC_ALL", "C.UTF-8");
+    EXPECT_EQ(device.month(text).toStdString(), "March 2025");
+    qputenv("LC_ALL", all);
+    qputenv("LANG", lang);
+}
+
+TEST_F(DateFormatsTest, DevicesZoneFollowsTheEnvironmentAtEachCall)
+{
+    const DateFormats device("en_US", {});
+    qputenv("TZ", "Asia/Tokyo");
+    EXPECT_EQ(device.hour(march3), 18);
+    qputenv("TZ", "America/New_York");
+    EXPECT_EQ(device.hour(march3), 4);
+    qunsetenv("TZ");
+}
+
+TEST(Duration, IsADashBelowOneMinute)
+{
+    EXPECT_EQ(durationText(std::nullopt).toStdString(), "—");
+    EXPECT_EQ(durationText(0).toStdString(), "—");
+    EXPECT_EQ(durationText(-5).toStdString(), "—");
+}
+
+TEST(Duration, IsHoursAndMinutesWithoutPadding)
+{
+    EXPECT_EQ(durationText(1).toStdString(), "0h 1m");
+    EXPECT_EQ(durationText(59).toStdString(), "0h 59m");
+    EXPECT_EQ(durationText(60).toStdString(), "1h 0m");
+    EXPECT_EQ(durationText(485).toStdString(), "8h 5m");
+    EXPECT_EQ(durationText(9160).toStdString(), "152h 40m");
+    EXPECT_EQ(hoursAndMinutes(0).toStdString(), "0h 0m");
+    EXPECT_EQ(hoursAndMinutes(-61).toStdString(), "-1h -1m");
+}
+
+} // namespace
+} // namespace clockwell
