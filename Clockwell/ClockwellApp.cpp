@@ -40,13 +40,15 @@ ClockwellApp::~ClockwellApp() = default;
 
 bool ClockwellApp::show()
 {
+    // Asking the token store takes about as long as loading the interface, on another thread. The answer is taken by
+    // the event loop, so never before the interface stands.
+    m_auth.bootstrap();
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(u"qrc:/qt/qml"_s);
     m_engine->setInitialProperties({{u"app"_s, QVariant::fromValue(this)}});
     m_engine->load(QUrl(u"qrc:/qt/qml/Clockwell/RootView.qml"_s));
     if (!window())
         return false;
-    m_auth.bootstrap();
     followDesktop();
     return true;
 }
@@ -54,13 +56,14 @@ bool ClockwellApp::show()
 void ClockwellApp::followDesktop()
 {
     m_preferences = std::make_unique<DesktopPreferences>(*Theme::of(*m_engine));
-    // After the first frame, which need not wait for a D-Bus connection or an icon.
+    // After the first frame with something to do in it, which need not wait for a D-Bus connection or an icon.
     const auto start = [this] {
+        if (m_auth.phase() == AuthStore::Phase::Loading || !disconnect(m_frames))
+            return;
         m_preferences->start();
         QGuiApplication::setWindowIcon(QIcon(u":/clockwell/AppIcon.png"_s));
     };
-    connect(window(), &QQuickWindow::frameSwapped, m_preferences.get(), start,
-            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+    m_frames = connect(window(), &QQuickWindow::frameSwapped, m_preferences.get(), start, Qt::QueuedConnection);
 }
 
 QQuickWindow *ClockwellApp::window() const

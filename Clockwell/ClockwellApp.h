@@ -68,6 +68,7 @@ private:
     AuthStore m_auth;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     std::unique_ptr<DesktopPreferences> m_preferences;
+    QMetaObject::Connection m_frames;
 };
 
 } // namespace clockwell

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Clockwell
 import Clockwell.Account
@@ -12,10 +14,6 @@ Item {
     readonly property AttendanceStore attendance: app.newAttendanceStore(tabs)
     readonly property LocationManager location: app.newLocationManager(tabs)
     property int selected: 0
-    // One bit a tab. A tab is built on its first visit; once built it is hidden and shown.
-    property int visited: 1
-
-    onSelectedChanged: visited |= 1 << selected
 
     ScreenBackground {
         anchors.fill: parent
@@ -29,42 +27,46 @@ Item {
             bottom: bar.top
         }
 
-        Loader {
+        TabPage {
             anchors.fill: parent
-            active: tabs.visited & 1
-            visible: tabs.selected === 0
-            focus: visible
-            sourceComponent: HomeView {
-                attendance: tabs.attendance
-                location: tabs.location
-                fullName: tabs.app.auth.fullName
+            selected: tabs.selected === 0
+
+            Component {
+                HomeView {
+                    attendance: tabs.attendance
+                    location: tabs.location
+                    fullName: tabs.app.auth.fullName
+                }
             }
         }
-        Loader {
+        TabPage {
             anchors.fill: parent
-            active: tabs.visited & 2
-            visible: tabs.selected === 1
-            focus: visible
-            sourceComponent: HistoryView {
-                attendance: tabs.attendance
+            selected: tabs.selected === 1
+
+            Component {
+                HistoryView {
+                    attendance: tabs.attendance
+                }
             }
         }
-        Loader {
+        TabPage {
             anchors.fill: parent
-            active: tabs.visited & 4
-            visible: tabs.selected === 2
-            focus: visible
-            sourceComponent: SummaryView {
-                attendance: tabs.attendance
+            selected: tabs.selected === 2
+
+            Component {
+                SummaryView {
+                    attendance: tabs.attendance
+                }
             }
         }
-        Loader {
+        TabPage {
             anchors.fill: parent
-            active: tabs.visited & 8
-            visible: tabs.selected === 3
-            focus: visible
-            sourceComponent: ProfileView {
-                auth: tabs.app.auth
+            selected: tabs.selected === 3
+
+            Component {
+                ProfileView {
+                    auth: tabs.app.auth
+                }
             }
         }
     }

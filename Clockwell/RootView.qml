@@ -28,6 +28,7 @@ Window {
 
     T.StackView {
         id: contents
+        objectName: "contents"
 
         function show(file: string, properties: var, animated: bool) {
             replace(null, Qt.resolvedUrl(file), properties, animated ? T.StackView.ReplaceTransition : T.StackView.Immediate)

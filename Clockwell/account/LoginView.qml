@@ -13,6 +13,9 @@ FormPage {
     signal enterCode(email: string)
     signal createAccount()
 
+    // Above the middle, where the eye looks first, on screens with room to spare.
+    sparePortion: 0.3
+
     LoginViewModel {
         id: model
         auth: view.auth
@@ -110,18 +113,23 @@ FormPage {
         }
     }
 
-    Row {
+    // Side by side where there is room, one below the other with large text.
+    Grid {
         anchors.horizontalCenter: parent.horizontalCenter
+        columns: newHere.implicitWidth + create.implicitWidth + spacing <= parent.width ? 2 : 1
+        horizontalItemAlignment: Grid.AlignHCenter
         spacing: 4
         topPadding: 4
 
         TextLabel {
+            id: newHere
             size: 14
             color: Theme.textMuted
             text: "New here?"
         }
 
         LinkText {
+            id: create
             size: 14
             weight: Font.DemiBold
             text: "Create an account"

@@ -35,7 +35,7 @@ APIClient::Worker::Worker(const Options &options, TokenStore &tokens, SessionEve
     : m_baseURL(options.baseURL),
       m_tokens(tokens),
       m_guard(guard),
-      m_transport(options.reachability(), {options.idleLimit, options.totalLimit, options.replyLimit}),
+      m_transport(options.reachability, {options.idleLimit, options.totalLimit, options.replyLimit}),
       m_renewal(requestUrl(options.baseURL, QStringLiteral("auth/refresh"), {}), m_transport, tokens, events,
                 std::move(guard))
 {}

@@ -33,13 +33,11 @@ void chooseProxy(QNetworkAccessManager &manager, const QUrl &url)
 
 } // namespace
 
-HttpTransport::HttpTransport(std::unique_ptr<Reachability> reachability, HttpLimits limits)
-    : m_reachability(std::move(reachability)),
-      m_limits(limits),
-      m_manager(std::make_unique<QNetworkAccessManager>())
-{
-    connect(m_reachability.get(), &Reachability::changed, this, &HttpTransport::releaseWaiting);
-}
+HttpTransport::HttpTransport(std::function<std::unique_ptr<Reachability>()> makeReachability,
+                             HttpLimits limits)
+    : m_makeReachability(std::move(makeReachability)),
+      m_limits(limits)
+{}
 
 HttpTransport::~HttpTransport() = default;
 
@@ -82,8 +80,18 @@ QCoro::Task<HttpReply> HttpTransport::exchange(std::unique_ptr<HttpExchange> run
     co_return running->takeReply();
 }
 
+void HttpTransport::open()
+{
+    if (m_manager)
+        return;
+    m_manager = std::make_unique<QNetworkAccessManager>();
+    m_reachability = m_makeReachability();
+    connect(m_reachability.get(), &Reachability::changed, this, &HttpTransport::releaseWaiting);
+}
+
 QCoro::Task<> HttpTransport::online()
 {
+    open();
     if (!m_closed && m_reachability->isOffline()) {
         const std::shared_ptr<ReplySlot> slot = ReplySlot::make();
         m_waiting.append(slot);

@@ -7,13 +7,16 @@
 #include <QNetworkRequest>
 #include <QSet>
 
+#include <functional>
+
 namespace clockwell {
 
 /// Sends requests one by one over Qt's network stack, on the thread that made it. Throws TransportError.
 class HttpTransport final : public QObject
 {
 public:
-    HttpTransport(std::unique_ptr<Reachability> reachability, HttpLimits limits);
+    /// What a request needs is made with the first one: a client that only reads tokens loads none of it.
+    HttpTransport(std::function<std::unique_ptr<Reachability>()> makeReachability, HttpLimits limits);
     ~HttpTransport() override;
 
     /// A GET without `body`, or a POST. Redirects are not followed: they come back as the 3xx replies they
@@ -26,13 +29,15 @@ public:
     void close();
 
 private:
+    void open();
     QCoro::Task<> online();
     QCoro::Task<HttpReply> exchange(std::unique_ptr<HttpExchange> running);
     void releaseWaiting();
 
-    const std::unique_ptr<Reachability> m_reachability;
+    const std::function<std::unique_ptr<Reachability>()> m_makeReachability;
     const HttpLimits m_limits;
-    const std::unique_ptr<QNetworkAccessManager> m_manager;
+    std::unique_ptr<Reachability> m_reachability; // with m_manager: null until open()
+    std::unique_ptr<QNetworkAccessManager> m_manager;
     QSet<HttpExchange *> m_running;
     QList<std::shared_ptr<ReplySlot>> m_waiting; // for the device to be online
     bool m_closed = false;

@@ -61,10 +61,11 @@ Owned<GHashTable> attributesOf(const QByteArray &service, const QString &key)
                                                      key.toUtf8().constData(), nullptr));
 }
 
-/// None without a session bus or a service on it. The connection is libsecret's own, shared and kept.
+/// None without a session bus or a service on it. The connection is libsecret's own, shared and kept. It agrees on
+/// a key for secrets (several milliseconds of arithmetic) when one is first carried, not before.
 Owned<SecretService> connected()
 {
-    return Owned<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, Ignored()));
+    return Owned<SecretService>(secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, Ignored()));
 }
 
 /// The secret of the first item that matches. Unlike libsecret's simple calls it never asks the user to

@@ -6,6 +6,9 @@ FocusScope {
     id: page
 
     default property alias content: column.data
+    // How much of the height that the fields leave free stands above them.
+    property real sparePortion: 0
+    readonly property real leastInset: 32
 
     ScreenBackground {
         anchors.fill: parent
@@ -19,7 +22,7 @@ FocusScope {
             bottomMargin: InputMethod.visible ? InputMethod.keyboardRectangle.height / Screen.devicePixelRatio : 0
         }
         contentWidth: width
-        contentHeight: column.height + 2 * column.y
+        contentHeight: column.y + column.height + page.leastInset
         boundsBehavior: Flickable.StopAtBounds
         clip: anchors.bottomMargin > 0
 
@@ -27,7 +30,7 @@ FocusScope {
             id: column
 
             x: (flickable.width - width) / 2
-            y: 40
+            y: page.leastInset + Math.max(0, flickable.height - height - 2 * page.leastInset) * page.sparePortion
             width: Math.min(flickable.width - 2 * Theme.margin, 440)
             spacing: 24
         }

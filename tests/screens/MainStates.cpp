@@ -75,8 +75,9 @@ bool longNames(Stage &stage)
                 today(record(R"("status":"MISSING_CHECK_OUT","checkInAt":"2026-03-02T12:42:10.000Z")")
                           + R"("canCheckIn":false,"canCheckOut":true)",
                       longOffice),
-                distance(false, "123456.9", longOffice), u"Outside"_s,
-                "Wolfeschlegelsteinhausenbergerdorff the Third");
+                distance(false, "123456.9", longOffice), u"Check Out"_s,
+                "Wolfeschlegelsteinhausenbergerdorff the Third")
+        && QTest::qWaitFor([&] { return stage.server().count(u"/api/attendance/distance"_s) == 1; });
 }
 
 bool beforeTheFirstAnswer(Stage &stage)

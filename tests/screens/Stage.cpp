@@ -4,6 +4,7 @@
 #include "ui/Theme.h"
 
 #include <QQmlEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
 #include <QTimer>
@@ -46,7 +47,11 @@ bool Stage::startAs(const QByteArray &fullName)
     m_server.expect("GET", "/api/auth/me")
         .reply(200, R"({"id":"1","fullName":")" + fullName
                         + R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})");
-    return show(true);
+    if (!show(true) || !m_screen->waitFor(u"Attendance"_s))
+        return false;
+    // Until the change of content has come to its end, taps are not taken.
+    const auto *contents = m_app->window()->findChild<QQuickItem *>(u"contents"_s);
+    return QTest::qWaitFor([contents] { return !contents->property("busy").toBool(); });
 }
 
 bool Stage::show(bool signedIn)

@@ -6,6 +6,7 @@
 #include "support/MemoryTokenStore.h"
 #include "support/screen/ScreenDriver.h"
 
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
 
@@ -70,6 +71,14 @@ protected:
         server.expect("GET", "/api/attendance/today").anyNumber().reply(200, today("North Tower"));
         start(u"a1"_s, u"r1"_s);
         ASSERT_TRUE(screen->waitFor(u"Attendance"_s));
+        ASSERT_TRUE(settled());
+    }
+
+    /// The change of content has come to its end; until then taps are not taken.
+    bool settled() const
+    {
+        const auto *contents = app->window()->findChild<QQuickItem *>(u"contents"_s);
+        return contents && QTest::qWaitFor([contents] { return !contents->property("busy").toBool(); });
     }
 
     bool isSelected(const QString &tab) const
@@ -209,6 +218,7 @@ TEST_F(ClockwellAppTest, SigningOutRebuildsTheSignInAtItsRootWithEmptyFields)
     ASSERT_TRUE(screen->waitFor(u"North Tower"_s));
     app->auth()->logout();
     ASSERT_TRUE(screen->waitFor(u"Email"_s));
+    ASSERT_TRUE(settled());
     EXPECT_FALSE(screen->isEnabled(u"Sign in"_s));
 }
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QPointer>
+#include <QQmlComponent>
+#include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
+
+namespace clockwell {
+
+/// One page of the main tabs: its content is built on the first visit, kept and hidden afterwards. A Loader would do
+/// but for Qt 6.4, where it cannot build components that are bound to their surroundings.
+class TabPage : public QQuickItem
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_CLASSINFO("DefaultProperty", "content")
+    Q_PROPERTY(QQmlComponent *content MEMBER m_component)
+    Q_PROPERTY(bool selected READ isSelected WRITE setSelected NOTIFY selectedChanged REQUIRED)
+
+public:
+    explicit TabPage(QQuickItem *parent = nullptr);
+
+    bool isSelected() const { return m_selected; }
+    void setSelected(bool selected);
+
+Q_SIGNALS:
+    void selectedChanged();
+
+protected:
+    void componentComplete() override;
+    void geometryChange(const QRectF &now, const QRectF &before) override;
+
+private:
+    void showOrHide();
+    void build();
+
+    QQmlComponent *m_component = nullptr; // owned by the QML engine's object tree
+    QPointer<QQuickItem> m_item;
+    bool m_selected = false;
+};
+
+} // namespace clockwell
