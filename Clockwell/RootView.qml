@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Clockwell
 import Clockwell.Account
 import Clockwell.Ui
@@ -22,31 +21,21 @@ Window {
     // Contents are named by file: the signed-in ones cost nothing until somebody signs in.
     RootViewModel {
         auth: root.app.auth
-        onSignedOut: animated => contents.show("Account/AccountStack.qml", {auth: root.app.auth}, animated)
-        onSignedIn: animated => contents.show("MainTabView.qml", {app: root.app}, animated)
+        onSignedOut: animated => contents.replace(Qt.resolvedUrl("Account/AccountStack.qml"), {auth: root.app.auth}, animated)
+        onSignedIn: animated => contents.replace(Qt.resolvedUrl("MainTabView.qml"), {app: root.app}, animated)
     }
 
-    T.StackView {
+    ScreenStack {
         id: contents
         objectName: "contents"
-
-        function show(file: string, properties: var, animated: bool) {
-            replace(null, Qt.resolvedUrl(file), properties, animated ? T.StackView.ReplaceTransition : T.StackView.Immediate)
-        }
-
         anchors.fill: parent
+        duration: Theme.duration
 
         initialItem: Item {
             Spinner {
                 anchors.centerIn: parent
                 color: Theme.brand
             }
-        }
-        replaceEnter: Transition {
-            NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.duration; easing.type: Easing.InOutQuad }
-        }
-        replaceExit: Transition {
-            NumberAnimation { property: "opacity"; from: 1; to: 0; duration: Theme.duration; easing.type: Easing.InOutQuad }
         }
     }
 }

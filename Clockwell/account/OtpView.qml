@@ -3,13 +3,8 @@ import Clockwell.Ui
 import Clockwell.Account
 
 NavigationPage {
-    enum Purpose {
-        VerifyEmail,
-        ResetPassword
-    }
-
     required property string email
     required property int purpose
 
-    title: purpose === OtpView.ResetPassword ? "Reset password" : "Verify email"
+    title: purpose === OtpPurpose.ResetPassword ? "Reset password" : "Verify email"
 }

@@ -44,7 +44,8 @@ struct Cut
     std::array<qreal, 3> length{};
 };
 
-/// The eight images around the solid middle; all of them show parts of one texture.
+/// The eight images around the solid middle; all of them show parts of one texture, which the last of them owns. It
+/// is also the last to take a new one: until then the renderer may look at the old one through any of the others.
 class FrameNode : public QSGNode
 {
 public:
@@ -58,7 +59,7 @@ public:
             part->setFiltering(software ? QSGTexture::Nearest : QSGTexture::Linear);
             appendChildNode(part);
         }
-        m_parts.front()->setOwnsTexture(true);
+        m_parts.back()->setOwnsTexture(true);
     }
 
     void layOut(const Cut &x, const Cut &y, const QColor &fill, QSGTexture *texture)

@@ -249,6 +249,21 @@ TEST_F(LoginViewTest, TheKeyboardAloneReachesEveryControlInOrder)
                                     u"Create an account"_s, u"Email"_s}));
 }
 
+TEST_F(LoginViewTest, TheFocusedFieldStaysVisibleWhenAKeyboardTakesTheRoom)
+{
+    stage.view().resize(320, 180);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return stage.root()->height() == 180; }));
+    stage->click(u"Email"_s, QAccessible::EditableText);
+    stage->key(Qt::Key_Return); // on to the password
+    const auto password = stage->find(u"Password"_s, QAccessible::EditableText);
+    ASSERT_TRUE(password);
+    EXPECT_GE(password->rect.top(), 0);
+    EXPECT_LE(password->rect.bottom(), 180);
+    stage.view().resize(320, 120);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return stage.root()->height() == 120; }));
+    EXPECT_LE(stage->find(u"Password"_s, QAccessible::EditableText)->rect.bottom(), 120);
+}
+
 TEST_F(LoginViewTest, AScreenDestroyedWithItsRequestInFlightIsHarmless)
 {
     server.expect("POST", "/api/auth/login").after(200ms).reply(401, R"({"message":"No."})");

@@ -192,12 +192,14 @@ def main():
             time.sleep(0.1)
         environment = dict(os.environ, QT_QPA_PLATFORM="xcb", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
                            CLOCKWELL_SIMULATED_LOCATION=facts["coordinates"] + ",8")
-        processes.start(app, env=environment)
+        processes.start(*os.environ.get("CLOCKWELL_RUN_UNDER", "").split(), app, env=environment)
 
         import gi
         gi.require_version("Atspi", "2.0")
         from gi.repository import Atspi
         Atspi.init()
+        # Without a window manager the window under the pointer has the keyboard.
+        Atspi.generate_mouse_event(195, 700, "abs")
         walk(Tree(Atspi, "clockwell"), facts)
         print("signed in and checked in by accessible names and actions alone")
     finally:

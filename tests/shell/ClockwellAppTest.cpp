@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -31,6 +33,18 @@ public:
     void setDesiredAccuracy(Accuracy) override {}
     void requestWhenInUseAuthorization() override {}
     void requestLocation() override {}
+};
+
+/// A secret service that takes its time.
+class SlowTokenStore final : public TokenStore
+{
+public:
+    std::optional<QString> load(const QString &) const override
+    {
+        std::this_thread::sleep_for(200ms);
+        return std::nullopt;
+    }
+    void save(const QString &, const std::optional<QString> &) override {}
 };
 
 QByteArray user(const QByteArray &name)
@@ -55,6 +69,11 @@ protected:
         tokens = store.get();
         tokens->save(TokenKey::accessToken, access);
         tokens->save(TokenKey::refreshToken, refresh);
+        startWith(std::move(store));
+    }
+
+    void startWith(std::unique_ptr<TokenStore> store)
+    {
         ClockwellApp::Parts parts;
         parts.client.baseURL = server.url(u"/api"_s);
         parts.tokens = std::move(store);
@@ -95,7 +114,7 @@ protected:
 
 TEST_F(ClockwellAppTest, WithoutTokensTheSpinnerGivesWayToTheSignIn)
 {
-    start();
+    startWith(std::make_unique<SlowTokenStore>());
     EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::Loading);
     EXPECT_FALSE(screen->shows(u"Sign in"_s));
     EXPECT_TRUE(screen->waitFor(u"Sign in"_s));

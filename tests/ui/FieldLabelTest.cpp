@@ -25,10 +25,10 @@ TEST(FieldLabel, ShowsItsTextInUpperCase)
     EXPECT_EQ(stage.shot(), upper.shot());
 }
 
-TEST(FieldLabel, IsReadAsItIsWritten)
+TEST(FieldLabel, IsReadOutAsItIsShown)
 {
     ComponentStage stage(label);
-    EXPECT_EQ(stage.screen().texts(), QStringList(QStringLiteral("Current password")));
+    EXPECT_EQ(stage.screen().texts(), QStringList(QStringLiteral("CURRENT PASSWORD")));
 }
 
 TEST(FieldLabel, HasSmallSpacedMutedType)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+/// What a six-digit code is for. A namespace of its own, so that naming a purpose does not load the code screen.
+namespace clockwell::OtpPurpose {
+Q_NAMESPACE
+QML_ELEMENT
+
+enum Purpose { VerifyEmail, ResetPassword };
+Q_ENUM_NS(Purpose)
+
+} // namespace clockwell::OtpPurpose

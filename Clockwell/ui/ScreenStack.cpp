@@ -1,0 +1,164 @@
+#include "ScreenStack.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQmlInfo>
+
+#include <memory>
+#include <utility>
+
+namespace clockwell {
+
+namespace {
+
+// How far the lower screen moves aside, as a share of the width: enough to be seen to lie below.
+constexpr qreal parallax = 0.25;
+
+void discard(QQuickItem *screen)
+{
+    screen->setVisible(false);
+    screen->deleteLater(); // it may be the sender of the signal that leads here
+}
+
+} // namespace
+
+ScreenStack::ScreenStack(QQuickItem *parent) : QQuickItem(parent)
+{
+    setFlag(ItemIsFocusScope);
+    setFiltersChildMouseEvents(true);
+    m_animation.setStartValue(0.0);
+    m_animation.setEndValue(1.0);
+    m_animation.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&m_animation, &QAbstractAnimation::finished, this, &ScreenStack::finish);
+}
+
+void ScreenStack::push(const QUrl &file, const QVariantMap &properties)
+{
+    finish();
+    QQuickItem *below = currentItem();
+    QQuickItem *screen = load(file, properties);
+    if (!screen)
+        return;
+    add(screen);
+    if (!below)
+        return;
+    const auto step = [this, screen, below](qreal part) {
+        screen->setX((1 - part) * width());
+        below->setX(-part * parallax * width());
+    };
+    change(m_duration, step, [below] { below->setVisible(false); });
+}
+
+void ScreenStack::pop()
+{
+    finish();
+    if (m_screens.size() < 2)
+        return;
+    QQuickItem *leaving = m_screens.takeLast();
+    QQuickItem *below = currentItem();
+    below->setVisible(true);
+    focusTop();
+    const auto step = [this, leaving, below](qreal part) {
+        leaving->setX(part * width());
+        below->setX((part - 1) * parallax * width());
+    };
+    change(m_duration, step, [leaving] { discard(leaving); });
+}
+
+void ScreenStack::replace(const QUrl &file, const QVariantMap &properties, bool animated)
+{
+    finish();
+    QQuickItem *screen = load(file, properties);
+    if (!screen)
+        return;
+    const QList<QQuickItem *> leaving = std::exchange(m_screens, {});
+    add(screen);
+    const auto step = [screen, leaving](qreal part) {
+        screen->setOpacity(part);
+        if (!leaving.isEmpty())
+            leaving.last()->setOpacity(1 - part);
+    };
+    change(animated ? m_duration : 0, step, [leaving] {
+        for (QQuickItem *old : leaving)
+            discard(old);
+    });
+}
+
+QQuickItem *ScreenStack::load(const QUrl &file, const QVariantMap &properties)
+{
+    QQmlComponent component(qmlEngine(this), file);
+    std::unique_ptr<QObject> object;
+    if (component.isReady()) // creating an unready one crashes in Qt 6.4
+        object.reset(component.createWithInitialProperties(properties, qmlContext(this)));
+    auto *screen = qobject_cast<QQuickItem *>(object.get());
+    if (screen)
+        return static_cast<QQuickItem *>(object.release());
+    qmlWarning(this) << component.errorString();
+    return nullptr;
+}
+
+void ScreenStack::add(QQuickItem *screen)
+{
+    screen->setParent(this);
+    screen->setParentItem(this);
+    screen->setSize(size());
+    if (screen->metaObject()->indexOfSignal("back()") >= 0)
+        connect(screen, SIGNAL(back()), this, SLOT(pop()));
+    m_screens.append(screen);
+    focusTop();
+}
+
+void ScreenStack::focusTop()
+{
+    currentItem()->forceActiveFocus();
+    Q_EMIT currentItemChanged();
+}
+
+void ScreenStack::change(int duration, Step step, std::function<void()> end)
+{
+    m_end = [step, end = std::move(end)] {
+        step(1);
+        end();
+    };
+    if (duration <= 0)
+        return finish();
+    m_busy = true;
+    Q_EMIT busyChanged();
+    step(0);
+    m_animation.disconnect(SIGNAL(valueChanged(QVariant)));
+    connect(&m_animation, &QVariantAnimation::valueChanged, this,
+            [step](const QVariant &part) { step(part.toReal()); });
+    m_animation.setDuration(duration);
+    m_animation.start();
+}
+
+void ScreenStack::finish()
+{
+    m_animation.disconnect(SIGNAL(valueChanged(QVariant)));
+    m_animation.stop();
+    if (const auto end = std::exchange(m_end, nullptr))
+        end();
+    if (std::exchange(m_busy, false))
+        Q_EMIT busyChanged();
+}
+
+void ScreenStack::componentComplete()
+{
+    QQuickItem::componentComplete();
+    if (m_initialItem)
+        add(m_initialItem);
+}
+
+void ScreenStack::geometryChange(const QRectF &now, const QRectF &before)
+{
+    QQuickItem::geometryChange(now, before);
+    for (QQuickItem *screen : std::as_const(m_screens))
+        screen->setSize(now.size());
+}
+
+bool ScreenStack::childMouseEventFilter(QQuickItem *, QEvent *)
+{
+    return m_busy;
+}
+
+} // namespace clockwell

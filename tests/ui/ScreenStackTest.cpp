@@ -1,0 +1,184 @@
+#include "ui/ScreenStack.h"
+
+#include "ComponentStage.h"
+
+#include <QFile>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace clockwell::test {
+
+namespace {
+
+const QByteArray stackQml = "ScreenStack { width: 350; height: 300; duration: 150; "
+                            "initialItem: PrimaryButton { property int taps: 0; title: \"First\"; onTriggered: ++taps } }";
+
+} // namespace
+
+class ScreenStackTest : public ::testing::Test
+{
+protected:
+    QUrl file(const char *name, const QByteArray &qml)
+    {
+        QFile file(m_files.filePath(QString::fromLatin1(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("import QtQuick\nimport Clockwell.Ui\n" + qml);
+        return QUrl::fromLocalFile(file.fileName());
+    }
+    QUrl page() { return file("Page.qml", "NavigationPage { required property int number; title: \"Page \" + number }"); }
+
+    void push(int number) { stack->push(page(), {{QStringLiteral("number"), number}}); }
+    bool settled() const
+    {
+        return QTest::qWaitFor([this] { return !stack->isBusy(); });
+    }
+    bool shows(const char *text) { return stage.screen().shows(QString::fromLatin1(text)); }
+
+    QTemporaryDir m_files;
+    ComponentStage stage{stackQml};
+    ScreenStack *stack = qobject_cast<ScreenStack *>(stage.item());
+};
+
+TEST_F(ScreenStackTest, BeginsWithItsInitialItemInItsOwnSize)
+{
+    ASSERT_TRUE(stack);
+    EXPECT_EQ(stack->depth(), 1);
+    EXPECT_TRUE(shows("First"));
+    EXPECT_EQ(stack->currentItem()->size(), QSizeF(350, 300));
+}
+
+TEST_F(ScreenStackTest, PushedScreensSlideInAndHideTheOneBelow)
+{
+    QQuickItem *first = stack->currentItem();
+    push(2);
+    EXPECT_TRUE(stack->isBusy());
+    EXPECT_EQ(stack->currentItem()->x(), 350);
+    ASSERT_TRUE(settled());
+    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_TRUE(shows("Page 2"));
+    EXPECT_FALSE(first->isVisible());
+    EXPECT_FALSE(shows("First"));
+    EXPECT_EQ(stack->depth(), 2);
+}
+
+TEST_F(ScreenStackTest, TheBackSignalPopsAndDeletes)
+{
+    push(2);
+    ASSERT_TRUE(settled());
+    const QPointer<QQuickItem> pushed = stack->currentItem();
+    ASSERT_TRUE(stage.screen().click(QStringLiteral("Back")));
+    EXPECT_TRUE(shows("First")); // already while it slides away
+    ASSERT_TRUE(settled());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pushed.isNull(); }));
+    EXPECT_EQ(stack->depth(), 1);
+    EXPECT_EQ(stack->currentItem()->x(), 0);
+}
+
+TEST_F(ScreenStackTest, TheLastScreenStays)
+{
+    stack->pop();
+    EXPECT_EQ(stack->depth(), 1);
+    EXPECT_TRUE(shows("First"));
+}
+
+TEST_F(ScreenStackTest, TapsAreNotTakenWhileScreensChangePlaces)
+{
+    QQuickItem *first = stack->currentItem();
+    push(2);
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(100, 100));
+    EXPECT_EQ(first->property("taps").toInt(), 0);
+    ASSERT_TRUE(settled());
+    stack->pop();
+    ASSERT_TRUE(settled());
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(100, 100));
+    EXPECT_EQ(first->property("taps").toInt(), 1);
+}
+
+TEST_F(ScreenStackTest, AChangeInTheMiddleOfAnotherEndsTheFirst)
+{
+    push(2);
+    QQuickItem *second = stack->currentItem();
+    push(3);
+    EXPECT_EQ(second->x(), 0);
+    ASSERT_TRUE(settled());
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_EQ(stack->depth(), 3);
+    stack->pop();
+    stack->pop();
+    ASSERT_TRUE(settled());
+    EXPECT_EQ(stack->depth(), 1);
+    EXPECT_TRUE(shows("First"));
+}
+
+TEST_F(ScreenStackTest, ReplacingFadesInAndDeletesEverythingBelow)
+{
+    push(2);
+    ASSERT_TRUE(settled());
+    const QPointer<QQuickItem> second = stack->currentItem();
+    stack->replace(page(), {{QStringLiteral("number"), 3}}, true);
+    EXPECT_EQ(stack->currentItem()->opacity(), 0);
+    ASSERT_TRUE(settled());
+    EXPECT_EQ(stack->currentItem()->opacity(), 1);
+    EXPECT_TRUE(shows("Page 3"));
+    EXPECT_FALSE(shows("Page 2"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second.isNull(); }));
+    EXPECT_EQ(stack->depth(), 1);
+}
+
+TEST_F(ScreenStackTest, ReplacingWithoutAnimationIsDoneAtOnce)
+{
+    stack->replace(page(), {{QStringLiteral("number"), 3}}, false);
+    EXPECT_FALSE(stack->isBusy());
+    EXPECT_TRUE(shows("Page 3"));
+    EXPECT_FALSE(shows("First"));
+}
+
+TEST_F(ScreenStackTest, ReducedMotionChangesAtOnce)
+{
+    stack->setProperty("duration", 0);
+    push(2);
+    EXPECT_FALSE(stack->isBusy());
+    EXPECT_TRUE(shows("Page 2"));
+    EXPECT_FALSE(shows("First"));
+}
+
+TEST_F(ScreenStackTest, AFileThatCannotBeLoadedLeavesEverythingAsItIs)
+{
+    stack->push(file("Broken.qml", "Nothing { }"));
+    stack->push(QUrl::fromLocalFile(m_files.filePath(QStringLiteral("Absent.qml"))));
+    stack->push(page()); // without its required property
+    EXPECT_EQ(stack->depth(), 1);
+    EXPECT_FALSE(stack->isBusy());
+    EXPECT_TRUE(shows("First"));
+}
+
+TEST_F(ScreenStackTest, ThePushedScreenHasTheFocus)
+{
+    push(2);
+    ASSERT_TRUE(settled());
+    stage.screen().key(Qt::Key_Escape);
+    ASSERT_TRUE(settled());
+    EXPECT_EQ(stack->depth(), 1);
+}
+
+TEST_F(ScreenStackTest, EveryScreenFollowsTheSize)
+{
+    QQuickItem *first = stack->currentItem();
+    push(2);
+    ASSERT_TRUE(settled());
+    stack->setSize(QSizeF(200, 250));
+    EXPECT_EQ(first->size(), QSizeF(200, 250));
+    EXPECT_EQ(stack->currentItem()->size(), QSizeF(200, 250));
+}
+
+TEST_F(ScreenStackTest, GoingAwayInTheMiddleOfAChangeIsHarmless)
+{
+    push(2);
+    delete stack;
+    QTest::qWait(250);
+}
+
+} // namespace clockwell::test
