@@ -29,7 +29,8 @@ ClockwellApp::ClockwellApp(Parts parts)
       m_api(std::move(parts.client), *m_tokens, m_sessionEvents),
       m_auth(m_api, *m_tokens)
 {
-    // Every announcement signs out, also a repeated one: it is the assignment that counts, not the time in it.
+    // Every announcement signs out, also a repeated one: it is the assignment that counts, not the time in
+    // it.
     connect(&m_sessionEvents, &SessionEvents::expiredAtChanged, this, [this] {
         if (m_sessionEvents.expiredAt())
             m_auth.logout();
@@ -40,8 +41,8 @@ ClockwellApp::~ClockwellApp() = default;
 
 bool ClockwellApp::show()
 {
-    // Asking the token store takes about as long as loading the interface, on another thread. The answer is taken by
-    // the event loop, so never before the interface stands.
+    // Asking the token store takes about as long as loading the interface, on another thread. The answer is
+    // taken by the event loop, so never before the interface stands.
     m_auth.bootstrap();
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(u"qrc:/qt/qml"_s);
@@ -56,14 +57,16 @@ bool ClockwellApp::show()
 void ClockwellApp::followDesktop()
 {
     m_preferences = std::make_unique<DesktopPreferences>(*Theme::of(*m_engine));
-    // After the first frame with something to do in it, which need not wait for a D-Bus connection or an icon.
+    // After the first frame with something to do in it, which need not wait for a D-Bus connection or an
+    // icon.
     const auto start = [this] {
         if (m_auth.phase() == AuthStore::Phase::Loading || !disconnect(m_frames))
             return;
         m_preferences->start();
         QGuiApplication::setWindowIcon(QIcon(u":/clockwell/AppIcon.png"_s));
     };
-    m_frames = connect(window(), &QQuickWindow::frameSwapped, m_preferences.get(), start, Qt::QueuedConnection);
+    m_frames =
+        connect(window(), &QQuickWindow::frameSwapped, m_preferences.get(), start, Qt::QueuedConnection);
 }
 
 QQuickWindow *ClockwellApp::window() const

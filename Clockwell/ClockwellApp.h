@@ -21,8 +21,8 @@ namespace clockwell {
 class DesktopPreferences;
 class LocationSource;
 
-/// The composition root: builds the object graph of the process once, shows the window, starts the restoring of the
-/// session and reacts to its expiry. Main thread only; needs a QGuiApplication that outlives it.
+/// The composition root: builds the object graph of the process once, shows the window, starts the restoring
+/// of the session and reacts to its expiry. Main thread only; needs a QGuiApplication that outlives it.
 class ClockwellApp : public QObject
 {
     Q_OBJECT
@@ -45,7 +45,8 @@ public:
     explicit ClockwellApp(Parts parts);
     ~ClockwellApp() override;
 
-    /// Loads the interface, shows it and starts to restore the session. False when the interface does not load.
+    /// Loads the interface, shows it and starts to restore the session. False when the interface does not
+    /// load.
     bool show();
     /// The app's window; null before show(). Owned by this object.
     QQuickWindow *window() const;

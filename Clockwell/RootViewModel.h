@@ -8,8 +8,8 @@
 
 namespace clockwell {
 
-/// Tells the root view which content to build as the session's phase changes. A content is built anew each time, so
-/// nothing of a former session stays behind. Main thread only; `auth` is not owned.
+/// Tells the root view which content to build as the session's phase changes. A content is built anew each
+/// time, so nothing of a former session stays behind. Main thread only; `auth` is not owned.
 class RootViewModel : public QObject, public QQmlParserStatus
 {
     Q_OBJECT

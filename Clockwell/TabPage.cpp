@@ -53,7 +53,8 @@ void TabPage::build()
         m_item->setFocus(true);
         m_component->completeCreate();
     } else {
-        qmlWarning(this) << (m_component ? m_component->errorString() : QStringLiteral("There is no content."));
+        qmlWarning(this) << (m_component ? m_component->errorString()
+                                         : QStringLiteral("There is no content."));
         delete object;
     }
 }

@@ -28,25 +28,22 @@ QCoro::Task<Reply> send(APIClient &api, QString path, Body body)
 } // namespace
 
 AuthStore::AuthStore(APIClient &api, TokenStore &tokens, QObject *parent)
-    : QObject(parent),
-      m_api(api),
-      m_tokens(tokens)
-{
-}
+    : QObject(parent), m_api(api), m_tokens(tokens)
+{}
 
 QCoro::Task<bool> AuthStore::hasStoredToken()
 {
     return m_api.perform<bool>([&tokens = m_tokens] {
-        return tokens.load(TokenKey::accessToken).has_value() || tokens.load(TokenKey::refreshToken).has_value();
+        return tokens.load(TokenKey::accessToken).has_value() ||
+               tokens.load(TokenKey::refreshToken).has_value();
     });
 }
 
 QCoro::Task<> AuthStore::storeTokens(const LoginResponse &reply)
 {
     // Not inside the awaiting expression: g++ 12 destroys the captures of a lambda there twice.
-    return m_api.perform<void>([&tokens = m_tokens, access = reply.accessToken, refresh = reply.refreshToken] {
-        saveTokens(tokens, access, refresh);
-    });
+    return m_api.perform<void>([&tokens = m_tokens, access = reply.accessToken,
+                                refresh = reply.refreshToken] { saveTokens(tokens, access, refresh); });
 }
 
 QCoro::Task<> AuthStore::bootstrap()
@@ -57,8 +54,8 @@ QCoro::Task<> AuthStore::bootstrap()
         co_return;
     }
     try {
-        setUser(co_await whileAlive(
-            this, m_api.request<AuthUser>(u"auth/me"_s, u"GET"_s, {}, std::nullopt, true)));
+        setUser(co_await whileAlive(this,
+                                    m_api.request<AuthUser>(u"auth/me"_s, u"GET"_s, {}, std::nullopt, true)));
         setPhase(Phase::SignedIn);
     } catch (const std::exception &) {
         // Offline is no exception to the rule: a session that cannot be confirmed is given up.
@@ -71,8 +68,7 @@ QCoro::Task<> AuthStore::bootstrap()
 QCoro::Task<> AuthStore::login(QString email, QString password)
 {
     const LoginBody body{email, password, currentDeviceId()};
-    const auto reply =
-        co_await whileAlive(this, send<LoginResponse>(m_api, u"auth/login"_s, body));
+    const auto reply = co_await whileAlive(this, send<LoginResponse>(m_api, u"auth/login"_s, body));
     m_api.sessionChanged();
     ++m_session;
     const auto session = m_session;
@@ -89,8 +85,8 @@ QCoro::Task<> AuthStore::refreshMe()
 {
     const auto session = m_session;
     try {
-        auto user = co_await whileAlive(this, m_api.request<std::optional<AuthUser>>(
-                                                  u"auth/me"_s, u"GET"_s, {}, std::nullopt, true));
+        auto user = co_await whileAlive(
+            this, m_api.request<std::optional<AuthUser>>(u"auth/me"_s, u"GET"_s, {}, std::nullopt, true));
         if (user && session == m_session && m_phase == Phase::SignedIn)
             setUser(std::move(user));
     } catch (const std::exception &) {
@@ -107,13 +103,13 @@ void AuthStore::logout()
     setPhase(Phase::SignedOut);
 }
 
-QCoro::Task<SignupResponse> AuthStore::signup(QString fullName, QString email, QString phone, QString companyCode,
-                                              QString password)
+QCoro::Task<SignupResponse> AuthStore::signup(QString fullName, QString email, QString phone,
+                                              QString companyCode, QString password)
 {
-    return send<SignupResponse>(
-        m_api, u"auth/signup"_s,
-        SignupBody{fullName, trimBlanks(email), absentIfEmpty(phone), password, currentDeviceId(), deviceModel(),
-                   u"iOS "_s + systemVersion(), absentIfEmpty(companyCode)});
+    return send<SignupResponse>(m_api, u"auth/signup"_s,
+                                SignupBody{fullName, trimBlanks(email), absentIfEmpty(phone), password,
+                                           currentDeviceId(), deviceModel(), u"iOS "_s + systemVersion(),
+                                           absentIfEmpty(companyCode)});
 }
 
 QCoro::Task<MessageResponse> AuthStore::verifyOtp(QString email, QString code)

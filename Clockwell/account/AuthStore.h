@@ -13,13 +13,13 @@ namespace clockwell {
 class APIClient;
 class TokenStore;
 
-/// Owns who is signed in: the phase that the whole interface follows, the user, and the token pair's way into and
-/// out of the token store. It keeps no token in memory.
+/// Owns who is signed in: the phase that the whole interface follows, the user, and the token pair's way into
+/// and out of the token store. It keeps no token in memory.
 ///
-/// Main thread only; the coroutines resume there. The client and the token store are not owned and outlive it.
-/// Operations that return a Task with a result, and login, rethrow the request's error unchanged (see net/Errors.h)
-/// and leave the state as it was; bootstrap and refreshMe never fail outward. A store that dies in the middle of an
-/// operation is left alone: the operation then ends with Abandoned (net/Liveness.h).
+/// Main thread only; the coroutines resume there. The client and the token store are not owned and outlive
+/// it. Operations that return a Task with a result, and login, rethrow the request's error unchanged (see
+/// net/Errors.h) and leave the state as it was; bootstrap and refreshMe never fail outward. A store that dies
+/// in the middle of an operation is left alone: the operation then ends with Abandoned (net/Liveness.h).
 class AuthStore : public QObject
 {
     Q_OBJECT

@@ -4,7 +4,8 @@
 
 namespace clockwell {
 
-/// The text without leading and trailing blanks: tabs and Unicode space separators (category Zs). Line breaks stay.
+/// The text without leading and trailing blanks: tabs and Unicode space separators (category Zs). Line breaks
+/// stay.
 QString trimBlanks(const QString &text);
 
 } // namespace clockwell

@@ -35,8 +35,7 @@ void chooseProxy(QNetworkAccessManager &manager, const QUrl &url)
 
 HttpTransport::HttpTransport(std::function<std::unique_ptr<Reachability>()> makeReachability,
                              HttpLimits limits)
-    : m_makeReachability(std::move(makeReachability)),
-      m_limits(limits)
+    : m_makeReachability(std::move(makeReachability)), m_limits(limits)
 {}
 
 HttpTransport::~HttpTransport() = default;

@@ -61,8 +61,8 @@ Owned<GHashTable> attributesOf(const QByteArray &service, const QString &key)
                                                      key.toUtf8().constData(), nullptr));
 }
 
-/// None without a session bus or a service on it. The connection is libsecret's own, shared and kept. It agrees on
-/// a key for secrets (several milliseconds of arithmetic) when one is first carried, not before.
+/// None without a session bus or a service on it. The connection is libsecret's own, shared and kept. It
+/// agrees on a key for secrets (several milliseconds of arithmetic) when one is first carried, not before.
 Owned<SecretService> connected()
 {
     return Owned<SecretService>(secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, Ignored()));

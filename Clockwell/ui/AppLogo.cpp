@@ -41,7 +41,8 @@ QSGNode *AppLogo::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
     const QImage drawn = logo(std::clamp(static_cast<int>(std::ceil(ratio)), 1, largestScale));
     if (drawn.width() == pixels)
         return updateImageNode(node, this, drawn);
-    return updateImageNode(node, this, drawn.scaled(pixels, pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    return updateImageNode(node, this,
+                           drawn.scaled(pixels, pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 void AppLogo::itemChange(ItemChange change, const ItemChangeData &data)

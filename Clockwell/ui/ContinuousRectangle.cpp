@@ -17,6 +17,7 @@ namespace clockwell {
 namespace {
 
 constexpr int seamPixels = 3;
+constexpr int seamMiddle = 1;
 
 /// How one direction of the rectangle is cut into corner, straight side and corner: in points where they are
 /// drawn and in pixels of the image they come from. A side too short for a straight piece is drawn whole, in
@@ -34,7 +35,7 @@ struct Cut
         at = {0, straight ? first / ratio : points * first / whole,
               points - (straight ? last / ratio : points * last / whole), points};
         // Only the middle line of the seam is stretched: its neighbours keep the filter off the corners.
-        from = {0, first + (seamPixels - 1) / 2, pixels - last};
+        from = {0, first + seamMiddle, pixels - last};
         length = {first, straight ? 1.0 : 0.0, last};
     }
 
@@ -44,8 +45,9 @@ struct Cut
     std::array<qreal, 3> length{};
 };
 
-/// The eight images around the solid middle; all of them show parts of one texture, which the last of them owns. It
-/// is also the last to take a new one: until then the renderer may look at the old one through any of the others.
+/// The eight images around the solid middle; all of them show parts of one texture, which the last of them
+/// owns. It is also the last to take a new one: until then the renderer may look at the old one through any
+/// of the others.
 class FrameNode : public QSGNode
 {
 public:

@@ -9,12 +9,12 @@
 
 namespace clockwell {
 
-/// Screens on top of each other, of which only the topmost is shown. A pushed screen slides in from the trailing edge
-/// and is popped by its own `back` signal, if it has one. Screens are named by file, so that one costs nothing before
-/// it is shown. While screens change places, pointers are not taken. Main thread.
+/// Screens on top of each other, of which only the topmost is shown. A pushed screen slides in from the
+/// trailing edge and is popped by its own `back` signal, if it has one. Screens are named by file, so that
+/// one costs nothing before it is shown. While screens change places, pointers are not taken. Main thread.
 ///
-/// Qt's own stack would do, but it comes with all of Qt's control templates, and registering those is a tenth of the
-/// app's whole start.
+/// Qt's own stack would do, but it comes with all of Qt's control templates, and registering those is a tenth
+/// of the app's whole start.
 class ScreenStack : public QQuickItem
 {
     Q_OBJECT
@@ -35,8 +35,8 @@ public:
     int depth() const { return static_cast<int>(m_screens.size()); }
     bool isBusy() const { return m_busy; }
 
-    /// `properties` are set before the screen is complete, required ones among them. A file that cannot be loaded
-    /// leaves the stack as it is, with a warning.
+    /// `properties` are set before the screen is complete, required ones among them. A file that cannot be
+    /// loaded leaves the stack as it is, with a warning.
     Q_INVOKABLE void push(const QUrl &file, const QVariantMap &properties = {});
     /// Takes the topmost screen away, unless it is the only one.
     Q_SLOT void pop();

@@ -21,8 +21,8 @@ Theme *Theme::of(QQmlEngine &engine)
 QString Theme::fontFamily() const
 {
 #if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
-    // Not asked for first: looking a family up costs more than the sign-in screen's whole text. Where it is not
-    // installed the font system takes its default for it.
+    // Not asked for first: looking a family up costs more than the sign-in screen's whole text. Where it is
+    // not installed the font system takes its default for it.
     return QStringLiteral("Inter");
 #else
     return QGuiApplication::font().family();

@@ -63,8 +63,9 @@ int main(int argc, char **argv)
         bareProcessor.push_back(bare->processor);
         bareMemory.push_back(bare->memory);
     }
-    std::printf("app %.1f ms, %.1f MB; bare window %.1f ms, %.1f MB (medians of %d)\n", median(appProcessor) / 1000,
-                median(appMemory) / 1024, median(bareProcessor) / 1000, median(bareMemory) / 1024, rounds);
+    std::printf("app %.1f ms, %.1f MB; bare window %.1f ms, %.1f MB (medians of %d)\n",
+                median(appProcessor) / 1000, median(appMemory) / 1024, median(bareProcessor) / 1000,
+                median(bareMemory) / 1024, rounds);
     const bool fast = report("start-processor-time", median(appProcessor) / median(bareProcessor), 1.3);
     const bool small = report("start-memory", median(appMemory) / median(bareMemory), 1.25);
     return fast && small ? 0 : 1;

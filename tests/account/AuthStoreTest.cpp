@@ -150,8 +150,8 @@ TEST_F(AuthStoreTest, LoginSendsItsBodyInOrderAndWithoutABearerToken)
     storeTokens(u"old"_s, u"older"_s);
     server.expect("POST", "/api/auth/login").withHeader("Authorization", "").reply(200, loginReply());
     await(store.login(u"ada@example.org"_s, u"  secret "_s));
-    const QByteArray expected = R"({"email":"ada@example.org","password":"  secret ","deviceId":")"
-        + currentDeviceId().toUtf8() + R"("})";
+    const QByteArray expected = R"({"email":"ada@example.org","password":"  secret ","deviceId":")" +
+                                currentDeviceId().toUtf8() + R"("})";
     EXPECT_EQ(lastBody(), expected);
 }
 
@@ -176,7 +176,8 @@ TEST_F(AuthStoreTest, LoginFailureChangesNothingAndCarriesTheCode)
 {
     await(store.bootstrap());
     server.expect("POST", "/api/auth/login")
-        .reply(403, R"({"statusCode":403,"error":"EMAIL_NOT_VERIFIED","message":"Verify your e-mail first."})");
+        .reply(403,
+               R"({"statusCode":403,"error":"EMAIL_NOT_VERIFIED","message":"Verify your e-mail first."})");
     const auto error = awaitError<APIError>(store.login(u"ada@example.org"_s, u"secret"_s));
     EXPECT_EQ(error.message, u"Verify your e-mail first."_s);
     EXPECT_EQ(error.code, u"EMAIL_NOT_VERIFIED"_s);
@@ -221,8 +222,9 @@ TEST_F(AuthStoreTest, LogoutDuringARefreshLeavesNoTokenBehind)
 {
     signIn();
     server.expect("GET", "/api/auth/me").reply(401, "{}");
-    server.expect("POST", "/api/auth/refresh").after(300ms).reply(200,
-                                                                  R"({"accessToken":"a2","refreshToken":"r2"})");
+    server.expect("POST", "/api/auth/refresh")
+        .after(300ms)
+        .reply(200, R"({"accessToken":"a2","refreshToken":"r2"})");
     const auto outcome = test::observe(store.refreshMe());
     ASSERT_TRUE(server.waitForRequests(3));
     store.logout();
@@ -315,7 +317,9 @@ TEST_F(AuthStoreTest, AnEmailKeepsItsLineBreaks)
 TEST_F(AuthStoreTest, TheFourCodeRequestsSendTheirArgumentsAsGiven)
 {
     for (const auto *path : {"verify-otp", "resend-otp", "forgot-password", "reset-password"})
-        server.expect("POST", u"/api/auth/"_s + QString::fromLatin1(path)).withHeader("Authorization", "").reply(200, R"({"message":"m"})");
+        server.expect("POST", u"/api/auth/"_s + QString::fromLatin1(path))
+            .withHeader("Authorization", "")
+            .reply(200, R"({"message":"m"})");
     storeTokens(u"a"_s, u"r"_s);
     const auto before = tokens.writes().size();
     EXPECT_EQ(await(store.verifyOtp(u" e "_s, u"123456"_s)).message, u"m"_s);
@@ -332,7 +336,8 @@ TEST_F(AuthStoreTest, TheFourCodeRequestsSendTheirArgumentsAsGiven)
 
 TEST_F(AuthStoreTest, VerifyOtpRethrowsTheServersWords)
 {
-    server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"error":"BAD_CODE","message":["Wrong.","Old."]})");
+    server.expect("POST", "/api/auth/verify-otp")
+        .reply(400, R"({"error":"BAD_CODE","message":["Wrong.","Old."]})");
     const auto error = awaitError<APIError>(store.verifyOtp(u"e"_s, u"1"_s));
     EXPECT_EQ(error.message, u"Wrong., Old."_s);
     EXPECT_EQ(error.code, u"BAD_CODE"_s);

@@ -43,7 +43,10 @@ protected:
     /// The screen on top of the stack.
     QQuickItem *top() { return stage.root()->property("currentItem").value<QQuickItem *>(); }
 
-    bool waitForIdle() { return spinUntil([this] { return stage->isEnabled(u"Sign in"_s); }); }
+    bool waitForIdle()
+    {
+        return spinUntil([this] { return stage->isEnabled(u"Sign in"_s); });
+    }
 
     QJsonObject lastBody() const
     {
@@ -63,9 +66,9 @@ TEST_F(LoginViewTest, ShowsItsTextsInOrder)
 {
     const auto texts = stage->texts();
     qsizetype last = -1;
-    for (const auto &text : {u"Qorvane"_s, u"Sign in to mark attendance"_s, u"EMAIL"_s, u"Email"_s, u"PASSWORD"_s,
-                             u"Password"_s, u"Forgot password?"_s, u"Sign in"_s, u"New here?"_s,
-                             u"Create an account"_s}) {
+    for (const auto &text :
+         {u"Qorvane"_s, u"Sign in to mark attendance"_s, u"EMAIL"_s, u"Email"_s, u"PASSWORD"_s, u"Password"_s,
+          u"Forgot password?"_s, u"Sign in"_s, u"New here?"_s, u"Create an account"_s}) {
         const auto at = texts.indexOf(text);
         EXPECT_GT(at, last) << text.toStdString() << " in " << stage->dump().toStdString();
         last = at;
@@ -145,7 +148,8 @@ TEST_F(LoginViewTest, UnverifiedEmailShowsTheMessageAndTheLink)
 TEST_F(LoginViewTest, ACodeInOtherLetterCaseShowsNoLink)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
-    server.expect("POST", "/api/auth/login").reply(403, R"({"error":"email_not_verified","message":"Verify."})");
+    server.expect("POST", "/api/auth/login")
+        .reply(403, R"({"error":"email_not_verified","message":"Verify."})");
     stage->click(u"Sign in"_s);
     EXPECT_TRUE(stage->waitFor(u"Verify."_s));
     EXPECT_FALSE(stage->shows(u"Enter verification code"_s));

@@ -25,10 +25,8 @@ QString textOf(const QByteArray &bytes)
 } // namespace
 
 ServerProcess::ServerProcess(QString binary, QString directory)
-    : m_binary(std::move(binary)),
-      m_directory(std::move(directory))
-{
-}
+    : m_binary(std::move(binary)), m_directory(std::move(directory))
+{}
 
 ServerProcess::~ServerProcess()
 {
@@ -102,7 +100,8 @@ QList<QStringList> ServerProcess::rows(const QString &sql) const
 {
     sqlite3 *connection = nullptr;
     QList<QStringList> rows;
-    if (sqlite3_open_v2(database().toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+    if (sqlite3_open_v2(database().toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr) ==
+        SQLITE_OK) {
         const auto take = [](void *target, int count, char **values, char **) {
             QStringList row;
             for (int column = 0; column < count; ++column)

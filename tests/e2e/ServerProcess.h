@@ -8,8 +8,8 @@
 
 namespace clockwell::test {
 
-/// The real `clockwell-server` with the demo organisation in a fresh database, on a free loopback port, for as long
-/// as the object lives.
+/// The real `clockwell-server` with the demo organisation in a fresh database, on a free loopback port, for
+/// as long as the object lives.
 class ServerProcess
 {
 public:

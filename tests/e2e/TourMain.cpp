@@ -28,8 +28,8 @@ void walk(Tour &tour, const ServerProcess::Demo &demo)
     tour.step(
         u"A wrong password is refused"_s,
         [&](ScreenDriver &screen) {
-            return screen.type(u"Email"_s, demo.email) && screen.type(u"Password"_s, u"not the password"_s)
-                && screen.click(u"Sign in"_s);
+            return screen.type(u"Email"_s, demo.email) && screen.type(u"Password"_s, u"not the password"_s) &&
+                   screen.click(u"Sign in"_s);
         },
         u"The e-mail address or the password is wrong."_s);
     tour.step(
@@ -52,9 +52,11 @@ void walk(Tour &tour, const ServerProcess::Demo &demo)
 bool printRow(const ServerProcess &server, const QString &email)
 {
     const auto rows = server.rows(
-        u"SELECT e.email, a.work_date, p.type, datetime(p.at / 1000, 'unixepoch') || 'Z', p.latitude, p.longitude,"
+        u"SELECT e.email, a.work_date, p.type, datetime(p.at / 1000, 'unixepoch') || 'Z', p.latitude, "
+        u"p.longitude,"
         " p.accuracy, round(p.distance, 1) FROM punches p JOIN attendance a ON a.id = p.attendance_id"
-        " JOIN employees e ON e.id = a.employee_id WHERE e.email = '%1' ORDER BY p.at DESC LIMIT 1"_s.arg(email));
+        " JOIN employees e ON e.id = a.employee_id WHERE e.email = '%1' ORDER BY p.at DESC LIMIT 1"_s.arg(
+            email));
     QTextStream out(stdout);
     if (rows.size() != 1 || rows.first().value(2) != u"IN"_s) {
         out << "FAILED: the server recorded no check-in" << Qt::endl;

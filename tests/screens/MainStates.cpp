@@ -10,12 +10,13 @@ namespace clockwell::test {
 namespace {
 
 const QByteArray headOffice = "Head Office";
-const QByteArray longOffice = "Regional Administrative Centre for the Northern Districts and Islands, Annexe B";
+const QByteArray longOffice =
+    "Regional Administrative Centre for the Northern Districts and Islands, Annexe B";
 
 QByteArray today(const QByteArray &rest, const QByteArray &office = headOffice)
 {
-    return R"({"workDate":"2026-03-02","open":true,"office":{"name":")" + office
-        + R"(","checkInTime":"09:30","checkOutTime":"18:00","radiusMeters":150},)" + rest + "}";
+    return R"({"workDate":"2026-03-02","open":true,"office":{"name":")" + office +
+           R"(","checkInTime":"09:30","checkOutTime":"18:00","radiusMeters":150},)" + rest + "}";
 }
 
 QByteArray record(const QByteArray &rest)
@@ -25,18 +26,17 @@ QByteArray record(const QByteArray &rest)
 
 QByteArray distance(bool inside, const QByteArray &meters, const QByteArray &office = headOffice)
 {
-    return R"({"inside":)" + QByteArray(inside ? "true" : "false") + R"(,"distanceMeters":)" + meters
-        + R"(,"radiusMeters":150,"office":")" + office + R"("})";
+    return R"({"inside":)" + QByteArray(inside ? "true" : "false") + R"(,"distanceMeters":)" + meters +
+           R"(,"radiusMeters":150,"office":")" + office + R"("})";
 }
 
 const QByteArray mayCheckIn = today(R"("canCheckIn":true,"canCheckOut":false)");
 const QByteArray mayCheckOut =
-    today(record(R"("status":"LATE","checkInAt":"2026-03-02T09:42:10.000Z","lateMinutes":12)")
-          + R"("canCheckIn":false,"canCheckOut":true)");
-const QByteArray complete =
-    today(record(R"("status":"ON_TIME","checkInAt":"2026-03-02T09:04:00.000Z",)"
-                 R"("checkOutAt":"2026-03-02T18:09:00.000Z","workingMinutes":545)")
-          + R"("canCheckIn":false,"canCheckOut":false)");
+    today(record(R"("status":"LATE","checkInAt":"2026-03-02T09:42:10.000Z","lateMinutes":12)") +
+          R"("canCheckIn":false,"canCheckOut":true)");
+const QByteArray complete = today(record(R"("status":"ON_TIME","checkInAt":"2026-03-02T09:04:00.000Z",)"
+                                         R"("checkOutAt":"2026-03-02T18:09:00.000Z","workingMinutes":545)") +
+                                  R"("canCheckIn":false,"canCheckOut":false)");
 
 /// Signed in, the day and the distance answered.
 bool home(Stage &stage, const QByteArray &day, const QByteArray &place, const QString &expected,
@@ -59,38 +59,40 @@ bool outside(Stage &stage)
 
 bool checkedIn(Stage &stage)
 {
-    return home(stage, mayCheckOut, distance(true, "12.9"), u"Check Out"_s)
-        && stage.screen().waitFor(u"Inside geofence"_s);
+    return home(stage, mayCheckOut, distance(true, "12.9"), u"Check Out"_s) &&
+           stage.screen().waitFor(u"Inside geofence"_s);
 }
 
 bool dayComplete(Stage &stage)
 {
-    return home(stage, complete, distance(true, "12.9"), u"Attendance complete for today"_s)
-        && stage.screen().waitFor(u"Inside geofence"_s);
+    return home(stage, complete, distance(true, "12.9"), u"Attendance complete for today"_s) &&
+           stage.screen().waitFor(u"Inside geofence"_s);
 }
 
 bool longNames(Stage &stage)
 {
     return home(stage,
-                today(record(R"("status":"MISSING_CHECK_OUT","checkInAt":"2026-03-02T12:42:10.000Z")")
-                          + R"("canCheckIn":false,"canCheckOut":true)",
+                today(record(R"("status":"MISSING_CHECK_OUT","checkInAt":"2026-03-02T12:42:10.000Z")") +
+                          R"("canCheckIn":false,"canCheckOut":true)",
                       longOffice),
                 distance(false, "123456.9", longOffice), u"Check Out"_s,
-                "Wolfeschlegelsteinhausenbergerdorff the Third")
-        && QTest::qWaitFor([&] { return stage.server().count(u"/api/attendance/distance"_s) == 1; });
+                "Wolfeschlegelsteinhausenbergerdorff the Third") &&
+           QTest::qWaitFor([&] { return stage.server().count(u"/api/attendance/distance"_s) == 1; });
 }
 
 bool beforeTheFirstAnswer(Stage &stage)
 {
     stage.server().expect("GET", "/api/attendance/today").never();
-    return stage.startAs("Ada Byron") && stage.screen().waitFor(u"Check In"_s) && stage.server().waitForRequests(2);
+    return stage.startAs("Ada Byron") && stage.screen().waitFor(u"Check In"_s) &&
+           stage.server().waitForRequests(2);
 }
 
 bool locating(Stage &stage)
 {
     stage.server().expect("GET", "/api/attendance/today").reply(200, mayCheckIn);
     stage.server().expect("GET", "/api/attendance/distance").never();
-    return stage.startAs("Ada Byron") && stage.screen().waitFor(u"Locating"_s) && stage.server().waitForRequests(3);
+    return stage.startAs("Ada Byron") && stage.screen().waitFor(u"Locating"_s) &&
+           stage.server().waitForRequests(3);
 }
 
 bool failed(Stage &stage)
@@ -103,22 +105,23 @@ bool failed(Stage &stage)
 bool locationOff(Stage &stage)
 {
     stage.server().expect("GET", "/api/attendance/today").reply(200, mayCheckIn);
-    return stage.startAs("Ada Byron")
-        && stage.screen().waitFor(u"Location is off. Enable it in Settings \u203A Qor \u203A Location."_s)
-        && stage.screen().waitFor(u"Location permission is off. Enable it in Settings to mark attendance."_s);
+    return stage.startAs("Ada Byron") &&
+           stage.screen().waitFor(u"Location is off. Enable it in Settings \u203A Qor \u203A Location."_s) &&
+           stage.screen().waitFor(u"Location permission is off. Enable it in Settings to mark attendance."_s);
 }
 
 bool punching(Stage &stage)
 {
     stage.server().expect("POST", "/api/attendance/punch").never();
-    return inside(stage) && stage.screen().click(u"Check In"_s)
-        && QTest::qWaitFor([&] { return stage.server().count(u"/api/attendance/punch"_s) == 1; });
+    return inside(stage) && stage.screen().click(u"Check In"_s) &&
+           QTest::qWaitFor([&] { return stage.server().count(u"/api/attendance/punch"_s) == 1; });
 }
 
 bool punch(Stage &stage, int status, const QByteArray &reply, const QString &prefix)
 {
     stage.server().expect("POST", "/api/attendance/punch").reply(status, reply);
-    return inside(stage) && stage.screen().click(u"Check In"_s) && !stage.screen().waitForPrefix(prefix).isEmpty();
+    return inside(stage) && stage.screen().click(u"Check In"_s) &&
+           !stage.screen().waitForPrefix(prefix).isEmpty();
 }
 
 bool successBanner(Stage &stage)
@@ -130,16 +133,17 @@ bool successBanner(Stage &stage)
 
 bool errorBanner(Stage &stage)
 {
-    return punch(stage, 422,
-                 R"({"error":"OUTSIDE_GEOFENCE","message":"You are 1,284 m from Head Office, which is more than its )"
-                 R"(radius of 150 m. Your position was accurate to 8 m."})",
-                 u"You are 1,284"_s);
+    return punch(
+        stage, 422,
+        R"({"error":"OUTSIDE_GEOFENCE","message":"You are 1,284 m from Head Office, which is more than its )"
+        R"(radius of 150 m. Your position was accurate to 8 m."})",
+        u"You are 1,284"_s);
 }
 
 bool tab(Stage &stage, const QString &name)
 {
-    return inside(stage) && stage.screen().click(name, QAccessible::PageTab)
-        && QTest::qWaitFor([&] { return stage.screen().find(name, QAccessible::StaticText).has_value(); });
+    return inside(stage) && stage.screen().click(name, QAccessible::PageTab) &&
+           QTest::qWaitFor([&] { return stage.screen().find(name, QAccessible::StaticText).has_value(); });
 }
 
 } // namespace

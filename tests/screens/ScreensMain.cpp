@@ -24,7 +24,8 @@ bool take(const State &state, const Format &format, const QString &directory)
     Stage stage(format, state.device);
     const QString name = u"%1-%2"_s.arg(QString::fromLatin1(state.name), QString::fromLatin1(format.name));
     if (!state.reach(stage)) {
-        QTextStream(stderr) << name << " was not reached; the screen has\n" << stage.screen().dump() << Qt::endl;
+        QTextStream(stderr) << name << " was not reached; the screen has\n"
+                            << stage.screen().dump() << Qt::endl;
         return false;
     }
     return stage.screen().savePng(u"%1/%2.png"_s.arg(directory, name));

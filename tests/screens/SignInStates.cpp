@@ -10,10 +10,10 @@ namespace {
 bool signInWith(Stage &stage, int status, const QByteArray &reply, const QString &expected)
 {
     stage.server().expect("POST", "/api/auth/login").reply(status, reply);
-    return stage.start() && stage.screen().waitFor(u"Sign in"_s)
-        && stage.screen().type(u"Email"_s, u"ada.byron@example.org"_s)
-        && stage.screen().type(u"Password"_s, u"correct horse"_s) && stage.screen().click(u"Sign in"_s)
-        && stage.screen().waitFor(expected);
+    return stage.start() && stage.screen().waitFor(u"Sign in"_s) &&
+           stage.screen().type(u"Email"_s, u"ada.byron@example.org"_s) &&
+           stage.screen().type(u"Password"_s, u"correct horse"_s) && stage.screen().click(u"Sign in"_s) &&
+           stage.screen().waitFor(expected);
 }
 
 bool idle(Stage &stage)
@@ -23,9 +23,10 @@ bool idle(Stage &stage)
 
 bool filled(Stage &stage)
 {
-    return idle(stage)
-        && stage.screen().type(u"Email"_s, u"a.very.long.address.that.does.not.fit@subdomain.example.org"_s)
-        && stage.screen().type(u"Password"_s, u"correct horse"_s);
+    return idle(stage) &&
+           stage.screen().type(u"Email"_s,
+                               u"a.very.long.address.that.does.not.fit@subdomain.example.org"_s) &&
+           stage.screen().type(u"Password"_s, u"correct horse"_s);
 }
 
 bool revealed(Stage &stage)
@@ -41,23 +42,25 @@ bool busy(Stage &stage)
 
 bool refused(Stage &stage)
 {
-    return signInWith(stage, 401, R"({"error":"INVALID_CREDENTIALS","message":"The e-mail or the password is wrong."})",
+    return signInWith(stage, 401,
+                      R"({"error":"INVALID_CREDENTIALS","message":"The e-mail or the password is wrong."})",
                       u"The e-mail or the password is wrong."_s);
 }
 
 bool unverified(Stage &stage)
 {
-    return signInWith(stage, 403,
-                      R"({"error":"EMAIL_NOT_VERIFIED","message":"Your e-mail address is not verified yet. Enter the )"
-                      R"(six-digit code that we sent to it."})",
-                      u"Enter verification code"_s);
+    return signInWith(
+        stage, 403,
+        R"({"error":"EMAIL_NOT_VERIFIED","message":"Your e-mail address is not verified yet. Enter the )"
+        R"(six-digit code that we sent to it."})",
+        u"Enter verification code"_s);
 }
 
 bool longError(Stage &stage)
 {
-    const QString text =
-        u"Your account has been suspended by an administrator of your organisation on 3 March 2026. Please contact "
-        "the personnel office, which can tell you why, and lift the suspension."_s;
+    const QString text = u"Your account has been suspended by an administrator of your organisation on 3 "
+                         u"March 2026. Please contact "
+                         "the personnel office, which can tell you why, and lift the suspension."_s;
     return signInWith(stage, 403, R"({"message":")" + text.toUtf8() + R"("})", text);
 }
 
@@ -72,17 +75,22 @@ bool focused(Stage &stage)
 
 bool pushed(Stage &stage)
 {
-    return idle(stage) && stage.screen().click(u"Create an account"_s) && stage.screen().waitFor(u"Sign up"_s);
+    return idle(stage) && stage.screen().click(u"Create an account"_s) &&
+           stage.screen().waitFor(u"Sign up"_s);
 }
 
 } // namespace
 
 QList<State> signInStates()
 {
-    return {{"sign-in-idle", idle},         {"sign-in-filled", filled},
-            {"sign-in-revealed", revealed}, {"sign-in-busy", busy},
-            {"sign-in-refused", refused},   {"sign-in-unverified", unverified},
-            {"sign-in-long-error", longError}, {"sign-in-keyboard-focus", focused},
+    return {{"sign-in-idle", idle},
+            {"sign-in-filled", filled},
+            {"sign-in-revealed", revealed},
+            {"sign-in-busy", busy},
+            {"sign-in-refused", refused},
+            {"sign-in-unverified", unverified},
+            {"sign-in-long-error", longError},
+            {"sign-in-keyboard-focus", focused},
             {"sign-up-pushed", pushed}};
 }
 

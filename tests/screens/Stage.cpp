@@ -45,8 +45,8 @@ bool Stage::start()
 bool Stage::startAs(const QByteArray &fullName)
 {
     m_server.expect("GET", "/api/auth/me")
-        .reply(200, R"({"id":"1","fullName":")" + fullName
-                        + R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})");
+        .reply(200, R"({"id":"1","fullName":")" + fullName +
+                        R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})");
     if (!show(true) || !m_screen->waitFor(u"Attendance"_s))
         return false;
     // Until the change of content has come to its end, taps are not taken.

@@ -8,8 +8,8 @@
 
 namespace clockwell::test {
 
-/// One picture: its name, the device it is taken on and how the app gets there. `reach` returns false when it did
-/// not.
+/// One picture: its name, the device it is taken on and how the app gets there. `reach` returns false when it
+/// did not.
 struct State
 {
     const char *name;

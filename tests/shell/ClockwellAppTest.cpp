@@ -54,9 +54,9 @@ QByteArray user(const QByteArray &name)
 
 QByteArray today(const QByteArray &office)
 {
-    return R"({"workDate":"2026-03-02","open":true,"office":{"name":")" + office
-        + R"(","checkInTime":"09:30","checkOutTime":"18:00","radiusMeters":150},"canCheckIn":true,)"
-          R"("canCheckOut":false})";
+    return R"({"workDate":"2026-03-02","open":true,"office":{"name":")" + office +
+           R"(","checkInTime":"09:30","checkOutTime":"18:00","radiusMeters":150},"canCheckIn":true,)"
+           R"("canCheckOut":false})";
 }
 
 class ClockwellAppTest : public ::testing::Test
@@ -202,7 +202,9 @@ TEST_F(ClockwellAppTest, ARefusedRefreshLeadsBackToTheSignIn)
 TEST_F(ClockwellAppTest, ANewSessionShowsNothingOfTheOneBefore)
 {
     server.expect("GET", "/api/auth/me").reply(200, user("Ada Byron"));
-    server.expect("GET", "/api/attendance/today").withHeader("Authorization", "Bearer a1").reply(200, today("First Office"));
+    server.expect("GET", "/api/attendance/today")
+        .withHeader("Authorization", "Bearer a1")
+        .reply(200, today("First Office"));
     start(u"a1"_s, u"r1"_s);
     ASSERT_TRUE(screen->waitFor(u"First Office"_s));
     app->auth()->logout();

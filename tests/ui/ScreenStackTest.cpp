@@ -13,8 +13,9 @@ namespace clockwell::test {
 
 namespace {
 
-const QByteArray stackQml = "ScreenStack { width: 350; height: 300; duration: 150; "
-                            "initialItem: PrimaryButton { property int taps: 0; title: \"First\"; onTriggered: ++taps } }";
+const QByteArray stackQml =
+    "ScreenStack { width: 350; height: 300; duration: 150; "
+    "initialItem: PrimaryButton { property int taps: 0; title: \"First\"; onTriggered: ++taps } }";
 
 } // namespace
 
@@ -28,7 +29,10 @@ protected:
         file.write("import QtQuick\nimport Clockwell.Ui\n" + qml);
         return QUrl::fromLocalFile(file.fileName());
     }
-    QUrl page() { return file("Page.qml", "NavigationPage { required property int number; title: \"Page \" + number }"); }
+    QUrl page()
+    {
+        return file("Page.qml", "NavigationPage { required property int number; title: \"Page \" + number }");
+    }
 
     void push(int number) { stack->push(page(), {{QStringLiteral("number"), number}}); }
     bool settled() const

@@ -14,9 +14,8 @@ bool save(const QImage &image, const QString &name)
     if (name.endsWith(QStringLiteral(".png")))
         return image.save(name, "PNG");
     QFile file(name);
-    return file.open(QIODevice::WriteOnly)
-        && file.write(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes())
-        == image.sizeInBytes();
+    return file.open(QIODevice::WriteOnly) && file.write(reinterpret_cast<const char *>(image.constBits()),
+                                                         image.sizeInBytes()) == image.sizeInBytes();
 }
 
 } // namespace

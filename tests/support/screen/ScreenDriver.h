@@ -13,9 +13,9 @@ class QQuickWindow;
 
 namespace clockwell::test {
 
-/// Drives a window the way a person with or without a screen reader does: it finds controls in the accessibility
-/// tree by their visible name and acts on them with input events that enter through the window system, so that
-/// hit testing, focus and disabled states are the real ones.
+/// Drives a window the way a person with or without a screen reader does: it finds controls in the
+/// accessibility tree by their visible name and acts on them with input events that enter through the window
+/// system, so that hit testing, focus and disabled states are the real ones.
 ///
 ///     ScreenDriver screen(window);
 ///     screen.type(u"Email"_s, u"ada@example.org"_s);
@@ -36,7 +36,7 @@ public:
         QString name;
         QAccessible::Role role = QAccessible::NoRole;
         QAccessible::State state;
-        QRect rect; ///< in window coordinates, logical pixels
+        QRect rect;                ///< in window coordinates, logical pixels
         QObject *object = nullptr; ///< not owned
     };
 
