@@ -39,7 +39,7 @@ lint_qml() {
     qmllint_is_silent cmake --build build/dev --target all_qmllint
 }
 
-# All sources of a target are parsed together (unity), which makes this several times as fast.
+# The product's sources; those of a target are parsed together (unity), which makes this several times as fast.
 lint_tidy() {
     finds_canary "use nullptr" clang-tidy-16 --quiet support/canaries/Tidy.cpp -- -std=c++20 || return
     cmake --preset tidy >build/.tidy.configure.log 2>&1 || { cat build/.tidy.configure.log; return 1; }
@@ -51,7 +51,7 @@ lint_tidy() {
     # Clang has its coroutines on without this flag of g++ and does not know it.
     sed -i 's/ -fcoroutines//g' build/tidy/compile_commands.json
     run-clang-tidy-16 -quiet -p build/tidy -j "$(nproc)" -extra-arg=-Wno-everything \
-        "$root/(build/tidy/.*/unity_[0-9]+_cxx|(Clockwell|server|tests|bench)/.*)\.(cxx|cpp)$" \
+        "$root/(build/tidy/)?(Clockwell|server)/.*\.(cxx|cpp)$" \
         >build/tidy/tidy.log 2>build/tidy/tidy.err
     local status=$?
     if [ $status -ne 0 ] || grep -q 'error:' build/tidy/tidy.log; then

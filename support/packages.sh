@@ -11,7 +11,7 @@ build_packages=(
 run_packages=(
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
     qml6-module-qtquick-templates qml6-module-qtquick-window
-    libqt6positioning6-plugins fonts-inter fonts-noto-core dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
+    libqt6positioning6-plugins fonts-inter dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
 )
 test_packages=(
     libgtest-dev libgmock-dev zlib1g-dev openssl xvfb xauth at-spi2-core python3 python3-gi gir1.2-atspi-2.0

@@ -54,11 +54,22 @@ dev_run() {
     build dev clockwell clockwell-server
     start_server
     local platform=()
-    [ -n "$vnc" ] && platform=(QT_QPA_PLATFORM=vnc:addr=127.0.0.1:port=5900) &&
-        echo "The app's window is served to VNC viewers at 127.0.0.1:5900."
+    [ -n "$vnc" ] && platform=(QT_QPA_PLATFORM=vnc:port=5900) &&
+        echo "The app's window is served to VNC viewers at port 5900, without a password and to whoever can reach it."
     echo "Server log: $run_dir/server.log. Close the window to stop."
-    env "${platform[@]}" CLOCKWELL_SIMULATED_LOCATION="${CLOCKWELL_SIMULATED_LOCATION:-$(demo_fix)}" \
-        tests/support/with-secret-service --if-missing --home "$run_dir/keyring" build/dev/bin/clockwell
+    export CLOCKWELL_SIMULATED_LOCATION=${CLOCKWELL_SIMULATED_LOCATION:-$(demo_fix)}
+    with_any_secret_service env "${platform[@]}" build/dev/bin/clockwell
+}
+
+# The session's own Secret Service where it has one, else one that keeps its keyring beside the demo data.
+with_any_secret_service() {
+    if gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+        --method org.freedesktop.DBus.StartServiceByName org.freedesktop.secrets 0 >/dev/null 2>&1; then
+        "$@"
+    else
+        echo "This session has no Secret Service, so one is started; its keyring is in $run_dir/keyring."
+        tests/support/with-secret-service --keep "$run_dir/keyring" "$@"
+    fi
 }
 
 dev_tour() {

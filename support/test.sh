@@ -30,7 +30,7 @@ dev_bench() {
     local failed=0 bench
     for bench in build/bench/bin/bench/*; do
         [ -x "$bench" ] && [ -f "$bench" ] || continue
-        QT_QPA_PLATFORM=offscreen "$bench" || failed=1
+        QT_QPA_PLATFORM=offscreen tests/support/with-secret-service "$bench" || failed=1
     done
     return $failed
 }

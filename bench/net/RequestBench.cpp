@@ -1,4 +1,4 @@
-#include "net/Ratio.h"
+#include "Ratio.h"
 
 #include "net/APIClient.h"
 #include "net/SessionEvents.h"

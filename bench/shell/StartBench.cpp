@@ -1,3 +1,5 @@
+#include "Ratio.h"
+
 #include <QCoreApplication>
 #include <QProcess>
 
@@ -7,6 +9,8 @@
 #include <vector>
 
 namespace {
+
+using clockwell::bench::median;
 
 constexpr int rounds = 21;
 constexpr int startLimitMs = 20'000;
@@ -25,12 +29,6 @@ std::optional<Start> start(const char *program)
         return std::nullopt;
     const auto words = process.readAllStandardOutput().simplified().split(' ');
     return Start{words.value(0).toDouble(), words.value(1).toDouble()};
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 bool report(const char *name, double ratio, double limit)

@@ -1,0 +1,140 @@
+#include "BareCommits.h"
+#include "PunchClient.h"
+#include "Ratio.h"
+#include "server/Application.h"
+#include "server/DemoData.h"
+#include "server/http/HttpServer.h"
+
+#include <spdlog/sinks/null_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace clockwell::server;
+using namespace clockwell::server::bench;
+using clockwell::bench::median;
+
+constexpr int rounds = 7;
+constexpr int punchesARound = 240;
+constexpr int connections = 8;
+constexpr double leastRatio = 0.25;
+
+template <class Work>
+double perSecond(int count, Work work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return count / std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Signed-in employees of the demo's office, each for one check-in; their access tokens.
+std::vector<std::string> signIn(Database &database, int count)
+{
+    Passwords passwords;
+    fillWithDemoData(database, passwords, systemClock(), *TimeZone::named("Etc/UTC"), "Bench-2026");
+    database.write([&](Connection &connection) {
+        for (int index = 0; index < count; ++index) {
+            const std::string id = "bench-" + std::to_string(index);
+            connection.execute(
+                "INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key,"
+                " password_hash, role, status, email_verified, joined_on, created_at)"
+                " SELECT :id, institute_id, office_id, :name, :email, :key, password_hash, role, status,"
+                " 1, joined_on, created_at FROM employees WHERE email_key = :demo",
+                id, id, id, id, std::string{DemoEmail});
+        }
+    });
+    Sessions sessions(database, systemClock());
+    std::vector<std::string> tokens;
+    tokens.reserve(static_cast<std::size_t>(count));
+    for (int index = 0; index < count; ++index)
+        tokens.push_back(sessions.start("bench-" + std::to_string(index), "device").accessToken);
+    return tokens;
+}
+
+/// Lets this many connections at once send the punches from `first` on; how many were recorded.
+int punch(std::uint16_t port, const std::vector<std::string> &tokens, int first, int lanes)
+{
+    std::atomic<int> next = first;
+    std::atomic<int> recorded = 0;
+    std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(lanes));
+    for (int lane = 0; lane < lanes; ++lane) {
+        threads.emplace_back([&] {
+            PunchClient client(port);
+            for (int index = next++; index < first + punchesARound; index = next++)
+                recorded += client.checkIn(tokens[static_cast<std::size_t>(index)], "device") ? 1 : 0;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    return recorded;
+}
+
+int run(const std::filesystem::path &directory)
+{
+    Database database((directory / "server.db").string());
+    const auto tokens = signIn(database, (rounds + 1) * punchesARound);
+    Application application(database, systemClock());
+    HttpServer::Options options;
+    options.requestsPerMinute = 0; // one machine stands for many offices
+    options.logger =
+        std::make_shared<spdlog::logger>("none", std::make_shared<spdlog::sinks::null_sink_mt>());
+    HttpServer http(options, [&](const Request &request) { return application.handle(request); });
+    http.start();
+    BareCommits bare((directory / "bare.db").string());
+
+    std::vector<double> served;
+    std::vector<double> committed;
+    int recorded = 0;
+    for (int round = 0; round < rounds; ++round) { // in turns, so that a busy disk is busy for both
+        committed.push_back(perSecond(punchesARound, [&] { bare.commit(punchesARound); }));
+        served.push_back(perSecond(punchesARound, [&] {
+            recorded += punch(http.port(), tokens, round * punchesARound, connections);
+        }));
+    }
+    const double single =
+        perSecond(punchesARound, [&] { recorded += punch(http.port(), tokens, rounds * punchesARound, 1); });
+    http.stop();
+    const auto rows = database.read([](Connection &connection) {
+        return connection.value<long long>(
+            "SELECT COUNT(*) FROM punches WHERE attendance_id IN (SELECT id FROM"
+            " attendance WHERE employee_id LIKE 'bench-%')");
+    });
+    if (recorded != (rounds + 1) * punchesARound || rows != recorded) {
+        std::fprintf(stderr, "%d punches were acknowledged, %lld recorded\n", recorded, rows);
+        return 1;
+    }
+    const double ratio = median(served) / median(committed);
+    std::printf(
+        "punches %.0f a second over %d connections, %.0f over one; bare commits %.0f (medians of %d)\n",
+        median(served), connections, single, median(committed), rounds);
+    std::printf("ratio punches-a-second %.2f (limit >= %.2f)\n", ratio, leastRatio);
+    return ratio >= leastRatio ? 0 : 1;
+}
+
+} // namespace
+
+// Both databases are in a new folder of the current directory, on the same disk, and go with it.
+int main()
+{
+    spdlog::set_level(spdlog::level::off);
+    const auto directory = std::filesystem::current_path() / "clockwell-bench-punch";
+    std::filesystem::remove_all(directory);
+    std::filesystem::create_directory(directory);
+    int status = 1;
+    try {
+        status = run(directory);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    std::filesystem::remove_all(directory);
+    return status;
+}

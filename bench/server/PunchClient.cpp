@@ -1,0 +1,70 @@
+#include "PunchClient.h"
+
+#include <arpa/inet.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <stdexcept>
+
+namespace clockwell::server::bench {
+
+PunchClient::PunchClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STREAM, 0))
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const int on = 1;
+    const timeval limit{30, 0};
+    setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    if (connect(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+        throw std::runtime_error{"cannot connect to the server"};
+}
+
+PunchClient::~PunchClient()
+{
+    close(m_socket);
+}
+
+bool PunchClient::checkIn(const std::string &token, const std::string &device)
+{
+    const std::string body =
+        R"({"lat":54.1234,"lng":9.5678,"accuracy":8,"deviceId":")" + device + R"(","isMockLocation":false})";
+    const std::string request =
+        "POST /api/attendance/punch HTTP/1.1\r\nHost: localhost\r\nAuthorization: Bearer " + token +
+        "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+        body;
+    if (send(m_socket, request.data(), request.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(request.size()))
+        throw std::runtime_error{"the request was not taken whole"};
+    const std::string reply = readReply();
+    return reply.starts_with("HTTP/1.1 20") && reply.find(R"("type":"IN")") != std::string::npos;
+}
+
+std::string PunchClient::readReply()
+{
+    std::size_t whole = 0;
+    for (;;) {
+        const auto head = m_read.find("\r\n\r\n");
+        if (whole == 0 && head != std::string::npos) {
+            const auto length = m_read.find("Content-Length: ");
+            if (length == std::string::npos || length > head)
+                throw std::runtime_error{"a reply without a length"};
+            whole = head + 4 + std::stoul(m_read.substr(length + 16));
+        }
+        if (whole != 0 && m_read.size() >= whole) {
+            std::string reply = m_read.substr(0, whole);
+            m_read.erase(0, whole);
+            return reply;
+        }
+        std::array<char, 8192> piece{};
+        const auto count = recv(m_socket, piece.data(), piece.size(), 0);
+        if (count <= 0)
+            throw std::runtime_error{"the connection broke"};
+        m_read.append(piece.data(), static_cast<std::size_t>(count));
+    }
+}
+
+} // namespace clockwell::server::bench
