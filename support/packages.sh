@@ -17,6 +17,7 @@ test_packages=(
     libgtest-dev libgmock-dev zlib1g-dev openssl xvfb xauth at-spi2-core python3 python3-gi gir1.2-atspi-2.0
 )
 lint_packages=(clang-format clang-tidy-16 qt6-declarative-dev-tools)
+fuzz_packages=(clang-16 libclang-rt-16-dev)
 bench_packages=(libbenchmark-dev qml6-module-qtquick-controls)
 
 as_root() {

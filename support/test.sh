@@ -34,3 +34,12 @@ dev_bench() {
     done
     return $failed
 }
+
+dev_fuzz() {
+    ensure_packages "${build_packages[@]}" "${test_packages[@]}" "${fuzz_packages[@]}"
+    ensure_icons
+    cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++-16 -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
+        -DCLOCKWELL_FUZZ=ON -DCLOCKWELL_BUILD_SERVER=OFF -DCLOCKWELL_FUZZ_SECONDS="${1:-20}" >build/.fuzz.configure.log
+    cmake --build build/fuzz --target clockwell_fuzz_decode
+    ctest --test-dir build/fuzz --output-on-failure --no-tests=error -R FuzzDecode
+}

@@ -88,11 +88,18 @@ QQuickItem *ScreenStack::load(const QUrl &file, const QVariantMap &properties)
 {
     QQmlComponent component(qmlEngine(this), file);
     std::unique_ptr<QObject> object;
-    if (component.isReady()) // creating an unready one crashes in Qt 6.4
-        object.reset(component.createWithInitialProperties(properties, qmlContext(this)));
+    // Step by step: the call that does all of this loses an object whose required properties are missing.
+    if (component.isReady())
+        object.reset(component.beginCreate(qmlContext(this)));
+    if (object) {
+        component.setInitialProperties(object.get(), properties);
+        component.completeCreate();
+    }
     auto *screen = qobject_cast<QQuickItem *>(object.get());
-    if (screen)
-        return static_cast<QQuickItem *>(object.release());
+    if (screen && !component.isError()) {
+        object.release();
+        return screen;
+    }
     qmlWarning(this) << component.errorString();
     return nullptr;
 }

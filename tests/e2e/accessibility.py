@@ -15,7 +15,7 @@ import subprocess
 import sys
 import time
 
-LIMIT = 30.0  # seconds for anything to appear
+LIMIT = 60.0  # seconds for anything to appear
 
 
 def fail(message):
