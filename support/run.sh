@@ -63,7 +63,8 @@ dev_run() {
 
 # The session's own Secret Service where it has one, else one that keeps its keyring beside the demo data.
 with_any_secret_service() {
-    if gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+    if { [ -n "${DBUS_SESSION_BUS_ADDRESS:-}" ] || [ -S "${XDG_RUNTIME_DIR:-/nonexistent}/bus" ]; } &&
+        gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
         --method org.freedesktop.DBus.StartServiceByName org.freedesktop.secrets 0 >/dev/null 2>&1; then
         "$@"
     else

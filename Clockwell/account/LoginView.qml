@@ -13,8 +13,7 @@ FormPage {
     signal enterCode(email: string)
     signal createAccount()
 
-    // Above the middle, where the eye looks first, on screens with room to spare.
-    sparePortion: 0.3
+    topPortion: 0.14
 
     LoginViewModel {
         id: model

@@ -69,7 +69,7 @@ ContinuousRectangle {
         x: 16
         anchors.verticalCenter: parent.verticalCenter
         name: model.symbol
-        size: 22
+        size: Math.round(22 * Theme.textScale)
         color: model.color
     }
     TextLabel {

@@ -29,7 +29,7 @@ Pressable {
             Symbol {
                 anchors.centerIn: parent
                 name: "location.circle"
-                size: 20
+                size: Math.round(20 * Theme.textScale)
                 color: Theme.brand
                 visible: !root.busy
             }

@@ -6,8 +6,9 @@ FocusScope {
     id: page
 
     default property alias content: column.data
-    // How much of the height that the fields leave free stands above them.
-    property real sparePortion: 0
+    // How far down the fields begin, as a portion of the height; their own height has no part in it, so that a message
+    // that appears among them moves nothing above it.
+    property real topPortion: 0
     readonly property real leastInset: 32
 
     ScreenBackground {
@@ -30,7 +31,7 @@ FocusScope {
             id: column
 
             x: (flickable.width - width) / 2
-            y: page.leastInset + Math.max(0, flickable.height - height - 2 * page.leastInset) * page.sparePortion
+            y: Math.max(page.leastInset, flickable.height * page.topPortion)
             width: Math.min(flickable.width - 2 * Theme.margin, 440)
             spacing: 24
         }

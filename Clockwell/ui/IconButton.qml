@@ -7,7 +7,7 @@ Pressable {
 
     required property string symbol
     required property string label
-    property real size: 22
+    property real size: Math.round(22 * Theme.textScale)
     property color color: Theme.textSecondary
 
     implicitWidth: Theme.touchTarget
