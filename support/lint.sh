@@ -51,7 +51,7 @@ lint_tidy() {
     # Clang has its coroutines on without this flag of g++ and does not know it.
     sed -i 's/ -fcoroutines//g' build/tidy/compile_commands.json
     run-clang-tidy-16 -quiet -p build/tidy -j "$(nproc)" -extra-arg=-Wno-everything \
-        "$root/(build/tidy/)?(Clockwell|server)/.*\.(cxx|cpp)$" \
+        "$root/((Clockwell|server)/.*\.cpp|build/tidy/(Clockwell|server)/.*/unity_[0-9]+_cxx\.cxx)$" \
         >build/tidy/tidy.log 2>build/tidy/tidy.err
     local status=$?
     if [ $status -ne 0 ] || grep -q 'error:' build/tidy/tidy.log; then

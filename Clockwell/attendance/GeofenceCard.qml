@@ -30,7 +30,7 @@ Card {
 
             Symbol {
                 id: icon
-                y: (row.line - height) / 2
+                y: Math.round((row.line - height) / 2)
                 name: card.home.geofenceSymbol
                 size: 30
                 color: card.home.geofenceColor
@@ -38,7 +38,7 @@ Card {
             TabularLabel {
                 id: distance
                 x: 42
-                y: (row.line - height) / 2
+                y: Math.round((row.line - height) / 2)
                 text: card.home.distanceText
                 size: 22
                 weight: Font.Bold
@@ -57,7 +57,7 @@ Card {
             ContinuousRectangle {
                 id: pill
                 x: row.stacked ? distance.x : row.width - width
-                y: row.stacked ? row.line + 8 : (row.line - height) / 2
+                y: row.stacked ? row.line + 8 : Math.round((row.line - height) / 2)
                 width: pillText.implicitWidth + 24
                 height: pillText.height + 8
                 radius: height / 2

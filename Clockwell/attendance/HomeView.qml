@@ -40,11 +40,12 @@ FocusScope {
         }
         clip: true
         contentHeight: column.height + column.y + 24
+        pixelAligned: true
         flickableDirection: Flickable.VerticalFlick
 
         Column {
             id: column
-            x: (page.width - width) / 2
+            x: Math.round((page.width - width) / 2)
             y: 24
             width: view.contentWidth
             spacing: 16

@@ -20,7 +20,7 @@ Rectangle {
 
     PrimaryButton {
         id: button
-        x: (bar.width - width) / 2
+        x: Math.round((bar.width - width) / 2)
         y: 12
         width: bar.contentWidth
         title: bar.home.punchTitle
@@ -33,7 +33,7 @@ Rectangle {
     Row {
         id: complete
         anchors.horizontalCenter: parent.horizontalCenter
-        y: 12 + Math.max(0, (button.implicitHeight - height) / 2)
+        y: 12 + Math.max(0, Math.round((button.implicitHeight - height) / 2))
         spacing: 8
         visible: bar.home.dayComplete
 

@@ -22,7 +22,7 @@ Card {
 
             TextLabel {
                 id: caption
-                y: header.stacked ? 0 : (badge.height - height) / 2
+                y: header.stacked ? 0 : Math.round((badge.height - height) / 2)
                 text: "TODAY"
                 size: 10
                 weight: Font.Medium

@@ -25,13 +25,14 @@ FocusScope {
         contentWidth: width
         contentHeight: column.y + column.height + page.leastInset
         boundsBehavior: Flickable.StopAtBounds
+        pixelAligned: true
         clip: anchors.bottomMargin > 0
 
         Column {
             id: column
 
-            x: (flickable.width - width) / 2
-            y: Math.max(page.leastInset, flickable.height * page.topPortion)
+            x: Math.round((flickable.width - width) / 2)
+            y: Math.max(page.leastInset, Math.round(flickable.height * page.topPortion))
             width: Math.min(flickable.width - 2 * Theme.margin, 440)
             spacing: 24
         }

@@ -4,6 +4,7 @@
 #include <QQmlEngine>
 #include <QQmlInfo>
 
+#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -43,8 +44,8 @@ void ScreenStack::push(const QUrl &file, const QVariantMap &properties)
     if (!below)
         return;
     const auto step = [this, screen, below](qreal part) {
-        screen->setX((1 - part) * width());
-        below->setX(-part * parallax * width());
+        screen->setX(std::round((1 - part) * width()));
+        below->setX(std::round(-part * parallax * width()));
     };
     change(m_duration, step, [below] { below->setVisible(false); });
 }
@@ -59,8 +60,8 @@ void ScreenStack::pop()
     below->setVisible(true);
     focusTop();
     const auto step = [this, leaving, below](qreal part) {
-        leaving->setX(part * width());
-        below->setX((part - 1) * parallax * width());
+        leaving->setX(std::round(part * width()));
+        below->setX(std::round((part - 1) * parallax * width()));
     };
     change(m_duration, step, [leaving] { discard(leaving); });
 }
@@ -95,11 +96,8 @@ QQuickItem *ScreenStack::load(const QUrl &file, const QVariantMap &properties)
         component.setInitialProperties(object.get(), properties);
         component.completeCreate();
     }
-    auto *screen = qobject_cast<QQuickItem *>(object.get());
-    if (screen && !component.isError()) {
-        object.release();
-        return screen;
-    }
+    if (qobject_cast<QQuickItem *>(object.get()) && !component.isError())
+        return static_cast<QQuickItem *>(object.release());
     qmlWarning(this) << component.errorString();
     return nullptr;
 }
