@@ -11,7 +11,7 @@ dev_test() {
     local filter=()
     [ $# -gt 0 ] && filter=(-R "$1")
     # A leak is a failure too; the toolkit's and the font library's one-time caches are listed as known.
-    export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+    export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
     export LSAN_OPTIONS=suppressions=$root/support/leaks.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1
     ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error "${filter[@]}"
