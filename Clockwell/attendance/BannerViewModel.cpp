@@ -2,6 +2,8 @@
 
 #include "ui/Palette.h"
 
+#include <utility>
+
 namespace clockwell {
 
 BannerViewModel::BannerViewModel(QObject *parent) : QObject(parent)
@@ -41,6 +43,9 @@ void BannerViewModel::follow()
         m_timer.start();
     }
     Q_EMIT bannerChanged();
+    // Only a banner that was there can leave: at the start there is nothing to slide away.
+    if (std::exchange(m_present, present) != present)
+        Q_EMIT presentChanged();
     if (present)
         Q_EMIT appeared();
 }

@@ -21,7 +21,7 @@ class BannerViewModel : public QObject
     /// In milliseconds.
     Q_PROPERTY(int interval READ interval WRITE setInterval NOTIFY intervalChanged)
     /// Whether there is a banner.
-    Q_PROPERTY(bool present READ isPresent NOTIFY bannerChanged)
+    Q_PROPERTY(bool present READ isPresent NOTIFY presentChanged)
     Q_PROPERTY(QString text READ text NOTIFY bannerChanged)
     Q_PROPERTY(QString symbol READ symbol NOTIFY bannerChanged)
     Q_PROPERTY(QColor color READ color NOTIFY bannerChanged)
@@ -49,6 +49,7 @@ Q_SIGNALS:
     void attendanceChanged();
     void intervalChanged();
     void bannerChanged();
+    void presentChanged();
     /// A banner came, be it in the place of another with the same text.
     void appeared();
 
@@ -57,6 +58,7 @@ private:
 
     QPointer<AttendanceStore> m_attendance;
     Banner m_last;
+    bool m_present = false;
     QTimer m_timer;
 };
 

@@ -32,6 +32,11 @@ protected:
     std::unique_ptr<test::QmlStage> stage;
 };
 
+TEST_F(BannerViewTest, WithoutABannerNothingSlidesAwayAtTheStart)
+{
+    EXPECT_FALSE(stage->screen().shows(u"Close"_s)) << stage->screen().dump().toStdString();
+}
+
 TEST_F(BannerViewTest, IsAnAlertOverTheTopOfTheScreen)
 {
     show(u"You are outside"_s);
