@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
+#include <set>
 
 namespace clockwell::server::test {
 
@@ -175,57 +175,6 @@ TEST_F(HistoryTest, OnesOwnRecordsOnly)
     work("2026-06-01", "09:30:00", "18:00:00");
     const auto other = world.get("/api/attendance/me", world.token("two@example.org")).json();
     EXPECT_EQ(other, nlohmann::json::array());
-}
-
-TEST_F(HistoryTest, SummaryOfAnyMonthIsWhatItsRecordsAddUpTo)
-{
-    std::mt19937 random{20260610}; // the same days on every run
-    const auto chance = [&random](int percent) {
-        return std::uniform_int_distribution{1, 100}(random) <= percent;
-    };
-    const auto minutes = [&random](int most) {
-        return std::chrono::minutes{std::uniform_int_distribution{0, most}(random)};
-    };
-    Punches punches{world.database(), world.clock(), std::chrono::seconds{0}};
-    const Day first = parseDay("2026-08-01").value();
-    const Day last = parseDay("2027-02-14").value();
-    world.database().write([&](Connection &connection) {
-        const Employee employee = findEmployeeById(connection, "employee-1").value();
-        for (Day day = first; day <= last; day += std::chrono::days{1}) {
-            const Instant morning{day.time_since_epoch() + std::chrono::hours{9}};
-            if (weekdayIndex(day) > 4 || chance(15))
-                continue;
-            const PunchClaim claim{48.0, 11.0, 5, "dev-1", false};
-            punches.punchAt(connection, employee, claim, morning + minutes(90));
-            if (chance(90))
-                punches.punchAt(connection, employee, claim, morning + std::chrono::hours{3} + minutes(600));
-        }
-    });
-    addLeave(world.database(), "employee-1", "2026-09-25", "2026-10-06");
-    addHoliday(world.database(), "office-1", "2026-12-25", "Winter Day");
-    world.setNow("2027-02-14T21:00:00Z");
-    const auto records = history();
-    std::map<std::string, nlohmann::json> expected;
-    for (const auto &record : records) {
-        const std::string monthText = record.at("workDate").get<std::string>().substr(0, 7);
-        auto &month = expected.try_emplace(monthText, nlohmann::json::object()).first->second;
-        const auto add = [&month](const char *key, long long amount) {
-            month[key] = month.value(key, 0LL) + amount;
-        };
-        const std::string status = record.at("status");
-        add("presentDays", record.contains("checkInAt") ? 1 : 0);
-        add("absentDays", status == "ABSENT" ? 1 : 0);
-        add("leaveDays", status == "ON_LEAVE" ? 1 : 0);
-        add("halfDays", status == "HALF_DAY" ? 1 : 0);
-        add("lateDays", record.value("lateMinutes", 0) > 0 ? 1 : 0);
-        add("totalLateMinutes", record.value("lateMinutes", 0));
-        add("totalWorkingMinutes", record.value("workingMinutes", 0));
-    }
-    ASSERT_GE(expected.size(), 9U);
-    for (auto &[month, totals] : expected) {
-        totals["month"] = month;
-        EXPECT_EQ(summary(month), totals);
-    }
 }
 
 } // namespace clockwell::server::test
