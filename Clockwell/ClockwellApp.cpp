@@ -26,6 +26,7 @@ ClockwellApp::Parts ClockwellApp::platformParts()
 ClockwellApp::ClockwellApp(Parts parts)
     : m_tokens(std::move(parts.tokens)),
       m_makeLocationSource(std::move(parts.makeLocationSource)),
+      m_timing(parts.timing ? std::move(parts.timing) : std::make_unique<Timing>()),
       m_api(std::move(parts.client), *m_tokens, m_sessionEvents),
       m_auth(m_api, *m_tokens)
 {

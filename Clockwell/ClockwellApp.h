@@ -1,6 +1,7 @@
 #pragma once
 
 #include "account/AuthStore.h"
+#include "account/Timing.h"
 #include "attendance/AttendanceStore.h"
 #include "attendance/LocationManager.h"
 #include "net/APIClient.h"
@@ -29,6 +30,7 @@ class ClockwellApp : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("Built by main()")
     Q_PROPERTY(clockwell::AuthStore *auth READ auth CONSTANT)
+    Q_PROPERTY(clockwell::Timing *timing READ timing CONSTANT)
 
 public:
     /// What differs between a phone, a desktop and a test.
@@ -38,6 +40,8 @@ public:
         std::unique_ptr<TokenStore> tokens;
         /// Called for each signed-in stretch, on first need.
         std::function<std::unique_ptr<LocationSource>()> makeLocationSource;
+        /// Null: the real time.
+        std::unique_ptr<Timing> timing;
     };
     /// The parts of this platform, with the base URL that was configured.
     static Parts platformParts();
@@ -52,6 +56,7 @@ public:
     QQuickWindow *window() const;
 
     AuthStore *auth() { return &m_auth; }
+    Timing *timing() { return m_timing.get(); }
     SessionEvents &sessionEvents() { return m_sessionEvents; }
 
     /// New services for one signed-in stretch; they live as long as `owner`.
@@ -64,6 +69,7 @@ private:
     // In the order of dependence: what is declared later goes first.
     std::unique_ptr<TokenStore> m_tokens;
     std::function<std::unique_ptr<LocationSource>()> m_makeLocationSource;
+    std::unique_ptr<Timing> m_timing;
     SessionEvents m_sessionEvents;
     APIClient m_api;
     AuthStore m_auth;

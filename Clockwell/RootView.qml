@@ -21,7 +21,7 @@ Window {
     // Contents are named by file: the signed-in ones cost nothing until somebody signs in.
     RootViewModel {
         auth: root.app.auth
-        onSignedOut: animated => contents.replace(Qt.resolvedUrl("Account/AccountStack.qml"), {auth: root.app.auth}, animated)
+        onSignedOut: animated => contents.replace(Qt.resolvedUrl("Account/AccountStack.qml"), {auth: root.app.auth, timing: root.app.timing}, animated)
         onSignedIn: animated => contents.replace(Qt.resolvedUrl("MainTabView.qml"), {app: root.app}, animated)
     }
 

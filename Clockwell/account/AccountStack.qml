@@ -9,12 +9,13 @@ ScreenStack {
     id: stack
 
     required property AuthStore auth
+    required property Timing timing
 
     duration: Theme.duration
     initialItem: LoginView {
         auth: stack.auth
-        onForgotPassword: email => stack.push(Qt.resolvedUrl("ForgotPasswordView.qml"), {prefillEmail: email})
-        onEnterCode: email => stack.push(Qt.resolvedUrl("OtpView.qml"), {email: email, purpose: OtpPurpose.VerifyEmail})
-        onCreateAccount: stack.push(Qt.resolvedUrl("SignupView.qml"))
+        onForgotPassword: email => stack.push(Qt.resolvedUrl("ForgotPasswordView.qml"), {stack: stack, auth: stack.auth, timing: stack.timing, prefillEmail: email})
+        onEnterCode: email => stack.push(Qt.resolvedUrl("OtpView.qml"), {auth: stack.auth, timing: stack.timing, email: email, purpose: OtpPurpose.VerifyEmail})
+        onCreateAccount: stack.push(Qt.resolvedUrl("SignupView.qml"), {stack: stack, auth: stack.auth, timing: stack.timing})
     }
 }

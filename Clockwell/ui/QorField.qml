@@ -15,6 +15,7 @@ FocusScope {
     property int autocap: FieldTraits.NoAutocap
     property bool reveal: false
     property alias maximumLength: input.maximumLength
+    property alias cursorPosition: input.cursorPosition
 
     signal textEdited
     signal accepted

@@ -1,4 +1,5 @@
 #include "account/AuthStore.h"
+#include "account/Timing.h"
 #include "net/APIClient.h"
 #include "net/SessionEvents.h"
 #include "support/Await.h"
@@ -59,7 +60,9 @@ protected:
     SessionEvents events;
     APIClient api{options(), tokens, events};
     AuthStore auth{api, tokens};
-    QmlStage stage{u"Clockwell/Account/AccountStack.qml"_s, {{u"auth"_s, QVariant::fromValue(&auth)}}};
+    Timing timing;
+    QmlStage stage{u"Clockwell/Account/AccountStack.qml"_s,
+                   {{u"auth"_s, QVariant::fromValue(&auth)}, {u"timing"_s, QVariant::fromValue(&timing)}}};
 };
 
 TEST_F(LoginViewTest, ShowsItsTextsInOrder)
@@ -271,8 +274,9 @@ TEST_F(LoginViewTest, TheFocusedFieldStaysVisibleWhenAKeyboardTakesTheRoom)
 TEST_F(LoginViewTest, AScreenDestroyedWithItsRequestInFlightIsHarmless)
 {
     server.expect("POST", "/api/auth/login").after(200ms).reply(401, R"({"message":"No."})");
-    auto second = std::make_unique<QmlStage>(u"Clockwell/Account/AccountStack.qml"_s,
-                                             QVariantMap{{u"auth"_s, QVariant::fromValue(&auth)}});
+    auto second = std::make_unique<QmlStage>(
+        u"Clockwell/Account/AccountStack.qml"_s,
+        QVariantMap{{u"auth"_s, QVariant::fromValue(&auth)}, {u"timing"_s, QVariant::fromValue(&timing)}});
     (*second)->type(u"Email"_s, u"a"_s);
     (*second)->type(u"Password"_s, u"b"_s);
     (*second)->click(u"Sign in"_s);

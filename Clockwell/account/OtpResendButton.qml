@@ -1,0 +1,36 @@
+import QtQuick
+import Clockwell.Ui
+import Clockwell.Account
+
+// Asks for another code. While it is locked its text says for how long, so it is muted but stays readable.
+Pressable {
+    id: root
+
+    required property string text
+    required property bool locked
+
+    enabled: !locked
+    implicitWidth: label.implicitWidth
+    implicitHeight: label.height
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+
+    TextLabel {
+        id: label
+        objectName: "label"
+        width: root.width
+        text: root.text
+        size: 13
+        color: root.locked ? Theme.textMuted : Theme.brand
+        opacity: root.pressed ? 0.5 : 1
+        horizontalAlignment: Text.AlignHCenter
+        Accessible.ignored: true
+    }
+
+    FocusRing {
+        objectName: "ring"
+        shown: root.focusVisible
+        cornerRadius: 4
+    }
+}

@@ -1,0 +1,96 @@
+#include "SignupViewModel.h"
+
+#include "TrimBlanks.h"
+#include "net/Errors.h"
+#include "net/Liveness.h"
+
+#include <utility>
+
+namespace clockwell {
+
+SignupViewModel::SignupViewModel(QObject *parent) : QObject(parent) {}
+
+void SignupViewModel::setFullName(const QString &fullName)
+{
+    edit(m_fullName, fullName, &SignupViewModel::fullNameChanged);
+}
+
+void SignupViewModel::setEmail(const QString &email)
+{
+    edit(m_email, email, &SignupViewModel::emailChanged);
+}
+
+QString SignupViewModel::trimmedEmail() const
+{
+    return trimBlanks(m_email);
+}
+
+void SignupViewModel::setPhone(const QString &phone)
+{
+    edit(m_phone, phone, &SignupViewModel::phoneChanged);
+}
+
+void SignupViewModel::setCompanyCode(const QString &companyCode)
+{
+    edit(m_companyCode, companyCode, &SignupViewModel::companyCodeChanged);
+}
+
+void SignupViewModel::setPassword(const QString &password)
+{
+    edit(m_password, password, &SignupViewModel::passwordChanged);
+}
+
+void SignupViewModel::edit(QString &field, const QString &text, Signal changed)
+{
+    if (text == field)
+        return;
+    const bool wasIncomplete = incomplete();
+    field = text;
+    Q_EMIT(this->*changed)();
+    if (incomplete() != wasIncomplete)
+        Q_EMIT incompleteChanged();
+}
+
+void SignupViewModel::submit()
+{
+    if (m_loading || incomplete())
+        return; // Enter in the password field reaches this without passing the button
+    runSubmit();
+}
+
+QCoro::Task<> SignupViewModel::runSubmit()
+{
+    setError(std::nullopt);
+    const BusyFlag loading(this, &SignupViewModel::setLoading);
+    try {
+        co_await whileAlive(this,
+                            m_auth->signup(m_fullName, trimmedEmail(), m_phone, m_companyCode, m_password));
+        setGoToOtp(true);
+    } catch (const std::exception &error) {
+        setError(errorText(error));
+    }
+}
+
+void SignupViewModel::setError(std::optional<QString> error)
+{
+    if (error == m_error)
+        return;
+    m_error = std::move(error);
+    Q_EMIT errorChanged();
+}
+
+void SignupViewModel::setLoading(bool loading)
+{
+    if (loading == std::exchange(m_loading, loading))
+        return;
+    Q_EMIT loadingChanged();
+}
+
+void SignupViewModel::setGoToOtp(bool go)
+{
+    if (go == std::exchange(m_goToOtp, go))
+        return;
+    Q_EMIT goToOtpChanged();
+}
+
+} // namespace clockwell

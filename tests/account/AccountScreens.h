@@ -1,0 +1,113 @@
+#pragma once
+
+#include "ManualTiming.h"
+#include "account/AuthStore.h"
+#include "net/APIClient.h"
+#include "net/SessionEvents.h"
+#include "support/Await.h"
+#include "support/FakeServer.h"
+#include "support/MemoryTokenStore.h"
+#include "support/screen/QmlStage.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+
+#include <gtest/gtest.h>
+
+namespace clockwell::test {
+
+/// The whole signed-out interface against a scripted server, at the sign-in screen.
+class AccountScreens : public ::testing::Test
+{
+protected:
+    /// The screen on top of the stack.
+    QQuickItem *top() { return stage.root()->property("currentItem").value<QQuickItem *>(); }
+    int depth() { return stage.root()->property("depth").toInt(); }
+
+    /// Waits until the screen with this title is on top and all of the way there.
+    bool arrivesAt(const QString &title)
+    {
+        return spinUntil([&] {
+            return top()->property("title").toString() == title && !stage.root()->property("busy").toBool();
+        });
+    }
+    bool arrivesAtSignIn()
+    {
+        return spinUntil([this] { return depth() == 1 && !stage.root()->property("busy").toBool(); });
+    }
+
+    bool becomesEnabled(const QString &control)
+    {
+        return spinUntil([&] { return stage->isEnabled(control); });
+    }
+
+    QByteArray lastBody() const
+    {
+        const auto requests = server.requests();
+        return requests.isEmpty() ? QByteArray() : requests.last().body;
+    }
+
+    /// What stands in a field.
+    QString valueOf(const QString &field)
+    {
+        const auto element = stage->find(field, QAccessible::EditableText);
+        return element ? element->object->property("text").toString() : QStringLiteral("(no such field)");
+    }
+
+    bool paste(const QString &field, const QString &text)
+    {
+        QGuiApplication::clipboard()->setText(text);
+        if (!stage->click(field, QAccessible::EditableText))
+            return false;
+        stage->key(Qt::Key_V, Qt::ControlModifier);
+        return true;
+    }
+
+    /// A name as assistive technology gets it, with the role of something to be announced.
+    bool announces(const QString &text) { return stage->find(text, QAccessible::AlertMessage).has_value(); }
+
+    /// Time for what must not happen.
+    static void settle(std::chrono::milliseconds time = std::chrono::milliseconds(200))
+    {
+        spinUntil([] { return false; }, time);
+    }
+
+    static APIClient::Options optionsFor(const FakeServer &server)
+    {
+        APIClient::Options result;
+        result.baseURL = server.url(QStringLiteral("/api"));
+        return result;
+    }
+
+    FakeServer server;
+    MemoryTokenStore tokens;
+    SessionEvents events;
+    APIClient api{optionsFor(server), tokens, events};
+    AuthStore auth{api, tokens};
+    ManualTiming timing;
+    QmlStage stage{QStringLiteral("Clockwell/Account/AccountStack.qml"),
+                   {{QStringLiteral("auth"), QVariant::fromValue(&auth)},
+                    {QStringLiteral("timing"), QVariant::fromValue(static_cast<Timing *>(&timing))}}};
+};
+
+/// Writes down the changes of some fields of a view model, in the order of their signals.
+class ChangeLog
+{
+public:
+    template <class Model>
+    void follow(Model &model, void (Model::*changed)(), const char *property)
+    {
+        QObject::connect(&model, changed, &m_context, [this, &model, property] {
+            m_entries.append(QString::fromLatin1(property) + QLatin1Char(' ') +
+                             model.property(property).toString());
+        });
+    }
+    QStringList entries() const { return m_entries; }
+
+private:
+    QObject m_context;
+    QStringList m_entries;
+};
+
+} // namespace clockwell::test

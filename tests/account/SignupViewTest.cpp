@@ -1,0 +1,324 @@
+#include "AccountScreens.h"
+
+#include "account/SignupViewModel.h"
+#include "net/DeviceFacts.h"
+#include "ui/FieldTraits.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace clockwell {
+namespace {
+
+using test::AccountScreens;
+using test::ChangeLog;
+using test::spinUntil;
+
+class SignupViewTest : public AccountScreens
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(stage->click(u"Create an account"_s));
+        ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    }
+
+    void fill(const QString &email = u"ada@example.org"_s, const QString &password = u"Secret123"_s)
+    {
+        EXPECT_TRUE(stage->type(u"Full name"_s, u"Ada Byron"_s)) << stage->dump().toStdString();
+        EXPECT_TRUE(stage->type(u"Email"_s, email));
+        EXPECT_TRUE(stage->type(u"Password"_s, password));
+    }
+
+    QJsonObject sent() const { return QJsonDocument::fromJson(lastBody()).object(); }
+
+    Qt::InputMethodHints hintsOf(const QString &field)
+    {
+        const auto element = stage->find(field, QAccessible::EditableText);
+        return element ? element->object->property("inputMethodHints").value<Qt::InputMethodHints>()
+                       : Qt::ImhNone;
+    }
+};
+
+TEST_F(SignupViewTest, ShowsItsTextsInOrder)
+{
+    const auto texts = stage->texts();
+    qsizetype last = -1;
+    for (const auto &text :
+         {u"Sign up"_s, u"Qorvane"_s, u"Create your employee account"_s, u"FULL NAME"_s, u"Full name"_s,
+          u"EMAIL"_s, u"Email"_s, u"PHONE (OPTIONAL)"_s, u"Phone (optional)"_s, u"COMPANY CODE (OPTIONAL)"_s,
+          u"Company code (optional)"_s, u"PASSWORD"_s, u"Password"_s,
+          u"Min 8 chars with upper, lower & a number."_s, u"Create account"_s}) {
+        const auto at = texts.indexOf(text);
+        EXPECT_GT(at, last) << text.toStdString() << " in " << stage->dump().toStdString();
+        last = at;
+    }
+    for (const auto &field :
+         {u"Full name"_s, u"Email"_s, u"Phone (optional)"_s, u"Company code (optional)"_s, u"Password"_s})
+        EXPECT_EQ(valueOf(field), QString()) << field.toStdString();
+}
+
+TEST_F(SignupViewTest, EachFieldAsksForItsKeyboard)
+{
+    EXPECT_FALSE(hintsOf(u"Full name"_s) & Qt::ImhNoAutoUppercase);
+    EXPECT_TRUE(hintsOf(u"Email"_s) & Qt::ImhEmailCharactersOnly);
+    EXPECT_TRUE(hintsOf(u"Phone (optional)"_s) & Qt::ImhDialableCharactersOnly);
+    EXPECT_TRUE(hintsOf(u"Company code (optional)"_s) & Qt::ImhPreferUppercase);
+    EXPECT_TRUE(hintsOf(u"Password"_s) & Qt::ImhHiddenText);
+    EXPECT_EQ(stage->find(u"Phone (optional)"_s, QAccessible::EditableText)
+                  ->object->parent()
+                  ->property("placeholder")
+                  .toString(),
+              u"+92 300 0000000"_s);
+}
+
+TEST_F(SignupViewTest, TheButtonNeedsNameEmailAndPasswordAndNothingElse)
+{
+    EXPECT_FALSE(stage->isEnabled(u"Create account"_s));
+    fill();
+    EXPECT_TRUE(stage->isEnabled(u"Create account"_s));
+    for (const auto &field : {u"Full name"_s, u"Email"_s, u"Password"_s}) {
+        const QString before = valueOf(field);
+        stage->retype(field, QString());
+        EXPECT_FALSE(stage->isEnabled(u"Create account"_s)) << field.toStdString();
+        stage->retype(field, before);
+        EXPECT_TRUE(stage->isEnabled(u"Create account"_s)) << field.toStdString();
+    }
+}
+
+TEST_F(SignupViewTest, BlanksCountAsText)
+{
+    server.expect("POST", "/api/auth/signup").reply(400, R"({"message":"Really?"})");
+    stage->type(u"Full name"_s, u" "_s);
+    stage->type(u"Email"_s, u" "_s);
+    stage->type(u"Password"_s, u" "_s);
+    EXPECT_TRUE(stage->click(u"Create account"_s));
+    EXPECT_TRUE(stage->waitFor(u"Really?"_s));
+    EXPECT_EQ(sent()["fullName"_L1].toString(), u" "_s);
+    EXPECT_EQ(sent()["email"_L1].toString(), QString());
+    EXPECT_EQ(sent()["password"_L1].toString(), u" "_s);
+}
+
+TEST_F(SignupViewTest, EmptyPhoneAndCompanyCodeAreAbsent)
+{
+    server.expect("POST", "/api/auth/signup").reply(201, R"({"message":"ok"})");
+    fill();
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(arrivesAt(u"Verify email"_s));
+    const QByteArray expected =
+        R"({"fullName":"Ada Byron","email":"ada@example.org","password":"Secret123","deviceId":")" +
+        currentDeviceId().toUtf8() + R"(","deviceModel":")" + deviceModel().toUtf8() +
+        R"(","osVersion":"iOS )" + systemVersion().toUtf8() + R"("})";
+    EXPECT_EQ(server.requests().constFirst().body, expected);
+    EXPECT_FALSE(server.requests().constFirst().has("Authorization"));
+}
+
+TEST_F(SignupViewTest, PhoneAndCompanyCodeGoAsTyped)
+{
+    server.expect("POST", "/api/auth/signup").reply(400, R"({"message":"No."})");
+    fill();
+    stage->type(u"Phone (optional)"_s, u"  "_s);
+    stage->type(u"Company code (optional)"_s, u" dEmo"_s);
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(stage->waitFor(u"No."_s));
+    EXPECT_TRUE(lastBody().contains(R"("phone":"  ","password":"Secret123",)"));
+    EXPECT_TRUE(lastBody().endsWith(R"("instituteCode":" dEmo"})"));
+}
+
+TEST_F(SignupViewTest, AWeakPasswordIsSentAndTheServerSaysWhatItThinks)
+{
+    server.expect("POST", "/api/auth/signup")
+        .reply(400, R"({"message":["Password too short","Password needs a number"]})");
+    fill(u"ada@example.org"_s, u"x"_s);
+    stage->click(u"Create account"_s);
+    EXPECT_TRUE(stage->waitFor(u"Password too short, Password needs a number"_s));
+    EXPECT_TRUE(announces(u"Password too short, Password needs a number"_s));
+    EXPECT_EQ(sent()["password"_L1].toString(), u"x"_s);
+}
+
+TEST_F(SignupViewTest, RequestAndCodeScreenBothGetTheTrimmedEmail)
+{
+    server.expect("POST", "/api/auth/signup").reply(201, R"({"message":"ok","demoCode":"123456"})");
+    fill(u"  ada@example.org "_s);
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(arrivesAt(u"Verify email"_s));
+    EXPECT_EQ(sent()["email"_L1].toString(), u"ada@example.org"_s);
+    EXPECT_EQ(top()->property("email").toString(), u"ada@example.org"_s);
+    EXPECT_EQ(top()->property("purpose").toInt(), 0);
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
+    EXPECT_FALSE(stage->shows(u"ok"_s));
+    EXPECT_EQ(valueOf(u"Verification code"_s), QString()); // no code of the server's is filled in
+}
+
+TEST_F(SignupViewTest, BackFromTheCodeScreenEveryFieldIsStillFilled)
+{
+    server.expect("POST", "/api/auth/signup").times(2).reply(201, R"({"message":"ok"})");
+    fill(u" ada@example.org"_s);
+    stage->type(u"Phone (optional)"_s, u"+49 1"_s);
+    stage->type(u"Company code (optional)"_s, u"DEMO"_s);
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(arrivesAt(u"Verify email"_s));
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    EXPECT_EQ(valueOf(u"Full name"_s), u"Ada Byron"_s);
+    EXPECT_EQ(valueOf(u"Email"_s), u" ada@example.org"_s);
+    EXPECT_EQ(valueOf(u"Phone (optional)"_s), u"+49 1"_s);
+    EXPECT_EQ(valueOf(u"Company code (optional)"_s), u"DEMO"_s);
+    EXPECT_EQ(valueOf(u"Password"_s), u"Secret123"_s);
+    const auto *model = top()->findChild<SignupViewModel *>();
+    ASSERT_TRUE(model);
+    EXPECT_FALSE(model->goToOtp());
+    ASSERT_TRUE(becomesEnabled(u"Create account"_s));
+    stage->click(u"Create account"_s); // and it leads there again
+    EXPECT_TRUE(arrivesAt(u"Verify email"_s));
+}
+
+TEST_F(SignupViewTest, AFailureKeepsTheFieldsAndTheScreen)
+{
+    fill();
+    server.goDown();
+    stage->click(u"Create account"_s);
+    EXPECT_TRUE(stage->waitFor(u"Could not connect to the server."_s));
+    EXPECT_TRUE(becomesEnabled(u"Create account"_s));
+    EXPECT_EQ(valueOf(u"Full name"_s), u"Ada Byron"_s);
+    EXPECT_EQ(valueOf(u"Password"_s), u"Secret123"_s);
+    EXPECT_EQ(top()->property("title").toString(), u"Sign up"_s);
+}
+
+TEST_F(SignupViewTest, TheErrorGoesBeforeTheNextAnswerComes)
+{
+    server.expect("POST", "/api/auth/signup").reply(409, R"({"message":"Taken."})");
+    server.expect("POST", "/api/auth/signup").never();
+    fill();
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(stage->waitFor(u"Taken."_s));
+    ASSERT_TRUE(becomesEnabled(u"Create account"_s));
+    stage->click(u"Create account"_s);
+    EXPECT_FALSE(stage->shows(u"Taken."_s));
+    EXPECT_TRUE(server.waitForRequests(2));
+}
+
+TEST_F(SignupViewTest, IsBusyWhileTheRequestRunsAndIgnoresTapsAndEnter)
+{
+    server.expect("POST", "/api/auth/signup").after(300ms).reply(409, R"({"message":"Taken."})");
+    fill();
+    stage->click(u"Create account"_s);
+    EXPECT_FALSE(stage->isEnabled(u"Create account"_s));
+    stage->click(u"Create account"_s);
+    stage->click(u"Password"_s, QAccessible::EditableText);
+    stage->key(Qt::Key_Return);
+    EXPECT_TRUE(stage->waitFor(u"Taken."_s));
+    EXPECT_EQ(server.requests().size(), 1);
+}
+
+TEST_F(SignupViewTest, EnterMovesThroughTheFieldsAndSubmitsAtTheLast)
+{
+    server.expect("POST", "/api/auth/signup").reply(409, R"({"message":"Taken."})");
+    stage->click(u"Full name"_s, QAccessible::EditableText);
+    for (const auto &text : {u"Ada"_s, u"a@b"_s, u"1"_s, u"D"_s}) {
+        stage->typeText(text);
+        stage->key(Qt::Key_Return);
+    }
+    stage->key(Qt::Key_Return); // no password yet
+    settle(100ms);
+    EXPECT_TRUE(server.requests().isEmpty());
+    stage->typeText(u"pw"_s);
+    stage->key(Qt::Key_Return);
+    ASSERT_TRUE(stage->waitFor(u"Taken."_s));
+    EXPECT_TRUE(lastBody().startsWith(R"({"fullName":"Ada","email":"a@b","phone":"1","password":"pw",)"));
+    EXPECT_TRUE(lastBody().endsWith(R"("instituteCode":"D"})"));
+}
+
+TEST_F(SignupViewTest, EscapeInAFieldGoesBack)
+{
+    stage->click(u"Email"_s, QAccessible::EditableText);
+    stage->key(Qt::Key_Escape);
+    EXPECT_TRUE(arrivesAtSignIn());
+}
+
+TEST_F(SignupViewTest, LeftDuringTheRequestItPushesNothingLater)
+{
+    server.expect("POST", "/api/auth/signup").after(300ms).reply(201, R"({"message":"ok"})");
+    fill();
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(server.waitForRequests(1));
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    settle(600ms);
+    EXPECT_EQ(depth(), 1);
+}
+
+TEST_F(SignupViewTest, AnsweredWhileItSlidesAwayItPushesNothing)
+{
+    fill();
+    QPointer<SignupViewModel> model = top()->findChild<SignupViewModel *>();
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(stage.root()->property("busy").toBool());
+    ASSERT_TRUE(model);
+    model->setGoToOtp(true);
+    ASSERT_TRUE(arrivesAtSignIn());
+    settle(100ms);
+    EXPECT_EQ(depth(), 1);
+    EXPECT_FALSE(model); // nothing of the screen stays behind
+}
+
+TEST_F(SignupViewTest, ASecondVisitBeginsEmpty)
+{
+    fill();
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    stage->click(u"Create an account"_s);
+    ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    EXPECT_EQ(valueOf(u"Full name"_s), QString());
+    EXPECT_EQ(valueOf(u"Password"_s), QString());
+}
+
+class SignupViewModelTest : public SignupViewTest
+{
+protected:
+    void SetUp() override
+    {
+        model.setProperty("auth", QVariant::fromValue(&auth));
+        model.setFullName(u"Ada"_s);
+        model.setEmail(u"a@b"_s);
+        model.setPassword(u"pw"_s);
+        log.follow(model, &SignupViewModel::errorChanged, "error");
+        log.follow(model, &SignupViewModel::loadingChanged, "loading");
+        log.follow(model, &SignupViewModel::goToOtpChanged, "goToOtp");
+    }
+
+    void submit()
+    {
+        model.submit();
+        ASSERT_TRUE(model.loading());
+        ASSERT_TRUE(spinUntil([this] { return !model.loading(); }));
+    }
+
+    SignupViewModel model;
+    ChangeLog log;
+};
+
+TEST_F(SignupViewModelTest, SetsItsFieldsInOrder)
+{
+    server.expect("POST", "/api/auth/signup").reply(409, R"({"message":"Taken."})");
+    server.expect("POST", "/api/auth/signup").reply(201, R"({"message":"ok"})");
+    submit();
+    submit();
+    EXPECT_EQ(log.entries(),
+              (QStringList{u"loading true"_s, u"error Taken."_s, u"loading false"_s, u"error "_s,
+                           u"loading true"_s, u"goToOtp true"_s, u"loading false"_s}));
+}
+
+TEST_F(SignupViewModelTest, AnEmptyMessageOfTheServersIsAnErrorStill)
+{
+    server.expect("POST", "/api/auth/signup").reply(400, R"({"message":""})");
+    submit();
+    EXPECT_TRUE(model.failed());
+    EXPECT_FALSE(model.goToOtp());
+}
+
+} // namespace
+} // namespace clockwell
