@@ -1,21 +1,23 @@
 #include "server/Accounts.h"
 
 #include "server/ApiError.h"
+#include "server/EmailAddress.h"
 
 #include <array>
 
 namespace clockwell::server {
 
+std::string lowerAscii(std::string_view text)
+{
+    std::string lower{text};
+    for (char &c : lower)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return lower;
+}
+
 std::string emailKey(std::string_view email)
 {
-    constexpr std::string_view Blanks = " \t";
-    const auto first = email.find_first_not_of(Blanks);
-    if (first == std::string_view::npos)
-        return {};
-    std::string key{email.substr(first, email.find_last_not_of(Blanks) - first + 1)};
-    for (char &c : key)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return key;
+    return lowerAscii(trimmed(email));
 }
 
 const std::string &employeeColumns()

@@ -31,6 +31,9 @@ struct Employee
     }
 };
 
+/// With the letters A to Z in lower case; everything else stays.
+std::string lowerAscii(std::string_view text);
+
 /// The form of an e-mail address under which an account is found: ASCII letters in lower case, no blanks
 /// around it.
 std::string emailKey(std::string_view email);

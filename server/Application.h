@@ -2,13 +2,17 @@
 
 #include "server/AttendanceEndpoints.h"
 #include "server/AuthEndpoints.h"
+#include "server/Codes.h"
 #include "server/Database.h"
 #include "server/Instant.h"
 #include "server/LoginThrottle.h"
+#include "server/PasswordEndpoints.h"
 #include "server/Passwords.h"
 #include "server/Punches.h"
 #include "server/Router.h"
 #include "server/Sessions.h"
+#include "server/SignupEndpoints.h"
+#include "server/mail/Mail.h"
 
 #include <chrono>
 
@@ -18,6 +22,7 @@ struct Settings
 {
     PasswordCost passwordCost;
     ThrottleLimits loginLimits;
+    CodeLimits codes;
     SessionLifetimes sessions;
     std::chrono::seconds repeatWindow{5}; ///< a punch of the same device this soon is the last one again
 };
@@ -26,8 +31,8 @@ struct Settings
 class Application
 {
 public:
-    /// The database outlives this.
-    Application(Database &database, Clock clock, const Settings &settings = {});
+    /// The database outlives this. `sendMail` nothing: e-mails go nowhere.
+    Application(Database &database, Clock clock, const Settings &settings = {}, SendMail sendMail = {});
     Application(const Application &) = delete;
     Application &operator=(const Application &) = delete;
 
@@ -37,9 +42,12 @@ public:
 private:
     Passwords m_passwords;
     LoginThrottle m_loginThrottle;
+    Codes m_codes;
     Sessions m_sessions;
     Punches m_punches;
     AuthEndpoints m_auth;
+    SignupEndpoints m_signup;
+    PasswordEndpoints m_password;
     AttendanceEndpoints m_attendance;
     Router m_router;
 };

@@ -3,6 +3,7 @@
 #include "server/ApiError.h"
 #include "server/BearerGuard.h"
 #include "server/BodyReader.h"
+#include "server/EmailAddress.h"
 
 #include <nlohmann/json.hpp>
 #include <spdlog/spdlog.h>
@@ -11,7 +12,6 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestEmail = 254; // RFC 5321 as read by erratum 1690 of RFC 3696
 constexpr std::size_t LongestDeviceId = 128;
 constexpr std::size_t LongestToken = 256;
 

@@ -28,10 +28,15 @@ std::string_view bearerToken(std::string_view authorization)
 
 Employee requireEmployee(Sessions &sessions, const Request &request)
 {
+    return requireSignedIn(sessions, request).employee;
+}
+
+SignedIn requireSignedIn(Sessions &sessions, const Request &request)
+{
     const auto token = bearerToken(request.authorization);
     if (token.empty())
         throw ApiError{401, "UNAUTHORIZED", "Please sign in."};
-    return sessions.authenticate(std::string{token});
+    return sessions.signedIn(std::string{token});
 }
 
 } // namespace clockwell::server

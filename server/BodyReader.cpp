@@ -1,9 +1,12 @@
 #include "server/BodyReader.h"
 
 #include "server/ApiError.h"
+#include "server/EmailAddress.h"
 #include "server/NumberText.h"
+#include "server/PasswordText.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace clockwell::server {
@@ -67,6 +70,46 @@ std::string BodyReader::text(const char *key, std::size_t longest)
     else
         return *value;
     return {};
+}
+
+std::optional<std::string> BodyReader::optionalText(const char *key, std::size_t longest)
+{
+    const auto field = m_body.find(key);
+    if (field == m_body.end() || field->is_null() ||
+        (field->is_string() && field->get<std::string>().empty()))
+        return {};
+    std::string value = trimmed(text(key, longest));
+    return value.empty() ? std::nullopt : std::optional{std::move(value)};
+}
+
+std::string BodyReader::name(const char *key, std::size_t longest)
+{
+    const auto before = m_problems.size();
+    std::string value = trimmed(text(key, longest));
+    if (m_problems.size() == before && value.empty())
+        m_problems.push_back(std::string{key} + " must not be empty.");
+    return value;
+}
+
+std::string BodyReader::emailAddress(const char *key)
+{
+    const auto before = m_problems.size();
+    std::string address = trimmed(text(key, LongestEmail));
+    if (m_problems.size() == before && !isEmailAddress(address))
+        m_problems.emplace_back("Please enter an e-mail address like name@example.org.");
+    return address;
+}
+
+std::string BodyReader::newPassword(const char *key)
+{
+    const auto before = m_problems.size();
+    std::string password = text(key, std::numeric_limits<std::size_t>::max());
+    if (m_problems.size() != before)
+        return {};
+    auto problems = passwordProblems(password);
+    m_problems.insert(m_problems.end(), std::make_move_iterator(problems.begin()),
+                      std::make_move_iterator(problems.end()));
+    return password;
 }
 
 double BodyReader::number(const char *key, double smallest, double largest)

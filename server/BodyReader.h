@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,19 @@ public:
 
     /// A text of 1 to `longest` bytes without control characters.
     std::string text(const char *key, std::size_t longest);
+    /// Nothing when the field is absent, null or blank; without the blanks around it otherwise.
+    std::optional<std::string> optionalText(const char *key, std::size_t longest);
+    /// A text like that which is not blank, without the blanks around it.
+    std::string name(const char *key, std::size_t longest);
+    /// A text of at most 254 bytes in the form of an e-mail address, without the blanks around it.
+    std::string emailAddress(const char *key);
+    /// A text that may become an account's password.
+    std::string newPassword(const char *key);
     double number(const char *key, double smallest, double largest = std::numeric_limits<double>::max());
     bool boolean(const char *key);
+
+    /// Notes what a getter cannot know.
+    void addProblem(std::string problem) { m_problems.push_back(std::move(problem)); }
 
     /// Throws ApiError 400 with one message for each broken rule.
     void finish() const;

@@ -91,7 +91,7 @@ bool fillWithDemoData(Database &database, Passwords &passwords, const Clock &clo
 void deleteAllData(Database &database)
 {
     database.write([](Connection &connection) {
-        for (const char *table : {"access_tokens", "refresh_tokens", "token_families", "punches",
+        for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families", "punches",
                                   "attendance", "leaves", "employees", "holidays", "offices", "institutes"})
             connection.execute(std::string{"DELETE FROM "} + table);
     });

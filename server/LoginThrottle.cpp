@@ -1,24 +1,14 @@
 #include "server/LoginThrottle.h"
 
 #include "server/ApiError.h"
+#include "server/RateLimit.h"
 
 #include <algorithm>
 #include <iterator>
 
 namespace clockwell::server {
 
-namespace {
-
-std::string waitText(std::chrono::seconds wait)
-{
-    if (wait <= std::chrono::seconds{90})
-        return std::to_string(wait.count()) + (wait.count() == 1 ? " second" : " seconds");
-    return std::to_string(std::chrono::ceil<std::chrono::minutes>(wait).count()) + " minutes";
-}
-
-} // namespace
-
-void LoginThrottle::begin(const std::string &account, const std::string &address)
+void LoginThrottle::begin(const std::string &account, const std::string &address, const char *complaint)
 {
     const Instant now = m_clock();
     const std::lock_guard lock{m_lock};
@@ -32,7 +22,7 @@ void LoginThrottle::begin(const std::string &account, const std::string &address
     }
     const auto wait = std::chrono::ceil<std::chrono::seconds>(attempts.front() + m_limits.window - now);
     throw ApiError{429, "TOO_MANY_ATTEMPTS",
-                   "Too many attempts to sign in. Please try again in " + waitText(wait) + "."}
+                   std::string{complaint} + " Please try again in " + waitText(wait) + "."}
         .retryAfter(wait);
 }
 
@@ -40,6 +30,14 @@ void LoginThrottle::succeed(const std::string &account, const std::string &addre
 {
     const std::lock_guard lock{m_lock};
     m_attempts.erase({account, address});
+}
+
+void LoginThrottle::forgetAccount(const std::string &account)
+{
+    const std::lock_guard lock{m_lock};
+    auto entry = m_attempts.lower_bound({account, ""});
+    while (entry != m_attempts.end() && entry->first.first == account)
+        entry = m_attempts.erase(entry);
 }
 
 void LoginThrottle::dropOld(std::vector<Instant> &attempts, Instant now) const

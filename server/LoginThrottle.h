@@ -26,11 +26,15 @@ public:
     LoginThrottle(ThrottleLimits limits, Clock clock) : m_limits(limits), m_clock(std::move(clock)) {}
 
     /// Counts an attempt as failed before it is judged, so that many at once cannot slip through.
-    /// Throws ApiError 429 with Retry-After when there were too many.
-    void begin(const std::string &account, const std::string &address);
+    /// Throws ApiError 429 with Retry-After when there were too many; `complaint` begins its text.
+    void begin(const std::string &account, const std::string &address,
+               const char *complaint = "Too many attempts to sign in.");
 
     /// The attempt had the right password: forgets the pair's failures.
     void succeed(const std::string &account, const std::string &address);
+
+    /// The owner of the account has shown who they are: forgets its failures from everywhere.
+    void forgetAccount(const std::string &account);
 
 private:
     using Key = std::pair<std::string, std::string>;

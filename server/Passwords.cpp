@@ -1,6 +1,7 @@
 #include "server/Passwords.h"
 
 #include "server/ApiError.h"
+#include "server/PasswordText.h"
 #include "server/Sodium.h"
 #include "server/Tokens.h"
 
@@ -41,9 +42,10 @@ Passwords::Passwords(PasswordCost cost, std::ptrdiff_t atOnce)
 std::string Passwords::hash(const std::string &password)
 {
     requireSodium();
+    const std::string prepared = preparedPassword(password);
     const Turn turn{m_turns};
     std::array<char, crypto_pwhash_STRBYTES> text{};
-    if (crypto_pwhash_str_alg(text.data(), password.data(), password.size(), m_cost.passes, m_cost.bytes,
+    if (crypto_pwhash_str_alg(text.data(), prepared.data(), prepared.size(), m_cost.passes, m_cost.bytes,
                               crypto_pwhash_ALG_ARGON2ID13) != 0)
         throw std::bad_alloc{}; // the one way in which it fails
     return text.data();
@@ -52,8 +54,9 @@ std::string Passwords::hash(const std::string &password)
 bool Passwords::matches(const std::string &storedHash, const std::string &password)
 {
     requireSodium();
+    const std::string prepared = preparedPassword(password);
     const Turn turn{m_turns};
-    return crypto_pwhash_str_verify(storedHash.c_str(), password.data(), password.size()) == 0;
+    return crypto_pwhash_str_verify(storedHash.c_str(), prepared.data(), prepared.size()) == 0;
 }
 
 } // namespace clockwell::server

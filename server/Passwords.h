@@ -15,7 +15,8 @@ struct PasswordCost
 };
 
 /// Hashes and checks passwords with argon2id. Safe on several threads; only a few computations run at once,
-/// so that a burst of sign-ins cannot exhaust the machine's memory.
+/// so that a burst of sign-ins cannot exhaust the machine's memory. Passwords are valid UTF-8; ways to write
+/// the same characters are the same password.
 class Passwords
 {
 public:

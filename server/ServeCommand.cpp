@@ -2,8 +2,11 @@
 
 #include "server/Application.h"
 #include "server/ListenAddress.h"
+#include "server/http/AccessLog.h"
 #include "server/http/HttpServer.h"
 #include "server/http/StopSignal.h"
+#include "server/mail/MailQueue.h"
+#include "server/mail/OutboxDelivery.h"
 
 #include <spdlog/spdlog.h>
 
@@ -31,6 +34,8 @@ Settings settingsOf(const ServeCommandOptions &options)
     Settings settings;
     settings.loginLimits.attempts = options.loginAttempts;
     settings.loginLimits.window = std::chrono::seconds{options.loginWindowSeconds};
+    settings.codes.perNetwork.attempts = options.codeRequests;
+    settings.codes.perAddress.attempts = options.codesPerAddress;
     settings.repeatWindow = std::chrono::seconds{options.repeatWindowSeconds};
     return settings;
 }
@@ -41,6 +46,14 @@ DatabaseOptions databaseOptions(const ServeCommandOptions &options)
     DatabaseOptions database;
     database.maximumBytes = options.databaseLimitMegabytes * Megabyte;
     return database;
+}
+
+std::unique_ptr<MailDelivery> openMail(const ServeCommandOptions &options)
+{
+    const std::string folder = options.outbox.empty() ? options.database + ".outbox" : options.outbox;
+    auto outbox = std::make_unique<OutboxDelivery>(folder, options.mailFrom, systemClock());
+    spdlog::info("event=mail outbox={}", logValue(folder, folder.size()));
+    return outbox;
 }
 
 /// Whoever waits for the file finds it complete or not at all.
@@ -63,7 +76,9 @@ int runServe(const ServeCommandOptions &options)
     const HttpServer::Options http = httpOptions(options);
     StopSignal stopSignal; // before any thread is started
     Database database{options.database, databaseOptions(options)};
-    Application application{database, systemClock(), settingsOf(options)};
+    MailQueue mail{openMail(options)};
+    Application application{database, systemClock(), settingsOf(options),
+                            [&mail](Mail message) { mail.post(std::move(message)); }};
     HttpServer server{http, [&application](const Request &request) { return application.handle(request); }};
     server.start();
     const bool encrypted = !http.certificateFile.empty();

@@ -15,6 +15,10 @@ struct ServeCommandOptions
     unsigned loginAttempts = 5;
     unsigned loginWindowSeconds = 900;
     unsigned repeatWindowSeconds = 5;
+    unsigned codeRequests = 30;   ///< from one network address within 15 minutes
+    unsigned codesPerAddress = 5; ///< within an hour
+    std::string outbox;           ///< folder for e-mails; empty: beside the database
+    std::string mailFrom = "clockwell@localhost";
 };
 
 /// `clockwell-server serve`: answers requests until SIGINT or SIGTERM. Returns the exit code; throws

@@ -84,25 +84,40 @@ TokenPair Sessions::refresh(const std::string &refreshToken)
     return std::get<TokenPair>(std::move(outcome));
 }
 
-Employee Sessions::authenticate(const std::string &accessToken)
+SignedIn Sessions::signedIn(const std::string &accessToken)
 {
-    static const std::string sql = "SELECT " + employeeColumns() +
+    static const std::string sql = "SELECT f.id, " + employeeColumns() +
                                    " FROM access_tokens a JOIN token_families f ON f.id = a.family_id"
                                    " JOIN employees e ON e.id = f.employee_id"
                                    " WHERE a.hash = :hash AND a.expires_at > :now AND f.revoked_at IS NULL";
-    auto employee = m_database.read([&](Connection &connection) {
-        return connection.first<Employee>(sql, tokenHash(accessToken), toMillis(m_clock()));
+    auto caller = m_database.read([&](Connection &connection) {
+        return connection.first<SignedIn>(sql, tokenHash(accessToken), toMillis(m_clock()));
     });
-    if (!employee)
+    if (!caller)
         throw ApiError{401, "INVALID_TOKEN", "Please sign in again."};
     try {
-        requireUsable(*employee);
+        requireUsable(caller->employee);
     } catch (const ApiError &refusal) {
         // 401 and not 403: the app then asks for a refresh, is refused that too, and goes back to its sign-in
         // screen.
         throw ApiError{401, refusal.error(), refusal.messages()};
     }
-    return std::move(*employee);
+    return std::move(*caller);
+}
+
+void Sessions::endAll(Connection &connection, const std::string &employeeId,
+                      const std::string &exceptFamily) const
+{
+    connection.execute("UPDATE token_families SET revoked_at = :now"
+                       " WHERE employee_id = :employee AND id <> :kept AND revoked_at IS NULL",
+                       toMillis(m_clock()), employeeId, exceptFamily);
+}
+
+void Sessions::requireLive(Connection &connection, const std::string &familyId)
+{
+    if (connection.value<long long>(
+            "SELECT COUNT(*) FROM token_families WHERE id = :id AND revoked_at IS NULL", familyId) == 0)
+        throw ApiError{401, "INVALID_TOKEN", "Please sign in again."};
 }
 
 TokenPair Sessions::issue(Connection &connection, const std::string &familyId, long long generation)

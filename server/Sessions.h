@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <string>
+#include <tuple>
 
 namespace clockwell::server {
 
@@ -20,6 +21,15 @@ struct TokenPair
 {
     std::string accessToken;
     std::string refreshToken;
+};
+
+/// Who sends a request, and in which session.
+struct SignedIn
+{
+    std::string familyId;
+    Employee employee;
+
+    auto columns() { return std::tuple_cat(std::tie(familyId), employee.columns()); }
 };
 
 /// The sessions and their tokens, kept as hashes only. One sign-in starts a family; each refresh uses up one
@@ -40,7 +50,15 @@ public:
 
     /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
     /// also when the account was suspended meanwhile.
-    Employee authenticate(const std::string &accessToken);
+    Employee authenticate(const std::string &accessToken) { return signedIn(accessToken).employee; }
+    SignedIn signedIn(const std::string &accessToken); ///< likewise, with the session
+
+    /// Ends the employee's sessions but the one named, as part of the caller's transaction.
+    void endAll(Connection &connection, const std::string &employeeId,
+                const std::string &exceptFamily = {}) const;
+
+    /// Throws ApiError 401 when the session was ended.
+    static void requireLive(Connection &connection, const std::string &familyId);
 
 private:
     TokenPair issue(Connection &connection, const std::string &familyId, long long generation);

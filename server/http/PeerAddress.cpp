@@ -24,4 +24,11 @@ std::string throttleKeyOf(const ip::address &address)
     return ip::address_v6(bytes).to_string();
 }
 
+std::string networkOf(const std::string &address)
+{
+    boost::system::error_code error;
+    const auto parsed = ip::make_address(address, error);
+    return error ? address : throttleKeyOf(parsed);
+}
+
 } // namespace clockwell::server

@@ -15,4 +15,7 @@ boost::asio::ip::address peerAddress(const boost::asio::ip::tcp::socket &socket)
 /// least that much, so the last eight bytes distinguish nobody.
 std::string throttleKeyOf(const boost::asio::ip::address &address);
 
+/// The same for an address as text; a text that is no address stands for itself.
+std::string networkOf(const std::string &address);
+
 } // namespace clockwell::server

@@ -1,0 +1,146 @@
+#include "server/Codes.h"
+
+#include "server/Sodium.h"
+#include "server/http/PeerAddress.h"
+
+#include <sodium.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr std::size_t Digits = 6;
+constexpr std::uint32_t CodeCount = 1'000'000;
+
+const char *nameOf(CodePurpose purpose)
+{
+    return purpose == CodePurpose::Verify ? "VERIFY" : "RESET";
+}
+
+CodePurpose purposeOf(const std::string &name)
+{
+    return name == "VERIFY" ? CodePurpose::Verify : CodePurpose::Reset;
+}
+
+/// Keyboards of many languages write the digits of their own script; the code is the same.
+std::string asciiDigits(std::string_view utf8)
+{
+    const auto text = icu::UnicodeString::fromUTF8({utf8.data(), static_cast<std::int32_t>(utf8.size())});
+    std::string digits;
+    for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
+        const auto digit = u_charDigitValue(text.char32At(i));
+        if (digit < 0)
+            return std::string{utf8};
+        digits += static_cast<char>('0' + digit);
+    }
+    return digits;
+}
+
+} // namespace
+
+struct Codes::Stored
+{
+    std::string purpose;
+    std::string hash;
+    long long expiresAt = 0;
+    long long tries = 0;
+    auto columns() { return std::tie(purpose, hash, expiresAt, tries); }
+};
+
+Codes::Codes(Database &database, Passwords &passwords, const Clock &clock, CodeLimits limits)
+    : m_database(database),
+      m_passwords(passwords),
+      m_clock(clock),
+      m_limits(limits),
+      m_perAddress(limits.perAddress, clock),
+      m_perNetwork(limits.perNetwork, clock),
+      m_wrongCodes(limits.wrongCodes, clock)
+{}
+
+void Codes::countRequest(const std::string &emailKey, const std::string &remoteAddress)
+{
+    m_perNetwork.take(networkOf(remoteAddress), "Too many codes were asked for.");
+    m_perAddress.take(emailKey, "Too many codes were asked for.");
+}
+
+Codes::Fresh Codes::make()
+{
+    requireSodium();
+    std::string code = std::to_string(randombytes_uniform(CodeCount));
+    code.insert(0, Digits - code.size(), '0');
+    std::string hash = m_passwords.hash(code);
+    return {std::move(code), std::move(hash)};
+}
+
+void Codes::store(Connection &connection, const std::string &emailKey, CodePurpose purpose,
+                  const Fresh &fresh) const
+{
+    const Instant now = m_clock();
+    connection.execute("DELETE FROM codes WHERE expires_at <= :now", toMillis(now));
+    connection.execute("DELETE FROM codes WHERE email_key = :key", emailKey);
+    connection.execute("INSERT INTO codes (email_key, purpose, hash, expires_at, tries)"
+                       " VALUES (:key, :purpose, :hash, :expires, 0)",
+                       emailKey, nameOf(purpose), fresh.hash, toMillis(now + m_limits.lifetime));
+}
+
+std::optional<CodePurpose> Codes::livePurpose(Connection &connection, const std::string &emailKey) const
+{
+    const auto purpose = connection.first<SingleColumn<std::string>>(
+        "SELECT purpose FROM codes WHERE email_key = :key AND expires_at > :now", emailKey,
+        toMillis(m_clock()));
+    return purpose ? std::optional{purposeOf(purpose->value)} : std::nullopt;
+}
+
+/// In a transaction of its own: a try counts, whatever becomes of its request.
+std::optional<Codes::Stored> Codes::countTry(const std::string &emailKey)
+{
+    return m_database.write([&](Connection &connection) {
+        const auto now = toMillis(m_clock());
+        connection.execute("DELETE FROM codes WHERE expires_at <= :now", now);
+        auto stored = connection.first<Stored>(
+            "SELECT purpose, hash, expires_at, tries FROM codes WHERE email_key = :key", emailKey);
+        connection.execute("UPDATE codes SET tries = tries + 1 WHERE email_key = :key AND tries < :most",
+                           emailKey, m_limits.tries);
+        return stored;
+    });
+}
+
+Codes::Match Codes::judge(const std::string &emailKey, std::string_view code)
+{
+    const std::string digits = asciiDigits(code);
+    const auto stored = countTry(emailKey);
+    if (stored && stored->tries >= m_limits.tries) {
+        const auto wait =
+            std::max(std::chrono::ceil<std::chrono::seconds>(fromMillis(stored->expiresAt) - m_clock()),
+                     std::chrono::seconds{1});
+        throw ApiError{429, "TOO_MANY_ATTEMPTS",
+                       "Too many wrong codes. Please try again in " + waitText(wait) +
+                           " or ask for a new code."}
+            .retryAfter(wait);
+    }
+    if (stored)
+        m_wrongCodes.take(emailKey, "Too many wrong codes.");
+    const bool matches =
+        stored ? m_passwords.matches(stored->hash, digits) : m_passwords.matchesNobody(digits);
+    if (!matches)
+        throw invalidCode();
+    return {purposeOf(stored->purpose), stored->hash};
+}
+
+void Codes::consume(Connection &connection, const std::string &emailKey, const Match &match) const
+{
+    if (connection.execute("DELETE FROM codes WHERE email_key = :key AND hash = :hash AND expires_at > :now",
+                           emailKey, match.hash, toMillis(m_clock())) != 1)
+        throw invalidCode();
+}
+
+ApiError invalidCode()
+{
+    return {400, "INVALID_CODE", "The code is wrong or has expired."};
+}
+
+} // namespace clockwell::server

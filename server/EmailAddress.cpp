@@ -1,0 +1,65 @@
+#include "server/EmailAddress.h"
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr std::size_t LongestLocalPart = 64; // RFC 5321, section 4.5.3.1.1
+constexpr std::size_t LongestLabel = 63;     // RFC 1035, section 2.3.4
+
+bool isLetterOrDigit(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+/// atext of RFC 5322, section 3.2.3
+bool isAtext(char c)
+{
+    return isLetterOrDigit(c) ||
+           (c != '\0' && std::string_view{"!#$%&'*+-/=?^_`{|}~"}.find(c) != std::string_view::npos);
+}
+
+bool isAtom(std::string_view text)
+{
+    return !text.empty() && std::ranges::all_of(text, isAtext);
+}
+
+bool isLabel(std::string_view text)
+{
+    return !text.empty() && text.size() <= LongestLabel && text.front() != '-' && text.back() != '-' &&
+           std::ranges::all_of(text, [](char c) { return isLetterOrDigit(c) || c == '-'; });
+}
+
+template <class Rule>
+bool allBetweenDots(std::string_view text, Rule rule)
+{
+    for (auto dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.')) {
+        if (!rule(text.substr(0, dot)))
+            return false;
+        text.remove_prefix(dot + 1);
+    }
+    return rule(text);
+}
+
+} // namespace
+
+bool isEmailAddress(std::string_view text)
+{
+    const auto at = text.rfind('@');
+    if (at == std::string_view::npos || at > LongestLocalPart || text.size() > LongestEmail)
+        return false;
+    return allBetweenDots(text.substr(0, at), isAtom) && allBetweenDots(text.substr(at + 1), isLabel);
+}
+
+std::string trimmed(std::string_view text)
+{
+    constexpr std::string_view Blanks = " \t";
+    const auto first = text.find_first_not_of(Blanks);
+    if (first == std::string_view::npos)
+        return {};
+    return std::string{text.substr(first, text.find_last_not_of(Blanks) - first + 1)};
+}
+
+} // namespace clockwell::server

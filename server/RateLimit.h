@@ -1,0 +1,49 @@
+#pragma once
+
+#include "server/Instant.h"
+#include "server/LoginThrottle.h"
+
+#include <chrono>
+#include <list>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace clockwell::server {
+
+/// "45 seconds" or "7 minutes": a wait as people say it, never shorter than it is.
+std::string waitText(std::chrono::seconds wait);
+
+/// Counts events by key in a sliding window, in memory. Safe on several threads.
+class RateLimit
+{
+public:
+    RateLimit(ThrottleLimits limits, Clock clock) : m_limits(limits), m_clock(std::move(clock)) {}
+
+    /// Counts an event. Throws ApiError 429 TOO_MANY_ATTEMPTS with Retry-After, and without counting, when
+    /// there were too many: its text is `complaint` followed by when to try again.
+    void take(const std::string &key, std::string_view complaint);
+
+    /// Forgets what was counted for the key.
+    void forget(const std::string &key);
+
+private:
+    struct Entry
+    {
+        std::vector<Instant> events; // in order of time
+        std::list<std::string>::iterator use;
+    };
+
+    Entry &used(const std::string &key);
+    std::chrono::seconds waitOf(Entry &entry, Instant now) const;
+
+    ThrottleLimits m_limits;
+    Clock m_clock;
+    std::mutex m_lock;
+    std::unordered_map<std::string, Entry> m_entries;
+    std::list<std::string> m_uses; // keys, the one idle for longest first
+};
+
+} // namespace clockwell::server
