@@ -57,6 +57,12 @@ TEST(CodeFilter, TakesADigitOfTwoUnitsForOneCharacter)
     EXPECT_EQ(characterCount(mathematicalEight.repeated(6)), 6);
 }
 
+TEST(CodeFilter, TellsCharactersOfSeveralScriptsApart)
+{
+    EXPECT_EQ(kept(mathematicalEight.repeated(3) + u"१२३४"_s), mathematicalEight.repeated(3) + u"१२३"_s);
+    EXPECT_EQ(characterCount(mathematicalEight + u"5\u0301१"_s), 3);
+}
+
 TEST(CodeFilter, CutsNoCharacterFromItsMark)
 {
     const QString marked = u"6\u0301"_s; // an acute accent on a six

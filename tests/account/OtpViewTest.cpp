@@ -1,0 +1,499 @@
+#include "AccountScreens.h"
+
+#include "account/OtpViewModel.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace clockwell {
+namespace {
+
+using test::AccountScreens;
+using test::ChangeLog;
+using test::spinUntil;
+
+const QByteArray sent = R"({"message":"We sent you another code."})";
+
+class OtpViewTest : public AccountScreens
+{
+protected:
+    void SetUp() override { open(u"ada@example.org"_s, OtpPurpose::VerifyEmail); }
+
+    /// As a screen that leads there does.
+    void open(const QString &email, OtpPurpose::Purpose purpose)
+    {
+        const QVariantMap properties{{u"auth"_s, QVariant::fromValue(&auth)},
+                                     {u"timing"_s, QVariant::fromValue(static_cast<Timing *>(&timing))},
+                                     {u"email"_s, email},
+                                     {u"purpose"_s, purpose}};
+        QMetaObject::invokeMethod(stage.root(), "push",
+                                  Q_ARG(QUrl, QUrl(u"qrc:/qt/qml/Clockwell/Account/OtpView.qml"_s)),
+                                  Q_ARG(QVariantMap, properties));
+        const bool resetting = purpose == OtpPurpose::ResetPassword;
+        ASSERT_TRUE(arrivesAt(resetting ? u"Reset password"_s : u"Verify email"_s));
+    }
+
+    bool enter(const QString &code) { return stage->retype(u"Verification code"_s, code); }
+    QString code() { return valueOf(u"Verification code"_s); }
+    QObject *field() { return stage->find(u"Verification code"_s, QAccessible::EditableText)->object; }
+    int cursor() { return field()->property("cursorPosition").toInt(); }
+
+    void resendOnce()
+    {
+        server.expect("POST", "/api/auth/resend-otp").reply(200, sent);
+        ASSERT_TRUE(stage->click(u"Resend code"_s)) << stage->dump().toStdString();
+        ASSERT_TRUE(stage->waitFor(u"Resend code in 60s"_s));
+    }
+
+    void verify()
+    {
+        server.expect("POST", "/api/auth/verify-otp").reply(200, R"({"message":"Never shown."})");
+        enter(u"123456"_s);
+        stage->click(u"Verify"_s);
+        ASSERT_TRUE(stage->waitFor(u"All set"_s)) << stage->dump().toStdString();
+    }
+};
+
+TEST_F(OtpViewTest, ShowsItsTextsInOrder)
+{
+    const auto texts = stage->texts();
+    qsizetype last = -1;
+    for (const auto &text : {u"Verify email"_s, u"Qorvane"_s, u"Verify your email"_s,
+                             u"We sent a 6-digit code to"_s, u"ada@example.org"_s, u"VERIFICATION CODE"_s,
+                             u"Verification code"_s, u"Verify"_s, u"Resend code"_s}) {
+        const auto at = texts.indexOf(text);
+        EXPECT_GT(at, last) << text.toStdString() << " in " << stage->dump().toStdString();
+        last = at;
+    }
+    EXPECT_FALSE(stage->shows(u"New password"_s));
+    EXPECT_FALSE(stage->shows(u"All set"_s));
+    EXPECT_EQ(field()->parent()->property("placeholder").toString(), u"123456"_s);
+}
+
+TEST_F(OtpViewTest, TheFieldAsksForADigitPadThatLearnsNothing)
+{
+    EXPECT_EQ(field()->property("inputMethodHints").value<Qt::InputMethodHints>(),
+              Qt::ImhDigitsOnly | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase | Qt::ImhSensitiveData);
+}
+
+TEST_F(OtpViewTest, TypedLettersLeaveNoTrace)
+{
+    stage->type(u"Verification code"_s, u"a"_s);
+    EXPECT_EQ(code(), QString());
+    stage->typeText(u"1b2-3 c"_s);
+    EXPECT_EQ(code(), u"123"_s);
+    stage->typeText(u"x"_s); // the same again: the model's code does not change, the field must follow still
+    EXPECT_EQ(code(), u"123"_s);
+}
+
+TEST_F(OtpViewTest, ASeventhDigitIsDropped)
+{
+    enter(u"1234567"_s);
+    EXPECT_EQ(code(), u"123456"_s);
+    EXPECT_EQ(cursor(), 6);
+}
+
+TEST_F(OtpViewTest, PastedTextIsCutBeforeItIsFiltered)
+{
+    ASSERT_TRUE(paste(u"Verification code"_s, u"12a3456"_s));
+    EXPECT_EQ(code(), u"12345"_s);
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
+    stage->typeText(u"6"_s);
+    EXPECT_EQ(code(), u"123456"_s);
+    EXPECT_TRUE(stage->isEnabled(u"Verify"_s));
+}
+
+TEST_F(OtpViewTest, APastedBlankCostsADigit)
+{
+    ASSERT_TRUE(paste(u"Verification code"_s, u"123 456"_s));
+    EXPECT_EQ(code(), u"12345"_s);
+}
+
+TEST_F(OtpViewTest, OtherScriptsDigitsCountOnceEach)
+{
+    server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
+    const QString eight = QString::fromUcs4(U"\U0001D7E0", 1);
+    ASSERT_TRUE(paste(u"Verification code"_s, eight.repeated(3)));
+    EXPECT_EQ(code(), eight.repeated(3));
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s)); // six UTF-16 units are three characters
+    ASSERT_TRUE(paste(u"Verification code"_s, u"१२३४"_s));
+    EXPECT_EQ(code(), eight.repeated(3) + u"१२३"_s);
+    stage->click(u"Verify"_s);
+    ASSERT_TRUE(stage->waitFor(u"Wrong."_s));
+    EXPECT_EQ(lastBody(),
+              R"({"email":"ada@example.org","code":")" + (eight.repeated(3) + u"१२३"_s).toUtf8() + R"("})");
+}
+
+TEST_F(OtpViewTest, TheCursorStaysWhereSomebodyEdits)
+{
+    enter(u"123456"_s);
+    stage->key(Qt::Key_Home);
+    stage->key(Qt::Key_Right);
+    stage->typeText(u"a"_s);
+    EXPECT_EQ(code(), u"12345"_s); // the letter was among the first six
+    EXPECT_EQ(cursor(), 1);
+    stage->typeText(u"9"_s);
+    EXPECT_EQ(code(), u"192345"_s);
+    EXPECT_EQ(cursor(), 2);
+    stage->key(Qt::Key_Backspace);
+    EXPECT_EQ(code(), u"12345"_s);
+    EXPECT_EQ(cursor(), 1);
+}
+
+TEST_F(OtpViewTest, TextBeingComposedIsLeftAloneUntilItIsDone)
+{
+    stage->click(u"Verification code"_s, QAccessible::EditableText);
+    QInputMethodEvent composing(u"1a"_s, {});
+    QGuiApplication::sendEvent(field(), &composing);
+    EXPECT_EQ(field()->property("preeditText").toString(), u"1a"_s);
+    EXPECT_EQ(code(), QString());
+    QInputMethodEvent done;
+    done.setCommitString(u"1a"_s);
+    QGuiApplication::sendEvent(field(), &done);
+    EXPECT_EQ(field()->property("preeditText").toString(), QString());
+    EXPECT_EQ(code(), u"1"_s);
+}
+
+TEST_F(OtpViewTest, AssistiveTechnologySetsAFilteredCode)
+{
+    auto *interface = QAccessible::queryAccessibleInterface(field());
+    interface->setText(QAccessible::Value, u"12a3456"_s);
+    EXPECT_EQ(code(), u"12345"_s);
+    stage->type(u"Verification code"_s, u"6x"_s); // and the field still follows the filter
+    EXPECT_EQ(code(), u"123456"_s);
+}
+
+TEST_F(OtpViewTest, FiveDigitsAreNotEnough)
+{
+    enter(u"12345"_s);
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
+    stage->key(Qt::Key_Return);
+    settle(100ms);
+    EXPECT_TRUE(server.requests().isEmpty());
+    stage->typeText(u"6"_s);
+    EXPECT_TRUE(stage->isEnabled(u"Verify"_s));
+    stage->key(Qt::Key_Backspace);
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
+}
+
+TEST_F(OtpViewTest, SendsEmailAndCodeAsTheyAre)
+{
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    open(u" ada@example.org "_s, OtpPurpose::VerifyEmail);
+    server.expect("POST", "/api/auth/verify-otp")
+        .withHeader("Authorization", "")
+        .reply(400, R"({"message":"Wrong."})");
+    enter(u"123456"_s);
+    stage->click(u"Verify"_s);
+    ASSERT_TRUE(stage->waitFor(u"Wrong."_s));
+    EXPECT_EQ(lastBody(), R"({"email":" ada@example.org ","code":"123456"})");
+}
+
+TEST_F(OtpViewTest, AFailureIsAnnouncedAndKeepsTheCode)
+{
+    server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":["Wrong code","Try again"]})");
+    enter(u"123456"_s);
+    stage->click(u"Verify"_s);
+    ASSERT_TRUE(stage->waitFor(u"Wrong code, Try again"_s));
+    EXPECT_TRUE(announces(u"Wrong code, Try again"_s));
+    EXPECT_TRUE(becomesEnabled(u"Verify"_s));
+    EXPECT_EQ(code(), u"123456"_s);
+    EXPECT_FALSE(stage->shows(u"All set"_s));
+}
+
+TEST_F(OtpViewTest, AFailureOfTheNetworkIsDescribedInWords)
+{
+    server.goDown();
+    enter(u"123456"_s);
+    stage->click(u"Verify"_s);
+    EXPECT_TRUE(stage->waitFor(u"Could not connect to the server."_s));
+    EXPECT_TRUE(becomesEnabled(u"Verify"_s));
+}
+
+TEST_F(OtpViewTest, IsBusyWhileTheRequestRunsAndIgnoresTapsAndEnter)
+{
+    server.expect("POST", "/api/auth/verify-otp").after(300ms).reply(400, R"({"message":"Wrong."})");
+    enter(u"123456"_s);
+    stage->key(Qt::Key_Return); // the last field: submits
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
+    stage->key(Qt::Key_Return);
+    stage->click(u"Verify"_s);
+    EXPECT_TRUE(stage->waitFor(u"Wrong."_s));
+    EXPECT_EQ(server.requests().size(), 1);
+}
+
+TEST_F(OtpViewTest, ResendIsAllowedAtOnceAndLockedForSixtySecondsAfterwards)
+{
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
+    resendOnce();
+    EXPECT_EQ(lastBody(), R"({"email":"ada@example.org"})");
+    EXPECT_TRUE(announces(u"We sent you another code."_s));
+    for (int left = 60; left > 0; --left) {
+        const QString title = u"Resend code in %1s"_s.arg(left);
+        ASSERT_TRUE(stage->shows(title)) << title.toStdString();
+        ASSERT_FALSE(stage->isEnabled(title));
+        timing.advance(1s);
+    }
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
+    timing.advance(5s);
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s)); // never below 0
+    EXPECT_TRUE(stage->shows(u"We sent you another code."_s));
+    resendOnce();
+}
+
+TEST_F(OtpViewTest, ALockedResendSendsNothing)
+{
+    resendOnce();
+    stage->click(u"Resend code in 60s"_s);
+    stage->press(u"Resend code in 60s"_s);
+    settle(100ms);
+    EXPECT_EQ(server.requests().size(), 1);
+}
+
+TEST_F(OtpViewTest, ResendIsMutedWhileItCounts)
+{
+    const auto color = [this](const QString &title) {
+        const auto element = stage->find(title, QAccessible::Button);
+        return element
+                   ? element->object->findChild<QQuickItem *>(u"label"_s)->property("color").value<QColor>()
+                   : QColor();
+    };
+    EXPECT_EQ(color(u"Resend code"_s), QColor(39, 120, 245));
+    resendOnce();
+    EXPECT_EQ(color(u"Resend code in 60s"_s), QColor(91, 123, 168));
+}
+
+TEST_F(OtpViewTest, AResendAnsweredWithoutAMessageHasAnInfoOfItsOwn)
+{
+    server.expect("POST", "/api/auth/resend-otp").reply(200, "{}");
+    stage->click(u"Resend code"_s);
+    EXPECT_TRUE(stage->waitFor(u"A new code was sent."_s));
+    EXPECT_TRUE(announces(u"A new code was sent."_s));
+}
+
+TEST_F(OtpViewTest, AFailedResendCanBeRepeatedAtOnce)
+{
+    server.expect("POST", "/api/auth/resend-otp").reply(429, R"({"message":"Too soon."})");
+    stage->click(u"Resend code"_s);
+    ASSERT_TRUE(stage->waitFor(u"Too soon."_s));
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
+    resendOnce();
+    EXPECT_FALSE(stage->shows(u"Too soon."_s));
+}
+
+TEST_F(OtpViewTest, ADoubleTapAsksForOneCode)
+{
+    server.expect("POST", "/api/auth/resend-otp").after(200ms).reply(200, sent);
+    stage->click(u"Resend code"_s);
+    stage->click(u"Resend code"_s);
+    ASSERT_TRUE(stage->waitFor(u"Resend code in 60s"_s));
+    settle();
+    EXPECT_EQ(server.requests().size(), 1);
+}
+
+TEST_F(OtpViewTest, ResendRunsBesideASubmission)
+{
+    server.expect("POST", "/api/auth/verify-otp").after(600ms).reply(400, R"({"message":"Wrong."})");
+    enter(u"123456"_s);
+    stage->click(u"Verify"_s);
+    ASSERT_TRUE(server.waitForRequests(1));
+    resendOnce();
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s)); // the submission still runs
+    ASSERT_TRUE(stage->waitFor(u"Wrong."_s));
+    EXPECT_TRUE(becomesEnabled(u"Verify"_s));
+    EXPECT_TRUE(stage->shows(u"We sent you another code."_s));
+}
+
+TEST_F(OtpViewTest, ASubmissionTakesErrorAndInfoAwayFirst)
+{
+    resendOnce();
+    server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
+    server.expect("POST", "/api/auth/verify-otp").never();
+    enter(u"123456"_s);
+    stage->click(u"Verify"_s);
+    EXPECT_FALSE(stage->shows(u"We sent you another code."_s));
+    ASSERT_TRUE(stage->waitFor(u"Wrong."_s));
+    ASSERT_TRUE(becomesEnabled(u"Verify"_s));
+    stage->click(u"Verify"_s);
+    EXPECT_FALSE(stage->shows(u"Wrong."_s));
+    EXPECT_TRUE(server.waitForRequests(3));
+}
+
+TEST_F(OtpViewTest, TheCountdownEndsWithTheScreen)
+{
+    EXPECT_EQ(timing.subscriptions(), 1);
+    resendOnce();
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    EXPECT_TRUE(spinUntil([this] { return timing.subscriptions() == 0; }));
+    timing.advance(2s);
+    open(u"b@example.org"_s, OtpPurpose::VerifyEmail);
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s)); // the lock is that screen's own
+    EXPECT_EQ(timing.subscriptions(), 1);
+}
+
+TEST_F(OtpViewTest, LeftDuringItsRequestsItIsHarmless)
+{
+    server.expect("POST", "/api/auth/verify-otp").after(300ms).reply(200, "{}");
+    server.expect("POST", "/api/auth/resend-otp").after(300ms).reply(200, "{}");
+    enter(u"123456"_s);
+    stage->click(u"Verify"_s);
+    stage->click(u"Resend code"_s);
+    ASSERT_TRUE(server.waitForRequests(2));
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    settle(600ms);
+    EXPECT_FALSE(stage->shows(u"All set"_s));
+    EXPECT_EQ(depth(), 1);
+}
+
+TEST_F(OtpViewTest, ALongAddressWrapsWithinANarrowScreen)
+{
+    const QString address = u"an.extraordinarily.long.local.part.of.an.address@a.subdomain.of.example.org"_s;
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    stage.view().resize(320, 568);
+    ASSERT_TRUE(spinUntil([this] { return stage.root()->width() == 320; }));
+    open(address, OtpPurpose::VerifyEmail);
+    const auto element = stage->find(address);
+    ASSERT_TRUE(element);
+    EXPECT_GE(element->rect.left(), 20);
+    EXPECT_LE(element->rect.right(), 300);
+    EXPECT_GE(element->object->property("lineCount").toInt(), 2);
+    EXPECT_FALSE(element->object->property("truncated").toBool());
+}
+
+class OtpResetTest : public OtpViewTest
+{
+protected:
+    void SetUp() override { open(u"ada@example.org"_s, OtpPurpose::ResetPassword); }
+};
+
+TEST_F(OtpResetTest, ShowsItsTextsInOrder)
+{
+    const auto texts = stage->texts();
+    qsizetype last = -1;
+    for (const auto &text :
+         {u"Reset password"_s, u"Qorvane"_s, u"Reset your password"_s, u"We sent a 6-digit code to"_s,
+          u"ada@example.org"_s, u"VERIFICATION CODE"_s, u"Verification code"_s, u"NEW PASSWORD"_s,
+          u"New password"_s, u"Show password"_s, u"Resend code"_s}) {
+        const auto at = texts.indexOf(text);
+        EXPECT_GT(at, last) << text.toStdString() << " in " << stage->dump().toStdString();
+        last = at;
+    }
+    EXPECT_TRUE(stage->find(u"Reset password"_s, QAccessible::Button));
+    EXPECT_FALSE(stage->shows(u"Verify"_s));
+}
+
+TEST_F(OtpResetTest, SixDigitsWithoutANewPasswordAreNotEnough)
+{
+    const auto enabled = [this] {
+        return !stage->find(u"Reset password"_s, QAccessible::Button)->state.disabled;
+    };
+    enter(u"123456"_s);
+    EXPECT_FALSE(enabled());
+    stage->key(Qt::Key_Return); // on to the new password, which gets what is typed now
+    stage->typeText(u" "_s);
+    EXPECT_EQ(code(), u"123456"_s);
+    EXPECT_TRUE(enabled());
+    enter(u"12345"_s);
+    EXPECT_FALSE(enabled());
+    EXPECT_TRUE(server.requests().isEmpty());
+}
+
+TEST_F(OtpResetTest, SendsThePasswordAsTypedAndKeepsBothFieldsOnFailure)
+{
+    server.expect("POST", "/api/auth/reset-password").reply(400, R"({"message":"Too weak."})");
+    enter(u"123456"_s);
+    stage->key(Qt::Key_Return);
+    stage->typeText(u" new pass "_s);
+    stage->key(Qt::Key_Return);
+    ASSERT_TRUE(stage->waitFor(u"Too weak."_s));
+    EXPECT_EQ(lastBody(), R"({"email":"ada@example.org","code":"123456","newPassword":" new pass "})");
+    EXPECT_EQ(code(), u"123456"_s);
+    EXPECT_EQ(valueOf(u"New password"_s), u" new pass "_s);
+}
+
+class OtpViewModelTest : public OtpViewTest
+{
+protected:
+    void SetUp() override
+    {
+        model.setProperty("auth", QVariant::fromValue(&auth));
+        model.setProperty("timing", QVariant::fromValue(static_cast<Timing *>(&timing)));
+        model.setProperty("email", u"e"_s);
+        model.componentComplete();
+        model.enterCode(u"123456"_s, 6);
+        log.follow(model, &OtpViewModel::errorChanged, "error");
+        log.follow(model, &OtpViewModel::infoChanged, "info");
+        log.follow(model, &OtpViewModel::loadingChanged, "loading");
+        log.follow(model, &OtpViewModel::resendInChanged, "resendIn");
+        log.follow(model, &OtpViewModel::doneChanged, "done");
+    }
+
+    void finish(qsizetype entries)
+    {
+        ASSERT_TRUE(spinUntil([&] { return log.entries().size() >= entries; }));
+    }
+
+    OtpViewModel model;
+    ChangeLog log;
+};
+
+TEST_F(OtpViewModelTest, ASubmissionSetsItsFieldsInOrder)
+{
+    server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
+    server.expect("POST", "/api/auth/verify-otp").reply(200, "{}");
+    model.submit();
+    finish(3);
+    model.submit();
+    finish(7);
+    EXPECT_EQ(log.entries(),
+              (QStringList{u"loading true"_s, u"error Wrong."_s, u"loading false"_s, u"error "_s,
+                           u"loading true"_s, u"done true"_s, u"loading false"_s}));
+}
+
+TEST_F(OtpViewModelTest, AResendSetsItsFieldsInOrder)
+{
+    server.expect("POST", "/api/auth/resend-otp").reply(400, R"({"message":"No."})");
+    server.expect("POST", "/api/auth/resend-otp").reply(200, sent);
+    model.resend();
+    finish(1);
+    model.resend();
+    finish(4);
+    server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
+    model.submit();
+    finish(8);
+    EXPECT_EQ(log.entries(),
+              (QStringList{u"error No."_s, u"error "_s, u"info We sent you another code."_s, u"resendIn 60"_s,
+                           u"info "_s, u"loading true"_s, u"error Wrong."_s, u"loading false"_s}));
+}
+
+TEST_F(OtpViewModelTest, IsAcknowledgedOnce)
+{
+    server.expect("POST", "/api/auth/verify-otp").reply(200, "{}");
+    int dismissed = 0;
+    QObject::connect(&model, &OtpViewModel::dismissed, &model, [&dismissed] { ++dismissed; });
+    model.acknowledge();
+    EXPECT_EQ(dismissed, 0);
+    model.submit();
+    finish(3);
+    model.acknowledge();
+    model.acknowledge();
+    EXPECT_EQ(dismissed, 1);
+    EXPECT_FALSE(model.done());
+}
+
+TEST_F(OtpViewModelTest, SaysWhatWasDone)
+{
+    EXPECT_EQ(
+        model.doneMessage(),
+        u"Email verified. Your account is pending admin approval — you'll be able to sign in once approved."_s);
+    model.setProperty("purpose", OtpPurpose::ResetPassword);
+    EXPECT_EQ(model.doneMessage(), u"Password updated. You can now sign in with your new password."_s);
+}
+
+} // namespace
+} // namespace clockwell
