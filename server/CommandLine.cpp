@@ -1,9 +1,9 @@
 #include "server/CommandLine.h"
 
 #include "server/DemoCommand.h"
-#include "server/EmailAddress.h"
 #include "server/ListenAddress.h"
 #include "server/ServeCommand.h"
+#include "server/mail/MailOptions.h"
 
 #include <CLI/CLI.hpp>
 #include <spdlog/sinks/stdout_color_sinks.h>
@@ -35,11 +35,6 @@ std::string passwordProblem(const std::string &text)
                                                                     : "";
 }
 
-std::string mailFromProblem(const std::string &text)
-{
-    return isEmailAddress(text) ? "" : "\"" + text + "\" is not an e-mail address";
-}
-
 constexpr int Failure = 1;
 constexpr int WrongUsage = 2;
 
@@ -51,7 +46,7 @@ void addDatabase(CLI::App &command, std::string &file)
         ->type_name("FILE");
 }
 
-void addMail(CLI::App &serve, ServeCommandOptions &options)
+void addCodes(CLI::App &serve, ServeCommandOptions &options)
 {
     serve
         .add_option("--code-requests", options.codeRequests,
@@ -63,16 +58,7 @@ void addMail(CLI::App &serve, ServeCommandOptions &options)
                     "Codes that one e-mail address may be sent within an hour")
         ->check(CLI::Range(1, 1'000'000))
         ->capture_default_str();
-    serve
-        .add_option("--outbox", options.outbox,
-                    "Folder for e-mails as .eml files [the database's name.outbox]")
-        ->envname("CLOCKWELL_OUTBOX")
-        ->type_name("FOLDER");
-    serve.add_option("--mail-from", options.mailFrom, "The address that e-mails come from")
-        ->envname("CLOCKWELL_MAIL_FROM")
-        ->type_name("ADDRESS")
-        ->check(mailFromProblem)
-        ->capture_default_str();
+    addMailOptions(serve, options.mail);
 }
 
 void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> &run)
@@ -112,7 +98,7 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
                      "Seconds within which a device's next punch is the last one again")
         ->check(CLI::Range(0, 300))
         ->capture_default_str();
-    addMail(*serve, options);
+    addCodes(*serve, options);
     serve->callback([&] { run = [&] { return runServe(options); }; });
 }
 

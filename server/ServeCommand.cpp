@@ -2,11 +2,9 @@
 
 #include "server/Application.h"
 #include "server/ListenAddress.h"
-#include "server/http/AccessLog.h"
 #include "server/http/HttpServer.h"
 #include "server/http/StopSignal.h"
 #include "server/mail/MailQueue.h"
-#include "server/mail/OutboxDelivery.h"
 
 #include <spdlog/spdlog.h>
 
@@ -48,14 +46,6 @@ DatabaseOptions databaseOptions(const ServeCommandOptions &options)
     return database;
 }
 
-std::unique_ptr<MailDelivery> openMail(const ServeCommandOptions &options)
-{
-    const std::string folder = options.outbox.empty() ? options.database + ".outbox" : options.outbox;
-    auto outbox = std::make_unique<OutboxDelivery>(folder, options.mailFrom, systemClock());
-    spdlog::info("event=mail outbox={}", logValue(folder, folder.size()));
-    return outbox;
-}
-
 /// Whoever waits for the file finds it complete or not at all.
 void writePortFile(const std::string &file, std::uint16_t port)
 {
@@ -76,7 +66,7 @@ int runServe(const ServeCommandOptions &options)
     const HttpServer::Options http = httpOptions(options);
     StopSignal stopSignal; // before any thread is started
     Database database{options.database, databaseOptions(options)};
-    MailQueue mail{openMail(options)};
+    MailQueue mail{openMail(options.mail, options.database)};
     Application application{database, systemClock(), settingsOf(options),
                             [&mail](Mail message) { mail.post(std::move(message)); }};
     HttpServer server{http, [&application](const Request &request) { return application.handle(request); }};

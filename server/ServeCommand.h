@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/mail/MailSettings.h"
+
 #include <string>
 
 namespace clockwell::server {
@@ -17,8 +19,7 @@ struct ServeCommandOptions
     unsigned repeatWindowSeconds = 5;
     unsigned codeRequests = 30;   ///< from one network address within 15 minutes
     unsigned codesPerAddress = 5; ///< within an hour
-    std::string outbox;           ///< folder for e-mails; empty: beside the database
-    std::string mailFrom = "clockwell@localhost";
+    MailSettings mail;
 };
 
 /// `clockwell-server serve`: answers requests until SIGINT or SIGTERM. Returns the exit code; throws
