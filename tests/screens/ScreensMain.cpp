@@ -43,7 +43,8 @@ int main(int argc, char **argv)
     const QString wanted = QGuiApplication::arguments().value(2);
     int taken = 0;
     int missed = 0;
-    for (const auto &state : clockwell::test::signInStates() + clockwell::test::mainStates()) {
+    for (const auto &state : clockwell::test::signInStates() + clockwell::test::signUpStates() +
+                                 clockwell::test::codeStates() + clockwell::test::mainStates()) {
         if (!QString::fromLatin1(state.name).contains(wanted))
             continue;
         for (const auto &format : formats)

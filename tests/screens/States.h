@@ -18,6 +18,8 @@ struct State
 };
 
 QList<State> signInStates();
+QList<State> signUpStates();
+QList<State> codeStates();
 QList<State> mainStates();
 
 } // namespace clockwell::test
