@@ -24,9 +24,19 @@ NavigationPage {
         onDismissed: view.back()
     }
 
+    OtpDoneAlert {
+        parent: view
+        shown: model.done
+        title: "All set"
+        message: model.doneMessage
+        button: "OK"
+        onAccepted: model.acknowledge()
+    }
+
     FormPage {
         anchors.fill: parent
         focus: true
+        enabled: !model.done
 
         BrandHeader {
             width: parent.width

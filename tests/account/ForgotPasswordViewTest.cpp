@@ -119,6 +119,25 @@ TEST_F(ForgotPasswordViewTest, ComingBackItKeepsAddressAndInfoAndCanAskAgain)
     EXPECT_EQ(top()->property("email").toString(), u"b@example.org"_s);
 }
 
+TEST_F(ForgotPasswordViewTest, ANewPasswordLeadsBackWithTheInfoStillThere)
+{
+    ask(u"ada@example.org "_s);
+    timing.advance(600ms);
+    ASSERT_TRUE(arrivesAt(u"Reset password"_s));
+    server.expect("POST", "/api/auth/reset-password").reply(200, R"({"message":"ok"})");
+    stage->type(u"Verification code"_s, u"123456"_s);
+    stage->type(u"New password"_s, u"Secret123"_s);
+    stage->key(Qt::Key_Return);
+    ASSERT_TRUE(stage->waitFor(u"All set"_s));
+    EXPECT_EQ(lastBody(), R"({"email":"ada@example.org","code":"123456","newPassword":"Secret123"})");
+    stage->click(u"OK"_s);
+    ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
+    EXPECT_TRUE(stage->shows(u"A code is on its way."_s));
+    EXPECT_EQ(valueOf(u"Email"_s), u"ada@example.org "_s);
+    EXPECT_FALSE(top()->findChild<ForgotPasswordViewModel *>()->goToReset());
+    EXPECT_EQ(timing.subscriptions(), 0);
+}
+
 TEST_F(ForgotPasswordViewTest, EachAppearanceFillsAnEmptyFieldAndOnlyThat)
 {
     stage->click(u"Back"_s);

@@ -416,6 +416,66 @@ TEST_F(OtpResetTest, SendsThePasswordAsTypedAndKeepsBothFieldsOnFailure)
     EXPECT_EQ(valueOf(u"New password"_s), u" new pass "_s);
 }
 
+TEST_F(OtpViewTest, SuccessSaysSoAndOkGoesBackToTheScreenBefore)
+{
+    verify();
+    EXPECT_TRUE(announces(u"Email verified. Your account is pending admin approval — you'll be able to sign "
+                          u"in once approved."_s));
+    EXPECT_FALSE(stage->shows(u"Never shown."_s));
+    EXPECT_EQ(auth.phase(), AuthStore::Phase::Loading); // nobody is signed in by a code
+    EXPECT_TRUE(tokens.writes().isEmpty());
+    EXPECT_EQ(depth(), 2);
+    ASSERT_TRUE(stage->click(u"OK"_s));
+    EXPECT_FALSE(stage->shows(u"All set"_s));
+    EXPECT_TRUE(arrivesAtSignIn());
+    EXPECT_TRUE(stage->shows(u"New here?"_s));
+}
+
+TEST_F(OtpViewTest, OkHasTheFocusAndWhatLiesBelowIsOutOfReach)
+{
+    verify();
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
+    EXPECT_FALSE(stage->isEnabled(u"Resend code"_s));
+    stage->typeText(u"9"_s);
+    EXPECT_EQ(code(), u"123456"_s);
+    stage->click(u"Resend code"_s);
+    settle(100ms);
+    EXPECT_EQ(server.requests().size(), 1);
+    stage->key(Qt::Key_Return);
+    EXPECT_TRUE(arrivesAtSignIn());
+}
+
+TEST_F(OtpViewTest, OkTappedTwiceLeavesOneScreenOnly)
+{
+    open(u"b@example.org"_s, OtpPurpose::VerifyEmail); // a third screen
+    verify();
+    stage->click(u"OK"_s);
+    stage->click(u"OK"_s);
+    settle(600ms);
+    EXPECT_EQ(depth(), 2);
+}
+
+TEST_F(OtpViewTest, EscapeIsAnOkToo)
+{
+    verify();
+    stage->key(Qt::Key_Escape);
+    EXPECT_TRUE(arrivesAtSignIn());
+    EXPECT_TRUE(stage->waitUntilGone(u"All set"_s));
+}
+
+TEST_F(OtpResetTest, SuccessSaysThatTheNewPasswordHolds)
+{
+    server.expect("POST", "/api/auth/reset-password").reply(200, "{}");
+    enter(u"123456"_s);
+    stage->key(Qt::Key_Return);
+    stage->typeText(u"Secret123"_s);
+    stage->key(Qt::Key_Return);
+    ASSERT_TRUE(stage->waitFor(u"All set"_s));
+    EXPECT_TRUE(announces(u"Password updated. You can now sign in with your new password."_s));
+    stage->press(u"OK"_s);
+    EXPECT_TRUE(arrivesAtSignIn());
+}
+
 class OtpViewModelTest : public OtpViewTest
 {
 protected:

@@ -176,6 +176,26 @@ TEST_F(SignupViewTest, BackFromTheCodeScreenEveryFieldIsStillFilled)
     EXPECT_TRUE(arrivesAt(u"Verify email"_s));
 }
 
+TEST_F(SignupViewTest, AVerifiedCodeLeadsBackToTheFilledForm)
+{
+    server.expect("POST", "/api/auth/signup").reply(201, R"({"message":"ok"})");
+    server.expect("POST", "/api/auth/verify-otp").reply(200, R"({"message":"ok"})");
+    fill(u" ada@example.org"_s);
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(arrivesAt(u"Verify email"_s));
+    stage->type(u"Verification code"_s, u"123456"_s);
+    stage->click(u"Verify"_s);
+    ASSERT_TRUE(stage->waitFor(u"All set"_s));
+    EXPECT_EQ(lastBody(), R"({"email":"ada@example.org","code":"123456"})");
+    stage->click(u"OK"_s);
+    ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    EXPECT_EQ(depth(), 2);
+    EXPECT_EQ(valueOf(u"Full name"_s), u"Ada Byron"_s);
+    EXPECT_EQ(valueOf(u"Email"_s), u" ada@example.org"_s);
+    EXPECT_EQ(valueOf(u"Password"_s), u"Secret123"_s);
+    EXPECT_FALSE(top()->findChild<SignupViewModel *>()->goToOtp());
+}
+
 TEST_F(SignupViewTest, AFailureKeepsTheFieldsAndTheScreen)
 {
     fill();

@@ -119,6 +119,24 @@ bool verifyRefused(Stage &stage)
     return stage.screen().waitFor(u"The code is wrong or has expired."_s);
 }
 
+bool verified(Stage &stage)
+{
+    stage.server().expect("POST", "/api/auth/verify-otp").reply(200, "{}");
+    if (!verify(stage) || !stage.screen().type(u"Verification code"_s, u"123456"_s))
+        return false;
+    stage.screen().key(Qt::Key_Return);
+    return stage.screen().waitFor(u"All set"_s);
+}
+
+bool resetDone(Stage &stage)
+{
+    stage.server().expect("POST", "/api/auth/reset-password").reply(200, "{}");
+    if (!resetFilled(stage))
+        return false;
+    stage.screen().key(Qt::Key_Return);
+    return stage.screen().waitFor(u"All set"_s);
+}
+
 bool resent(Stage &stage)
 {
     stage.server().expect("POST", "/api/auth/resend-otp").reply(200, codeSent);
