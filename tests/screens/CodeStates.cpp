@@ -153,7 +153,8 @@ QList<State> codeStates()
             {"code-reset-empty", resetEmpty},       {"code-reset-filled", resetFilled},
             {"code-reset-refused", resetRefused},   {"code-verify-empty", verify},
             {"code-verify-partial", verifyPartial}, {"code-verify-busy", verifyBusy},
-            {"code-verify-refused", verifyRefused}, {"code-verify-resent", resent}};
+            {"code-verify-refused", verifyRefused}, {"code-verify-resent", resent},
+            {"code-done-verify", verified},         {"code-done-reset", resetDone}};
 }
 
 } // namespace clockwell::test
