@@ -1,39 +1,9 @@
+#include "LogCatcher.h"
 #include "World.h"
-
-#include <spdlog/sinks/ostream_sink.h>
-#include <spdlog/spdlog.h>
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 namespace clockwell::server::test {
-
-namespace {
-
-/// Collects everything that is logged while it exists.
-class LogCatcher
-{
-public:
-    LogCatcher() : m_previous(spdlog::default_logger())
-    {
-        auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(m_stream);
-        auto logger = std::make_shared<spdlog::logger>("caught", sink);
-        logger->set_level(spdlog::level::trace);
-        spdlog::set_default_logger(logger);
-    }
-    ~LogCatcher() { spdlog::set_default_logger(m_previous); }
-    LogCatcher(const LogCatcher &) = delete;
-    LogCatcher &operator=(const LogCatcher &) = delete;
-
-    std::string text() const { return m_stream.str(); }
-
-private:
-    std::shared_ptr<spdlog::logger> m_previous;
-    std::ostringstream m_stream;
-};
-
-} // namespace
 
 TEST(SecretsTest, NeitherFilesNorLogHoldASecret)
 {

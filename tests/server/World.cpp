@@ -1,5 +1,6 @@
 #include "World.h"
 
+#include <regex>
 #include <stdexcept>
 
 namespace clockwell::server::test {
@@ -82,10 +83,31 @@ World::World(const std::string &now, Settings settings, DatabaseOptions options)
         connection.execute(
             "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
     });
-    m_application.emplace(*m_database, clock(), settings);
+    m_application.emplace(*m_database, clock(), settings, [this](Mail mail) {
+        const std::lock_guard lock{m_mailsLock};
+        m_mails.push_back(std::move(mail));
+    });
     m_http.emplace(HttpServer::Options{},
                    [this](const Request &request) { return m_application->handle(request); });
     m_http->start();
+}
+
+std::vector<Mail> World::mails() const
+{
+    const std::lock_guard lock{m_mailsLock};
+    return m_mails;
+}
+
+std::string World::code(const std::string &email) const
+{
+    static const std::regex sixDigits{"(^|[^0-9])([0-9]{6})([^0-9]|$)"};
+    std::string code;
+    for (const Mail &mail : mails()) {
+        std::smatch match;
+        if (mail.to == email)
+            code = std::regex_search(mail.text, match, sixDigits) ? match[2].str() : std::string{};
+    }
+    return code;
 }
 
 Reply World::get(const std::string &target, const std::string &token) const

@@ -7,9 +7,11 @@
 #include "server/http/HttpServer.h"
 
 #include <atomic>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace clockwell::server::test {
 
@@ -84,7 +86,14 @@ public:
     Reply punch(const std::string &token, double lat = 48.0005, double lng = 11.0,
                 const std::string &device = "dev-1", double accuracy = 10) const;
 
+    /// The e-mails that were sent so far, the oldest first.
+    std::vector<Mail> mails() const;
+    /// The code in the newest e-mail to an address; empty when there is none.
+    std::string code(const std::string &email = "kim@example.org") const;
+
 private:
+    mutable std::mutex m_mailsLock;
+    std::vector<Mail> m_mails;
     TempFolder m_folder;
     std::atomic<long long> m_now;
     std::optional<Database> m_database;
