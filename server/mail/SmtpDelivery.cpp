@@ -1,5 +1,6 @@
 #include "server/mail/SmtpDelivery.h"
 
+#include "server/EmailAddress.h"
 #include "server/Tokens.h"
 #include "server/mail/MailMessage.h"
 
@@ -140,6 +141,8 @@ SmtpDelivery::SmtpDelivery(SmtpOptions options, Clock clock)
 
 void SmtpDelivery::deliver(const Mail &mail, const std::atomic<bool> &giveUp)
 {
+    if (!isEmailAddress(mail.to)) // it becomes part of a command
+        throw DeliveryError{DeliveryError::Kind::Permanent, "the recipient is not an e-mail address"};
     Upload upload{messageText(mail, m_options.from, m_clock(), newId())};
     Transfer transfer;
     transfer.set(CURLOPT_URL, m_options.url.c_str());

@@ -52,12 +52,12 @@ protected:
         return options;
     }
     /// Nothing when the message was delivered.
-    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options)
+    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options, const Mail &mail = Sample)
     {
         SmtpDelivery delivery{options, systemClock()};
         const std::atomic<bool> giveUp{false};
         try {
-            delivery.deliver(Sample, giveUp);
+            delivery.deliver(mail, giveUp);
             return {};
         } catch (const DeliveryError &error) {
             return error.kind();
@@ -76,6 +76,15 @@ TEST_F(SmtpTest, MessageArrivesEncryptedAndWhole)
     EXPECT_TRUE(
         message.starts_with("MAIL clockwell@example.com\nRCPT kim@example.org\nTLS True\nFrom: Clockwell "));
     EXPECT_TRUE(message.ends_with("\r\n\r\nHello\r\n.\r\n..dots\r\n.\r\nBye\r\n")) << message;
+}
+
+TEST_F(SmtpTest, RecipientThatIsNoAddressNeverReachesTheServer)
+{
+    const SmtpServer server{secured()};
+    for (const char *to : {"kim@example.org>\r\nRCPT TO:<eve@example.org", "kim@example.org\n", "", "kim"})
+        EXPECT_EQ(failureOf(client(server.url()), {to, "Code", "text\n"}), DeliveryError::Kind::Permanent)
+            << to;
+    EXPECT_TRUE(server.messages().empty());
 }
 
 TEST_F(SmtpTest, WrongPasswordIsAPermanentFailure)
