@@ -7,7 +7,6 @@
 #include <curl/curl.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -33,7 +32,7 @@ std::size_t readUpload(char *buffer, std::size_t size, std::size_t count, void *
 {
     auto &upload = *static_cast<Upload *>(state);
     const std::size_t part = std::min(size * count, upload.text.size() - upload.sent);
-    std::memcpy(buffer, upload.text.data() + upload.sent, part);
+    upload.text.copy(buffer, part, upload.sent);
     upload.sent += part;
     return part;
 }
