@@ -50,7 +50,9 @@ bool isEmailAddress(std::string_view text)
     const auto at = text.rfind('@');
     if (at == std::string_view::npos || at > LongestLocalPart || text.size() > LongestEmail)
         return false;
-    return allBetweenDots(text.substr(0, at), isAtom) && allBetweenDots(text.substr(at + 1), isLabel);
+    const bool localPart = allBetweenDots(text.substr(0, at), isAtom);
+    const bool domain = allBetweenDots(text.substr(at + 1), isLabel);
+    return localPart && domain;
 }
 
 std::string trimmed(std::string_view text)
