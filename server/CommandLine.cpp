@@ -3,6 +3,7 @@
 #include "server/DemoCommand.h"
 #include "server/ListenAddress.h"
 #include "server/ServeCommand.h"
+#include "server/admin/AdminCommand.h"
 #include "server/mail/MailOptions.h"
 
 #include <CLI/CLI.hpp>
@@ -129,6 +130,7 @@ int runCommandLine(int argc, const char *const *argv)
     std::function<int()> run;
     addServe(app, serveOptions, run);
     addDemo(app, demoOptions, run);
+    addAdmin(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

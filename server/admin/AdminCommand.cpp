@@ -1,0 +1,47 @@
+#include "server/admin/AdminCommand.h"
+
+#include "server/admin/AdminError.h"
+#include "server/admin/EmployeeGroup.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr int Refused = 1;
+constexpr int NotFound = 3;
+
+int guarded(const std::function<void()> &command)
+{
+    try {
+        command();
+        return 0;
+    } catch (const AdminError &error) {
+        std::fprintf(stderr, "clockwell-server: %s\n", error.what());
+        return error.kind() == AdminError::Kind::NotFound ? NotFound : Refused;
+    }
+}
+
+} // namespace
+
+void addAdmin(CLI::App &app, std::function<int()> &run)
+{
+    CLI::App *admin = app.add_subcommand("admin", "Manage employees, also while the server runs");
+    admin->require_subcommand(1)->fallthrough(); // what the groups inherit: options may stand behind them too
+    admin->footer("Example: clockwell-server admin --database clockwell.db employees list --status pending\n"
+                  "Exit codes: 0 done, 1 failed or refused, 2 wrong usage, 3 no such employee or office");
+    const auto options = std::make_shared<AdminOptions>();
+    admin->add_option("--database", options->database, "The SQLite file; it has to be there")
+        ->envname("CLOCKWELL_DATABASE")
+        ->required()
+        ->type_name("FILE");
+    admin->add_flag("--json", options->json, "Print JSON for scripts");
+    addEmployeeGroup(*admin, options, [&run](std::function<void()> command) {
+        run = [command = std::move(command)] { return guarded(command); };
+    });
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "server/Database.h"
+
+#include <concepts>
+#include <stdexcept>
+#include <string>
+
+namespace clockwell::server {
+
+/// A database that is there already, for administration, also beside a running server.
+class AdminDatabase
+{
+public:
+    /// Throws std::runtime_error when the file is not there or is not one of this program's: a mistyped name
+    /// must not make a new, empty database.
+    explicit AdminDatabase(const std::string &file);
+
+    /// One transaction. An error of the database says that nothing was changed.
+    template <std::invocable<Connection &> Work>
+    auto write(Work work)
+    {
+        try {
+            return m_database.write(std::move(work));
+        } catch (const DatabaseError &error) {
+            throw std::runtime_error{std::string{"Nothing was changed: "} + error.what() + "."};
+        }
+    }
+
+    Database &database() { return m_database; }
+
+private:
+    Database m_database;
+};
+
+} // namespace clockwell::server

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace clockwell::server {
+
+/// An administration command that was refused; nothing was changed. The text is for the administrator.
+class AdminError : public std::runtime_error
+{
+public:
+    enum class Kind {
+        Refused, ///< it cannot be done as things are
+        NotFound ///< there is nothing of that name
+    };
+
+    AdminError(Kind kind, const std::string &text) : std::runtime_error(text), m_kind(kind) {}
+    Kind kind() const { return m_kind; }
+
+private:
+    Kind m_kind;
+};
+
+} // namespace clockwell::server

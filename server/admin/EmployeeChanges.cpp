@@ -1,0 +1,148 @@
+#include "server/admin/EmployeeChanges.h"
+
+#include "server/CalendarDay.h"
+#include "server/TimeZone.h"
+#include "server/admin/AdminError.h"
+#include "server/admin/OfficeLookup.h"
+#include "server/admin/Table.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace clockwell::server {
+
+namespace {
+
+AdminError refused(const std::string &text)
+{
+    return {AdminError::Kind::Refused, text};
+}
+
+std::string personText(const EmployeeEntry &employee)
+{
+    return printable(employee.email) + " (" + printable(employee.fullName) + ")";
+}
+
+bool neverApproved(const EmployeeEntry &employee)
+{
+    return employee.status == "PENDING" || employee.status == "REJECTED";
+}
+
+/// The office that an employee without one gets when none is named.
+OfficeEntry onlyPossibleOffice(Connection &connection, const EmployeeEntry &employee)
+{
+    auto offices = listOffices(connection);
+    std::erase_if(offices, [&](const OfficeEntry &office) {
+        return employee.instituteId && office.instituteId != *employee.instituteId;
+    });
+    if (offices.size() == 1)
+        return offices.front();
+    const std::string who = personText(employee) + " has no office";
+    if (offices.empty())
+        throw refused(who + ", and there is none" +
+                      (employee.companyName ? " in the company " + printable(*employee.companyName) : "") +
+                      " to assign.");
+    throw refused(who + ". Pass --office with one of: " + officeNames(offices) + ".");
+}
+
+OfficeEntry officeToBe(Connection &connection, const EmployeeEntry &employee,
+                       const std::optional<std::string> &wished)
+{
+    if (!wished && !employee.officeId)
+        return onlyPossibleOffice(connection, employee);
+    OfficeEntry office = requireOfficeNamed(connection, wished ? *wished : *employee.officeId);
+    if (employee.instituteId && office.instituteId != *employee.instituteId)
+        throw refused("The office " + printable(office.name) + " belongs to the company " +
+                      printable(office.companyName) + ", but " + personText(employee) + " to " +
+                      printable(employee.companyName.value_or("another one")) + ".");
+    return office;
+}
+
+std::string todayIn(const OfficeEntry &office, Instant now)
+{
+    const auto zone = TimeZone::named(office.timeZoneName);
+    if (!zone)
+        throw refused("The time zone " + printable(office.timeZoneName) + " of the office " +
+                      printable(office.name) + " is not known here.");
+    return toText(zone->dayOf(now));
+}
+
+} // namespace
+
+EmployeeChange EmployeeChanges::approve(const ApprovalWishes &wishes)
+{
+    const EmployeeEntry employee = requireEmployee(m_connection, wishes.email);
+    const bool approved = employee.status == "APPROVED";
+    if (!approved && employee.emailVerified == 0 && !wishes.evenUnverified)
+        throw refused(personText(employee) +
+                      " has not verified the e-mail address yet. Wait for that, or pass --even-unverified;"
+                      " signing in stays impossible until it is verified.");
+    const OfficeEntry office = officeToBe(m_connection, employee, wishes.office);
+    const std::string role = wishes.role.value_or(employee.role);
+    if (approved && employee.officeId == office.id && employee.instituteId && employee.role == role)
+        return {false, personText(employee) + " is approved already; nothing was changed.", employee};
+    const std::string joinedOn = neverApproved(employee) ? todayIn(office, m_now) : employee.joinedOn;
+    place(employee, office.id);
+    m_connection.execute("UPDATE employees SET status = 'APPROVED', role = :role, joined_on = :joined"
+                         " WHERE id = :id",
+                         role, joinedOn, employee.id);
+    const std::string verb = employee.status == "SUSPENDED" ? "Reinstated "
+                             : approved                     ? "Changed "
+                                                            : "Approved ";
+    return {true,
+            verb + personText(employee) + ": office " + printable(office.name) + ", role " + role +
+                ", joined on " + joinedOn + ".",
+            requireEmployee(m_connection, employee.email)};
+}
+
+EmployeeChange EmployeeChanges::reject(const std::string &email)
+{
+    const EmployeeEntry employee = requireEmployee(m_connection, email);
+    // Rejected means never approved: only so does the first approval stay known, and with it the day of
+    // joining.
+    if (!neverApproved(employee))
+        throw refused(personText(employee) + " was approved before. Use suspend instead.");
+    return lockOut(employee, "REJECTED", "rejected");
+}
+
+EmployeeChange EmployeeChanges::suspend(const std::string &email)
+{
+    const EmployeeEntry employee = requireEmployee(m_connection, email);
+    if (neverApproved(employee))
+        throw refused(personText(employee) + " was never approved. Use reject instead.");
+    return lockOut(employee, "SUSPENDED", "suspended");
+}
+
+EmployeeChange EmployeeChanges::lockOut(const EmployeeEntry &employee, const std::string &status,
+                                        const std::string &verb)
+{
+    m_sessions.endAll(m_connection, employee.id); // also the second time: none may be left over
+    if (employee.status == status)
+        return {false, personText(employee) + " is " + verb + " already; nothing was changed.", employee};
+    m_connection.execute("UPDATE employees SET status = :status WHERE id = :id", status, employee.id);
+    return {true, personText(employee) + " is " + verb + " now and signed out everywhere.",
+            requireEmployee(m_connection, employee.email)};
+}
+
+EmployeeChange EmployeeChanges::assignOffice(const std::string &email, const std::string &officeName)
+{
+    const EmployeeEntry employee = requireEmployee(m_connection, email);
+    const OfficeEntry office = officeToBe(m_connection, employee, officeName);
+    if (employee.officeId == office.id && employee.instituteId)
+        return {false,
+                personText(employee) + " has the office " + printable(office.name) +
+                    " already; nothing was changed.",
+                employee};
+    place(employee, office.id);
+    return {true, "Assigned " + personText(employee) + " to the office " + printable(office.name) + ".",
+            requireEmployee(m_connection, employee.email)};
+}
+
+void EmployeeChanges::place(const EmployeeEntry &employee, const std::string &officeId)
+{
+    m_connection.execute("UPDATE employees SET office_id = :office, institute_id = COALESCE(institute_id,"
+                         " (SELECT institute_id FROM offices WHERE id = :same)) WHERE id = :id",
+                         officeId, officeId, employee.id);
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,163 @@
+#include "server/admin/EmployeeGroup.h"
+
+#include "server/admin/AdminDatabase.h"
+#include "server/admin/EmployeeChanges.h"
+#include "server/admin/EmployeePrinter.h"
+#include "server/admin/OfficeLookup.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr std::size_t LongestRole = 32; // as in the schema
+
+struct EmployeeOptions
+{
+    std::shared_ptr<AdminOptions> common;
+    ApprovalWishes wishes; // the e-mail address of all commands is in here
+    std::string office;
+    std::string status;
+};
+using Options = std::shared_ptr<EmployeeOptions>;
+
+std::string roleProblem(const std::string &text)
+{
+    const bool letters =
+        std::all_of(text.begin(), text.end(), [](char c) { return (c >= 'A' && c <= 'Z') || c == '_'; });
+    const bool words =
+        !text.empty() && text.front() != '_' && text.back() != '_' && text.find("__") == std::string::npos;
+    return letters && words && text.size() <= LongestRole
+               ? ""
+               : "\"" + text + "\" is not a role like EMPLOYEE or TEAM_LEAD";
+}
+
+bool wanted(const EmployeeEntry &employee, const std::string &status)
+{
+    if (status == "unverified")
+        return employee.emailVerified == 0;
+    return status.empty() || CLI::detail::to_lower(employee.status) == status;
+}
+
+void list(const EmployeeOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const auto employees = database.database().read([&](Connection &connection) {
+        auto rows = listEmployees(connection);
+        const std::string office =
+            options.office.empty() ? "" : requireOfficeNamed(connection, options.office).id;
+        std::erase_if(rows, [&](const EmployeeEntry &employee) {
+            return !wanted(employee, options.status) || (!office.empty() && employee.officeId != office);
+        });
+        return rows;
+    });
+    printEmployees(employees, options.common->json);
+}
+
+void show(const EmployeeOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    printEmployee(database.database().read([&](Connection &connection) {
+        return requireEmployee(connection, options.wishes.email);
+    }),
+                  options.common->json);
+}
+
+using Change = std::function<EmployeeChange(EmployeeChanges &, const EmployeeOptions &)>;
+
+void change(const EmployeeOptions &options, const Change &what)
+{
+    AdminDatabase database{options.common->database};
+    const Sessions sessions{database.database(), systemClock()};
+    const EmployeeChange done = database.write([&](Connection &connection) {
+        EmployeeChanges changes{connection, sessions, systemClock()()};
+        return what(changes, options);
+    });
+    printChange(done, options.common->json);
+}
+
+CLI::App *addCommand(CLI::App &group, const std::string &name, const std::string &help,
+                     const std::string &example)
+{
+    CLI::App *command = group.add_subcommand(name, help);
+    command->footer("Example: clockwell-server admin --database clockwell.db employees " + name + example);
+    return command;
+}
+
+void addEmail(CLI::App &command, const Options &options)
+{
+    command.add_option("EMAIL", options->wishes.email, "The employee's e-mail address")->required();
+}
+
+CLI::App *addChange(CLI::App &group, const std::string &name, const std::string &help,
+                    const std::string &example, const Options &options, const ChooseCommand &choose,
+                    const Change &what)
+{
+    CLI::App *command = addCommand(group, name, help, " kim@example.org" + example);
+    addEmail(*command, options);
+    command->callback([=] { choose([=] { change(*options, what); }); });
+    return command;
+}
+
+void addQueries(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    CLI::App *all = addCommand(group, "list", "List employees", " --status pending");
+    all->add_option("--status", options->status, "Only these")
+        ->transform(
+            CLI::IsMember({"pending", "approved", "rejected", "suspended", "unverified"}, CLI::ignore_case));
+    all->add_option("--office", options->office, "Only those of the office with this name");
+    all->callback([=] { choose([=] { list(*options); }); });
+    CLI::App *one = addCommand(group, "show", "Show one employee", " kim@example.org");
+    addEmail(*one, options);
+    one->callback([=] { choose([=] { show(*options); }); });
+}
+
+void addApprove(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    CLI::App *approve = addChange(
+        group, "approve", "Let an employee sign in, for the first time or again", " --office \"Head Office\"",
+        options, choose,
+        [](EmployeeChanges &changes, const EmployeeOptions &o) { return changes.approve(o.wishes); });
+    approve->add_option("--office", options->wishes.office, "The employee's office [the one there is]");
+    approve->add_option("--role", options->wishes.role, "The employee's role, e.g. MANAGER")
+        ->check(roleProblem);
+    approve->add_flag("--even-unverified", options->wishes.evenUnverified,
+                      "Also when the e-mail address is not verified yet");
+}
+
+void addOtherChanges(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    addChange(
+        group, "reject", "Turn an application down", "", options, choose,
+        [](EmployeeChanges &changes, const EmployeeOptions &o) { return changes.reject(o.wishes.email); });
+    addChange(
+        group, "suspend", "Lock an employee out, at once on all devices", "", options, choose,
+        [](EmployeeChanges &changes, const EmployeeOptions &o) { return changes.suspend(o.wishes.email); });
+    CLI::App *assign =
+        addChange(group, "assign-office", "Give an employee another office", " \"Head Office\"", options,
+                  choose, [](EmployeeChanges &changes, const EmployeeOptions &o) {
+                      return changes.assignOffice(o.wishes.email, o.office);
+                  });
+    assign->add_option("OFFICE", options->office, "The office's name")->required();
+}
+
+} // namespace
+
+void addEmployeeGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &options,
+                      const ChooseCommand &choose)
+{
+    CLI::App *group = admin.add_subcommand("employees", "List, approve, reject and suspend employees");
+    group->require_subcommand(1);
+    group->footer(
+        "Example: clockwell-server admin --database clockwell.db employees approve kim@example.org");
+    const auto own = std::make_shared<EmployeeOptions>();
+    own->common = options;
+    addQueries(*group, own, choose);
+    addApprove(*group, own, choose);
+    addOtherChanges(*group, own, choose);
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "server/admin/EmployeeChanges.h"
+
+#include <vector>
+
+namespace clockwell::server {
+
+// All print to standard output: a text for people, or JSON of the form in docs/administration.md.
+
+void printEmployees(const std::vector<EmployeeEntry> &employees, bool json);
+void printEmployee(const EmployeeEntry &employee, bool json);
+void printChange(const EmployeeChange &change, bool json);
+
+} // namespace clockwell::server

@@ -1,0 +1,85 @@
+#include "server/admin/Table.h"
+
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace clockwell::server {
+
+namespace {
+
+/// Calls `visit` with each code point; bytes that are not UTF-8 come as U+FFFD.
+template <class Visit>
+void eachCharacter(std::string_view text, Visit visit)
+{
+    const auto characters = icu::UnicodeString::fromUTF8(text);
+    for (std::int32_t at = 0; at < characters.length(); at = characters.moveIndex32(at, 1))
+        visit(characters.char32At(at));
+}
+
+std::size_t widthOf(UChar32 character)
+{
+    const auto type = u_charType(character);
+    if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || type == U_FORMAT_CHAR)
+        return 0;
+    const auto width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
+/// Control characters, the line and paragraph separators, and the marks that turn the direction of a line.
+bool steersTerminal(UChar32 character)
+{
+    return u_iscntrl(character) != 0 || u_hasBinaryProperty(character, UCHAR_BIDI_CONTROL);
+}
+
+std::string lineText(const std::vector<std::string> &cells, const std::vector<std::size_t> &widths)
+{
+    std::string line;
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        line += cells[i] + std::string(widths[i] - terminalWidth(cells[i]) + 2, ' ');
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line + "\n";
+}
+
+} // namespace
+
+std::size_t terminalWidth(std::string_view text)
+{
+    std::size_t width = 0;
+    eachCharacter(text, [&](UChar32 character) { width += widthOf(character); });
+    return width;
+}
+
+std::string printable(std::string_view text)
+{
+    std::string result;
+    eachCharacter(text, [&](UChar32 character) {
+        if (steersTerminal(character))
+            result += '?';
+        else
+            icu::UnicodeString{character}.toUTF8String(result);
+    });
+    return result;
+}
+
+std::string tableText(const std::vector<std::string> &header,
+                      const std::vector<std::vector<std::string>> &rows)
+{
+    std::vector<std::vector<std::string>> lines{header};
+    lines.insert(lines.end(), rows.begin(), rows.end());
+    std::vector<std::size_t> widths(header.size());
+    for (auto &line : lines) {
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            line[i] = printable(line[i]);
+            widths[i] = std::max(widths[i], terminalWidth(line[i]));
+        }
+    }
+    std::string text;
+    for (const auto &line : lines)
+        text += lineText(line, widths);
+    return text;
+}
+
+} // namespace clockwell::server

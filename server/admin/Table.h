@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace clockwell::server {
+
+/// How many columns of a terminal a UTF-8 text takes: wide East Asian characters two, combining marks none.
+std::size_t terminalWidth(std::string_view text);
+
+/// The text on one line and without control characters (each becomes "?"): people choose their own names, and
+/// these must not steer the administrator's terminal.
+std::string printable(std::string_view text);
+
+/// Rows under a header, the columns aligned and two blanks apart, no line ending in blanks.
+std::string tableText(const std::vector<std::string> &header,
+                      const std::vector<std::vector<std::string>> &rows);
+
+} // namespace clockwell::server
