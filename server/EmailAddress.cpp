@@ -48,7 +48,7 @@ bool allBetweenDots(std::string_view text, Rule rule)
 bool isEmailAddress(std::string_view text)
 {
     const auto at = text.rfind('@');
-    if (at == std::string_view::npos || at > LongestLocalPart || text.size() > LongestEmail)
+    if (at > LongestLocalPart || text.size() > LongestEmail) // no @ is further away than any
         return false;
     const bool localPart = allBetweenDots(text.substr(0, at), isAtom);
     const bool domain = allBetweenDots(text.substr(at + 1), isLabel);
