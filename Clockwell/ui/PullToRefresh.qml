@@ -1,0 +1,49 @@
+import QtQuick
+import Clockwell.Ui
+
+// Pull to refresh for the list or page `flickable`, as an item beside it: a disc comes down with the content, its
+// spokes turning with the pull, and stays until the refresh is over. F5 and Ctrl+R refresh too.
+PullToRefreshControl {
+    id: root
+
+    // A load that nobody pulled for: the disc shows, the content stays where it is.
+    property bool loading: false
+    readonly property bool busy: refreshing || loading
+
+    // Where the content stays it is at the side, off a title.
+    x: Math.round(flickable.x + (loading ? flickable.width - width - Theme.margin : (flickable.width - width) / 2))
+    y: Math.round(flickable.y + (rest - height) / 2)
+    width: 40
+    height: 40
+    duration: Theme.duration
+
+    Accessible.role: Accessible.Button
+    Accessible.name: label
+
+    Shortcut {
+        sequences: ["F5", "Ctrl+R"]
+        enabled: root.visible && root.enabled
+        onActivated: root.refresh()
+    }
+
+    ContinuousRectangle {
+        objectName: "disc"
+        y: root.loading ? 0 : root.indicatorOffset
+        width: root.width
+        height: root.height
+        radius: 20
+        color: Theme.surface
+        borderColor: Theme.divider
+        borderWidth: 1
+        opacity: root.busy ? 1 : root.progress
+        visible: opacity > 0
+
+        Spinner {
+            objectName: "spinner"
+            anchors.centerIn: parent
+            color: root.busy || root.progress >= 1 ? Theme.brand : Theme.textMuted
+            still: !root.busy || Theme.reducedMotion
+            rotation: root.busy ? 0 : root.turn
+        }
+    }
+}
