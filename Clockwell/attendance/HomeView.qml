@@ -22,12 +22,6 @@ FocusScope {
         shown: view.visible
     }
 
-    Shortcut {
-        sequences: ["F5", "Ctrl+R"]
-        enabled: view.visible
-        onActivated: home.refreshToday()
-    }
-
     ScreenBackground {}
 
     Flickable {
@@ -82,9 +76,9 @@ FocusScope {
         }
     }
 
-    PullSpinner {
+    PullToRefresh {
         flickable: page
-        busy: home.loadingToday
+        refreshing: home.refreshing
         onTriggered: home.refreshToday()
     }
 

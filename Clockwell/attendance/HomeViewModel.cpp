@@ -101,7 +101,19 @@ QCoro::Task<> HomeViewModel::reload()
 void HomeViewModel::refreshToday()
 {
     if (m_attendance)
-        m_attendance->loadToday();
+        loadDay();
+}
+
+QCoro::Task<> HomeViewModel::loadDay()
+{
+    const BusyFlag busy(this, &HomeViewModel::countRefreshes);
+    co_await whileAlive(this, m_attendance->loadToday());
+}
+
+void HomeViewModel::countRefreshes(bool begins)
+{
+    m_refreshes += begins ? 1 : -1;
+    Q_EMIT refreshingChanged();
 }
 
 void HomeViewModel::refreshLocation()

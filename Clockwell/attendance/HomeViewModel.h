@@ -52,6 +52,8 @@ class HomeViewModel : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString locatingText READ locatingText NOTIFY busyChanged)
     Q_PROPERTY(QString hint READ hint NOTIFY hintChanged)
 
+    /// Whether a refresh of the day that was asked for is under way; coming to the screen is none.
+    Q_PROPERTY(bool refreshing READ isRefreshing NOTIFY refreshingChanged)
     Q_PROPERTY(bool loadingToday READ isLoadingToday NOTIFY busyChanged)
     Q_PROPERTY(bool checkingDistance READ isCheckingDistance NOTIFY busyChanged)
     Q_PROPERTY(bool punching READ isPunching NOTIFY busyChanged)
@@ -91,6 +93,7 @@ public:
     QString nearestLine() const;
     QString locatingText() const;
     QString hint() const;
+    bool isRefreshing() const { return m_refreshes > 0; }
     bool isLoadingToday() const { return m_attendance && m_attendance->loadingToday(); }
     bool isCheckingDistance() const { return m_attendance && m_attendance->checkingDistance(); }
     bool isPunching() const { return m_attendance && m_attendance->punching(); }
@@ -112,6 +115,7 @@ Q_SIGNALS:
     void liveChanged();
     void hintChanged();
     void busyChanged();
+    void refreshingChanged();
 
 private:
     const TodayResponse *today() const;
@@ -119,12 +123,15 @@ private:
     const DistanceResponse *live() const;
     void appeared();
     QCoro::Task<> reload();
+    QCoro::Task<> loadDay();
+    void countRefreshes(bool begins);
 
     Clock m_clock;
     DateFormats m_formats;
     QPointer<AttendanceStore> m_attendance;
     QPointer<LocationManager> m_location;
     QString m_fullName;
+    int m_refreshes = 0;
     bool m_shown = false;
     bool m_complete = true; // false while QML sets the properties one by one
 };

@@ -1,20 +1,99 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
+// The current month in numbers. Until the first answer the same shapes stand there without them.
 FocusScope {
     id: view
 
     required property AttendanceStore attendance
 
+    readonly property real contentWidth: Math.min(width, 600) - 2 * Theme.margin
+
+    SummaryViewModel {
+        id: summary
+        attendance: view.attendance
+        shown: view.visible
+    }
+
     ScreenBackground {}
 
-    TextLabel {
-        x: Theme.margin
-        y: 24
-        width: view.width - 2 * x
-        text: "Summary"
-        size: 28
-        weight: Font.Bold
+    Flickable {
+        id: page
+        objectName: "page"
+        anchors.fill: parent
+        clip: true
+        focus: true
+        activeFocusOnTab: true
+        contentHeight: column.y + column.height + 24
+        pixelAligned: true
+        flickableDirection: Flickable.VerticalFlick
+        Keys.onDownPressed: flick(0, -900)
+        Keys.onUpPressed: flick(0, 900)
+
+        Column {
+            id: column
+            x: Math.round((page.width - width) / 2)
+            y: 24
+            width: view.contentWidth
+            spacing: 12
+
+            TextLabel {
+                width: parent.width
+                text: "Summary"
+                size: 28
+                weight: Font.Bold
+                color: Theme.white
+            }
+            CountOrBar {
+                width: parent.width
+                text: ""
+                size: 17
+                visible: !summary.present
+            }
+            TextLabel {
+                width: parent.width
+                visible: summary.present
+                text: summary.monthTitle
+                size: 17
+                weight: Font.DemiBold
+                color: Theme.textSecondary
+            }
+
+            Grid {
+                id: grid
+
+                // A tile needs some 112 points at the normal text size.
+                readonly property int fitting: width < 2 * 112 * Theme.textScale + columnSpacing ? 1 : 2
+
+                width: parent.width
+                columns: fitting
+                columnSpacing: 12
+                rowSpacing: 12
+
+                Repeater {
+                    model: summary.tiles
+
+                    SummaryTile {
+                        width: Math.floor((grid.width - (grid.columns - 1) * grid.columnSpacing) / grid.columns)
+                    }
+                }
+            }
+
+            TotalCard {
+                width: parent.width
+                total: summary.totalWorked
+                spoken: summary.totalSpoken
+            }
+        }
+    }
+
+    PullToRefresh {
+        flickable: page
+        refreshing: summary.refreshing
+        loading: summary.loading && !summary.refreshing
+        onTriggered: summary.refresh()
     }
 }

@@ -5,7 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
+#include <iterator>
+#include <vector>
 
 namespace clockwell {
 namespace {
@@ -99,8 +103,36 @@ TEST_P(EveryPlace, MomentsAreWrittenByTheirPatterns)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(DateFormats, EveryPlace, ::testing::ValuesIn(places),
-                         [](const auto &place) { return std::string(place.param.locale); });
+TEST_P(EveryPlace, TheCurrentMonthsKeyIsTitledAsTheCurrentMonth)
+{
+    // Whatever the device's calendar and digits: what it writes it reads as the same month.
+    for (const auto offset : {0h, 24h * 27 + 14h, 24h * 120, 24h * 302}) {
+        const Instant moment = march3 + offset;
+        EXPECT_EQ(formats.month(formats.monthKey(moment)),
+                  Reference(GetParam(), u"MMMM yyyy").write(toIcu(moment)));
+    }
+}
+
+std::string placeName(const ::testing::TestParamInfo<Place> &place)
+{
+    const std::string name = std::string(place.param.locale) + "_" + place.param.zone;
+    std::string letters;
+    std::ranges::copy_if(name, std::back_inserter(letters), [](unsigned char c) { return std::isalnum(c); });
+    return letters;
+}
+
+std::vector<Place> oddOffsets()
+{
+    std::vector<Place> odd;
+    for (const char *locale : {"en_US", "en_GB", "de_DE", "ar_EG", "fa_IR", "th_TH", "hi_IN"}) {
+        for (const char *zone : {"Asia/Kolkata", "Asia/Kathmandu", "America/St_Johns", "Pacific/Chatham"})
+            odd.push_back({locale, zone});
+    }
+    return odd;
+}
+
+INSTANTIATE_TEST_SUITE_P(AtHome, EveryPlace, ::testing::ValuesIn(places), placeName);
+INSTANTIATE_TEST_SUITE_P(OddOffsets, EveryPlace, ::testing::ValuesIn(oddOffsets()), placeName);
 
 class DateFormatsTest : public ::testing::Test
 {
@@ -139,6 +171,15 @@ TEST_F(DateFormatsTest, UnreadableMonthIsShownAsReceived)
 {
     for (const char *text : {"03/2025", "2025-13", "2025-00", "", "March", "2025-03-03", "2025"})
         EXPECT_EQ(month(text), text);
+}
+
+TEST_F(DateFormatsTest, OtherCalendarsReadTheServersNumbersAsTheirOwn)
+{
+    // Read and written in one calendar a date keeps its numbers: the year 2025 of the Buddhist calendar here.
+    const DateFormats thai("th_TH", "Asia/Bangkok");
+    EXPECT_EQ(thai.month(QStringLiteral("2025-03")).toStdString(), "มีนาคม 2025");
+    EXPECT_EQ(thai.monthKey(march3).toStdString(), "2568-03");
+    EXPECT_EQ(DateFormats("fa_IR", "Asia/Tehran").monthKey(march3).toStdString(), "۱۴۰۳-۱۲");
 }
 
 TEST_F(DateFormatsTest, LeapDayIsRead)

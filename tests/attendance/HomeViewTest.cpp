@@ -300,15 +300,5 @@ INSTANTIATE_TEST_SUITE_P(HomeView, HomeViewFormats,
                                            Format{{768, 1024}, 1}, Format{{320, 568}, 2},
                                            Format{{390, 844}, 2}, Format{{768, 1024}, 2}));
 
-TEST(OtherTabs, AreTitled)
-{
-    test::HomeServices services;
-    for (const QString &name : {u"History"_s, u"Summary"_s}) {
-        test::QmlStage stage(u"Clockwell/Attendance/"_s + name + u"View.qml"_s,
-                             {{u"attendance"_s, QVariant::fromValue(services.store.get())}});
-        EXPECT_TRUE(stage->shows(name));
-    }
-}
-
 } // namespace
 } // namespace clockwell

@@ -1,0 +1,40 @@
+import QtQuick
+import Clockwell.Attendance
+import Clockwell.Ui
+
+// A number that does not jump, smaller where it does not fit; a quiet bar in its place while there is none.
+Item {
+    id: root
+
+    required property string text
+    required property real size
+
+    height: Math.round(probe.height)
+
+    TextLabel {
+        id: probe
+        visible: false
+        text: "0"
+        size: root.size
+        weight: Font.Bold
+    }
+    TabularLabel {
+        id: number
+        y: Math.round((root.height - height * scale) / 2)
+        transformOrigin: Item.TopLeft
+        scale: Math.min(1, root.width / Math.max(1, implicitWidth))
+        visible: root.text.length > 0
+        text: root.text
+        size: root.size
+        weight: Font.Bold
+        color: Theme.white
+    }
+    ContinuousRectangle {
+        y: Math.round((root.height - height) / 2)
+        width: Math.round(Math.min(root.width, root.size * Theme.textScale * 1.5))
+        height: Math.round(root.size * Theme.textScale * 0.6)
+        radius: 4
+        color: Theme.surface
+        visible: root.text.length === 0
+    }
+}

@@ -1,0 +1,23 @@
+#include "attendance/ReadAsOne.h"
+
+#include "ui/ItemAccessible.h"
+
+namespace clockwell {
+
+namespace {
+
+QAccessibleInterface *createInterface(const QString &className, QObject *object)
+{
+    if (className != u"clockwell::ReadAsOne")
+        return nullptr;
+    return new ItemAccessible(static_cast<QQuickItem *>(object));
+}
+
+} // namespace
+
+ReadAsOne::ReadAsOne(QQuickItem *parent) : QQuickItem(parent)
+{
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createInterface), true);
+}
+
+} // namespace clockwell

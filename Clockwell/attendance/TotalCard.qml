@@ -1,0 +1,47 @@
+import QtQuick
+import Clockwell.Attendance
+import Clockwell.Ui
+
+// The month's worked time. Read out in one go.
+ReadAsOne {
+    id: root
+
+    required property string total
+    required property string spoken
+
+    height: card.height
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: spoken
+
+    Card {
+        id: card
+        width: root.width
+        height: implicitHeight
+
+        Column {
+            width: parent.width
+            spacing: 8
+
+            TextLabel {
+                width: parent.width
+                text: "TOTAL WORKED"
+                size: 10
+                weight: Font.Medium
+                font.letterSpacing: 0.6
+                color: Theme.textMuted
+            }
+            CountOrBar {
+                width: parent.width
+                text: root.total
+                size: 34
+            }
+            TextLabel {
+                width: parent.width
+                text: "this month"
+                size: 13
+                color: Theme.textSecondary
+            }
+        }
+    }
+}

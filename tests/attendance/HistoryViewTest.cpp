@@ -1,0 +1,305 @@
+#include "HomeStage.h"
+
+#include "attendance/DateFormats.h"
+#include "support/screen/QmlStage.h"
+#include "ui/Theme.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace clockwell {
+namespace {
+
+using test::spinUntil;
+
+const char *const path = "/api/attendance/me";
+const QString emptyText = u"No attendance records yet"_s;
+
+QByteArray day(int number, const QByteArray &rest = R"("status":"ON_TIME")")
+{
+    return R"({"id":"d)" + QByteArray::number(number) + R"(","workDate":"2025-03-)" +
+           QByteArray::number(number).rightJustified(2, '0') + R"(",)" + rest + "}";
+}
+
+/// Days from the last to the first, as the server has them.
+QByteArray days(int last, int first = 1)
+{
+    QByteArrayList list;
+    for (int number = last; number >= first; --number)
+        list.append(day(number));
+    return "[" + list.join(',') + "]";
+}
+
+class HistoryViewTest : public ::testing::Test
+{
+protected:
+    void expect(const QByteArray &reply, int status = 200)
+    {
+        services.server.expect("GET", path).reply(status, reply);
+    }
+    void open(QSize size = QSize(390, 844))
+    {
+        const QVariantMap properties{{u"attendance"_s, QVariant::fromValue(services.store.get())}};
+        stage = std::make_unique<test::QmlStage>(u"Clockwell/Attendance/HistoryView.qml"_s, properties, size);
+        list = stage->root()->findChild<QQuickItem *>(u"days"_s);
+        ASSERT_NE(list, nullptr);
+    }
+    void open(const QByteArray &reply, QSize size = QSize(390, 844))
+    {
+        expect(reply);
+        open(size);
+        ASSERT_TRUE(spinUntil([&] { return isIdle(1); }));
+    }
+    /// That many requests have come, and none is under way.
+    bool isIdle(int requests) const
+    {
+        return services.server.requests().size() >= requests &&
+               !stage->root()->findChild<QQuickItem *>(u"disc"_s)->isVisible();
+    }
+    bool settle(int requests)
+    {
+        return spinUntil([&] { return isIdle(requests); });
+    }
+    test::ScreenDriver &screen() { return stage->screen(); }
+    QStringList rows()
+    {
+        QList<test::ScreenDriver::Element> found;
+        for (const auto &element : screen().elements()) {
+            if (element.role == QAccessible::ListItem)
+                found.append(element);
+        }
+        std::ranges::sort(found, {}, [](const auto &row) { return row.rect.y(); });
+        QStringList names;
+        for (const auto &row : found)
+            names.append(row.name.section(u", "_s, 1, 1));
+        return names;
+    }
+    std::string dump() { return screen().dump().toStdString(); }
+    void pull()
+    {
+        const QPoint from(195, 200);
+        QTest::mousePress(&stage->view(), Qt::LeftButton, {}, from);
+        for (int i = 1; i <= 10; ++i)
+            QTest::mouseMove(&stage->view(), from + QPoint(0, 40 * i), 10);
+        QTest::mouseRelease(&stage->view(), Qt::LeftButton, {}, from + QPoint(0, 400));
+    }
+    qreal contentY() const { return list->property("contentY").toReal(); }
+
+    test::HomeServices services;
+    std::unique_ptr<test::QmlStage> stage;
+    QQuickItem *list = nullptr;
+};
+
+TEST_F(HistoryViewTest, ShowsTheDaysInTheServersOrder)
+{
+    open("[" + day(3) + "," + day(7) + "," + day(1) + "]");
+    EXPECT_TRUE(screen().shows(u"History"_s));
+    ASSERT_TRUE(spinUntil([&] { return rows().size() == 3; })) << dump();
+    EXPECT_EQ(rows(), QStringList({u"3 Mar 2025"_s, u"7 Mar 2025"_s, u"1 Mar 2025"_s}));
+    EXPECT_FALSE(screen().shows(emptyText));
+}
+
+TEST_F(HistoryViewTest, ARowIsOneElementThatSaysEverything)
+{
+    open("[" + day(3, R"("status":"MISSING_CHECK_OUT","checkInAt":"2025-03-03T09:04:00Z","lateMinutes":4)") +
+         "]");
+    const QString in = DateFormats().time(DateFormats::Instant(1740992640s));
+    const QString name =
+        u"Mon, 3 Mar 2025, MISSING CHECK OUT, check-in "_s + in + u", check-out —, Late 4m"_s;
+    ASSERT_TRUE(screen().waitFor(name)) << dump();
+    EXPECT_EQ(screen().find(name)->role, QAccessible::ListItem);
+    EXPECT_FALSE(screen().shows(u"Late 4m"_s)) << "read twice\n" << dump();
+    EXPECT_FALSE(screen().shows(u"MISSING CHECK OUT"_s));
+}
+
+TEST_F(HistoryViewTest, AnEmptyAnswerSaysSo)
+{
+    open("[]");
+    EXPECT_TRUE(screen().waitFor(emptyText));
+    EXPECT_TRUE(rows().isEmpty());
+}
+
+TEST_F(HistoryViewTest, AFailedFirstLoadShowsTheEmptyState)
+{
+    expect(R"({"message":"Down"})", 500);
+    open();
+    ASSERT_TRUE(settle(1));
+    EXPECT_TRUE(screen().shows(emptyText));
+    EXPECT_FALSE(screen().shows(u"Down"_s));
+    EXPECT_FALSE(services.store->banner());
+}
+
+TEST_F(HistoryViewTest, TheFirstLoadSpinsQuietlyAndMovesNothing)
+{
+    services.server.expect("GET", path).after(300ms).reply(200, days(3));
+    open();
+    auto *disc = stage->root()->findChild<QQuickItem *>(u"disc"_s);
+    EXPECT_TRUE(disc->isVisible());
+    EXPECT_TRUE(screen().shows(emptyText));
+    const QRect title = screen().find(u"History"_s, QAccessible::StaticText)->rect;
+    ASSERT_TRUE(settle(1));
+    EXPECT_TRUE(spinUntil([&] { return rows().size() == 3; }));
+    EXPECT_EQ(screen().find(u"History"_s, QAccessible::StaticText)->rect, title);
+}
+
+TEST_F(HistoryViewTest, ReturningToTheTabDoesNotReload)
+{
+    open(days(3));
+    stage->root()->setVisible(false);
+    stage->root()->setVisible(true);
+    QTest::qWait(100);
+    EXPECT_EQ(services.server.requests().size(), 1);
+}
+
+TEST_F(HistoryViewTest, ReturningAfterAFailedLoadDoesNotReloadEither)
+{
+    expect("{}", 500);
+    open();
+    ASSERT_TRUE(settle(1));
+    stage->root()->setVisible(false);
+    stage->root()->setVisible(true);
+    QTest::qWait(100);
+    EXPECT_EQ(services.server.requests().size(), 1);
+}
+
+TEST_F(HistoryViewTest, PullingReloadsAlways)
+{
+    open(days(3));
+    expect(days(4));
+    pull();
+    ASSERT_TRUE(settle(2));
+    EXPECT_TRUE(spinUntil([&] { return rows().size() == 4; })) << dump();
+    expect(days(5));
+    pull();
+    ASSERT_TRUE(settle(3));
+    EXPECT_TRUE(spinUntil([&] { return rows().size() == 5; }));
+}
+
+TEST_F(HistoryViewTest, PullingAnEmptyListReloads)
+{
+    open("[]");
+    expect(days(2));
+    pull();
+    ASSERT_TRUE(settle(2));
+    EXPECT_TRUE(spinUntil([&] { return rows().size() == 2; })) << dump();
+    EXPECT_FALSE(screen().shows(emptyText));
+}
+
+TEST_F(HistoryViewTest, AFailedReloadKeepsTheDays)
+{
+    open(days(3));
+    expect("{}", 503);
+    screen().key(Qt::Key_F5);
+    ASSERT_TRUE(settle(2));
+    EXPECT_EQ(rows().size(), 3);
+}
+
+TEST_F(HistoryViewTest, AReloadKeepsTheScrollPositionAndTheRows)
+{
+    open(days(31, 2));
+    list->setProperty("contentY", 900);
+    QTest::qWait(50);
+    const QStringList before = rows();
+    ASSERT_FALSE(before.isEmpty());
+    expect(days(31, 1));
+    screen().key(Qt::Key_F5);
+    ASSERT_TRUE(settle(2));
+    QTest::qWait(50);
+    EXPECT_EQ(contentY(), 900);
+    EXPECT_EQ(rows(), before);
+}
+
+TEST_F(HistoryViewTest, ANewDayAppearsAtTheTop)
+{
+    open(days(30));
+    ASSERT_TRUE(spinUntil([&] { return !rows().isEmpty(); }));
+    expect(days(31));
+    pull();
+    ASSERT_TRUE(settle(2));
+    EXPECT_TRUE(spinUntil([&] { return rows().value(0) == u"31 Mar 2025"_s; })) << dump();
+    QTest::qWait(500);
+    EXPECT_EQ(rows().value(0), u"31 Mar 2025"_s);
+    EXPECT_TRUE(screen().shows(u"History"_s));
+}
+
+TEST_F(HistoryViewTest, TheSameIdTwiceIsTwoRows)
+{
+    open("[" + day(1) + "," + day(1) + "," + day(1) + "]");
+    EXPECT_TRUE(spinUntil([&] { return rows().size() == 3; })) << dump();
+}
+
+TEST_F(HistoryViewTest, AnEmptyIdIsARowLikeAnyOther)
+{
+    open(R"([{"id":"","workDate":"2025-03-09","status":""},{"id":"","workDate":"x","status":"LATE"}])");
+    EXPECT_TRUE(spinUntil([&] { return rows().size() == 2; })) << dump();
+}
+
+TEST_F(HistoryViewTest, ThatGoesEmptyAgainSaysSo)
+{
+    open(days(20));
+    expect("[]");
+    screen().key(Qt::Key_F5);
+    ASSERT_TRUE(settle(2));
+    EXPECT_TRUE(screen().waitFor(emptyText));
+    EXPECT_TRUE(rows().isEmpty()) << dump();
+}
+
+TEST_F(HistoryViewTest, KeysScroll)
+{
+    open(days(31));
+    const qreal top = contentY();
+    list->forceActiveFocus();
+    screen().key(Qt::Key_Down);
+    EXPECT_TRUE(spinUntil([&] { return contentY() > top + 50; }));
+}
+
+TEST_F(HistoryViewTest, ScreenThatDiesMidFlightIsHarmless)
+{
+    services.server.expect("GET", path).after(100ms).reply(200, days(3));
+    open();
+    ASSERT_TRUE(services.server.waitForRequests(1));
+    stage.reset();
+    EXPECT_TRUE(spinUntil([&] { return services.store->history().size() == 3; }));
+}
+
+struct Format
+{
+    QSize size;
+    double textScale;
+};
+
+class HistoryViewFormats : public HistoryViewTest, public ::testing::WithParamInterface<Format>
+{};
+
+TEST_P(HistoryViewFormats, RowsStayWithinTheScreenAndApart)
+{
+    open("[" +
+             day(3, R"("status":"MISSING_CHECK_OUT","checkInAt":"2025-03-03T12:42:00Z","lateMinutes":1200)") +
+             "," + day(2, R"("status":"ON_TIME","workingMinutes":1439,"lateMinutes":1439)") + "]",
+         GetParam().size);
+    Theme::of(*stage->view().engine())->setTextScale(GetParam().textScale);
+    ASSERT_TRUE(spinUntil([&] { return rows().size() == 2; }));
+    QTest::qWait(50);
+    QRect above;
+    for (const auto &element : screen().elements()) {
+        if (element.role != QAccessible::ListItem)
+            continue;
+        EXPECT_GE(element.rect.left(), 20);
+        EXPECT_LE(element.rect.right(), GetParam().size.width() - 20);
+        if (above.isValid()) {
+            EXPECT_EQ(element.rect.top() - above.bottom() - 1, 10);
+        }
+        above = element.rect;
+    }
+    EXPECT_TRUE(above.isValid());
+}
+
+INSTANTIATE_TEST_SUITE_P(HistoryView, HistoryViewFormats,
+                         ::testing::Values(Format{{320, 568}, 1}, Format{{390, 844}, 1},
+                                           Format{{768, 1024}, 1}, Format{{390, 844}, 2},
+                                           Format{{320, 568}, 2}));
+
+} // namespace
+} // namespace clockwell
