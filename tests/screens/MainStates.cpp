@@ -163,8 +163,6 @@ QList<State> mainStates()
             {"home-punching", punching},
             {"home-banner-success", successBanner},
             {"home-banner-error", errorBanner},
-            {"history", [](Stage &stage) { return tab(stage, u"History"_s); }},
-            {"summary", [](Stage &stage) { return tab(stage, u"Summary"_s); }},
             {"profile", [](Stage &stage) { return tab(stage, u"Profile"_s); }}};
 }
 

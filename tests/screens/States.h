@@ -21,5 +21,7 @@ QList<State> signInStates();
 QList<State> signUpStates();
 QList<State> codeStates();
 QList<State> mainStates();
+QList<State> historyStates();
+QList<State> summaryStates();
 
 } // namespace clockwell::test
