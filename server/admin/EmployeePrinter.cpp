@@ -58,6 +58,7 @@ void printEmployees(const std::vector<EmployeeEntry> &employees, bool json)
         return;
     }
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(employees.size());
     for (const EmployeeEntry &employee : employees)
         rows.push_back({employee.fullName, employee.email, employee.status, verifiedText(employee),
                         employee.role, employee.officeName.value_or("-"), employee.joinedOn});
