@@ -1,21 +1,13 @@
 #include "server/admin/EmployeePrinter.h"
 
+#include "server/admin/AdminJson.h"
 #include "server/admin/Table.h"
-
-#include <nlohmann/json.hpp>
 
 #include <cstdio>
 
 namespace clockwell::server {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json optionalJson(const std::optional<std::string> &text)
-{
-    return text ? Json(*text) : Json(nullptr);
-}
 
 Json employeeJson(const EmployeeEntry &employee)
 {
@@ -30,12 +22,6 @@ Json employeeJson(const EmployeeEntry &employee)
     json["office"] = optionalJson(employee.officeName);
     json["joinedOn"] = employee.joinedOn;
     return json;
-}
-
-void printJson(const Json &json)
-{
-    // A name that is not UTF-8 must not keep the rest from being printed.
-    std::printf("%s\n", json.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
 }
 
 std::string verifiedText(const EmployeeEntry &employee)
