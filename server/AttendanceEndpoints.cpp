@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <spdlog/spdlog.h>
 
-#include <algorithm>
+#include <cmath>
 #include <ranges>
 
 namespace clockwell::server {
@@ -124,11 +124,9 @@ Response AttendanceEndpoints::summary(const Request &request)
     const auto days = m_database.read([&](Connection &connection) {
         const Office office = requireOffice(connection, employee.officeId);
         const Day today = office.timeZone().dayOf(m_clock());
-        return historyBetween(connection, employee, office, firstDayOf(*month), lastDayOf(*month), today);
+        return historyOfMonth(connection, employee, office, *month, today);
     });
-    std::vector<Assessment> assessments;
-    std::ranges::transform(days, std::back_inserter(assessments), &HistoryDay::assessment);
-    return jsonReply(summaryJson(*month, addUp(assessments)));
+    return jsonReply(summaryJson(*month, totalsOf(days)));
 }
 
 } // namespace clockwell::server

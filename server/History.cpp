@@ -1,6 +1,7 @@
 #include "server/History.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace clockwell::server {
 
@@ -36,6 +37,19 @@ std::vector<HistoryDay> historyBetween(Connection &connection, const Employee &e
         }
     }
     return days;
+}
+
+std::vector<HistoryDay> historyOfMonth(Connection &connection, const Employee &employee, const Office &office,
+                                       Month month, Day today)
+{
+    return historyBetween(connection, employee, office, firstDayOf(month), lastDayOf(month), today);
+}
+
+MonthTotals totalsOf(const std::vector<HistoryDay> &days)
+{
+    std::vector<Assessment> assessments;
+    std::ranges::transform(days, std::back_inserter(assessments), &HistoryDay::assessment);
+    return addUp(assessments);
 }
 
 Day startOfHistory(Day today)

@@ -25,6 +25,12 @@ HistoryDay historyDay(const AttendanceRow &row, Day today);
 std::vector<HistoryDay> historyBetween(Connection &connection, const Employee &employee, const Office &office,
                                        Day first, Day last, Day today);
 
+/// The days of a month that count, up to today.
+std::vector<HistoryDay> historyOfMonth(Connection &connection, const Employee &employee, const Office &office,
+                                       Month month, Day today);
+
+MonthTotals totalsOf(const std::vector<HistoryDay> &days);
+
 /// The first day that the list of records reaches back to: the current month and the twelve before it.
 Day startOfHistory(Day today);
 

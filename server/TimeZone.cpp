@@ -77,6 +77,12 @@ Day TimeZone::dayOf(Instant instant) const
     return Day{std::chrono::floor<std::chrono::days>(local)};
 }
 
+milliseconds TimeZone::timeOfDay(Instant instant) const
+{
+    const auto local = instant.time_since_epoch() + offsetAt(zoneOf(m_zone), instant);
+    return local - std::chrono::floor<std::chrono::days>(local);
+}
+
 Instant TimeZone::at(Day day, int minute) const
 {
     const icu::BasicTimeZone &zone = zoneOf(m_zone);

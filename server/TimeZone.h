@@ -27,6 +27,9 @@ public:
     /// The date on the wall calendar at this instant.
     Day dayOf(Instant instant) const;
 
+    /// What the wall clock shows at this instant, from 00:00 on.
+    std::chrono::milliseconds timeOfDay(Instant instant) const;
+
     /// The first instant at which the wall clock shows this time of this day or a later one (`minute` counts
     /// from midnight, 0 to 1440). So a time that a clock change skips happens at the end of the gap, and a
     /// time that is shown twice happens the first time.

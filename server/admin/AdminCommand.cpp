@@ -2,6 +2,7 @@
 
 #include "server/admin/AdminError.h"
 #include "server/admin/EmployeeGroup.h"
+#include "server/admin/ReportCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -39,9 +40,11 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
         ->required()
         ->type_name("FILE");
     admin->add_flag("--json", options->json, "Print JSON for scripts");
-    addEmployeeGroup(*admin, options, [&run](std::function<void()> command) {
+    const ChooseCommand choose = [&run](std::function<void()> command) {
         run = [command = std::move(command)] { return guarded(command); };
-    });
+    };
+    addEmployeeGroup(*admin, options, choose);
+    addReportCommand(*admin, options, choose);
 }
 
 } // namespace clockwell::server

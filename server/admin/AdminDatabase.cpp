@@ -1,5 +1,7 @@
 #include "server/admin/AdminDatabase.h"
 
+#include "server/admin/AdminError.h"
+
 #include <filesystem>
 
 namespace clockwell::server {
@@ -36,5 +38,17 @@ DatabaseOptions oneReader()
 } // namespace
 
 AdminDatabase::AdminDatabase(const std::string &file) : m_database(existing(file), oneReader()) {}
+
+void requireNoPartOf(const std::string &database, const std::string &file)
+{
+    std::error_code ignored;
+    const auto target = std::filesystem::weakly_canonical(file, ignored);
+    const auto base = std::filesystem::weakly_canonical(database, ignored);
+    bool part = std::filesystem::equivalent(database, file, ignored); // also under another name
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"})
+        part = part || target == base.string() + suffix;
+    if (part)
+        throw AdminError{AdminError::Kind::Refused, "The file " + file + " belongs to the database itself."};
+}
 
 } // namespace clockwell::server

@@ -33,4 +33,8 @@ private:
     Database m_database;
 };
 
+/// Throws AdminError Refused when `file` is the database or one of the files that SQLite keeps beside it:
+/// what commands write must never hit these.
+void requireNoPartOf(const std::string &database, const std::string &file);
+
 } // namespace clockwell::server

@@ -13,7 +13,10 @@ using Json = nlohmann::ordered_json;
 /// The text, or null.
 Json optionalJson(const std::optional<std::string> &text);
 
-/// Prints to standard output, indented and with a line end. Bytes that are not UTF-8 come out as U+FFFD.
+/// Indented, with a line end. Bytes that are not UTF-8 come out as U+FFFD.
+std::string jsonText(const Json &json);
+
+/// Prints that to standard output.
 void printJson(const Json &json);
 
 } // namespace clockwell::server

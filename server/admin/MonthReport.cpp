@@ -1,0 +1,129 @@
+#include "server/admin/MonthReport.h"
+
+#include "server/History.h"
+#include "server/admin/AdminError.h"
+#include "server/admin/OfficeLookup.h"
+
+#include <array>
+#include <cstdio>
+#include <map>
+
+namespace clockwell::server {
+
+namespace {
+
+const std::vector<std::string> SummaryColumns{
+    "month",    "office",           "fullName",   "email",     "accountStatus", "presentDays",
+    "lateDays", "totalLateMinutes", "absentDays", "leaveDays", "halfDays",      "totalWorkingMinutes"};
+const std::vector<std::string> DayColumns{
+    "workDate", "office",      "timeZone",          "fullName",       "email",     "status",    "checkIn",
+    "checkOut", "lateMinutes", "earlyLeaveMinutes", "workingMinutes", "checkInAt", "checkOutAt"};
+
+template <class Value>
+Json orNull(const std::optional<Value> &value)
+{
+    return value ? Json(*value) : Json(nullptr);
+}
+
+/// "HH:mm:ss" on the office's wall clock.
+Json clockText(const std::optional<long long> &millis, const TimeZone &zone)
+{
+    if (!millis)
+        return nullptr;
+    const auto seconds =
+        std::chrono::duration_cast<std::chrono::seconds>(zone.timeOfDay(fromMillis(*millis))).count();
+    std::array<char, 72> text{};
+    std::snprintf(text.data(), text.size(), "%02lld:%02lld:%02lld", static_cast<long long>(seconds / 3600),
+                  static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60));
+    return text.data();
+}
+
+Json instantText(const std::optional<long long> &millis)
+{
+    return millis ? Json(toIsoText(fromMillis(*millis))) : Json(nullptr);
+}
+
+std::vector<Json> dayRow(const Employee &employee, const Office &office, const TimeZone &zone,
+                         const HistoryDay &day)
+{
+    const Assessment &found = day.assessment;
+    const auto checkInAt = day.row ? std::optional{day.row->checkInAt} : std::nullopt;
+    const auto checkOutAt = day.row ? day.row->checkOutAt : std::nullopt;
+    return {day.workDate,
+            office.name,
+            office.timeZoneName,
+            employee.fullName,
+            employee.email,
+            found.status,
+            clockText(checkInAt, zone),
+            clockText(checkOutAt, zone),
+            orNull(found.lateMinutes),
+            orNull(found.earlyLeaveMinutes),
+            orNull(found.workingMinutes),
+            instantText(checkInAt),
+            instantText(checkOutAt)};
+}
+
+std::vector<Json> summaryRow(Month month, const Employee &employee, const Office &office,
+                             const MonthTotals &totals)
+{
+    return {toText(month),     office.name,        employee.fullName, employee.email,
+            employee.status,   totals.presentDays, totals.lateDays,   totals.totalLateMinutes,
+            totals.absentDays, totals.leaveDays,   totals.halfDays,   totals.totalWorkingMinutes};
+}
+
+std::vector<Employee> employeesOf(Connection &connection, const ReportWishes &wishes)
+{
+    static const std::string sql = "SELECT " + employeeColumns() +
+                                   " FROM employees e LEFT JOIN offices o ON o.id = e.office_id"
+                                   " WHERE e.status IN ('APPROVED', 'SUSPENDED') AND e.joined_on <= :last"
+                                   " ORDER BY o.name, o.id, e.full_name, e.email_key";
+    auto employees = connection.all<Employee>(sql, toText(lastDayOf(wishes.month)));
+    if (wishes.office) {
+        const std::string office = requireOfficeNamed(connection, *wishes.office).id;
+        std::erase_if(employees, [&](const Employee &employee) { return employee.officeId != office; });
+    }
+    return employees;
+}
+
+void requireBegun(Month month, Instant now)
+{
+    constexpr std::chrono::hours EarliestZone{14}; // no place on earth is further ahead of UTC
+    if (firstDayOf(month).time_since_epoch() > (now + EarliestZone).time_since_epoch())
+        throw AdminError{AdminError::Kind::Refused, "The month " + toText(month) + " has not begun yet."};
+}
+
+void addRows(ReportTable &table, Connection &connection, const ReportWishes &wishes, const Employee &employee,
+             const Office &office, Instant now)
+{
+    const TimeZone zone = office.timeZone();
+    const auto days = historyOfMonth(connection, employee, office, wishes.month, zone.dayOf(now));
+    if (!wishes.days) {
+        table.rows.push_back(summaryRow(wishes.month, employee, office, totalsOf(days)));
+        return;
+    }
+    for (const HistoryDay &day : days)
+        table.rows.push_back(dayRow(employee, office, zone, day));
+}
+
+} // namespace
+
+MonthReport reportOf(Connection &connection, const ReportWishes &wishes, Instant now)
+{
+    requireBegun(wishes.month, now);
+    MonthReport report{{wishes.days ? DayColumns : SummaryColumns, {}}, {}};
+    std::map<std::string, Office> offices;
+    for (const Employee &employee : employeesOf(connection, wishes)) {
+        if (!employee.officeId) {
+            report.withoutOffice.push_back(employee.email);
+            continue;
+        }
+        auto known = offices.find(*employee.officeId);
+        if (known == offices.end())
+            known = offices.emplace(*employee.officeId, requireOffice(connection, employee.officeId)).first;
+        addRows(report.table, connection, wishes, employee, known->second, now);
+    }
+    return report;
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "server/CalendarDay.h"
+#include "server/Connection.h"
+#include "server/Instant.h"
+#include "server/admin/ReportTable.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace clockwell::server {
+
+struct ReportWishes
+{
+    Month month;
+    std::optional<std::string> office; ///< only its employees; name or identifier
+    bool days = false;                 ///< a row for each employee and day, instead of for each employee
+};
+
+struct MonthReport
+{
+    ReportTable table;
+    std::vector<std::string> withoutOffice; ///< e-mail addresses of employees who could not be judged
+};
+
+/// A month of everybody who was approved at some time and had joined by its end, by office and name. The
+/// figures are those that the app's history and summary show, up to today in each office's time zone.
+/// Throws AdminError: NotFound for an unknown office, Refused for a month that has not begun anywhere.
+MonthReport reportOf(Connection &connection, const ReportWishes &wishes, Instant now);
+
+} // namespace clockwell::server
