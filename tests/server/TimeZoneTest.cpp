@@ -105,6 +105,21 @@ TEST(TimeZoneTest, DayWhoseMidnightIsSkippedBeginsAfterTheGap)
     EXPECT_EQ(dayIn("Asia/Beirut", "2026-03-28T22:00:00.000Z"), "2026-03-29");
 }
 
+TEST(TimeZoneTest, TimeOfDayIsWhatTheWallClockShows)
+{
+    const auto minutes = [](const char *zone, const char *instant) {
+        return std::chrono::duration<double, std::ratio<60>>{
+            TimeZone::named(zone).value().timeOfDay(instantOf(instant))}
+            .count();
+    };
+    EXPECT_EQ(minutes("Asia/Kathmandu", "2026-01-01T00:00:30Z"), 5 * 60 + 45.5);
+    EXPECT_EQ(minutes("America/New_York", "2026-01-01T04:59:00Z"), 23 * 60 + 59);
+    EXPECT_EQ(minutes("America/New_York", "2026-01-01T05:00:00Z"), 0);
+    EXPECT_EQ(minutes("Europe/Berlin", "2026-10-25T00:30:00Z"), 2 * 60 + 30); // shown twice
+    EXPECT_EQ(minutes("Europe/Berlin", "2026-10-25T01:30:00Z"), 2 * 60 + 30);
+    EXPECT_EQ(minutes("UTC", "1969-12-31T23:00:00Z"), 23 * 60); // before the epoch
+}
+
 TEST(TimeZoneTest, EndOfTheDayIsTheNextMidnight)
 {
     EXPECT_EQ(scheduledIn("Europe/Berlin", "2026-12-31", 24, 0), "2026-12-31T23:00:00.000Z");
