@@ -8,6 +8,7 @@ Item {
 
     required property string text
     required property real size
+    property real barWidth: 1.5 * size * Theme.textScale
 
     height: Math.round(probe.height)
 
@@ -31,7 +32,7 @@ Item {
     }
     ContinuousRectangle {
         y: Math.round((root.height - height) / 2)
-        width: Math.round(Math.min(root.width, root.size * Theme.textScale * 1.5))
+        width: Math.round(Math.min(root.width, root.barWidth))
         height: Math.round(root.size * Theme.textScale * 0.6)
         radius: 4
         color: Theme.surface

@@ -45,6 +45,7 @@ ReadAsOne {
                     y: header.stacked ? 0 : Math.round((header.height - height) / 2)
                     width: header.stacked ? header.width : implicitWidth
                     text: row.day
+                    horizontalAlignment: Text.AlignLeft // in every script, as the row is laid out
                     size: 15
                     weight: Font.DemiBold
                     color: Theme.white

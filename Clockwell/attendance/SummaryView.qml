@@ -51,12 +51,14 @@ FocusScope {
                 width: parent.width
                 text: ""
                 size: 17
+                barWidth: 96 * Theme.textScale
                 visible: !summary.present
             }
             TextLabel {
                 width: parent.width
                 visible: summary.present
                 text: summary.monthTitle
+                horizontalAlignment: Text.AlignLeft
                 size: 17
                 weight: Font.DemiBold
                 color: Theme.textSecondary

@@ -25,6 +25,7 @@ Item {
         y: Math.round((root.height - height) / 2)
         width: root.width - x
         text: root.text
+        horizontalAlignment: Text.AlignLeft // in every script: beside its symbol
         size: 14
     }
 }

@@ -35,6 +35,7 @@ ReadAsOne {
                 width: parent.width
                 text: root.total
                 size: 34
+                barWidth: 144 * Theme.textScale
             }
             TextLabel {
                 width: parent.width

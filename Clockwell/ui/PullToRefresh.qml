@@ -10,8 +10,10 @@ PullToRefreshControl {
     property bool loading: false
     readonly property bool busy: refreshing || loading
 
-    // Where the content stays it is at the side, off a title.
-    x: Math.round(flickable.x + (loading ? flickable.width - width - Theme.margin : (flickable.width - width) / 2))
+    // Where the content stays the disc is at its side, off a title.
+    readonly property real aside: Math.min(flickable.width, 600) / 2 - width / 2 - Theme.margin
+
+    x: Math.round(flickable.x + (flickable.width - width) / 2 + (loading ? aside : 0))
     y: Math.round(flickable.y + (rest - height) / 2)
     width: 40
     height: 40

@@ -246,6 +246,30 @@ TEST_F(HistoryViewTest, ThatGoesEmptyAgainSaysSo)
     EXPECT_TRUE(rows().isEmpty()) << dump();
 }
 
+TEST_F(HistoryViewTest, RowsOfAScriptThatRunsLeftwardsKeepTheirLayout)
+{
+    const QByteArray locale = qgetenv("LC_ALL");
+    qputenv("LC_ALL", "ar_EG.UTF-8");
+    open(days(1));
+    EXPECT_TRUE(spinUntil([&] { return !rows().isEmpty(); }));
+    qputenv("LC_ALL", locale);
+    int leftwards = 0;
+    QList<QQuickItem *> items{list};
+    while (!items.isEmpty()) {
+        const auto *item = items.takeFirst();
+        items.append(item->childItems());
+        const QString text = item->property("effectiveHorizontalAlignment").isValid() && item->isVisible()
+                                 ? item->property("text").toString()
+                                 : QString();
+        if (text.isRightToLeft()) {
+            ++leftwards;
+            EXPECT_EQ(item->property("effectiveHorizontalAlignment").toInt(), Qt::AlignLeft)
+                << text.toStdString();
+        }
+    }
+    EXPECT_GT(leftwards, 0);
+}
+
 TEST_F(HistoryViewTest, KeysScroll)
 {
     open(days(31));

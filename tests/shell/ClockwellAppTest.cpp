@@ -88,6 +88,8 @@ protected:
     {
         server.expect("GET", "/api/auth/me").reply(200, user(name));
         server.expect("GET", "/api/attendance/today").anyNumber().reply(200, today("North Tower"));
+        server.expect("GET", "/api/attendance/me").anyNumber().reply(200, "[]");
+        server.expect("GET", "/api/attendance/me/summary").anyNumber().reply(200, "null");
         start(u"a1"_s, u"r1"_s);
         ASSERT_TRUE(screen->waitFor(u"Attendance"_s));
         ASSERT_TRUE(settled());
