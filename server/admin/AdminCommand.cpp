@@ -1,7 +1,9 @@
 #include "server/admin/AdminCommand.h"
 
 #include "server/admin/AdminError.h"
+#include "server/admin/CompanyGroup.h"
 #include "server/admin/EmployeeGroup.h"
+#include "server/admin/OfficeGroup.h"
 #include "server/admin/ReportCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -30,10 +32,11 @@ int guarded(const std::function<void()> &command)
 
 void addAdmin(CLI::App &app, std::function<int()> &run)
 {
-    CLI::App *admin = app.add_subcommand("admin", "Manage employees, also while the server runs");
+    CLI::App *admin =
+        app.add_subcommand("admin", "Manage employees, offices and more, also while the server runs");
     admin->require_subcommand(1)->fallthrough(); // what the groups inherit: options may stand behind them too
     admin->footer("Example: clockwell-server admin --database clockwell.db employees list --status pending\n"
-                  "Exit codes: 0 done, 1 failed or refused, 2 wrong usage, 3 no such employee or office");
+                  "Exit codes: 0 done, 1 failed or refused, 2 wrong usage, 3 nothing of that name");
     const auto options = std::make_shared<AdminOptions>();
     admin->add_option("--database", options->database, "The SQLite file; it has to be there")
         ->envname("CLOCKWELL_DATABASE")
@@ -44,6 +47,8 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
         run = [command = std::move(command)] { return guarded(command); };
     };
     addEmployeeGroup(*admin, options, choose);
+    addCompanyGroup(*admin, options, choose);
+    addOfficeGroup(*admin, options, choose);
     addReportCommand(*admin, options, choose);
 }
 

@@ -1,11 +1,10 @@
 #include "server/admin/EmployeeGroup.h"
 
 #include "server/admin/AdminDatabase.h"
+#include "server/admin/CommandParts.h"
 #include "server/admin/EmployeeChanges.h"
 #include "server/admin/EmployeePrinter.h"
 #include "server/admin/OfficeLookup.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 
@@ -79,14 +78,6 @@ void change(const EmployeeOptions &options, const Change &what)
     printChange(done, options.common->json);
 }
 
-CLI::App *addCommand(CLI::App &group, const std::string &name, const std::string &help,
-                     const std::string &example)
-{
-    CLI::App *command = group.add_subcommand(name, help);
-    command->footer("Example: clockwell-server admin --database clockwell.db employees " + name + example);
-    return command;
-}
-
 void addEmail(CLI::App &command, const Options &options)
 {
     command.add_option("EMAIL", options->wishes.email, "The employee's e-mail address")->required();
@@ -149,10 +140,8 @@ void addOtherChanges(CLI::App &group, const Options &options, const ChooseComman
 void addEmployeeGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &options,
                       const ChooseCommand &choose)
 {
-    CLI::App *group = admin.add_subcommand("employees", "List, approve, reject and suspend employees");
-    group->require_subcommand(1);
-    group->footer(
-        "Example: clockwell-server admin --database clockwell.db employees approve kim@example.org");
+    CLI::App *group = addGroup(admin, "employees", "List, approve, reject and suspend employees",
+                               " approve kim@example.org");
     const auto own = std::make_shared<EmployeeOptions>();
     own->common = options;
     addQueries(*group, own, choose);

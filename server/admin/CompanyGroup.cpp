@@ -1,0 +1,98 @@
+#include "server/admin/CompanyGroup.h"
+
+#include "server/Accounts.h"
+#include "server/Tokens.h"
+#include "server/admin/AdminDatabase.h"
+#include "server/admin/AdminError.h"
+#include "server/admin/CommandParts.h"
+#include "server/admin/CompanyLookup.h"
+#include "server/admin/FieldTexts.h"
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr std::size_t LongestCode = 64; // as in the schema
+
+struct CompanyOptions
+{
+    std::shared_ptr<AdminOptions> common;
+    std::optional<std::string> name;
+    std::optional<std::string> code;
+};
+using Options = std::shared_ptr<CompanyOptions>;
+
+Json companyJson(const Company &company)
+{
+    Json json;
+    json["name"] = company.name;
+    json["code"] = company.code;
+    return json;
+}
+
+void list(const CompanyOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const auto companies = database.database().read(listCompanies);
+    Listing listing;
+    listing.none = "No companies.";
+    listing.header = {"NAME", "CODE"};
+    listing.rows.reserve(companies.size());
+    for (const Company &company : companies) {
+        listing.rows.push_back({company.name, company.code});
+        listing.objects.push_back(companyJson(company));
+    }
+    printListing(listing, options.common->json);
+}
+
+/// Codes that differ only in the case of their letters would be one at the sign-up.
+Outcome insertUnlessThere(Connection &connection, const Company &wished)
+{
+    for (const Company &company : listCompanies(connection)) {
+        if (lowerAscii(company.code) != lowerAscii(wished.code))
+            continue;
+        if (company.name != wished.name || company.code != wished.code)
+            throw AdminError{AdminError::Kind::Refused, "The company " + printable(company.name) +
+                                                            " has the code " + printable(company.code) +
+                                                            " already."};
+        return {false, "The company " + company.name + " is there already; nothing was changed."};
+    }
+    connection.execute("INSERT INTO institutes (id, name, code) VALUES (:id, :name, :code)", wished.id,
+                       wished.name, wished.code);
+    return {true, "Added the company " + wished.name + " with the code " + wished.code + "."};
+}
+
+void add(const CompanyOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const Company company{newId(), *options.name, *options.code};
+    const Outcome outcome =
+        database.write([&](Connection &connection) { return insertUnlessThere(connection, company); });
+    printOutcome(outcome, "company", companyJson(company), options.common->json);
+}
+
+} // namespace
+
+void addCompanyGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &options,
+                     const ChooseCommand &choose)
+{
+    CLI::App *group = addGroup(admin, "companies", "List and add companies", " list");
+    const auto own = std::make_shared<CompanyOptions>();
+    own->common = options;
+    addCommand(*group, "list", "List companies", "")->callback([=] { choose([=] { list(*own); }); });
+    CLI::App *one = addCommand(*group, "add", "Add a company", " \"Sample Works\" --code SAMPLE");
+    addField(
+        *one, "NAME", "The company's name", own->name,
+        [](const std::string &text) { return parseLine(text); }, LineRule)
+        ->required();
+    addField(
+        *one, "--code", "What its people enter when they sign up, e.g. SAMPLE", own->code,
+        [](const std::string &text) { return parseLine(text, LongestCode); },
+        "it has to be one line of at most 64 characters")
+        ->required();
+    one->callback([=] { choose([=] { add(*own); }); });
+}
+
+} // namespace clockwell::server

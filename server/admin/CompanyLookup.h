@@ -1,0 +1,28 @@
+#pragma once
+
+#include "server/Connection.h"
+
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace clockwell::server {
+
+struct Company
+{
+    std::string id;
+    std::string name;
+    std::string code; ///< what people enter when they sign up; the case of A to Z does not matter
+
+    auto columns() { return std::tie(id, name, code); }
+};
+
+/// All companies by name.
+std::vector<Company> listCompanies(Connection &connection);
+
+/// The company with this code, or the only one there is when no code is given. Throws AdminError: NotFound
+/// with the codes there are, Refused when a code is needed.
+Company requireCompany(Connection &connection, const std::optional<std::string> &code);
+
+} // namespace clockwell::server

@@ -1,0 +1,96 @@
+#include "server/admin/OfficeFields.h"
+
+#include "server/TimeZone.h"
+#include "server/admin/FieldTexts.h"
+
+namespace clockwell::server {
+
+namespace {
+
+constexpr long long LargestDistance = 100'000; // metres; more is a slip of the keys
+constexpr long long LongestZone = 64;          // as in the schema
+constexpr long long MinutesOfDay = 24 * 60;
+
+std::optional<std::string> parseZone(const std::string &text)
+{
+    // ICU's data has its name for "no zone" as a zone like UTC.
+    const bool known = text.size() <= LongestZone && text != "Etc/Unknown" && TimeZone::named(text);
+    return known ? std::optional{text} : std::nullopt;
+}
+
+void addWhole(CLI::App &command, const std::string &name, const std::string &help,
+              std::optional<long long> &target, long long smallest, long long largest)
+{
+    addField(
+        command, name, help, target,
+        [=](const std::string &text) { return parseWhole(text, smallest, largest); },
+        "it has to be a whole number from " + std::to_string(smallest) + " to " + std::to_string(largest));
+}
+
+void addPlace(CLI::App &command, OfficeWishes &wishes, bool required)
+{
+    addField(
+        command, "--latitude", "Degrees north, e.g. 52.5163", wishes.latitude,
+        [](const std::string &text) { return parseWithin(text, -90, 90); },
+        "it has to be a number of degrees from -90 to 90")
+        ->required(required);
+    addField(
+        command, "--longitude", "Degrees east, e.g. 13.3777", wishes.longitude,
+        [](const std::string &text) { return parseWithin(text, -180, 180); },
+        "it has to be a number of degrees from -180 to 180")
+        ->required(required);
+    addField(command, "--time-zone", "IANA name, e.g. Europe/Berlin", wishes.timeZoneName, parseZone,
+             "it has to be the name of a time zone, like Europe/Berlin")
+        ->required(required);
+}
+
+void addTime(CLI::App &command, const std::string &name, const std::string &help,
+             std::optional<long long> &target, long long earliest, long long latest)
+{
+    const auto parse = [=](const std::string &text) {
+        const auto minute = parseTimeOfDay(text);
+        return minute && *minute >= earliest && *minute <= latest ? minute : std::nullopt;
+    };
+    addField(command, name, help, target, parse,
+             "it has to be a time from " + timeOfDayText(earliest) + " to " + timeOfDayText(latest));
+}
+
+void addRules(CLI::App &command, OfficeWishes &wishes, bool defaults)
+{
+    const auto help = [defaults](const std::string &text, const std::string &value) {
+        return defaults ? text + " [" + value + "]" : text;
+    };
+    addWhole(command, "--radius", help("Metres around the place that count as there", "150"),
+             wishes.radiusMeters, 1, LargestDistance);
+    addWhole(command, "--max-accuracy", help("A position less precise than these metres is refused", "100"),
+             wishes.maxAccuracyMeters, 1, LargestDistance);
+    addWhole(command, "--grace", help("Minutes after check-in time that are not late yet", "10"),
+             wishes.graceMinutes, 0, MinutesOfDay);
+    addWhole(command, "--full-day", help("Minutes of work below which it is a half day", "300"),
+             wishes.fullDayMinutes, 0, MinutesOfDay);
+    addField(command, "--working-days", help("Mon-Fri or Mon,Wed,Sat and the like", "Mon-Fri"),
+             wishes.workingWeekdays, parseWeekdays, "it has to name days, like Mon-Fri or Mon,Wed,Sat");
+}
+
+} // namespace
+
+CLI::Option *addOfficeName(CLI::App &command, const std::string &name, const std::string &help,
+                           OfficeWishes &wishes)
+{
+    return addField(
+        command, name, help, wishes.name, [](const std::string &text) { return parseLine(text); }, LineRule);
+}
+
+void addOfficeFields(CLI::App &command, OfficeWishes &wishes, bool forNewOffice)
+{
+    addPlace(command, wishes, forNewOffice);
+    addTime(command, "--check-in", "Time of day HH:MM by which people are there", wishes.checkInMinute, 0,
+            MinutesOfDay - 1);
+    addTime(command, "--check-out", "Time of day HH:MM at which they leave", wishes.checkOutMinute, 1,
+            MinutesOfDay);
+    for (const char *name : {"--check-in", "--check-out"})
+        command.get_option(name)->required(forNewOffice);
+    addRules(command, wishes, forNewOffice);
+}
+
+} // namespace clockwell::server

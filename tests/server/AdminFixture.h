@@ -1,0 +1,55 @@
+#pragma once
+
+#include "ServerProcess.h"
+#include "World.h"
+
+#include <gtest/gtest.h>
+
+namespace clockwell::server::test {
+
+inline bool contains(const std::string &text, const std::string &part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+/// A database file with the company "Sample Works" (code SW) and nothing else, made without a server, and the
+/// program that administers it.
+class AdminFixture : public testing::Test
+{
+protected:
+    AdminFixture()
+    {
+        execute("INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
+    }
+
+    void execute(const std::string &sql)
+    {
+        database.write([&](Connection &connection) { connection.execute(sql); });
+    }
+    ProcessResult admin(std::vector<std::string> words) const
+    {
+        words.insert(words.begin(), {"admin", "--database", file});
+        return runServer(words);
+    }
+    nlohmann::json adminJson(std::vector<std::string> words) const
+    {
+        words.emplace_back("--json");
+        return nlohmann::json::parse(admin(std::move(words)).output);
+    }
+    /// The exit code; what was printed is shown when it is not the expected one.
+    testing::AssertionResult ends(int exitCode, const std::vector<std::string> &words,
+                                  const std::string &saying = {}) const
+    {
+        const ProcessResult result = admin(words);
+        if (result.exitCode == exitCode && contains(exitCode == 0 ? result.output : result.errors, saying))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "exit " << result.exitCode << "\n"
+                                           << result.output << result.errors;
+    }
+
+    TempFolder folder;
+    std::string file = folder.file("clockwell.db");
+    Database database{file};
+};
+
+} // namespace clockwell::server::test
