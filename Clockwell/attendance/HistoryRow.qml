@@ -63,7 +63,8 @@ ReadAsOne {
             Grid {
                 id: times
 
-                readonly property bool stacked: entered.implicitWidth + 16 > width / 2 || left.implicitWidth > width / 2
+                // Two times side by side need some 120 points each at the normal text size, in every row alike.
+                readonly property bool stacked: width < 240 * Theme.textScale || entered.implicitWidth + 16 > width / 2 || left.implicitWidth > width / 2
 
                 width: parent.width
                 columns: stacked ? 1 : 2

@@ -6,6 +6,8 @@ import Clockwell.Ui
 Item {
     id: root
 
+    readonly property real center: title.y + title.height / 2
+
     width: parent?.width ?? 0
     height: title.y + title.height + 16
 

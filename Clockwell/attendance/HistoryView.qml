@@ -68,6 +68,7 @@ FocusScope {
         flickable: list
         refreshing: history.refreshing
         loading: history.loading && !history.refreshing
+        asideCenter: (list.headerItem as HistoryTitle)?.center ?? 0
         onTriggered: history.refresh()
     }
 }

@@ -40,28 +40,35 @@ FocusScope {
             width: view.contentWidth
             spacing: 12
 
-            TextLabel {
+            Column {
                 width: parent.width
-                text: "Summary"
-                size: 28
-                weight: Font.Bold
-                color: Theme.white
-            }
-            CountOrBar {
-                width: parent.width
-                text: ""
-                size: 17
-                barWidth: 96 * Theme.textScale
-                visible: !summary.present
-            }
-            TextLabel {
-                width: parent.width
-                visible: summary.present
-                text: summary.monthTitle
-                horizontalAlignment: Text.AlignLeft
-                size: 17
-                weight: Font.DemiBold
-                color: Theme.textSecondary
+                bottomPadding: 4
+                spacing: 4
+
+                TextLabel {
+                    id: title
+                    width: parent.width
+                    text: "Summary"
+                    size: 28
+                    weight: Font.Bold
+                    color: Theme.white
+                }
+                CountOrBar {
+                    width: parent.width
+                    text: ""
+                    size: 17
+                    barWidth: 96 * Theme.textScale
+                    visible: !summary.present
+                }
+                TextLabel {
+                    width: parent.width
+                    visible: summary.present
+                    text: summary.monthTitle
+                    horizontalAlignment: Text.AlignLeft // in every script, as the page is laid out
+                    size: 17
+                    weight: Font.DemiBold
+                    color: Theme.textSecondary
+                }
             }
 
             Grid {
@@ -96,6 +103,7 @@ FocusScope {
         flickable: page
         refreshing: summary.refreshing
         loading: summary.loading && !summary.refreshing
+        asideCenter: column.y + title.height / 2
         onTriggered: summary.refresh()
     }
 }

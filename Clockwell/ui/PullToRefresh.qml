@@ -10,11 +10,13 @@ PullToRefreshControl {
     property bool loading: false
     readonly property bool busy: refreshing || loading
 
-    // Where the content stays the disc is at its side, off a title.
+    // Where the content stays the disc is at its side, off a title, level with the title's middle where that is told.
+    property real asideCenter: 0
     readonly property real aside: Math.min(flickable.width, 600) / 2 - width / 2 - Theme.margin
+    readonly property real center: loading && asideCenter > 0 ? asideCenter : rest / 2
 
     x: Math.round(flickable.x + (flickable.width - width) / 2 + (loading ? aside : 0))
-    y: Math.round(flickable.y + (rest - height) / 2)
+    y: Math.round(flickable.y + center - height / 2)
     width: 40
     height: 40
     duration: Theme.duration

@@ -76,6 +76,41 @@ protected:
             names.append(row.name.section(u", "_s, 1, 1));
         return names;
     }
+    /// The texts that are drawn in the rows, from top to bottom, with their colours.
+    QList<QQuickItem *> labels() const
+    {
+        QList<QQuickItem *> found;
+        QList<QQuickItem *> items{list->property("contentItem").value<QQuickItem *>()};
+        while (!items.isEmpty()) {
+            auto *item = items.takeFirst();
+            items.append(item->childItems());
+            if (item->inherits("QQuickText") && item->isVisible())
+                found.append(item);
+        }
+        std::ranges::sort(found, {}, [](auto *item) { return item->mapToScene({}).y(); });
+        return found;
+    }
+    QStringList drawn() const
+    {
+        QStringList texts;
+        for (const auto *label : labels())
+            texts.append(label->property("text").toString());
+        return texts;
+    }
+    QColor colorOf(const QString &text) const
+    {
+        for (const auto *label : labels()) {
+            if (label->property("text").toString() == text)
+                return label->property("color").value<QColor>();
+        }
+        return {};
+    }
+    /// Opens with one day and waits for its row.
+    void openDay(const QByteArray &rest)
+    {
+        open("[" + day(3, rest) + "]");
+        ASSERT_TRUE(spinUntil([&] { return rows().size() == 1; })) << dump();
+    }
     std::string dump() { return screen().dump().toStdString(); }
     void pull()
     {
@@ -112,6 +147,46 @@ TEST_F(HistoryViewTest, ARowIsOneElementThatSaysEverything)
     EXPECT_EQ(screen().find(name)->role, QAccessible::ListItem);
     EXPECT_FALSE(screen().shows(u"Late 4m"_s)) << "read twice\n" << dump();
     EXPECT_FALSE(screen().shows(u"MISSING CHECK OUT"_s));
+}
+
+TEST_F(HistoryViewTest, NoWorkButLatenessShowsTheLatenessAsAWarning)
+{
+    openDay(R"("status":"LATE","workingMinutes":0,"lateMinutes":15)");
+    EXPECT_TRUE(drawn().contains(u"Late 15m"_s)) << drawn().join(u'|').toStdString();
+    EXPECT_EQ(colorOf(u"Late 15m"_s), Theme::of(*stage->view().engine())->warning());
+}
+
+TEST_F(HistoryViewTest, WorkWithoutLatenessShowsTheWork)
+{
+    openDay(R"("status":"ON_TIME","workingMinutes":61)");
+    EXPECT_TRUE(drawn().contains(u"Worked 1h 1m"_s)) << drawn().join(u'|').toStdString();
+    EXPECT_EQ(colorOf(u"Worked 1h 1m"_s), Theme::of(*stage->view().engine())->textMuted());
+}
+
+TEST_F(HistoryViewTest, WorkAndLatenessShareALine)
+{
+    openDay(R"("status":"LATE","workingMinutes":492,"lateMinutes":7)");
+    const QString line = u"Worked 8h 12m · late 7m"_s;
+    EXPECT_TRUE(drawn().contains(line)) << drawn().join(u'|').toStdString();
+    EXPECT_EQ(colorOf(line), Theme::of(*stage->view().engine())->textMuted());
+}
+
+TEST_F(HistoryViewTest, NeitherWorkNorLatenessHasNoLine)
+{
+    openDay(R"("status":"ABSENT")");
+    QStringList texts = drawn();
+    texts.sort();
+    EXPECT_EQ(texts, QStringList({u"ABSENT"_s, u"History"_s, u"Mon, 3 Mar 2025"_s, u"—"_s, u"—"_s}));
+    EXPECT_EQ(colorOf(u"Mon, 3 Mar 2025"_s), QColor(Qt::white));
+}
+
+TEST_F(HistoryViewTest, AnUnreadableDateIsShownAsReceived)
+{
+    open(R"([{"id":"1","workDate":"2025-13-01","status":"on_time"}])");
+    ASSERT_TRUE(spinUntil([&] { return !rows().isEmpty(); }));
+    EXPECT_TRUE(drawn().contains(u"2025-13-01"_s));
+    EXPECT_TRUE(drawn().contains(u"on time"_s));
+    EXPECT_EQ(colorOf(u"on time"_s), Theme::of(*stage->view().engine())->textMuted());
 }
 
 TEST_F(HistoryViewTest, AnEmptyAnswerSaysSo)

@@ -154,6 +154,13 @@ protected:
         ASSERT_FALSE(screen().waitForPrefix(u"Present, "_s).isEmpty()) << screen().dump().toStdString();
     }
     test::ScreenDriver &screen() { return stage->screen(); }
+    /// Nothing is read but the title and how to refresh.
+    bool isPlaceholder()
+    {
+        return std::ranges::all_of(screen().elements(), [](const auto &element) {
+            return element.name == u"Summary" || element.name.startsWith(u"Refresh");
+        });
+    }
     void pull()
     {
         const QPoint from(195, 200);
@@ -195,14 +202,48 @@ TEST_F(SummaryViewTest, BeforeTheFirstAnswerItsShapesStandThereUnread)
     services.server.expect("GET", path).after(400ms).reply(200, month("2025-03"));
     open();
     EXPECT_TRUE(screen().shows(u"Summary"_s));
-    for (const auto &element : screen().elements())
-        EXPECT_TRUE(element.name == u"Summary" || element.name == u"Refresh") << element.name.toStdString();
+    EXPECT_TRUE(isPlaceholder()) << screen().dump().toStdString();
     const QImage placeholder = stage->view().grabWindow();
     EXPECT_NE(placeholder.pixel(60, 160), placeholder.pixel(5, 160)); // a card
     const qreal height =
         stage->root()->findChild<QQuickItem *>(u"page"_s)->property("contentHeight").toReal();
     ASSERT_FALSE(screen().waitForPrefix(u"Total worked, "_s).isEmpty());
     EXPECT_EQ(stage->root()->findChild<QQuickItem *>(u"page"_s)->property("contentHeight").toReal(), height);
+}
+
+TEST_F(SummaryViewTest, AMalformedMonthIsTitledAsItIs)
+{
+    open(month("03/2025"));
+    EXPECT_TRUE(screen().shows(u"03/2025"_s)) << screen().dump().toStdString();
+}
+
+TEST_F(SummaryViewTest, NoWorkIsZeroHoursAndMinutes)
+{
+    open(month("2025-03", 0, 0));
+    EXPECT_TRUE(screen().shows(u"Total worked, 0h 0m this month"_s)) << screen().dump().toStdString();
+    EXPECT_TRUE(screen().shows(u"Present, 0"_s));
+}
+
+TEST_F(SummaryViewTest, AFailedFirstLoadLeavesThePlaceholderAndSaysNothing)
+{
+    services.server.expect("GET", path).reply(500, R"({"message":"Down"})");
+    open();
+    auto *disc = stage->root()->findChild<QQuickItem *>(u"disc"_s);
+    ASSERT_TRUE(disc->isVisible());
+    ASSERT_TRUE(spinUntil([&] { return !disc->isVisible(); }));
+    EXPECT_TRUE(isPlaceholder()) << screen().dump().toStdString();
+    EXPECT_FALSE(services.store->banner());
+}
+
+TEST_F(SummaryViewTest, AFailedReloadKeepsTheNumbers)
+{
+    open(month("2025-03"));
+    services.server.expect("GET", path).reply(503, "{}");
+    screen().key(Qt::Key_F5);
+    ASSERT_TRUE(screen().waitFor(u"Refreshing"_s));
+    ASSERT_TRUE(screen().waitFor(u"Refresh"_s));
+    EXPECT_TRUE(screen().shows(u"March 2025"_s));
+    EXPECT_TRUE(screen().shows(u"Present, 18"_s));
 }
 
 TEST_F(SummaryViewTest, PullingReloadsAndReturningDoesNot)

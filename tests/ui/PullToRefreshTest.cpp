@@ -347,6 +347,9 @@ TEST_F(PullToRefreshTest, ALoadThatNobodyPulledForShowsTheDiscAndMovesNothing)
     EXPECT_TRUE(disc->isVisible());
     EXPECT_EQ(disc->y(), 0);
     EXPECT_FALSE(QTest::qWaitFor([&] { return beyondTop() != 0; }, 400));
+    EXPECT_EQ(disc->mapToItem(list, QPointF()), QPointF(350 - 20 - 40, 8));
+    pull->setProperty("asideCenter", 41);
+    EXPECT_EQ(disc->mapToItem(list, QPointF()), QPointF(350 - 20 - 40, 21));
     pull->setProperty("loading", false);
     EXPECT_FALSE(disc->isVisible());
 }
