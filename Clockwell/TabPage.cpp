@@ -1,7 +1,6 @@
 #include "TabPage.h"
 
-#include <QQmlContext>
-#include <QQmlInfo>
+#include "ui/BuildItem.h"
 
 namespace clockwell {
 
@@ -37,26 +36,9 @@ void TabPage::geometryChange(const QRectF &now, const QRectF &before)
 void TabPage::showOrHide()
 {
     if (m_selected && !m_item)
-        build();
+        m_item = buildItem(m_component, this);
     setVisible(m_selected);
     setFocus(m_selected);
-}
-
-void TabPage::build()
-{
-    auto *object = m_component ? m_component->beginCreate(m_component->creationContext()) : nullptr;
-    m_item = qobject_cast<QQuickItem *>(object);
-    if (m_item) {
-        m_item->setParent(this);
-        m_item->setParentItem(this);
-        m_item->setSize(size());
-        m_item->setFocus(true);
-        m_component->completeCreate();
-    } else {
-        qmlWarning(this) << (m_component ? m_component->errorString()
-                                         : QStringLiteral("There is no content."));
-        delete object;
-    }
 }
 
 } // namespace clockwell

@@ -7,8 +7,8 @@
 
 namespace clockwell {
 
-/// One page of the main tabs: its content is built on the first visit, kept and hidden afterwards. A Loader
-/// would do but for Qt 6.4, where it cannot build components that are bound to their surroundings.
+/// One page of the main tabs: its content is built on the first visit, kept and hidden afterwards. Main
+/// thread.
 class TabPage : public QQuickItem
 {
     Q_OBJECT
@@ -32,7 +32,6 @@ protected:
 
 private:
     void showOrHide();
-    void build();
 
     QQmlComponent *m_component = nullptr; // owned by the QML engine's object tree
     QPointer<QQuickItem> m_item;

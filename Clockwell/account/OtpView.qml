@@ -24,8 +24,7 @@ NavigationPage {
         onDismissed: view.back()
     }
 
-    OtpDoneAlert {
-        parent: view
+    Alert {
         shown: model.done
         title: "All set"
         message: model.doneMessage
@@ -36,7 +35,6 @@ NavigationPage {
     FormPage {
         anchors.fill: parent
         focus: true
-        enabled: !model.done
 
         BrandHeader {
             width: parent.width

@@ -10,9 +10,12 @@ FocusScope {
     // that appears among them moves nothing above it.
     property real topPortion: 0
     readonly property real leastInset: 32
+    // Whether it paints its own background.
+    property bool opaque: true
 
     ScreenBackground {
         anchors.fill: parent
+        visible: page.opaque
     }
 
     Flickable {

@@ -1,5 +1,6 @@
 #include "ItemAccessible.h"
 
+#include "Modal.h"
 #include "Pressable.h"
 
 #include <QQuickWindow>
@@ -10,7 +11,7 @@ namespace {
 
 QAccessibleInterface *createInterface(const QString &className, QObject *object)
 {
-    if (className == u"clockwell::Pressable") {
+    if (className == u"clockwell::Pressable" || className == u"QQuickText") {
         return new ItemAccessible(static_cast<QQuickItem *>(object));
     }
     if (className == u"QQuickTextInput") {
@@ -76,10 +77,10 @@ QAccessible::State ItemAccessible::state() const
     QAccessible::State state;
     const QRect view = window() ? window()->geometry() : QRect();
     state.invisible = !item()->isVisible() || !item()->window() || !item()->window()->isVisible() ||
-                      item()->size().isEmpty() || qFuzzyIsNull(item()->opacity());
+                      item()->size().isEmpty() || qFuzzyIsNull(item()->opacity()) || Modal::covers(item());
     state.offscreen = !view.intersects(rect());
     state.disabled = !item()->isEnabled();
-    state.focusable = item()->isEnabled() && item()->activeFocusOnTab();
+    state.focusable = item()->isEnabled() && item()->activeFocusOnTab() && !state.invisible;
     state.focused = item()->hasActiveFocus();
     state.selectable = attached("selectable").toBool();
     state.selected = attached("selected").toBool();

@@ -16,30 +16,12 @@ FocusScope {
 
     ScreenBackground {}
 
-    Item {
+    NavigationBar {
         id: bar
         width: parent.width
-        height: Math.max(44, heading.height + 16)
-
-        IconButton {
-            id: backButton
-            x: 4
-            anchors.verticalCenter: parent.verticalCenter
-            symbol: "chevron.left"
-            size: 22 * Math.min(Theme.textScale, 1.5)
-            label: qsTr("Back")
-            color: Theme.brand
-            onTriggered: root.back()
-        }
-
-        TextLabel {
-            id: heading
-            anchors.centerIn: parent
-            width: parent.width - 2 * (backButton.x + backButton.width)
-            text: root.title
-            weight: Font.DemiBold
-            horizontalAlignment: Text.AlignHCenter
-        }
+        title: root.title
+        goesBack: true
+        onBack: root.back()
     }
 
     Item {

@@ -23,6 +23,7 @@ class Theme : public QObject
     Q_PROPERTY(QColor card READ card CONSTANT)
     Q_PROPERTY(QColor surface READ surface CONSTANT)
     Q_PROPERTY(QColor divider READ divider CONSTANT)
+    Q_PROPERTY(QColor dim READ dim CONSTANT)
     Q_PROPERTY(QColor textPrimary READ textPrimary CONSTANT)
     Q_PROPERTY(QColor textSecondary READ textSecondary CONSTANT)
     Q_PROPERTY(QColor textMuted READ textMuted CONSTANT)
@@ -52,6 +53,8 @@ public:
     QColor card() const { return QColor::fromRgb(palette::card); }
     QColor surface() const { return QColor::fromRgb(palette::surface); }
     QColor divider() const { return QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.08F); }
+    /// Over a screen that waits below a dialog.
+    QColor dim() const { return QColor::fromRgbF(0.0F, 0.0F, 0.0F, 0.6F); }
     QColor textPrimary() const { return QColor::fromRgb(palette::textPrimary); }
     QColor textSecondary() const { return QColor::fromRgb(palette::textSecondary); }
     QColor textMuted() const { return QColor::fromRgb(palette::textMuted); }

@@ -129,6 +129,7 @@ TEST_F(ForgotPasswordViewTest, ANewPasswordLeadsBackWithTheInfoStillThere)
     stage->type(u"New password"_s, u"Secret123"_s);
     stage->key(Qt::Key_Return);
     ASSERT_TRUE(stage->waitFor(u"All set"_s));
+    ASSERT_TRUE(stage->waitUntilStill());
     EXPECT_EQ(lastBody(), R"({"email":"ada@example.org","code":"123456","newPassword":"Secret123"})");
     stage->click(u"OK"_s);
     ASSERT_TRUE(arrivesAt(u"Forgot password"_s));

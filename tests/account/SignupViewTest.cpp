@@ -186,6 +186,7 @@ TEST_F(SignupViewTest, AVerifiedCodeLeadsBackToTheFilledForm)
     stage->type(u"Verification code"_s, u"123456"_s);
     stage->click(u"Verify"_s);
     ASSERT_TRUE(stage->waitFor(u"All set"_s));
+    ASSERT_TRUE(stage->waitUntilStill());
     EXPECT_EQ(lastBody(), R"({"email":"ada@example.org","code":"123456"})");
     stage->click(u"OK"_s);
     ASSERT_TRUE(arrivesAt(u"Sign up"_s));

@@ -125,7 +125,7 @@ bool verified(Stage &stage)
     if (!verify(stage) || !stage.screen().type(u"Verification code"_s, u"123456"_s))
         return false;
     stage.screen().key(Qt::Key_Return);
-    return stage.screen().waitFor(u"All set"_s);
+    return stage.screen().waitFor(u"All set"_s) && stage.screen().waitUntilStill();
 }
 
 bool resetDone(Stage &stage)
@@ -134,7 +134,7 @@ bool resetDone(Stage &stage)
     if (!resetFilled(stage))
         return false;
     stage.screen().key(Qt::Key_Return);
-    return stage.screen().waitFor(u"All set"_s);
+    return stage.screen().waitFor(u"All set"_s) && stage.screen().waitUntilStill();
 }
 
 bool resent(Stage &stage)

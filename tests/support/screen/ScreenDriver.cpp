@@ -5,9 +5,11 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMetaEnum>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 
 namespace clockwell::test {
@@ -33,6 +35,15 @@ bool isShowing(const QAccessible::State &state)
 QAccessibleInterface *interfaceOf(QObject *object)
 {
     return object ? QAccessible::queryAccessibleInterface(object) : nullptr;
+}
+
+bool isMoving(const QQuickItem *item)
+{
+    const bool moves = item->inherits("clockwell::ScreenStack") || item->inherits("clockwell::Modal");
+    if (moves && item->isVisible() && item->property("busy").toBool())
+        return true;
+    const auto children = item->childItems();
+    return std::any_of(children.begin(), children.end(), isMoving);
 }
 
 } // namespace
@@ -106,6 +117,12 @@ QString ScreenDriver::waitForPrefix(const QString &prefix, std::chrono::millisec
     };
     [[maybe_unused]] const bool inTime = QTest::qWaitFor(matches, static_cast<int>(limit.count()));
     return match;
+}
+
+bool ScreenDriver::waitUntilStill(std::chrono::milliseconds limit) const
+{
+    return QTest::qWaitFor([&] { return !isMoving(m_window->contentItem()); },
+                           static_cast<int>(limit.count()));
 }
 
 bool ScreenDriver::click(const QString &name, QAccessible::Role role)

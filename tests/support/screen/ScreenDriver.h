@@ -55,6 +55,10 @@ public:
     /// Waits until some showing text begins with this; returns it, or an empty text when the limit passed.
     QString waitForPrefix(const QString &prefix, std::chrono::milliseconds limit = defaultLimit) const;
 
+    /// Waits until screens and dialogs have come to rest: while they move, they take no taps. False when the
+    /// limit passed.
+    bool waitUntilStill(std::chrono::milliseconds limit = defaultLimit) const;
+
     /// A left click in the middle of the element. False when it is not showing.
     bool click(const QString &name, QAccessible::Role role = QAccessible::NoRole);
     /// The press action of assistive technology. False when there is none.
