@@ -53,4 +53,11 @@ struct ResetPasswordBody
 };
 BOOST_DESCRIBE_STRUCT(ResetPasswordBody, (), (email, code, newPassword))
 
+struct ChangePasswordBody
+{
+    QString currentPassword;
+    QString newPassword;
+};
+BOOST_DESCRIBE_STRUCT(ChangePasswordBody, (), (currentPassword, newPassword))
+
 } // namespace clockwell

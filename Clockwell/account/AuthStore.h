@@ -39,6 +39,9 @@ public:
     /// The signed-in user's name as the server sent it; empty when nobody is signed in.
     QString fullName() const { return m_user ? m_user->fullName : QString(); }
 
+    /// For requests of the signed-in user that change nothing here. Not owned.
+    APIClient &api() const { return m_api; }
+
     /// Restores the session that the token store holds; ends in SignedIn or SignedOut.
     QCoro::Task<> bootstrap();
     /// Sends both texts as they are.

@@ -1,0 +1,95 @@
+#include "ChangePasswordViewModel.h"
+
+#include "AuthRequests.h"
+#include "net/APIClient.h"
+#include "net/Errors.h"
+#include "net/Liveness.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace clockwell {
+
+namespace {
+
+// Whatever the server says besides having done it is of no interest.
+QCoro::Task<Empty> send(APIClient &api, ChangePasswordBody body)
+{
+    return api.request<Empty>(u"auth/change-password"_s, u"POST"_s, {}, std::optional(std::move(body)), true);
+}
+
+} // namespace
+
+ChangePasswordViewModel::ChangePasswordViewModel(QObject *parent) : QObject(parent) {}
+
+void ChangePasswordViewModel::setCurrent(const QString &current)
+{
+    edit(m_current, current, &ChangePasswordViewModel::currentChanged);
+}
+
+void ChangePasswordViewModel::setNewPassword(const QString &newPassword)
+{
+    edit(m_newPassword, newPassword, &ChangePasswordViewModel::newPasswordChanged);
+}
+
+void ChangePasswordViewModel::edit(QString &field, const QString &text, Signal changed)
+{
+    if (text == field)
+        return;
+    const bool wasIncomplete = incomplete();
+    field = text;
+    Q_EMIT(this->*changed)();
+    if (incomplete() != wasIncomplete)
+        Q_EMIT incompleteChanged();
+}
+
+void ChangePasswordViewModel::submit()
+{
+    if (m_loading || m_done || incomplete())
+        return; // Enter in the last field reaches this without passing the button
+    runSubmit();
+}
+
+QCoro::Task<> ChangePasswordViewModel::runSubmit()
+{
+    setError(std::nullopt);
+    const BusyFlag loading(this, &ChangePasswordViewModel::setLoading);
+    const ChangePasswordBody body{m_current, m_newPassword};
+    try {
+        co_await whileAlive(this, send(m_auth->api(), body));
+        setDone(true);
+    } catch (const std::exception &error) {
+        setError(errorText(error));
+    }
+}
+
+void ChangePasswordViewModel::acknowledge()
+{
+    if (!m_done)
+        return;
+    setDone(false);
+    Q_EMIT dismissed();
+}
+
+void ChangePasswordViewModel::setError(std::optional<QString> error)
+{
+    if (error == m_error)
+        return;
+    m_error = std::move(error);
+    Q_EMIT errorChanged();
+}
+
+void ChangePasswordViewModel::setLoading(bool loading)
+{
+    if (loading != std::exchange(m_loading, loading))
+        Q_EMIT loadingChanged();
+}
+
+void ChangePasswordViewModel::setDone(bool done)
+{
+    if (done != std::exchange(m_done, done))
+        Q_EMIT doneChanged();
+}
+
+} // namespace clockwell

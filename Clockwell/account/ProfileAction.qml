@@ -1,0 +1,66 @@
+import QtQuick
+import Clockwell.Ui
+import Clockwell.Account
+
+// Something to do with the account.
+Pressable {
+    id: root
+
+    required property string symbol
+    required property string title
+    property color color: Theme.textPrimary
+
+    implicitHeight: Math.max(48, label.height + 2 * 14)
+
+    Accessible.role: Accessible.Button
+    Accessible.name: title
+
+    ContinuousRectangle {
+        anchors.fill: parent
+        radius: 12
+        color: root.pressed ? Theme.surface : Theme.card
+        borderColor: Theme.divider
+        borderWidth: 1
+    }
+
+    Item {
+        id: box
+        x: 14
+        width: Math.round(22 * Theme.textScale)
+        height: parent.height
+
+        Symbol {
+            anchors.centerIn: parent
+            name: root.symbol
+            size: Math.round(18 * Theme.textScale)
+            color: root.color
+        }
+    }
+
+    TextLabel {
+        id: label
+        x: box.x + box.width + 12
+        width: chevron.x - 8 - x
+        anchors.verticalCenter: parent.verticalCenter
+        size: 15
+        weight: Font.Medium
+        color: root.color
+        text: root.title
+        Accessible.ignored: true
+    }
+
+    Symbol {
+        id: chevron
+        x: root.width - 14 - width
+        anchors.verticalCenter: parent.verticalCenter
+        name: "chevron.right"
+        size: Math.round(13 * Theme.textScale)
+        color: Theme.textMuted
+    }
+
+    FocusRing {
+        objectName: "ring"
+        shown: root.focusVisible
+        cornerRadius: 12
+    }
+}

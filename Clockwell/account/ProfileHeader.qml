@@ -1,0 +1,60 @@
+import QtQuick
+import Clockwell.Ui
+import Clockwell.Account
+
+// Whose account it is: initials in a circle, the name and the address.
+Item {
+    id: root
+
+    required property string initials
+    required property string fullName
+    required property string email
+
+    implicitHeight: words.y + words.height + 12
+
+    ContinuousRectangle {
+        id: circle
+        x: Math.round((root.width - width) / 2)
+        width: 78
+        height: 78
+        radius: 39
+        color: Theme.surface
+
+        TextLabel {
+            anchors.centerIn: parent
+            width: parent.width - 12
+            size: 28
+            weight: Font.Bold
+            color: Theme.brand
+            horizontalAlignment: Text.AlignHCenter
+            maximumLineCount: 1
+            fontSizeMode: Text.HorizontalFit // the circle does not grow with the text
+            minimumPixelSize: 12
+            text: root.initials
+            Accessible.ignored: true
+        }
+    }
+
+    Column {
+        id: words
+        y: circle.height + 12
+        width: root.width
+        spacing: 4
+
+        TextLabel {
+            width: parent.width
+            size: 19
+            weight: Font.Bold
+            horizontalAlignment: Text.AlignHCenter
+            text: root.fullName
+        }
+
+        TextLabel {
+            width: parent.width
+            size: 13
+            color: Theme.textSecondary
+            horizontalAlignment: Text.AlignHCenter
+            text: root.email
+        }
+    }
+}
