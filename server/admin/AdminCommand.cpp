@@ -3,6 +3,8 @@
 #include "server/admin/AdminError.h"
 #include "server/admin/CompanyGroup.h"
 #include "server/admin/EmployeeGroup.h"
+#include "server/admin/HolidayGroup.h"
+#include "server/admin/LeaveGroup.h"
 #include "server/admin/OfficeGroup.h"
 #include "server/admin/ReportCommand.h"
 
@@ -49,6 +51,8 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
     addEmployeeGroup(*admin, options, choose);
     addCompanyGroup(*admin, options, choose);
     addOfficeGroup(*admin, options, choose);
+    addHolidayGroup(*admin, options, choose);
+    addLeaveGroup(*admin, options, choose);
     addReportCommand(*admin, options, choose);
 }
 

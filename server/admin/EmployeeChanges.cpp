@@ -18,11 +18,6 @@ AdminError refused(const std::string &text)
     return {AdminError::Kind::Refused, text};
 }
 
-std::string personText(const EmployeeEntry &employee)
-{
-    return printable(employee.email) + " (" + printable(employee.fullName) + ")";
-}
-
 bool neverApproved(const EmployeeEntry &employee)
 {
     return employee.status == "PENDING" || employee.status == "REJECTED";

@@ -59,6 +59,16 @@ std::string suggestion(Connection &connection, const std::string &key)
 
 } // namespace
 
+std::string personText(const std::string &email, const std::string &fullName)
+{
+    return printable(email) + " (" + printable(fullName) + ")";
+}
+
+std::string personText(const EmployeeEntry &employee)
+{
+    return personText(employee.email, employee.fullName);
+}
+
 std::vector<EmployeeEntry> listEmployees(Connection &connection)
 {
     static const std::string sql = employeeSql("ORDER BY e.full_name, e.email_key");

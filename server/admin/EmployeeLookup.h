@@ -32,6 +32,10 @@ struct EmployeeEntry
     }
 };
 
+/// "kim@example.org (Kim Sample)", for a terminal.
+std::string personText(const std::string &email, const std::string &fullName);
+std::string personText(const EmployeeEntry &employee);
+
 /// All employees by name.
 std::vector<EmployeeEntry> listEmployees(Connection &connection);
 

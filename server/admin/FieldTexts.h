@@ -13,6 +13,7 @@ namespace clockwell::server {
 
 inline constexpr std::size_t LongestName = 200; ///< characters of any name or reason, as in the schema
 inline constexpr const char *LineRule = "it has to be one line of at most 200 characters";
+inline constexpr const char *DayRule = "it has to be a day of the calendar, as yyyy-MM-dd";
 
 /// A whole number in decimal digits within the range; no sign, fraction or exponent.
 std::optional<long long> parseWhole(std::string_view text, long long smallest, long long largest);

@@ -47,6 +47,16 @@ protected:
                                            << result.output << result.errors;
     }
 
+    /// The access token of kim@example.org, as addEmployee makes the account.
+    static std::string token(std::uint16_t port)
+    {
+        const Reply reply =
+            send(port, "POST", "/api/auth/login", "",
+                 R"({"email":"kim@example.org","password":"Correct-Horse-7","deviceId":"d"})");
+        EXPECT_EQ(reply.status, 200) << reply.body;
+        return reply.json().value("accessToken", "");
+    }
+
     TempFolder folder;
     std::string file = folder.file("clockwell.db");
     Database database{file};

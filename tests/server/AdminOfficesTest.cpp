@@ -186,11 +186,7 @@ TEST_F(AdminOfficesTest, RunningServerGoesByTheNewRulesAtOnce)
     addEmployee(database, {});
     const ServerProcess server{file};
     ASSERT_NE(server.port(), 0);
-    const std::string access =
-        send(server.port(), "POST", "/api/auth/login", "",
-             R"({"email":"kim@example.org","password":"Correct-Horse-7","deviceId":"d"})")
-            .json()
-            .at("accessToken");
+    const std::string access = token(server.port());
     const auto punch = [&] {
         return send(server.port(), "POST", "/api/attendance/punch", access, punchBody(48.002, 11.0, 10, "d"));
     };

@@ -1,0 +1,122 @@
+#include "server/admin/HolidayGroup.h"
+
+#include "server/admin/AdminDatabase.h"
+#include "server/admin/FieldTexts.h"
+#include "server/admin/Holidays.h"
+
+#include <functional>
+
+namespace clockwell::server {
+
+namespace {
+
+struct HolidayOptions
+{
+    std::shared_ptr<AdminOptions> common;
+    std::string office; ///< name; empty in `list`: all
+    std::optional<long long> year;
+    std::optional<Day> day;
+    std::optional<std::string> name;
+};
+using Options = std::shared_ptr<HolidayOptions>;
+
+std::string weekdayOf(const std::string &day)
+{
+    const auto date = parseDay(day);
+    return date ? WeekdayNames.at(weekdayIndex(*date)) : "-";
+}
+
+Json holidayJson(const HolidayEntry &holiday)
+{
+    Json json;
+    json["date"] = holiday.day;
+    json["name"] = holiday.name;
+    json["office"] = holiday.officeName;
+    json["company"] = holiday.companyName;
+    return json;
+}
+
+std::vector<HolidayEntry> wanted(Connection &connection, const HolidayOptions &options)
+{
+    auto holidays = listHolidays(connection);
+    const std::string office =
+        options.office.empty() ? "" : requireOfficeNamed(connection, options.office).id;
+    std::erase_if(holidays, [&](const HolidayEntry &holiday) {
+        return (!office.empty() && holiday.officeId != office) ||
+               (options.year && parseWhole(holiday.day.substr(0, 4), 0, 9999) != options.year);
+    });
+    return holidays;
+}
+
+void list(const HolidayOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const auto holidays =
+        database.database().read([&](Connection &connection) { return wanted(connection, options); });
+    Listing listing;
+    listing.none = "No holidays.";
+    listing.header = {"DATE", "DAY", "OFFICE", "NAME"};
+    listing.rows.reserve(holidays.size());
+    for (const HolidayEntry &holiday : holidays) {
+        listing.rows.push_back({holiday.day, weekdayOf(holiday.day), holiday.officeName, holiday.name});
+        listing.objects.push_back(holidayJson(holiday));
+    }
+    printListing(listing, options.common->json);
+}
+
+using Change = std::function<HolidayChange(Connection &, const HolidayOptions &)>;
+
+void change(const HolidayOptions &options, const Change &what)
+{
+    AdminDatabase database{options.common->database};
+    const HolidayChange done =
+        database.write([&](Connection &connection) { return what(connection, options); });
+    printOutcome(done.outcome, "holiday", holidayJson(done.entry), options.common->json);
+}
+
+CLI::App *addChange(CLI::App &group, const std::string &name, const std::string &help,
+                    const std::string &example, const Options &options, const ChooseCommand &choose,
+                    const Change &what)
+{
+    CLI::App *command = addCommand(group, name, help, " \"Head Office\" 2027-01-01" + example);
+    command->add_option("OFFICE", options->office, "The office's name")->required();
+    addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, DayRule)->required();
+    command->callback([=] { choose([=] { change(*options, what); }); });
+    return command;
+}
+
+void addList(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    CLI::App *all = addCommand(group, "list", "List holidays", " --year 2027");
+    all->add_option("--office", options->office, "Only those of the office with this name");
+    addField(
+        *all, "--year", "Only those of this year", options->year,
+        [](const std::string &text) { return parseWhole(text, 1, 9999); }, "it has to be a year like 2027");
+    all->callback([=] { choose([=] { list(*options); }); });
+}
+
+} // namespace
+
+void addHolidayGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &options,
+                     const ChooseCommand &choose)
+{
+    CLI::App *group = addGroup(
+        admin, "holidays", "List, add and remove the days on which an office is closed", " list --year 2027");
+    const auto own = std::make_shared<HolidayOptions>();
+    own->common = options;
+    addList(*group, own, choose);
+    CLI::App *add = addChange(*group, "add", "Close an office on a day", " \"New Year\"", own, choose,
+                              [](Connection &connection, const HolidayOptions &o) {
+                                  return declareHoliday(connection, o.office, *o.day, *o.name);
+                              });
+    addField(
+        *add, "NAME", "What people read on that day", own->name,
+        [](const std::string &text) { return parseLine(text); }, LineRule)
+        ->required();
+    addChange(*group, "remove", "Open an office again on a day", "", own, choose,
+              [](Connection &connection, const HolidayOptions &o) {
+                  return withdrawHoliday(connection, o.office, *o.day);
+              });
+}
+
+} // namespace clockwell::server

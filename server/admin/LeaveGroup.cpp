@@ -1,0 +1,140 @@
+#include "server/admin/LeaveGroup.h"
+
+#include "server/admin/AdminDatabase.h"
+#include "server/admin/EmployeeLookup.h"
+#include "server/admin/FieldTexts.h"
+#include "server/admin/Leaves.h"
+
+namespace clockwell::server {
+
+namespace {
+
+struct LeaveOptions
+{
+    std::shared_ptr<AdminOptions> common;
+    std::string email; ///< empty in `list`: all; in `remove` also an identifier
+    std::optional<Month> month;
+    std::optional<Day> firstDay;
+    std::optional<Day> lastDay;
+    std::optional<std::string> reason;
+};
+using Options = std::shared_ptr<LeaveOptions>;
+
+Json leaveJson(const LeaveEntry &leave)
+{
+    Json json;
+    json["id"] = leave.id;
+    json["email"] = leave.email;
+    json["fullName"] = leave.fullName;
+    json["from"] = leave.firstDay;
+    json["to"] = leave.lastDay;
+    json["reason"] = optionalJson(leave.reason);
+    return json;
+}
+
+bool touches(const LeaveEntry &leave, Month month)
+{
+    return leave.firstDay <= toText(lastDayOf(month)) && leave.lastDay >= toText(firstDayOf(month));
+}
+
+std::vector<LeaveEntry> wanted(Connection &connection, const LeaveOptions &options)
+{
+    auto leaves = listLeave(connection);
+    const std::string email = options.email.empty() ? "" : requireEmployee(connection, options.email).email;
+    std::erase_if(leaves, [&](const LeaveEntry &leave) {
+        return (!email.empty() && leave.email != email) || (options.month && !touches(leave, *options.month));
+    });
+    return leaves;
+}
+
+void list(const LeaveOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const auto leaves =
+        database.database().read([&](Connection &connection) { return wanted(connection, options); });
+    Listing listing;
+    listing.none = "No leave.";
+    listing.header = {"FROM", "TO", "NAME", "E-MAIL", "REASON", "IDENTIFIER"};
+    listing.rows.reserve(leaves.size());
+    for (const LeaveEntry &leave : leaves) {
+        listing.rows.push_back({leave.firstDay, leave.lastDay, leave.fullName, leave.email,
+                                leave.reason.value_or("-"), leave.id});
+        listing.objects.push_back(leaveJson(leave));
+    }
+    printListing(listing, options.common->json);
+}
+
+void printChange(const LeaveChange &done, const LeaveOptions &options)
+{
+    printOutcome(done.outcome, "leave", leaveJson(done.entry), options.common->json);
+}
+
+void add(const LeaveOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const LeaveWishes wishes{options.email, *options.firstDay, *options.lastDay, options.reason};
+    printChange(database.write([&](Connection &connection) { return grantLeave(connection, wishes); }),
+                options);
+}
+
+void remove(const LeaveOptions &options)
+{
+    AdminDatabase database{options.common->database};
+    const auto done = database.write([&](Connection &connection) {
+        return options.firstDay ? withdrawLeave(connection, options.email, *options.firstDay)
+                                : withdrawLeave(connection, options.email);
+    });
+    printChange(done, options);
+}
+
+void addList(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    CLI::App *all = addCommand(group, "list", "List leave", " --month 2026-12");
+    all->add_option("--employee", options->email, "Only that of the employee with this e-mail address");
+    addField(*all, "--month", "Only what touches this month, yyyy-MM", options->month, parseMonth,
+             "it has to be a month like 2026-12");
+    all->callback([=] { choose([=] { list(*options); }); });
+}
+
+void addAdd(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    CLI::App *one =
+        addCommand(group, "add", "Give an employee leave", " kim@example.org 2026-12-21 2027-01-02");
+    one->add_option("EMAIL", options->email, "The employee's e-mail address")->required();
+    addField(*one, "FROM", "The first day, yyyy-MM-dd", options->firstDay, parseDay, DayRule)->required();
+    addField(*one, "TO", "The last day, included", options->lastDay, parseDay, DayRule)->required();
+    addField(
+        *one, "--reason", "For the administrators' lists", options->reason,
+        [](const std::string &text) { return parseLine(text); }, LineRule);
+    one->callback([=] { choose([=] { add(*options); }); });
+}
+
+void addRemove(CLI::App &group, const Options &options, const ChooseCommand &choose)
+{
+    CLI::App *one = addCommand(group, "remove", "Take leave back: by its identifier, or by whose it is",
+                               " kim@example.org 2026-12-21");
+    one->add_option("LEAVE", options->email, "The leave's identifier, or the employee's e-mail address")
+        ->required();
+    addField(*one, "FROM", "With an e-mail address: the leave's first day", options->firstDay, parseDay,
+             DayRule);
+    one->callback([=] {
+        if (!options->firstDay && options->email.find('@') != std::string::npos)
+            throw CLI::ValidationError("FROM", "pass also the first day of the leave");
+        choose([=] { remove(*options); });
+    });
+}
+
+} // namespace
+
+void addLeaveGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &options, const ChooseCommand &choose)
+{
+    CLI::App *group =
+        addGroup(admin, "leave", "List, add and remove employees' leave", " list --month 2026-12");
+    const auto own = std::make_shared<LeaveOptions>();
+    own->common = options;
+    addList(*group, own, choose);
+    addAdd(*group, own, choose);
+    addRemove(*group, own, choose);
+}
+
+} // namespace clockwell::server
