@@ -80,7 +80,9 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
 {
     CLI::App *command = addCommand(group, name, help, " \"Head Office\" 2027-01-01" + example);
     command->add_option("OFFICE", options->office, "The office's name")->required();
-    addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, DayRule)->required();
+    addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, DayRule)
+        ->required()
+        ->type_name("DAY");
     command->callback([=] { choose([=] { change(*options, what); }); });
     return command;
 }
@@ -91,7 +93,8 @@ void addList(CLI::App &group, const Options &options, const ChooseCommand &choos
     all->add_option("--office", options->office, "Only those of the office with this name");
     addField(
         *all, "--year", "Only those of this year", options->year,
-        [](const std::string &text) { return parseWhole(text, 1, 9999); }, "it has to be a year like 2027");
+        [](const std::string &text) { return parseWhole(text, 1, 9999); }, "it has to be a year like 2027")
+        ->type_name("YYYY");
     all->callback([=] { choose([=] { list(*options); }); });
 }
 

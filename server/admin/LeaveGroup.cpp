@@ -92,7 +92,8 @@ void addList(CLI::App &group, const Options &options, const ChooseCommand &choos
     CLI::App *all = addCommand(group, "list", "List leave", " --month 2026-12");
     all->add_option("--employee", options->email, "Only that of the employee with this e-mail address");
     addField(*all, "--month", "Only what touches this month, yyyy-MM", options->month, parseMonth,
-             "it has to be a month like 2026-12");
+             "it has to be a month like 2026-12")
+        ->type_name("MONTH");
     all->callback([=] { choose([=] { list(*options); }); });
 }
 
@@ -101,8 +102,12 @@ void addAdd(CLI::App &group, const Options &options, const ChooseCommand &choose
     CLI::App *one =
         addCommand(group, "add", "Give an employee leave", " kim@example.org 2026-12-21 2027-01-02");
     one->add_option("EMAIL", options->email, "The employee's e-mail address")->required();
-    addField(*one, "FROM", "The first day, yyyy-MM-dd", options->firstDay, parseDay, DayRule)->required();
-    addField(*one, "TO", "The last day, included", options->lastDay, parseDay, DayRule)->required();
+    addField(*one, "FROM", "The first day, yyyy-MM-dd", options->firstDay, parseDay, DayRule)
+        ->required()
+        ->type_name("DAY");
+    addField(*one, "TO", "The last day, included", options->lastDay, parseDay, DayRule)
+        ->required()
+        ->type_name("DAY");
     addField(
         *one, "--reason", "For the administrators' lists", options->reason,
         [](const std::string &text) { return parseLine(text); }, LineRule);
@@ -116,7 +121,8 @@ void addRemove(CLI::App &group, const Options &options, const ChooseCommand &cho
     one->add_option("LEAVE", options->email, "The leave's identifier, or the employee's e-mail address")
         ->required();
     addField(*one, "FROM", "With an e-mail address: the leave's first day", options->firstDay, parseDay,
-             DayRule);
+             DayRule)
+        ->type_name("DAY");
     one->callback([=] {
         if (!options->firstDay && options->email.find('@') != std::string::npos)
             throw CLI::ValidationError("FROM", "pass also the first day of the leave");

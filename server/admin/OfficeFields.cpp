@@ -18,13 +18,14 @@ std::optional<std::string> parseZone(const std::string &text)
     return known ? std::optional{text} : std::nullopt;
 }
 
-void addWhole(CLI::App &command, const std::string &name, const std::string &help,
+void addWhole(CLI::App &command, const std::string &name, const std::string &unit, const std::string &help,
               std::optional<long long> &target, long long smallest, long long largest)
 {
     addField(
         command, name, help, target,
         [=](const std::string &text) { return parseWhole(text, smallest, largest); },
-        "it has to be a whole number from " + std::to_string(smallest) + " to " + std::to_string(largest));
+        "it has to be a whole number from " + std::to_string(smallest) + " to " + std::to_string(largest))
+        ->type_name(unit);
 }
 
 void addPlace(CLI::App &command, OfficeWishes &wishes, bool required)
@@ -33,15 +34,18 @@ void addPlace(CLI::App &command, OfficeWishes &wishes, bool required)
         command, "--latitude", "Degrees north, e.g. 52.5163", wishes.latitude,
         [](const std::string &text) { return parseWithin(text, -90, 90); },
         "it has to be a number of degrees from -90 to 90")
-        ->required(required);
+        ->required(required)
+        ->type_name("DEGREES");
     addField(
         command, "--longitude", "Degrees east, e.g. 13.3777", wishes.longitude,
         [](const std::string &text) { return parseWithin(text, -180, 180); },
         "it has to be a number of degrees from -180 to 180")
-        ->required(required);
+        ->required(required)
+        ->type_name("DEGREES");
     addField(command, "--time-zone", "IANA name, e.g. Europe/Berlin", wishes.timeZoneName, parseZone,
              "it has to be the name of a time zone, like Europe/Berlin")
-        ->required(required);
+        ->required(required)
+        ->type_name("ZONE");
 }
 
 void addTime(CLI::App &command, const std::string &name, const std::string &help,
@@ -52,7 +56,8 @@ void addTime(CLI::App &command, const std::string &name, const std::string &help
         return minute && *minute >= earliest && *minute <= latest ? minute : std::nullopt;
     };
     addField(command, name, help, target, parse,
-             "it has to be a time from " + timeOfDayText(earliest) + " to " + timeOfDayText(latest));
+             "it has to be a time from " + timeOfDayText(earliest) + " to " + timeOfDayText(latest))
+        ->type_name("HH:MM");
 }
 
 void addRules(CLI::App &command, OfficeWishes &wishes, bool defaults)
@@ -60,16 +65,18 @@ void addRules(CLI::App &command, OfficeWishes &wishes, bool defaults)
     const auto help = [defaults](const std::string &text, const std::string &value) {
         return defaults ? text + " [" + value + "]" : text;
     };
-    addWhole(command, "--radius", help("Metres around the place that count as there", "150"),
+    addWhole(command, "--radius", "METRES", help("Metres around the place that count as there", "150"),
              wishes.radiusMeters, 1, LargestDistance);
-    addWhole(command, "--max-accuracy", help("A position less precise than these metres is refused", "100"),
-             wishes.maxAccuracyMeters, 1, LargestDistance);
-    addWhole(command, "--grace", help("Minutes after check-in time that are not late yet", "10"),
+    addWhole(command, "--max-accuracy", "METRES",
+             help("A position less precise than these metres is refused", "100"), wishes.maxAccuracyMeters, 1,
+             LargestDistance);
+    addWhole(command, "--grace", "MINUTES", help("Minutes after check-in time that are not late yet", "10"),
              wishes.graceMinutes, 0, MinutesOfDay);
-    addWhole(command, "--full-day", help("Minutes of work below which it is a half day", "300"),
+    addWhole(command, "--full-day", "MINUTES", help("Minutes of work below which it is a half day", "300"),
              wishes.fullDayMinutes, 0, MinutesOfDay);
     addField(command, "--working-days", help("Mon-Fri or Mon,Wed,Sat and the like", "Mon-Fri"),
-             wishes.workingWeekdays, parseWeekdays, "it has to name days, like Mon-Fri or Mon,Wed,Sat");
+             wishes.workingWeekdays, parseWeekdays, "it has to name days, like Mon-Fri or Mon,Wed,Sat")
+        ->type_name("DAYS");
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "AdminFixture.h"
 
 #include <algorithm>
+#include <array>
+#include <thread>
 
 namespace clockwell::server::test {
 
@@ -157,6 +159,32 @@ TEST_F(AdminLeaveTest, BadDatesAndReasonsAreWrongUsage)
     EXPECT_TRUE(ends(2, {"leave", "add", "kim@example.org", "2027-02-28"}, "TO"));
     for (const std::string &reason : {std::string{}, std::string{"two\nlines"}, std::string(201, 'x')})
         EXPECT_TRUE(ends(2, add("2027-02-01", "2027-02-02", {"--reason", reason}), "--reason")) << reason;
+    EXPECT_EQ(listed().size(), 0U);
+}
+
+TEST_F(AdminLeaveTest, OfOverlappingLeaveAtOneTimeOnlyOneIsTaken)
+{
+    constexpr int Administrators = 6;
+    std::array<int, Administrators> exitCodes{};
+    std::vector<std::thread> threads;
+    threads.reserve(Administrators);
+    for (int i = 0; i < Administrators; ++i)
+        threads.emplace_back([&, i] {
+            const std::string last = "2027-03-2" + std::to_string(i);
+            exitCodes.at(static_cast<std::size_t>(i)) = admin(add("2027-03-10", last)).exitCode;
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(std::count(exitCodes.begin(), exitCodes.end(), 0), 1);
+    EXPECT_EQ(std::count(exitCodes.begin(), exitCodes.end(), 1), Administrators - 1);
+    EXPECT_EQ(listed().size(), 1U);
+}
+
+TEST_F(AdminLeaveTest, WriteThatFailsHalfwayChangesNothingAndSaysSo)
+{
+    // FAIL leaves the row in place; only the end of the transaction can take it out again.
+    execute("CREATE TRIGGER disk_full AFTER INSERT ON leaves BEGIN SELECT RAISE(FAIL, 'disk is full'); END");
+    EXPECT_TRUE(ends(1, add("2027-03-10", "2027-03-20"), "Nothing was changed: "));
     EXPECT_EQ(listed().size(), 0U);
 }
 
