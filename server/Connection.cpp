@@ -1,35 +1,10 @@
 #include "server/Connection.h"
 
-#include "server/DatabaseError.h"
+#include "server/SqliteError.h"
 
 #include <soci/sqlite3/soci-sqlite3.h> // puts SQLite's own functions into the namespace sqlite_api
 
 namespace clockwell::server {
-
-namespace {
-
-DatabaseError::Kind kindOf(int sqliteCode)
-{
-    using Kind = DatabaseError::Kind;
-    switch (sqliteCode & 0xff) { // the low byte is the primary code
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return Kind::Busy;
-    case SQLITE_FULL:
-        return Kind::Full;
-    case SQLITE_READONLY:
-        return Kind::ReadOnly;
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
-        return Kind::Damaged;
-    case SQLITE_CONSTRAINT:
-        return Kind::Constraint;
-    default:
-        return Kind::Unusable;
-    }
-}
-
-} // namespace
 
 Connection::Connection(const std::string &file, int busySeconds)
 try : m_session(soci::sqlite3, "dbname=\"" + file + "\" timeout=" + std::to_string(busySeconds)) {
@@ -54,7 +29,7 @@ void Connection::rethrow()
         throw;
     } catch (const soci::sqlite3_soci_error &error) {
         // Without SOCI's context: that would carry the values of the parameters, and so into the log.
-        throw DatabaseError{kindOf(error.result()), sqlite_api::sqlite3_errstr(error.result())};
+        throw sqliteError(error.result());
     } catch (const soci::soci_error &error) {
         throw DatabaseError{DatabaseError::Kind::Unusable, error.get_error_message()};
     }

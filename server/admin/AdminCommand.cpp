@@ -1,12 +1,14 @@
 #include "server/admin/AdminCommand.h"
 
 #include "server/admin/AdminError.h"
+#include "server/admin/BackupCommand.h"
 #include "server/admin/CompanyGroup.h"
 #include "server/admin/EmployeeGroup.h"
 #include "server/admin/HolidayGroup.h"
 #include "server/admin/LeaveGroup.h"
 #include "server/admin/OfficeGroup.h"
 #include "server/admin/ReportCommand.h"
+#include "server/admin/RestoreCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -54,6 +56,8 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
     addHolidayGroup(*admin, options, choose);
     addLeaveGroup(*admin, options, choose);
     addReportCommand(*admin, options, choose);
+    addBackupCommand(*admin, options, choose);
+    addRestoreCommand(*admin, options, choose);
 }
 
 } // namespace clockwell::server

@@ -10,7 +10,16 @@ namespace {
 
 constexpr int BusySeconds = 5;
 
-const std::string &existing(const std::string &file)
+DatabaseOptions oneReader()
+{
+    DatabaseOptions options;
+    options.readers = 1;
+    return options;
+}
+
+} // namespace
+
+const std::string &requireDatabase(const std::string &file)
 {
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(file, ignored))
@@ -28,22 +37,14 @@ const std::string &existing(const std::string &file)
     return file;
 }
 
-DatabaseOptions oneReader()
-{
-    DatabaseOptions options;
-    options.readers = 1;
-    return options;
-}
-
-} // namespace
-
-AdminDatabase::AdminDatabase(const std::string &file) : m_database(existing(file), oneReader()) {}
+AdminDatabase::AdminDatabase(const std::string &file) : m_database(requireDatabase(file), oneReader()) {}
 
 void requireNoPartOf(const std::string &database, const std::string &file)
 {
     std::error_code ignored;
-    const auto target = std::filesystem::weakly_canonical(file, ignored);
-    const auto base = std::filesystem::weakly_canonical(database, ignored);
+    // Made absolute first: of a bare name that is not there, nothing would be resolved.
+    const auto target = std::filesystem::weakly_canonical(std::filesystem::absolute(file), ignored);
+    const auto base = std::filesystem::weakly_canonical(std::filesystem::absolute(database), ignored);
     bool part = std::filesystem::equivalent(database, file, ignored); // also under another name
     for (const char *suffix : {"", "-wal", "-shm", "-journal"})
         part = part || target == base.string() + suffix;

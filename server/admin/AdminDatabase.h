@@ -33,6 +33,10 @@ private:
     Database m_database;
 };
 
+/// Returns the file's name. Throws std::runtime_error when it is not there or is not a database of this
+/// program.
+const std::string &requireDatabase(const std::string &file);
+
 /// Throws AdminError Refused when `file` is the database or one of the files that SQLite keeps beside it:
 /// what commands write must never hit these.
 void requireNoPartOf(const std::string &database, const std::string &file);

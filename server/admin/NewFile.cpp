@@ -73,8 +73,12 @@ NewFile::~NewFile()
 {
     if (m_descriptor >= 0)
         ::close(m_descriptor);
-    if (!m_unfinished.empty())
-        ::unlink(m_unfinished.c_str());
+    if (m_unfinished.empty())
+        return;
+    ::unlink(m_unfinished.c_str());
+    for (const char *suffix :
+         {"-journal", "-wal", "-shm"}) // what SQLite leaves behind when it could not finish
+        ::unlink((m_unfinished + suffix).c_str());
 }
 
 void NewFile::write(std::string_view bytes)

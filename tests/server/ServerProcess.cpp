@@ -39,7 +39,7 @@ pid_t spawnServer(const std::vector<std::string> &arguments, const std::string &
 }
 
 /// The exit code; -1 when a signal ended it, also ours after the limit.
-int waitForEnd(pid_t process, std::chrono::seconds limit)
+int waitForEnd(pid_t process, std::chrono::milliseconds limit)
 {
     const auto end = std::chrono::steady_clock::now() + limit;
     int status = 0;
@@ -53,13 +53,13 @@ int waitForEnd(pid_t process, std::chrono::seconds limit)
 
 } // namespace
 
-ProcessResult runServer(const std::vector<std::string> &arguments)
+ProcessResult runServer(const std::vector<std::string> &arguments, std::chrono::milliseconds limit)
 {
     const TempFolder folder;
     const pid_t process = spawnServer(arguments, folder.file("out"), folder.file("err"));
     if (process < 0)
         return {};
-    const int exitCode = waitForEnd(process, std::chrono::seconds{20});
+    const int exitCode = waitForEnd(process, limit);
     return {exitCode, readFile(folder.file("out")), readFile(folder.file("err"))};
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -15,8 +16,9 @@ struct ProcessResult
     std::string errors;
 };
 
-/// Runs the server program to its end, with a limit of twenty seconds.
-ProcessResult runServer(const std::vector<std::string> &arguments);
+/// Runs the server program to its end, or kills it when the limit is over.
+ProcessResult runServer(const std::vector<std::string> &arguments,
+                        std::chrono::milliseconds limit = std::chrono::seconds{20});
 
 /// The server program while it serves; killed with the object if it still runs.
 class ServerProcess

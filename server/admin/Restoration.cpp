@@ -1,0 +1,157 @@
+#include "server/admin/Restoration.h"
+
+#include "server/Connection.h"
+#include "server/DatabaseError.h"
+#include "server/Migrations.h"
+#include "server/admin/AdminDatabase.h"
+#include "server/admin/AdminError.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace clockwell::server {
+
+namespace {
+
+AdminError refused(const std::string &text)
+{
+    return {AdminError::Kind::Refused, text};
+}
+
+bool isThere(const std::string &file)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
+}
+
+std::string resolved(const std::string &file)
+{
+    std::error_code ignored;
+    const auto real = std::filesystem::canonical(file, ignored);
+    return real.empty() ? file : real.string();
+}
+
+/// "20260501T091530123Z"
+std::string stampOf(Instant now)
+{
+    std::string text = toIsoText(now);
+    std::erase_if(text, [](char c) { return c == '-' || c == ':' || c == '.'; });
+    return text;
+}
+
+constexpr const char *MoveAway = " Move it away, with its companions -wal and -shm, and restore again.";
+
+/// Only a database of this program is ever replaced.
+void requireReplaceable(const std::string &database)
+{
+    try {
+        requireDatabase(database);
+    } catch (const std::runtime_error &error) {
+        throw refused(error.what() + std::string{MoveAway});
+    }
+}
+
+/// Holds the database alone until the file is closed: with the mode "exclusive" no lock that was taken is
+/// given back, and leaving write-ahead logging fails as long as anybody else has the file open.
+void takeAlone(SqliteFile &live, const std::string &database)
+{
+    try {
+        live.execute("PRAGMA locking_mode = EXCLUSIVE");
+        const std::string mode = live.value("PRAGMA journal_mode = DELETE");
+        live.execute("BEGIN EXCLUSIVE");
+        live.execute("COMMIT");
+        if (mode == "delete")
+            return;
+    } catch (const DatabaseError &error) {
+        if (error.kind() == DatabaseError::Kind::Damaged)
+            throw refused("The database " + database + " is too damaged to be replaced: " + error.what() +
+                          "." + MoveAway);
+        if (error.kind() != DatabaseError::Kind::Busy)
+            throw;
+    }
+    throw refused(
+        "The database " + database +
+        " is in use by a server or another program. Stop it, then restore again. Nothing was changed.");
+}
+
+void endSessionsAndCodes(const std::string &file)
+{
+    constexpr int BusySeconds = 5;
+    Connection connection{file, BusySeconds};
+    connection.execute("BEGIN IMMEDIATE");
+    migrate(connection);
+    for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families"})
+        connection.execute(std::string{"DELETE FROM "} + table);
+    connection.execute("COMMIT");
+}
+
+} // namespace
+
+Restoration::Restoration(std::string database, std::string backup)
+    : m_database(resolved(database)),
+      m_backup(std::move(backup)),
+      m_replaces(isThere(m_database)),
+      m_prepared(m_database, m_replaces ? NewFile::IfThere::Replace : NewFile::IfThere::Refuse)
+{
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(m_backup, ignored))
+        throw refused("There is no backup " + m_backup + ".");
+    if (m_replaces)
+        requireReplaceable(m_database);
+    else
+        requireNoCompanions(m_database);
+    requireNoPartOf(m_database, m_backup);
+    prepare();
+}
+
+void Restoration::prepare()
+{
+    const std::string name = "The backup " + m_backup;
+    try {
+        SqliteFile backup{m_backup};
+        SqliteFile copy{m_prepared.unfinished()};
+        backup.copyTo(copy);
+        copy.execute("PRAGMA journal_mode = DELETE");
+        m_contents = requireSound(copy, name);
+    } catch (const DatabaseError &error) {
+        throw refused(name + " cannot be used: " + error.what() + ". Nothing was changed.");
+    }
+    endSessionsAndCodes(m_prepared.unfinished());
+}
+
+std::optional<std::string> Restoration::finish(Instant now)
+{
+    try {
+        if (m_replaces)
+            return keepAndReplace(now);
+        m_prepared.publish();
+        return std::nullopt;
+    } catch (const DatabaseError &error) {
+        throw std::runtime_error{"Nothing was changed: " + std::string{error.what()} + "."};
+    }
+}
+
+std::string Restoration::keepAndReplace(Instant now)
+{
+    SqliteFile live{m_database};
+    takeAlone(live, m_database);
+    const std::string keptAs = m_database + ".before-restore-" + stampOf(now);
+    NewFile kept{keptAs, NewFile::IfThere::Refuse};
+    {
+        SqliteFile copy{kept.unfinished()};
+        live.copyTo(copy);
+    }
+    kept.publish();
+    SqliteFile prepared{m_prepared.unfinished()};
+    // Into the file that is there, not by renaming: a server that is being started right now waits for this
+    // file, and would go on with the old one if another took its name.
+    try {
+        prepared.copyTo(live);
+    } catch (const DatabaseError &error) {
+        throw std::runtime_error{"Nothing was changed: " + std::string{error.what()} +
+                                 ". A copy of the database is in " + keptAs + "."};
+    }
+    return keptAs;
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+struct sqlite3;
+
+namespace clockwell::server {
+
+/// One connection to a SQLite file that is there, through SQLite's own interface: for copying and checking
+/// whole databases, which statements cannot do. Used by one thread. All operations throw DatabaseError.
+class SqliteFile
+{
+public:
+    /// Never makes a file, but a file without a byte is an empty database. ":memory:" is one as well.
+    explicit SqliteFile(const std::string &file);
+
+    void execute(const std::string &sql) { column(sql); }
+    /// The first column of the result; null is an empty text.
+    std::vector<std::string> column(const std::string &sql);
+    /// The first column of the first row. Throws std::runtime_error when there is no row.
+    std::string value(const std::string &sql);
+    long long number(const std::string &sql) { return std::stoll(value(sql)); }
+
+    /// Makes the other database the same as this one is at one moment, also while others write here. The
+    /// other one changes in one transaction: a failure or the end of the process leaves it as it was.
+    void copyTo(SqliteFile &other);
+
+private:
+    struct Closer
+    {
+        void operator()(sqlite3 *handle) const;
+    };
+    std::unique_ptr<sqlite3, Closer> m_handle;
+};
+
+/// Throws AdminError Refused when something that SQLite would take for a part of a database stands beside
+/// this name: a new file there would be spoilt by it.
+void requireNoCompanions(const std::string &file);
+
+} // namespace clockwell::server
