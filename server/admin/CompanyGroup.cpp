@@ -22,7 +22,6 @@ struct CompanyOptions
     std::optional<std::string> name;
     std::optional<std::string> code;
 };
-using Options = std::shared_ptr<CompanyOptions>;
 
 Json companyJson(const Company &company)
 {

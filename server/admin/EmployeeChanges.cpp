@@ -13,7 +13,7 @@ namespace clockwell::server {
 
 namespace {
 
-AdminError refused(const std::string &text)
+AdminError refusal(const std::string &text)
 {
     return {AdminError::Kind::Refused, text};
 }
@@ -34,10 +34,10 @@ OfficeEntry onlyPossibleOffice(Connection &connection, const EmployeeEntry &empl
         return offices.front();
     const std::string who = personText(employee) + " has no office";
     if (offices.empty())
-        throw refused(who + ", and there is none" +
+        throw refusal(who + ", and there is none" +
                       (employee.companyName ? " in the company " + printable(*employee.companyName) : "") +
                       " to assign.");
-    throw refused(who + ". Pass --office with one of: " + officeNames(offices) + ".");
+    throw refusal(who + ". Pass --office with one of: " + officeNames(offices) + ".");
 }
 
 OfficeEntry officeToBe(Connection &connection, const EmployeeEntry &employee,
@@ -47,7 +47,7 @@ OfficeEntry officeToBe(Connection &connection, const EmployeeEntry &employee,
         return onlyPossibleOffice(connection, employee);
     OfficeEntry office = requireOfficeNamed(connection, wished ? *wished : *employee.officeId);
     if (employee.instituteId && office.instituteId != *employee.instituteId)
-        throw refused("The office " + printable(office.name) + " belongs to the company " +
+        throw refusal("The office " + printable(office.name) + " belongs to the company " +
                       printable(office.companyName) + ", but " + personText(employee) + " to " +
                       printable(employee.companyName.value_or("another one")) + ".");
     return office;
@@ -57,7 +57,7 @@ std::string todayIn(const OfficeEntry &office, Instant now)
 {
     const auto zone = TimeZone::named(office.timeZoneName);
     if (!zone)
-        throw refused("The time zone " + printable(office.timeZoneName) + " of the office " +
+        throw refusal("The time zone " + printable(office.timeZoneName) + " of the office " +
                       printable(office.name) + " is not known here.");
     return toText(zone->dayOf(now));
 }
@@ -69,7 +69,7 @@ EmployeeChange EmployeeChanges::approve(const ApprovalWishes &wishes)
     const EmployeeEntry employee = requireEmployee(m_connection, wishes.email);
     const bool approved = employee.status == "APPROVED";
     if (!approved && employee.emailVerified == 0 && !wishes.evenUnverified)
-        throw refused(personText(employee) +
+        throw refusal(personText(employee) +
                       " has not verified the e-mail address yet. Wait for that, or pass --even-unverified;"
                       " signing in stays impossible until it is verified.");
     const OfficeEntry office = officeToBe(m_connection, employee, wishes.office);
@@ -96,7 +96,7 @@ EmployeeChange EmployeeChanges::reject(const std::string &email)
     // Rejected means never approved: only so does the first approval stay known, and with it the day of
     // joining.
     if (!neverApproved(employee))
-        throw refused(personText(employee) + " was approved before. Use suspend instead.");
+        throw refusal(personText(employee) + " was approved before. Use suspend instead.");
     return lockOut(employee, "REJECTED", "rejected");
 }
 
@@ -104,7 +104,7 @@ EmployeeChange EmployeeChanges::suspend(const std::string &email)
 {
     const EmployeeEntry employee = requireEmployee(m_connection, email);
     if (neverApproved(employee))
-        throw refused(personText(employee) + " was never approved. Use reject instead.");
+        throw refusal(personText(employee) + " was never approved. Use reject instead.");
     return lockOut(employee, "SUSPENDED", "suspended");
 }
 

@@ -21,7 +21,7 @@ struct EmployeeOptions
     std::string office;
     std::string status;
 };
-using Options = std::shared_ptr<EmployeeOptions>;
+using SharedEmployeeOptions = std::shared_ptr<EmployeeOptions>;
 
 std::string roleProblem(const std::string &text)
 {
@@ -65,9 +65,9 @@ void show(const EmployeeOptions &options)
                   options.common->json);
 }
 
-using Change = std::function<EmployeeChange(EmployeeChanges &, const EmployeeOptions &)>;
+using EmployeeAction = std::function<EmployeeChange(EmployeeChanges &, const EmployeeOptions &)>;
 
-void change(const EmployeeOptions &options, const Change &what)
+void change(const EmployeeOptions &options, const EmployeeAction &what)
 {
     AdminDatabase database{options.common->database};
     const Sessions sessions{database.database(), systemClock()};
@@ -78,14 +78,14 @@ void change(const EmployeeOptions &options, const Change &what)
     printChange(done, options.common->json);
 }
 
-void addEmail(CLI::App &command, const Options &options)
+void addEmail(CLI::App &command, const SharedEmployeeOptions &options)
 {
     command.add_option("EMAIL", options->wishes.email, "The employee's e-mail address")->required();
 }
 
 CLI::App *addChange(CLI::App &group, const std::string &name, const std::string &help,
-                    const std::string &example, const Options &options, const ChooseCommand &choose,
-                    const Change &what)
+                    const std::string &example, const SharedEmployeeOptions &options,
+                    const ChooseCommand &choose, const EmployeeAction &what)
 {
     CLI::App *command = addCommand(group, name, help, " kim@example.org" + example);
     addEmail(*command, options);
@@ -93,7 +93,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
     return command;
 }
 
-void addQueries(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addQueries(CLI::App &group, const SharedEmployeeOptions &options, const ChooseCommand &choose)
 {
     CLI::App *all = addCommand(group, "list", "List employees", " --status pending");
     all->add_option("--status", options->status, "Only these")
@@ -106,7 +106,7 @@ void addQueries(CLI::App &group, const Options &options, const ChooseCommand &ch
     one->callback([=] { choose([=] { show(*options); }); });
 }
 
-void addApprove(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addApprove(CLI::App &group, const SharedEmployeeOptions &options, const ChooseCommand &choose)
 {
     CLI::App *approve = addChange(
         group, "approve", "Let an employee sign in, for the first time or again", " --office \"Head Office\"",
@@ -119,7 +119,7 @@ void addApprove(CLI::App &group, const Options &options, const ChooseCommand &ch
                       "Also when the e-mail address is not verified yet");
 }
 
-void addOtherChanges(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addOtherChanges(CLI::App &group, const SharedEmployeeOptions &options, const ChooseCommand &choose)
 {
     addChange(
         group, "reject", "Turn an application down", "", options, choose,

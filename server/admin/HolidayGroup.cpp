@@ -18,7 +18,7 @@ struct HolidayOptions
     std::optional<Day> day;
     std::optional<std::string> name;
 };
-using Options = std::shared_ptr<HolidayOptions>;
+using SharedHolidayOptions = std::shared_ptr<HolidayOptions>;
 
 std::string weekdayOf(const std::string &day)
 {
@@ -64,9 +64,9 @@ void list(const HolidayOptions &options)
     printListing(listing, options.common->json);
 }
 
-using Change = std::function<HolidayChange(Connection &, const HolidayOptions &)>;
+using HolidayAction = std::function<HolidayChange(Connection &, const HolidayOptions &)>;
 
-void change(const HolidayOptions &options, const Change &what)
+void change(const HolidayOptions &options, const HolidayAction &what)
 {
     AdminDatabase database{options.common->database};
     const HolidayChange done =
@@ -75,8 +75,8 @@ void change(const HolidayOptions &options, const Change &what)
 }
 
 CLI::App *addChange(CLI::App &group, const std::string &name, const std::string &help,
-                    const std::string &example, const Options &options, const ChooseCommand &choose,
-                    const Change &what)
+                    const std::string &example, const SharedHolidayOptions &options,
+                    const ChooseCommand &choose, const HolidayAction &what)
 {
     CLI::App *command = addCommand(group, name, help, " \"Head Office\" 2027-01-01" + example);
     command->add_option("OFFICE", options->office, "The office's name")->required();
@@ -87,7 +87,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
     return command;
 }
 
-void addList(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addList(CLI::App &group, const SharedHolidayOptions &options, const ChooseCommand &choose)
 {
     CLI::App *all = addCommand(group, "list", "List holidays", " --year 2027");
     all->add_option("--office", options->office, "Only those of the office with this name");

@@ -18,7 +18,7 @@ struct LeaveOptions
     std::optional<Day> lastDay;
     std::optional<std::string> reason;
 };
-using Options = std::shared_ptr<LeaveOptions>;
+using SharedLeaveOptions = std::shared_ptr<LeaveOptions>;
 
 Json leaveJson(const LeaveEntry &leave)
 {
@@ -87,7 +87,7 @@ void remove(const LeaveOptions &options)
     printChange(done, options);
 }
 
-void addList(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addList(CLI::App &group, const SharedLeaveOptions &options, const ChooseCommand &choose)
 {
     CLI::App *all = addCommand(group, "list", "List leave", " --month 2026-12");
     all->add_option("--employee", options->email, "Only that of the employee with this e-mail address");
@@ -97,7 +97,7 @@ void addList(CLI::App &group, const Options &options, const ChooseCommand &choos
     all->callback([=] { choose([=] { list(*options); }); });
 }
 
-void addAdd(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addAdd(CLI::App &group, const SharedLeaveOptions &options, const ChooseCommand &choose)
 {
     CLI::App *one =
         addCommand(group, "add", "Give an employee leave", " kim@example.org 2026-12-21 2027-01-02");
@@ -114,7 +114,7 @@ void addAdd(CLI::App &group, const Options &options, const ChooseCommand &choose
     one->callback([=] { choose([=] { add(*options); }); });
 }
 
-void addRemove(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addRemove(CLI::App &group, const SharedLeaveOptions &options, const ChooseCommand &choose)
 {
     CLI::App *one = addCommand(group, "remove", "Take leave back: by its identifier, or by whose it is",
                                " kim@example.org 2026-12-21");

@@ -18,7 +18,7 @@ struct OfficeOptions
     std::optional<std::string> company;
     OfficeWishes wishes;
 };
-using Options = std::shared_ptr<OfficeOptions>;
+using SharedOfficeOptions = std::shared_ptr<OfficeOptions>;
 
 Json officeRecordJson(const OfficeRecord &record)
 {
@@ -97,7 +97,7 @@ void edit(const OfficeOptions &options)
     printOutcome(done.outcome, "office", officeRecordJson(done.record), options.common->json);
 }
 
-void addAdd(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addAdd(CLI::App &group, const SharedOfficeOptions &options, const ChooseCommand &choose)
 {
     CLI::App *one = addCommand(group, "add", "Add an office",
                                " Harbour --latitude 54.1 --longitude 9.6 --time-zone Europe/Berlin"
@@ -109,7 +109,7 @@ void addAdd(CLI::App &group, const Options &options, const ChooseCommand &choose
     one->callback([=] { choose([=] { add(*options); }); });
 }
 
-void addEdit(CLI::App &group, const Options &options, const ChooseCommand &choose)
+void addEdit(CLI::App &group, const SharedOfficeOptions &options, const ChooseCommand &choose)
 {
     CLI::App *one = addCommand(group, "edit", "Change an office; what is not given stays as it is",
                                " Harbour --radius 200 --working-days Mon-Sat");
