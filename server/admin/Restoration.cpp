@@ -74,6 +74,7 @@ void takeAlone(SqliteFile &live, const std::string &database)
         " is in use by a server or another program. Stop it, then restore again. Nothing was changed.");
 }
 
+/// Brings an older schema up to date as well.
 void endSessionsAndCodes(const std::string &file)
 {
     constexpr int BusySeconds = 5;
@@ -113,10 +114,11 @@ void Restoration::prepare()
         backup.copyTo(copy);
         copy.execute("PRAGMA journal_mode = DELETE");
         m_contents = requireSound(copy, name);
+        copy.close();
+        endSessionsAndCodes(m_prepared.unfinished());
     } catch (const DatabaseError &error) {
         throw refused(name + " cannot be used: " + error.what() + ". Nothing was changed.");
     }
-    endSessionsAndCodes(m_prepared.unfinished());
 }
 
 std::optional<std::string> Restoration::finish(Instant now)

@@ -27,6 +27,9 @@ public:
     /// other one changes in one transaction: a failure or the end of the process leaves it as it was.
     void copyTo(SqliteFile &other);
 
+    /// Nothing else can be done afterwards.
+    void close() { m_handle.reset(); }
+
 private:
     struct Closer
     {
