@@ -17,7 +17,7 @@ start_server() { # sets server_pid; the demo data stays between runs
     "$server" demo --database "$run_dir/demo.db" | tee "$run_dir/demo.txt"
     rm -f "$run_dir/port"
     "$server" serve --database "$run_dir/demo.db" --listen "127.0.0.1:$port" --port-file "$run_dir/port" \
-        >"$run_dir/server.log" 2>&1 &
+        --outbox "$run_dir/outbox" >"$run_dir/server.log" 2>&1 &
     server_pid=$!
     trap 'kill "$server_pid" 2>/dev/null; wait "$server_pid" 2>/dev/null || true' EXIT
     local tries
@@ -56,9 +56,17 @@ dev_run() {
     local platform=()
     [ -n "$vnc" ] && platform=(QT_QPA_PLATFORM=vnc:port=5900) &&
         echo "The app's window is served to VNC viewers at port 5900, without a password and to whoever can reach it."
+    echo "E-mail, with the codes for sign-up and password reset: $run_dir/outbox"
+    echo "Approve a new account: ./dev admin employees approve ADDRESS"
     echo "Server log: $run_dir/server.log. Close the window to stop."
     export CLOCKWELL_SIMULATED_LOCATION=${CLOCKWELL_SIMULATED_LOCATION:-$(demo_fix)}
     with_any_secret_service env "${platform[@]}" build/dev/bin/clockwell
+}
+
+# The server's administration on the demo data, also while ./dev run is running.
+dev_admin() {
+    [ -x build/dev/bin/clockwell-server ] || build dev clockwell-server
+    build/dev/bin/clockwell-server admin --database "$run_dir/demo.db" "$@"
 }
 
 # The session's own Secret Service where it has one, else one that keeps its keyring beside the demo data.

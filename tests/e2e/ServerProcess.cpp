@@ -38,8 +38,25 @@ QString ServerProcess::database() const
     return QDir(m_directory).filePath(u"demo.db"_s);
 }
 
+QString ServerProcess::outbox() const
+{
+    return QDir(m_directory).filePath(u"outbox"_s);
+}
+
+QString ServerProcess::admin(const QStringList &arguments, QString *error) const
+{
+    QProcess admin;
+    admin.start(m_binary, QStringList{u"admin"_s, u"--database"_s, database()} + arguments);
+    if (admin.waitForFinished(startLimitMs) && admin.exitStatus() == QProcess::NormalExit &&
+        admin.exitCode() == 0)
+        return textOf(admin.readAllStandardOutput());
+    *error = u"The admin command failed: "_s + textOf(admin.readAllStandardError());
+    return {};
+}
+
 bool ServerProcess::fillDatabase(QString *error)
 {
+    QDir(outbox()).removeRecursively();
     for (const auto *suffix : {"", "-wal", "-shm"})
         QFile::remove(database() + QLatin1String(suffix));
     QProcess demo;
@@ -72,7 +89,7 @@ bool ServerProcess::start(QString *error)
     m_process.setStandardErrorFile(QDir(m_directory).filePath(u"server.log"_s));
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.start(m_binary, {u"serve"_s, u"--database"_s, database(), u"--listen"_s, u"127.0.0.1:0"_s,
-                               u"--port-file"_s, portFile});
+                               u"--port-file"_s, portFile, u"--outbox"_s, outbox()});
     const bool listening = QTest::qWaitFor(
         [&] {
             QFile file(portFile);

@@ -35,6 +35,12 @@ public:
     QUrl baseUrl() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/api").arg(m_port)); }
     const Demo &demo() const { return m_demo; }
     QString database() const;
+    /// Where the server's e-mail goes.
+    QString outbox() const;
+
+    /// Runs `clockwell-server admin` on the database and returns what it printed; empty, with `error` set,
+    /// when it failed or took longer than 30 seconds.
+    QString admin(const QStringList &arguments, QString *error) const;
 
     /// One query on the database file itself: rows of columns as texts. For looking, not for writing.
     QList<QStringList> rows(const QString &sql) const;

@@ -15,7 +15,7 @@ void Tour::step(const QString &title, const std::function<bool(ScreenDriver &)> 
     ++m_count;
     QTextStream out(stdout);
     out << m_count << ". " << title << Qt::endl;
-    if (!act(m_screen))
+    if (!m_screen.waitUntilStill() || !act(m_screen))
         return fail(title, u"the control was not on the screen or could not be used"_s);
     if (m_screen.waitForPrefix(expected, std::chrono::seconds(20)).isEmpty())
         return fail(title, u"the screen never said \"%1\""_s.arg(expected));

@@ -1,3 +1,4 @@
+#include "AccountJourney.h"
 #include "ClockwellApp.h"
 #include "ServerProcess.h"
 #include "Tour.h"
@@ -16,15 +17,20 @@ using clockwell::ClockwellApp;
 using clockwell::test::ScreenDriver;
 using clockwell::test::ServerProcess;
 using clockwell::test::Tour;
+using clockwell::test::walkAccountJourney;
 
 bool nothingToDo(ScreenDriver &)
 {
     return true;
 }
 
-void walk(Tour &tour, const ServerProcess::Demo &demo)
+void start(Tour &tour)
 {
     tour.step(u"The app starts without a session"_s, nothingToDo, u"Sign in to mark attendance"_s);
+}
+
+void walkDay(Tour &tour, const ServerProcess::Demo &demo)
+{
     tour.step(
         u"A wrong password is refused"_s,
         [&](ScreenDriver &screen) {
@@ -92,6 +98,8 @@ int main(int argc, char **argv)
     if (!app.show())
         return 1;
     Tour tour(app.window(), arguments[2]);
-    walk(tour, demo);
+    start(tour);
+    walkAccountJourney(tour, server);
+    walkDay(tour, demo);
     return !tour.failed() && printRow(server, demo.email) ? 0 : 1;
 }
