@@ -14,9 +14,9 @@ namespace clockwell {
 /// goes away with that screen, in the middle of an animation too.
 ///
 /// While it is open and the topmost one of the screen in front, what lies below gets no pointer, no key and
-/// no shortcut, and is not offered to assistive technology; the focus goes in, cannot be tabbed out, and
-/// returns to where it was. Escape and the platform's Back key ask it to go. It never changes `shown` itself.
-/// Main thread only.
+/// no shortcut, and its controls and labels are not offered to assistive technology; the focus goes in,
+/// cannot be tabbed out, and returns to where it was. Escape and the platform's Back key ask it to go. It
+/// never changes `shown` itself. Main thread only.
 class Modal : public QQuickItem
 {
     Q_OBJECT

@@ -12,9 +12,10 @@ Item {
 
     signal back
 
-    // A word and a title that do not fit beside each other stand one below the other.
+    // In the middle of the bar where there is room, else beside the way back; a word and a title that do not fit beside
+    // each other stand one below the other.
     readonly property real side: Math.max(goesBack ? backButton.x + backButton.width : 0, cancel !== "" ? 2 * word.x + word.width : 0)
-    readonly property bool stacked: cancel !== "" && heading.implicitWidth > width - 2 * side
+    readonly property bool stacked: cancel !== "" && heading.implicitWidth > width - side - word.x
 
     readonly property real firstRow: Math.max(44, word.height)
 
@@ -45,9 +46,9 @@ Item {
 
     TextLabel {
         id: heading
-        anchors.horizontalCenter: parent.horizontalCenter
+        x: Math.round(Math.max(root.stacked ? word.x : root.side, (root.width - width) / 2))
         y: root.stacked ? root.firstRow : Math.round((root.height - height) / 2)
-        width: root.stacked ? root.width - 2 * word.x : root.width - 2 * root.side
+        width: Math.min(Math.ceil(implicitWidth), root.width - (root.stacked ? 2 * word.x : root.side + word.x))
         text: root.title
         weight: Font.DemiBold
         horizontalAlignment: Text.AlignHCenter

@@ -140,12 +140,6 @@ bool errorBanner(Stage &stage)
         u"You are 1,284"_s);
 }
 
-bool tab(Stage &stage, const QString &name)
-{
-    return inside(stage) && stage.screen().click(name, QAccessible::PageTab) &&
-           QTest::qWaitFor([&] { return stage.screen().find(name, QAccessible::StaticText).has_value(); });
-}
-
 } // namespace
 
 QList<State> mainStates()
@@ -162,8 +156,7 @@ QList<State> mainStates()
             {"home-location-off", locationOff, denied},
             {"home-punching", punching},
             {"home-banner-success", successBanner},
-            {"home-banner-error", errorBanner},
-            {"profile", [](Stage &stage) { return tab(stage, u"Profile"_s); }}};
+            {"home-banner-error", errorBanner}};
 }
 
 } // namespace clockwell::test

@@ -45,7 +45,8 @@ int main(int argc, char **argv)
     int missed = 0;
     for (const auto &state : clockwell::test::signInStates() + clockwell::test::signUpStates() +
                                  clockwell::test::codeStates() + clockwell::test::mainStates() +
-                                 clockwell::test::historyStates() + clockwell::test::summaryStates()) {
+                                 clockwell::test::historyStates() + clockwell::test::summaryStates() +
+                                 clockwell::test::profileStates()) {
         if (!QString::fromLatin1(state.name).contains(wanted))
             continue;
         for (const auto &format : formats)

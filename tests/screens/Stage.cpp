@@ -4,7 +4,6 @@
 #include "ui/Theme.h"
 
 #include <QQmlEngine>
-#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
 #include <QTimer>
@@ -44,14 +43,16 @@ bool Stage::start()
 
 bool Stage::startAs(const QByteArray &fullName)
 {
-    m_server.expect("GET", "/api/auth/me")
-        .reply(200, R"({"id":"1","fullName":")" + fullName +
-                        R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})");
+    return startAsUser(R"({"id":"1","fullName":")" + fullName +
+                       R"(","email":"e","role":"EMPLOYEE","status":"APPROVED"})");
+}
+
+bool Stage::startAsUser(const QByteArray &user)
+{
+    m_server.expect("GET", "/api/auth/me").anyNumber().reply(200, user);
     if (!show(true) || !m_screen->waitFor(u"Attendance"_s))
         return false;
-    // Until the change of content has come to its end, taps are not taken.
-    const auto *contents = m_app->window()->findChild<QQuickItem *>(u"contents"_s);
-    return QTest::qWaitFor([contents] { return !contents->property("busy").toBool(); });
+    return m_screen->waitUntilStill();
 }
 
 bool Stage::show(bool signedIn)

@@ -40,6 +40,8 @@ public:
     bool start();
     /// Shows the app signed in as this person; what the tabs ask for has to be scripted before.
     bool startAs(const QByteArray &fullName);
+    /// The same as the user of this JSON object.
+    bool startAsUser(const QByteArray &user);
 
 private:
     bool show(bool signedIn);

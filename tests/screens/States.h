@@ -23,5 +23,6 @@ QList<State> codeStates();
 QList<State> mainStates();
 QList<State> historyStates();
 QList<State> summaryStates();
+QList<State> profileStates();
 
 } // namespace clockwell::test

@@ -86,7 +86,7 @@ protected:
 
     void startSignedIn(const QByteArray &name = "Ada Byron")
     {
-        server.expect("GET", "/api/auth/me").reply(200, user(name));
+        server.expect("GET", "/api/auth/me").anyNumber().reply(200, user(name));
         server.expect("GET", "/api/attendance/today").anyNumber().reply(200, today("North Tower"));
         server.expect("GET", "/api/attendance/me").anyNumber().reply(200, "[]");
         server.expect("GET", "/api/attendance/me/summary").anyNumber().reply(200, "null");
@@ -187,6 +187,147 @@ TEST_F(ClockwellAppTest, TwoExpiriesInARowEndAtTheSameSignIn)
     EXPECT_FALSE(tokens->refresh());
     EXPECT_TRUE(screen->waitFor(u"Sign in"_s));
     EXPECT_TRUE(screen->waitUntilGone(u"Attendance"_s));
+}
+
+/// What a session that expires must leave nothing of.
+class OpenDialogTest : public ClockwellAppTest
+{
+protected:
+    void openProfile()
+    {
+        startSignedIn();
+        ASSERT_TRUE(screen->click(u"Profile"_s, QAccessible::PageTab));
+        ASSERT_FALSE(screen->waitForPrefix(u"Account status"_s).isEmpty());
+    }
+    void open(const QString &row, const QString &expected)
+    {
+        ASSERT_TRUE(screen->click(row, QAccessible::Button));
+        ASSERT_TRUE(screen->waitFor(expected));
+        ASSERT_TRUE(screen->waitUntilStill());
+    }
+    void expire() { app->sessionEvents().setExpiredAt(QDateTime::currentDateTimeUtc()); }
+
+    /// The sign-in works at once, and nothing of what was open is left when all is still.
+    void expectSignInOnly()
+    {
+        EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::SignedOut);
+        ASSERT_TRUE(screen->waitFor(u"Sign in to mark attendance"_s));
+        ASSERT_TRUE(screen->waitUntilStill());
+        for (const auto &gone : {u"OK"_s, u"Cancel"_s, u"Update password"_s, u"Sign out"_s, u"Profile"_s})
+            EXPECT_FALSE(screen->shows(gone)) << gone.toStdString();
+        EXPECT_TRUE(spinUntil([this] { return modals().isEmpty(); }));
+        ASSERT_TRUE(screen->type(u"Email"_s, u"ada"_s));
+        screen->key(Qt::Key_Tab);
+        screen->typeText(u"secret"_s);
+        EXPECT_TRUE(screen->isEnabled(u"Sign in"_s));
+    }
+    /// All that exist in the window, open or not.
+    QList<const QQuickItem *> modals() const
+    {
+        QList<const QQuickItem *> found;
+        collectModals(app->window()->contentItem(), found);
+        return found;
+    }
+    static void collectModals(const QQuickItem *item, QList<const QQuickItem *> &found)
+    {
+        if (item->inherits("clockwell::Modal"))
+            found.append(item);
+        for (const auto *child : item->childItems())
+            collectModals(child, found);
+    }
+};
+
+TEST_F(OpenDialogTest, CoversTheTabBarToo)
+{
+    openProfile();
+    EXPECT_FALSE(modals().isEmpty());
+    open(u"Sign out"_s, u"Sign out of Qor?"_s);
+    EXPECT_FALSE(screen->find(u"History"_s, QAccessible::PageTab));
+    EXPECT_FALSE(screen->shows(u"Change password"_s));
+    ASSERT_TRUE(screen->click(u"Cancel"_s));
+    EXPECT_TRUE(screen->find(u"History"_s, QAccessible::PageTab));
+}
+
+TEST_F(OpenDialogTest, SigningOutLeadsToTheSignInAtOnce)
+{
+    openProfile();
+    open(u"Sign out"_s, u"Sign out of Qor?"_s);
+    const auto sent = server.requests().size();
+    ASSERT_TRUE(screen->click(u"Sign out"_s, QAccessible::Button));
+    expectSignInOnly();
+    EXPECT_EQ(server.requests().size(), sent);
+    EXPECT_FALSE(tokens->access());
+}
+
+TEST_F(OpenDialogTest, AnExpiryTakesTheConfirmationAway)
+{
+    openProfile();
+    open(u"Sign out"_s, u"Sign out of Qor?"_s);
+    expire();
+    expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, AnExpiryTakesADialogAwayThatIsJustOpening)
+{
+    openProfile();
+    ASSERT_TRUE(screen->click(u"Sign out"_s, QAccessible::Button));
+    expire();
+    expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, AnExpiryTakesADialogAwayThatIsJustClosing)
+{
+    openProfile();
+    open(u"Sign out"_s, u"Sign out of Qor?"_s);
+    screen->key(Qt::Key_Escape);
+    expire();
+    expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, AnExpiryTakesTheSheetAway)
+{
+    openProfile();
+    open(u"Change password"_s, u"Update password"_s);
+    ASSERT_TRUE(screen->type(u"Current password"_s, u"half typ"_s));
+    expire();
+    expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, AnExpiryTakesTheAlertAndTheSheetAway)
+{
+    server.expect("POST", "/api/auth/change-password").reply(200, "{}");
+    openProfile();
+    open(u"Change password"_s, u"Update password"_s);
+    ASSERT_TRUE(screen->type(u"Current password"_s, u"old"_s));
+    screen->key(Qt::Key_Return);
+    screen->typeText(u"new"_s);
+    screen->key(Qt::Key_Return);
+    ASSERT_TRUE(screen->waitFor(u"Password changed"_s));
+    expire();
+    expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, ARefusedRefreshDuringTheChangeTakesTheSheetAway)
+{
+    server.expect("POST", "/api/auth/change-password").reply(401, "{}");
+    server.expect("POST", "/api/auth/refresh").reply(401, "{}");
+    openProfile();
+    open(u"Change password"_s, u"Update password"_s);
+    ASSERT_TRUE(screen->type(u"Current password"_s, u"old"_s));
+    screen->key(Qt::Key_Return);
+    screen->typeText(u"new"_s);
+    screen->key(Qt::Key_Return);
+    ASSERT_TRUE(screen->waitFor(u"Sign in to mark attendance"_s));
+    expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, ComingBackToTheProfileAsksForTheUserAgain)
+{
+    openProfile();
+    ASSERT_TRUE(spinUntil([&] { return server.count(u"/api/auth/me"_s) == 2; }));
+    ASSERT_TRUE(screen->click(u"Attendance"_s, QAccessible::PageTab));
+    ASSERT_TRUE(screen->click(u"Profile"_s, QAccessible::PageTab));
+    EXPECT_TRUE(spinUntil([&] { return server.count(u"/api/auth/me"_s) == 3; }));
 }
 
 TEST_F(ClockwellAppTest, ARefusedRefreshLeadsBackToTheSignIn)
