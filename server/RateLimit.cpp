@@ -10,7 +10,9 @@ std::string waitText(std::chrono::seconds wait)
 {
     if (wait <= std::chrono::seconds{90})
         return std::to_string(wait.count()) + (wait.count() == 1 ? " second" : " seconds");
-    return std::to_string(std::chrono::ceil<std::chrono::minutes>(wait).count()) + " minutes";
+    if (wait <= std::chrono::minutes{90})
+        return std::to_string(std::chrono::ceil<std::chrono::minutes>(wait).count()) + " minutes";
+    return std::to_string(std::chrono::ceil<std::chrono::hours>(wait).count()) + " hours";
 }
 
 void RateLimit::take(const std::string &key, std::string_view complaint)

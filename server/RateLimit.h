@@ -13,7 +13,7 @@
 
 namespace clockwell::server {
 
-/// "45 seconds" or "7 minutes": a wait as people say it, never shorter than it is.
+/// "45 seconds", "7 minutes" or "22 hours": a wait as people say it, never shorter than it is.
 std::string waitText(std::chrono::seconds wait);
 
 /// Counts events by key in a sliding window, in memory. Safe on several threads.

@@ -1,7 +1,5 @@
 #include "ServerProcess.h"
 
-#include "TempFolder.h"
-
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -65,12 +63,11 @@ ProcessResult runServer(const std::vector<std::string> &arguments, std::chrono::
 
 ServerProcess::ServerProcess(const std::string &database, std::vector<std::string> more)
 {
-    const TempFolder folder;
-    const std::string portFile = folder.file("port");
+    const std::string portFile = m_folder.file("port");
     std::vector<std::string> arguments{"serve",       "--database",  database, "--listen",
                                        "127.0.0.1:0", "--port-file", portFile};
     arguments.insert(arguments.end(), more.begin(), more.end());
-    m_process = spawnServer(arguments, "/dev/null", "/dev/null");
+    m_process = spawnServer(arguments, "/dev/null", m_folder.file("log"));
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
     while (m_port == 0 && m_process > 0 && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(PollPause);
@@ -82,6 +79,11 @@ ServerProcess::ServerProcess(const std::string &database, std::vector<std::strin
 ServerProcess::~ServerProcess()
 {
     kill();
+}
+
+std::string ServerProcess::log() const
+{
+    return readFile(m_folder.file("log"));
 }
 
 void ServerProcess::kill()

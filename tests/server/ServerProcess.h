@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TempFolder.h"
+
 #include <sys/types.h>
 
 #include <chrono>
@@ -31,10 +33,13 @@ public:
     ServerProcess &operator=(const ServerProcess &) = delete;
 
     std::uint16_t port() const { return m_port; } ///< 0 when it did not start
+    pid_t process() const { return m_process; }   ///< -1 when it does not run
+    std::string log() const;                      ///< what it has written to standard error
     void kill();                                  ///< SIGKILL, and waits for the end
     int terminate();                              ///< SIGTERM; returns the exit code
 
 private:
+    TempFolder m_folder;
     pid_t m_process = -1;
     std::uint16_t m_port = 0;
 };
