@@ -165,6 +165,27 @@ def walk(tree, facts):
         fail("the hidden tab is showing")
     tree.press(tree.wait("Attendance", tab))
     tree.wait("Check Out", button)
+    sign_out(tree, facts)
+
+
+def sign_out(tree, facts):
+    roles = tree.atspi.Role
+    button = (roles.PUSH_BUTTON,)
+    tree.press(tree.wait("Profile", (roles.PAGE_TAB,)))
+    tree.wait(facts["e-mail"], (roles.LABEL,))
+    tree.press(tree.wait("Sign out", button))
+    dialog = tree.wait("Sign out of Qor?", (roles.DIALOG,))
+    if not dialog.get_state_set().contains(tree.atspi.StateType.MODAL):
+        fail("the dialog does not say that it is modal")
+    for hidden in ("Change password", "History"):
+        if tree.find(hidden):
+            fail(f"{hidden!r} is offered below the dialog")
+    tree.press(tree.wait("Cancel", button))
+    tree.wait("Change password", button)
+    tree.press(tree.wait("Sign out", button))
+    tree.wait("Sign out of Qor?", (roles.DIALOG,))
+    tree.press(tree.wait("Sign out", button))
+    tree.wait("Sign in to mark attendance", (roles.LABEL,))
 
 
 def main():
