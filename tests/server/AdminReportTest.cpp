@@ -1,34 +1,8 @@
-#include "ServerProcess.h"
-#include "World.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <sys/stat.h>
+#include "ReportFixture.h"
 
 namespace clockwell::server::test {
 
 namespace {
-
-const std::string SummaryHeader =
-    "month,office,fullName,email,accountStatus,presentDays,lateDays,totalLateMinutes,"
-    "absentDays,leaveDays,halfDays,totalWorkingMinutes\r\n";
-
-bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-ProcessResult report(const std::string &database, std::vector<std::string> words)
-{
-    words.insert(words.begin(), {"admin", "--database", database, "report"});
-    return runServer(words);
-}
-
-void execute(Database &database, const std::string &sql)
-{
-    database.write([&](Connection &connection) { connection.execute(sql); });
-}
 
 /// "yyyy-MM-dd" of the last row of the days; empty when there is none.
 std::string lastDayIn(const ProcessResult &result)
@@ -38,47 +12,6 @@ std::string lastDayIn(const ProcessResult &result)
 }
 
 } // namespace
-
-/// A server in Berlin with two weeks of May 2026 behind it: on time, late, half a day, never checked out, on
-/// leave, absent and a holiday.
-class AdminReportTest : public testing::Test
-{
-protected:
-    AdminReportTest()
-    {
-        OfficeSpec office;
-        office.zone = "Europe/Berlin";
-        office.weekdays = 0b0011111;
-        addOffice(world.database(), office);
-        EmployeeSpec kim;
-        kim.joinedOn = "2026-05-18";
-        addEmployee(world.database(), kim);
-        day("2026-05-18T07:15:30Z", "2026-05-18T16:05:00Z");
-        day("2026-05-19T07:55:00Z", "2026-05-19T16:00:00Z"); // 25 minutes late
-        day("2026-05-20T07:30:00Z", "2026-05-20T09:00:00Z");
-        day("2026-05-21T07:30:00Z", "");
-        addLeave(world.database(), "employee-1", "2026-05-22", "2026-05-22");
-        addHoliday(world.database(), "office-1", "2026-05-25", "Whit Monday");
-        world.setNow("2026-06-10T09:00:00Z");
-    }
-
-    void day(const std::string &checkIn, const std::string &checkOut)
-    {
-        for (const std::string &at : {checkIn, checkOut}) {
-            if (at.empty())
-                continue;
-            world.setNow(at);
-            EXPECT_EQ(world.punch(world.token()).status, 200) << at;
-        }
-    }
-    ProcessResult may(std::vector<std::string> words = {}) const
-    {
-        words.insert(words.begin(), "2026-05");
-        return report(world.databaseFile(), words);
-    }
-
-    World world{"2026-05-18T06:00:00Z"};
-};
 
 TEST_F(AdminReportTest, MonthIsOneRowForEachEmployee)
 {
@@ -166,78 +99,6 @@ TEST_F(AdminReportTest, OfficeIsFilteredAndEmployeesWithoutOneAreNamed)
     const ProcessResult annex = may({"--office", "annex"});
     EXPECT_EQ(annex.output, SummaryHeader + "2026-05,Annex,Bo,b@example.org,APPROVED,0,0,0,31,0,0,0\r\n");
     EXPECT_EQ(may({"--office", "Nowhere"}).exitCode, 3);
-}
-
-TEST_F(AdminReportTest, TextsCannotBecomeFormulasOrSteerTheTerminal)
-{
-    execute(world.database(),
-            "UPDATE employees SET full_name = '=HYPERLINK(\"http://x\",\"K\"), Zoë' || CHAR(27)");
-    execute(world.database(), "UPDATE employees SET email = '+kim@example.org'");
-    EXPECT_TRUE(
-        contains(may().output, ",\"'=HYPERLINK(\"\"http://x\"\",\"\"K\"\"), Zoë?\",'+kim@example.org,"))
-        << may().output;
-    EXPECT_EQ(nlohmann::json::parse(may({"--json"}).output).at(0).at("email"), "+kim@example.org");
-}
-
-TEST_F(AdminReportTest, FileIsPrivateAndReplacedOnlyWhenAskedFor)
-{
-    const TempFolder folder;
-    const std::string file = folder.file("may.csv");
-    const ProcessResult first = may({"--output", file});
-    EXPECT_EQ(first.output, "Wrote 1 row to " + file + ".\n");
-    const std::string written = readFile(file);
-    EXPECT_EQ(written, may().output);
-    struct stat facts
-    {};
-    ASSERT_EQ(::stat(file.c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
-    const ProcessResult again = may({"--days", "--output", file});
-    EXPECT_EQ(again.exitCode, 1);
-    EXPECT_TRUE(contains(again.errors, "--force replaces it")) << again.errors;
-    EXPECT_EQ(readFile(file), written);
-    EXPECT_EQ(may({"--days", "--output", file, "--force"}).exitCode, 0);
-    EXPECT_EQ(readFile(file), may({"--days"}).output);
-    for (const auto &entry : std::filesystem::directory_iterator{folder.file("")})
-        EXPECT_EQ(entry.path(), file); // nothing unfinished is left
-}
-
-TEST_F(AdminReportTest, OutputNeverHitsTheDatabaseOrAnythingButAFile)
-{
-    const TempFolder folder;
-    const std::string alias = folder.file("alias");
-    std::filesystem::create_hard_link(world.databaseFile(), alias);
-    for (const std::string &target : {world.databaseFile(), world.databaseFile() + "-wal", alias})
-        EXPECT_TRUE(contains(may({"--output", target, "--force"}).errors, "belongs to the database itself"))
-            << target;
-    std::filesystem::create_directory(folder.file("d"));
-    EXPECT_EQ(may({"--output", folder.file("d"), "--force"}).exitCode, 1);
-    EXPECT_EQ(may({"--output", folder.file("missing/may.csv")}).exitCode, 1);
-    EXPECT_EQ(may({"--output", ""}).exitCode, 2);
-    EXPECT_EQ(may({"--force"}).exitCode, 2);
-    EXPECT_EQ(world.login().status, 200);
-}
-
-TEST_F(AdminReportTest, ByteOrderMarkIsWrittenOnlyWhenAskedFor)
-{
-    EXPECT_EQ(may({"--byte-order-mark"}).output, "\xEF\xBB\xBF" + may().output);
-}
-
-TEST_F(AdminReportTest, MonthIsChecked)
-{
-    for (const char *month :
-         {"2026-13", "2026-00", "2026-5", "2026", "05-2026", "2026-05-01", "", " 2026-05"})
-        EXPECT_EQ(report(world.databaseFile(), {month}).exitCode, 2) << month;
-    EXPECT_EQ(runServer({"admin", "--database", world.databaseFile(), "report"}).exitCode, 2);
-    const ProcessResult future = report(world.databaseFile(), {"9999-12"});
-    EXPECT_EQ(future.exitCode, 1);
-    EXPECT_TRUE(contains(future.errors, "The month 9999-12 has not begun yet.")) << future.errors;
-}
-
-TEST_F(AdminReportTest, NobodyIsAHeaderAndAnEmptyArray)
-{
-    EXPECT_EQ(report(world.databaseFile(), {"2019-12"}).output, SummaryHeader);
-    EXPECT_EQ(nlohmann::json::parse(report(world.databaseFile(), {"2019-12", "--json"}).output),
-              nlohmann::json::array());
 }
 
 TEST_F(AdminReportTest, EachOfficesOwnCalendarSaysWhatTodayIs)
