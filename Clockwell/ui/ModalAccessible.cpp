@@ -8,7 +8,7 @@ namespace clockwell {
 
 namespace {
 
-QAccessibleInterface *createInterface(const QString &className, QObject *object)
+QAccessibleInterface *createModalInterface(const QString &className, QObject *object)
 {
     if (className != u"clockwell::Modal")
         return nullptr;
@@ -90,7 +90,7 @@ QAccessibleInterface *ModalAccessible::focusChild() const
 
 void installModalAccessible()
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createInterface), true);
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createModalInterface), true);
 }
 
 void announceModal(Modal *modal, bool open)

@@ -6,7 +6,7 @@ namespace clockwell {
 
 namespace {
 
-QAccessibleInterface *createInterface(const QString &className, QObject *object)
+QAccessibleInterface *createPullToRefreshInterface(const QString &className, QObject *object)
 {
     if (className != u"clockwell::PullToRefreshControl")
         return nullptr;
@@ -47,7 +47,8 @@ void PullToRefreshAccessible::doAction(const QString &action)
 
 void installPullToRefreshAccessible()
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createInterface), true);
+    [[maybe_unused]] static const bool installed =
+        (QAccessible::installFactory(createPullToRefreshInterface), true);
 }
 
 void announceRefreshing(PullToRefreshControl *control)

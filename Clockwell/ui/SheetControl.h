@@ -10,7 +10,7 @@ namespace clockwell {
 /// when it has closed, and that can be dragged down by its panel, or by a content that is scrolled to its
 /// top, with finger or mouse. Let go beyond a third of the panel's height, or with a flick, it asks to go;
 /// otherwise it springs back. Main thread only.
-class SheetControl : public Modal
+class SheetControl : public clockwell::Modal // in full: Qt 6.4's type registrar takes it literally
 {
     Q_OBJECT
     QML_ELEMENT
