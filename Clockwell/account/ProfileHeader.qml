@@ -21,12 +21,13 @@ Item {
         color: Theme.surface
 
         TextLabel {
-            anchors.centerIn: parent
-            width: parent.width - 12
+            anchors.fill: parent
+            anchors.margins: 6
             size: 28
             weight: Font.Bold
             color: Theme.brand
             horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
             maximumLineCount: 1
             fontSizeMode: Text.HorizontalFit // the circle does not grow with the text
             minimumPixelSize: 12
