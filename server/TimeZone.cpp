@@ -54,7 +54,8 @@ milliseconds offsetForLocal(const icu::BasicTimeZone &zone, milliseconds local)
 std::optional<TimeZone> TimeZone::named(const std::string &name)
 {
     std::shared_ptr<icu::TimeZone> zone{icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name))};
-    const bool usable = zone && *zone != icu::TimeZone::getUnknown();
+    // ICU answers an unknown name with "no zone", and has a zone of that name in its data too.
+    const bool usable = zone && idOf(*zone) != idOf(icu::TimeZone::getUnknown());
     const auto *basic = dynamic_cast<const icu::BasicTimeZone *>(zone.get());
     if (!usable || basic == nullptr)
         return std::nullopt;

@@ -13,8 +13,7 @@ constexpr long long MinutesOfDay = 24 * 60;
 
 std::optional<std::string> parseZone(const std::string &text)
 {
-    // ICU's data has its name for "no zone" as a zone like UTC.
-    const bool known = text.size() <= LongestZone && text != "Etc/Unknown" && TimeZone::named(text);
+    const bool known = text.size() <= LongestZone && TimeZone::named(text);
     return known ? std::optional{text} : std::nullopt;
 }
 
