@@ -21,4 +21,10 @@ private:
     Kind m_kind;
 };
 
+/// It cannot be done as things are; to be thrown.
+inline AdminError refused(const std::string &text)
+{
+    return {AdminError::Kind::Refused, text};
+}
+
 } // namespace clockwell::server

@@ -14,11 +14,6 @@ namespace {
 // Tables and indexes as the text that made them: a table of another program may have the same name.
 constexpr const char *PartsSql = "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY sql";
 
-AdminError refused(const std::string &text)
-{
-    return {AdminError::Kind::Refused, text};
-}
-
 std::vector<std::string> partsOf(long long version)
 {
     SqliteFile model{":memory:"};

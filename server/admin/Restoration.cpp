@@ -13,11 +13,6 @@ namespace clockwell::server {
 
 namespace {
 
-AdminError refused(const std::string &text)
-{
-    return {AdminError::Kind::Refused, text};
-}
-
 bool isThere(const std::string &file)
 {
     std::error_code ignored;
