@@ -110,13 +110,16 @@ void PullToRefreshControl::holdBelowTop()
     if (!m_flickable)
         return;
     updatePull();
-    const bool atTop = m_flickable->property("contentY").toReal() <= top() - m_margin;
+    const QVariant place = m_flickable->property("contentY");
+    const bool atTop = place.toReal() <= top() - m_margin;
     setMargin(m_rest);
-    if (m_lettingGo && m_duration <= 0)
+    if (m_lettingGo && m_duration <= 0) {
         QMetaObject::invokeMethod(
             this, [this] { m_refreshing ? moveTo(m_rest) : void(); }, Qt::QueuedConnection);
-    else if (atTop && !m_lettingGo && !isDragging())
+    } else if (atTop && !m_lettingGo && !isDragging()) {
+        m_flickable->setProperty("contentY", place); // content that is all in view jumps into its new bounds
         slide(m_rest);
+    }
 }
 
 void PullToRefreshControl::slideToTop()
@@ -124,6 +127,7 @@ void PullToRefreshControl::slideToTop()
     if (!m_flickable)
         return;
     updatePull();
+    m_slide.stop(); // it may only just have begun to move the content down
     if (m_pull > 0 && !isDragging())
         slide(0);
     else

@@ -197,6 +197,18 @@ TEST_P(PullToRefreshEverywhere, AnAnswerThatComesAtOnceLeavesTheContentAtItsTop)
     EXPECT_EQ(triggers(), 2);
 }
 
+TEST_P(PullToRefreshEverywhere, AnAnswerToAKeyThatComesAtOnceLeavesTheContentAtItsTop)
+{
+    open(GetParam());
+    stage->screen().key(Qt::Key_F5);
+    EXPECT_EQ(triggers(), 1);
+    finish();
+    EXPECT_FALSE(QTest::qWaitFor([&] { return beyondTop() > 1; }, 600)) << beyondTop();
+    EXPECT_TRUE(restsAt(0)) << beyondTop();
+    EXPECT_EQ(list->property("topMargin").toReal(), 0);
+    EXPECT_FALSE(disc->isVisible());
+}
+
 TEST_P(PullToRefreshEverywhere, WithReducedMotionNothingSlides)
 {
     open(GetParam());
