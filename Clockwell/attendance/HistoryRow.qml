@@ -20,6 +20,10 @@ ReadAsOne {
     width: Math.min(space, 600) - 2 * Theme.margin
     height: card.height
 
+    // One that is kept for reuse still stands where it was: nobody is to read it there.
+    ListView.onPooled: visible = false
+    ListView.onReused: visible = true
+
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
 

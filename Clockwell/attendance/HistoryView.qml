@@ -25,7 +25,7 @@ FocusScope {
         anchors.fill: parent
         clip: true
         focus: true
-        model: history.days
+        model: sample.status === Loader.Ready ? history.days : null
         reuseItems: true
         spacing: 10
         bottomMargin: 24
@@ -40,6 +40,15 @@ FocusScope {
 
         header: HistoryTitle {}
         delegate: HistoryRow {}
+    }
+
+    // The first row of all loads fonts, the locale's date formats and its own type: this one does so, unseen and piece
+    // by piece between frames, while the first answer is on its way. Those of the list are quick then.
+    Loader {
+        id: sample
+        asynchronous: true
+        visible: false
+        source: "HistorySample.qml"
     }
 
     Column {
@@ -65,6 +74,7 @@ FocusScope {
 
     PullToRefresh {
         id: pull
+        objectName: "pull"
         flickable: list
         refreshing: history.refreshing
         loading: history.loading && !history.refreshing

@@ -9,7 +9,7 @@ namespace clockwell {
 HistoryViewModel::HistoryViewModel(QObject *parent) : HistoryViewModel(DateFormats(), parent) {}
 
 HistoryViewModel::HistoryViewModel(DateFormats formats, QObject *parent)
-    : QObject(parent), m_days(std::move(formats))
+    : QObject(parent), m_formats(formats), m_days(std::move(formats))
 {
     // The device's settings may have changed while the app was behind others.
     if (auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
@@ -58,6 +58,11 @@ void HistoryViewModel::refresh()
 {
     if (m_attendance)
         reload();
+}
+
+QString HistoryViewModel::sampleDay() const
+{
+    return m_formats.day(QStringLiteral("2025-03-03"));
 }
 
 void HistoryViewModel::takeHistory()

@@ -24,6 +24,8 @@ class HistoryViewModel : public QObject, public QQmlParserStatus
     Q_PROPERTY(bool shown READ isShown WRITE setShown NOTIFY shownChanged)
     Q_PROPERTY(clockwell::HistoryModel *days READ days CONSTANT)
     Q_PROPERTY(bool empty READ isEmpty NOTIFY emptyChanged)
+    /// A day in the device's locale, whichever: what stands for those to come.
+    Q_PROPERTY(QString sampleDay READ sampleDay CONSTANT)
     /// A load is under way; one that was asked for.
     Q_PROPERTY(bool loading READ isLoading NOTIFY loadingChanged)
     Q_PROPERTY(bool refreshing READ isRefreshing NOTIFY loadingChanged)
@@ -37,6 +39,7 @@ public:
     bool isShown() const { return m_shown; }
     void setShown(bool shown);
     HistoryModel *days() { return &m_days; }
+    QString sampleDay() const;
     bool isEmpty() const { return m_days.rowCount() == 0; }
     bool isLoading() const { return m_loads > 0; }
     bool isRefreshing() const { return m_refreshes > 0; }
@@ -61,6 +64,7 @@ private:
     void countLoads(bool begins);
     void countRefreshes(bool begins);
 
+    DateFormats m_formats;
     HistoryModel m_days;
     QPointer<AttendanceStore> m_attendance;
     int m_loads = 0;

@@ -50,8 +50,10 @@ protected:
     {
         expect(reply);
         open(size);
-        ASSERT_TRUE(spinUntil([&] { return isIdle(1); }));
+        ASSERT_TRUE(spinUntil([&] { return isIdle(1) && listed() == services.store->history().size(); }));
     }
+    /// Rows that the list has, wherever it is scrolled.
+    int listed() const { return list->property("count").toInt(); }
     /// That many requests have come, and none is under way.
     bool isIdle(int requests) const
     {
@@ -219,6 +221,15 @@ TEST_F(HistoryViewTest, TheFirstLoadSpinsQuietlyAndMovesNothing)
     EXPECT_EQ(screen().find(u"History"_s, QAccessible::StaticText)->rect, title);
 }
 
+TEST_F(HistoryViewTest, RowsWaitForOneThatIsBuiltUnseenAndNeverRead)
+{
+    open(days(2));
+    ASSERT_TRUE(spinUntil([&] { return rows().size() == 2; })) << dump();
+    for (const auto &element : screen().elements())
+        EXPECT_FALSE(element.name.contains(u"9:41")) << dump();
+    EXPECT_EQ(services.server.requests().size(), 1);
+}
+
 TEST_F(HistoryViewTest, ReturningToTheTabDoesNotReload)
 {
     open(days(3));
@@ -318,7 +329,22 @@ TEST_F(HistoryViewTest, ThatGoesEmptyAgainSaysSo)
     screen().key(Qt::Key_F5);
     ASSERT_TRUE(settle(2));
     EXPECT_TRUE(screen().waitFor(emptyText));
-    EXPECT_TRUE(rows().isEmpty()) << dump();
+    EXPECT_TRUE(spinUntil([&] { return rows().isEmpty(); })) << dump();
+}
+
+TEST_F(HistoryViewTest, RowsThatAreKeptForReuseAreNotRead)
+{
+    open(days(31));
+    ASSERT_TRUE(spinUntil([&] { return rows().size() > 5; })) << dump();
+    const auto before = rows().size();
+    for (int y = 0; y < 2000; y += 40) {
+        list->setProperty("contentY", y);
+        QTest::qWait(5);
+        ASSERT_LE(rows().size(), before + 4) << dump();
+    }
+    QStringList once = rows();
+    once.removeDuplicates();
+    EXPECT_EQ(once, rows());
 }
 
 TEST_F(HistoryViewTest, RowsOfAScriptThatRunsLeftwardsKeepTheirLayout)
