@@ -70,6 +70,9 @@ ReadAsOne {
                 // Two times side by side need some 120 points each at the normal text size, in every row alike.
                 readonly property bool stacked: width < 240 * Theme.textScale || entered.implicitWidth + 16 > width / 2 || left.implicitWidth > width / 2
 
+                // Scripts differ in height, and a dash is of none: both stand on one line.
+                readonly property real line: Math.max(entered.implicitHeight, left.implicitHeight)
+
                 width: parent.width
                 columns: stacked ? 1 : 2
                 rowSpacing: 8
@@ -77,12 +80,14 @@ ReadAsOne {
                 SymbolTime {
                     id: entered
                     width: Math.round(times.width / times.columns)
+                    height: times.line
                     symbol: "arrow.down.right.circle"
                     text: row.checkIn
                 }
                 SymbolTime {
                     id: left
                     width: Math.round(times.width / times.columns)
+                    height: times.line
                     symbol: "arrow.up.right.circle"
                     text: row.checkOut
                 }

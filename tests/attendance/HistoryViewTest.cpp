@@ -371,6 +371,22 @@ TEST_F(HistoryViewTest, RowsOfAScriptThatRunsLeftwardsKeepTheirLayout)
     EXPECT_GT(leftwards, 0);
 }
 
+TEST_F(HistoryViewTest, ATimeAndADashStandOnOneLineInEveryScript)
+{
+    const QByteArray locale = qgetenv("LC_ALL");
+    qputenv("LC_ALL", "th_TH.UTF-8");
+    openDay(R"("status":"LATE","checkInAt":"2025-03-03T09:50:00Z")");
+    qputenv("LC_ALL", locale);
+    QList<qreal> middles;
+    for (auto *label : labels()) {
+        const QString text = label->property("text").toString();
+        if (text == u"—" || text.startsWith(u"9:"))
+            middles.append(label->mapToScene({0, label->height() / 2}).y());
+    }
+    ASSERT_EQ(middles.size(), 2) << drawn().join(u'|').toStdString();
+    EXPECT_NEAR(middles[0], middles[1], 0.5);
+}
+
 TEST_F(HistoryViewTest, KeysScroll)
 {
     open(days(31));

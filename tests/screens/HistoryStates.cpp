@@ -38,6 +38,12 @@ const QByteArray everyStatus =
     day("2026-03-05", "MISSING_PUNCH") + "," + day("2026-03-04", "PENDING") + "," +
     day("next Thursday", "WORK_FROM_HOME") + "]";
 
+const QByteArray longTexts =
+    "[" + day("2026-09-30", "MISSING_CHECK_OUT", times("2026-09-30", "22:42", "23:59", 1439, 1439)) + "," +
+    day("the last Wednesday of September in the year 2026", "WORKING_FROM_ANOTHER_OFFICE_OF_THE_GROUP",
+        times("2026-09-23", "10:10", "22:10", 99999, 99999)) +
+    "," + day("2026-09-16", "") + "]";
+
 QByteArray many()
 {
     QByteArrayList days;
@@ -103,15 +109,19 @@ bool inLocale(Stage &stage, const char *locale)
 
 QList<State> historyStates()
 {
-    return {{"history-empty", empty},
-            {"history-loading", loading},
-            {"history-few", [](Stage &stage) { return showing(stage, few, u"Wed, 4 Mar 2026"_s); }},
-            {"history-every-status",
-             [](Stage &stage) { return showing(stage, everyStatus, u"Fri, 13 Mar 2026"_s); }},
-            {"history-many", [](Stage &stage) { return showing(stage, many(), u"Sat, 28 Feb 2026"_s); }},
-            {"history-refreshing", refreshing},
-            {"history-in-arabic", [](Stage &stage) { return inLocale(stage, "ar_EG.UTF-8"); }},
-            {"history-in-german", [](Stage &stage) { return inLocale(stage, "de_DE.UTF-8"); }}};
+    return {
+        {"history-empty", empty},
+        {"history-loading", loading},
+        {"history-few", [](Stage &stage) { return showing(stage, few, u"Wed, 4 Mar 2026"_s); }},
+        {"history-every-status",
+         [](Stage &stage) { return showing(stage, everyStatus, u"Fri, 13 Mar 2026"_s); }},
+        {"history-many", [](Stage &stage) { return showing(stage, many(), u"Sat, 28 Feb 2026"_s); }},
+        {"history-refreshing", refreshing},
+        {"history-long-texts", [](Stage &stage) { return showing(stage, longTexts, u"Wed, 30 Sep 2026"_s); }},
+        {"history-in-thai", [](Stage &stage) { return inLocale(stage, "th_TH.UTF-8"); }},
+        {"history-in-hindi", [](Stage &stage) { return inLocale(stage, "hi_IN.UTF-8"); }},
+        {"history-in-arabic", [](Stage &stage) { return inLocale(stage, "ar_EG.UTF-8"); }},
+        {"history-in-german", [](Stage &stage) { return inLocale(stage, "de_DE.UTF-8"); }}};
 }
 
 } // namespace clockwell::test

@@ -30,6 +30,16 @@ bool filled(Stage &stage)
                           R"("absentDays":1,"leaveDays":2,"halfDays":0,"totalWorkingMinutes":9160})");
 }
 
+/// In the device's settings of this language and region.
+bool inPersian(Stage &stage)
+{
+    const QByteArray before = qgetenv("LC_ALL");
+    qputenv("LC_ALL", "fa_IR.UTF-8");
+    const bool reached = filled(stage);
+    qputenv("LC_ALL", before);
+    return reached;
+}
+
 bool largeNumbers(Stage &stage)
 {
     return showing(stage,
@@ -62,11 +72,9 @@ bool refreshing(Stage &stage)
 
 QList<State> summaryStates()
 {
-    return {{"summary-filled", filled},
-            {"summary-large-numbers", largeNumbers},
-            {"summary-placeholder", placeholder},
-            {"summary-failed", failed},
-            {"summary-refreshing", refreshing}};
+    return {{"summary-filled", filled},        {"summary-large-numbers", largeNumbers},
+            {"summary-in-persian", inPersian}, {"summary-placeholder", placeholder},
+            {"summary-failed", failed},        {"summary-refreshing", refreshing}};
 }
 
 } // namespace clockwell::test
