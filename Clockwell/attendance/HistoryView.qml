@@ -27,6 +27,7 @@ FocusScope {
         focus: true
         model: sample.status === Loader.Ready ? history.days : null
         reuseItems: true
+        cacheBuffer: 160 // a row is built in a millisecond: more of them ahead cost every frame more than they save
         spacing: 10
         bottomMargin: 24
         pixelAligned: true
