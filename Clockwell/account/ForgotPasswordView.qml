@@ -64,6 +64,7 @@ NavigationPage {
             }
 
             TextLabel {
+                id: info
                 width: parent.width
                 visible: model.informed
                 topPadding: 6
@@ -71,6 +72,10 @@ NavigationPage {
                 color: Theme.success
                 text: model.info
                 Accessible.role: Accessible.AlertMessage
+
+                RevealWhenShown {
+                    item: info
+                }
             }
 
             Item {

@@ -88,6 +88,7 @@ NavigationPage {
             }
 
             TextLabel {
+                id: info
                 width: parent.width
                 visible: model.informed
                 topPadding: 6
@@ -95,6 +96,10 @@ NavigationPage {
                 color: Theme.success
                 text: model.info
                 Accessible.role: Accessible.AlertMessage
+
+                RevealWhenShown {
+                    item: info
+                }
             }
 
             Item {

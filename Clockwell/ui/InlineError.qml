@@ -10,6 +10,10 @@ Item {
     implicitWidth: parent?.width ?? 0
     implicitHeight: label.height
 
+    RevealWhenShown {
+        item: root
+    }
+
     TextLabel {
         id: label
         objectName: "label"

@@ -1,9 +1,14 @@
 #include "ScreenStack.h"
 
+#include "Modal.h"
+
+#include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlInfo>
+#include <QTouchEvent>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -14,6 +19,11 @@ namespace {
 
 // How far the lower screen moves aside, as a share of the width: enough to be seen to lie below.
 constexpr qreal parallax = 0.25;
+
+bool hasWayBack(const QQuickItem *screen)
+{
+    return screen->metaObject()->indexOfSignal("back()") >= 0;
+}
 
 void discard(QQuickItem *screen)
 {
@@ -27,6 +37,8 @@ ScreenStack::ScreenStack(QQuickItem *parent) : QQuickItem(parent)
 {
     setFlag(ItemIsFocusScope);
     setFiltersChildMouseEvents(true);
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setAcceptTouchEvents(true);
     m_animation.setStartValue(0.0);
     m_animation.setEndValue(1.0);
     m_animation.setEasingCurve(QEasingCurve::OutCubic);
@@ -43,27 +55,27 @@ void ScreenStack::push(const QUrl &file, const QVariantMap &properties)
     add(screen);
     if (!below)
         return;
-    const auto step = [this, screen, below](qreal part) {
-        screen->setX(std::round((1 - part) * width()));
-        below->setX(std::round(-part * parallax * width()));
-    };
+    const auto step = [this, screen, below](qreal part) { place(screen, below, 1 - part); };
     change(m_duration, step, [below] { below->setVisible(false); });
 }
 
 void ScreenStack::pop()
 {
-    finish();
+    const qreal from = takeSwipe();
     if (m_screens.size() < 2)
         return;
     QQuickItem *leaving = m_screens.takeLast();
     QQuickItem *below = currentItem();
     below->setVisible(true);
     focusTop();
-    const auto step = [this, leaving, below](qreal part) {
-        leaving->setX(std::round(part * width()));
-        below->setX(std::round((part - 1) * parallax * width()));
-    };
-    change(m_duration, step, [leaving] { discard(leaving); });
+    const auto step = [=, this](qreal part) { place(leaving, below, from + part * (1 - from)); };
+    change(static_cast<int>(m_duration * (1 - from)), step, [leaving] { discard(leaving); });
+}
+
+void ScreenStack::place(QQuickItem *top, QQuickItem *below, qreal part)
+{
+    top->setX(std::round(part * width()));
+    below->setX(std::round((part - 1) * parallax * width()));
 }
 
 void ScreenStack::replace(const QUrl &file, const QVariantMap &properties, bool animated)
@@ -107,7 +119,7 @@ void ScreenStack::add(QQuickItem *screen)
     screen->setParent(this);
     screen->setParentItem(this);
     screen->setSize(size());
-    if (screen->metaObject()->indexOfSignal("back()") >= 0)
+    if (hasWayBack(screen))
         connect(screen, SIGNAL(back()), this, SLOT(pop()));
     m_screens.append(screen);
     focusTop();
@@ -127,8 +139,7 @@ void ScreenStack::change(int duration, Step step, std::function<void()> end)
     };
     if (duration <= 0)
         return finish();
-    m_busy = true;
-    Q_EMIT busyChanged();
+    setBusy(true);
     step(0);
     m_animation.disconnect(SIGNAL(valueChanged(QVariant)));
     connect(&m_animation, &QVariantAnimation::valueChanged, this,
@@ -143,7 +154,14 @@ void ScreenStack::finish()
     m_animation.stop();
     if (const auto end = std::exchange(m_end, nullptr))
         end();
-    if (std::exchange(m_busy, false))
+    m_swiping = false;
+    m_drag.end();
+    setBusy(false);
+}
+
+void ScreenStack::setBusy(bool busy)
+{
+    if (std::exchange(m_busy, busy) != busy)
         Q_EMIT busyChanged();
 }
 
@@ -161,9 +179,126 @@ void ScreenStack::geometryChange(const QRectF &now, const QRectF &before)
         screen->setSize(now.size());
 }
 
-bool ScreenStack::childMouseEventFilter(QQuickItem *, QEvent *)
+bool ScreenStack::childMouseEventFilter(QQuickItem *item, QEvent *event)
 {
-    return m_busy;
+    const bool taken = event->isPointerEvent() && !item->keepMouseGrab() && !item->keepTouchGrab() &&
+                       follow(static_cast<QPointerEvent *>(event));
+    return taken || m_busy;
+}
+
+void ScreenStack::mousePressEvent(QMouseEvent *event)
+{
+    follow(event);
+    event->setAccepted(maySwipe(event->position())); // else it is nobody's here
+}
+
+void ScreenStack::mouseMoveEvent(QMouseEvent *event)
+{
+    follow(event);
+}
+
+void ScreenStack::mouseReleaseEvent(QMouseEvent *event)
+{
+    follow(event);
+}
+
+void ScreenStack::touchEvent(QTouchEvent *event)
+{
+    if (event->type() == QEvent::TouchCancel)
+        springBack();
+    else
+        follow(event);
+    event->setAccepted(event->type() != QEvent::TouchBegin || maySwipe(event->point(0).position()));
+}
+
+void ScreenStack::mouseUngrabEvent()
+{
+    springBack();
+}
+
+void ScreenStack::touchUngrabEvent()
+{
+    springBack();
+}
+
+bool ScreenStack::follow(QPointerEvent *event)
+{
+    if (event->pointCount() != 1) { // a second finger makes it something else
+        m_drag.end();
+        springBack();
+        return false;
+    }
+    const QEventPoint &point = event->point(0);
+    const QPointF position = mapFromScene(point.scenePosition());
+    if (point.state() == QEventPoint::Pressed) {
+        m_drag.end();
+        if (maySwipe(position))
+            m_drag.begin(position);
+        return false;
+    }
+    if (point.state() == QEventPoint::Released) {
+        if (!m_drag.end())
+            return false;
+        letGo(m_drag.along(point.velocity().toPointF()));
+        return true;
+    }
+    if (!m_drag.moveTo(position))
+        return false;
+    if (!m_swiping) {
+        beginSwipe();
+        event->setExclusiveGrabber(point, this);
+    }
+    const qreal part = std::clamp(m_drag.distance() / std::max(1.0, width()), 0.0, 1.0);
+    place(currentItem(), m_screens.at(m_screens.size() - 2), part);
+    return true;
+}
+
+bool ScreenStack::maySwipe(const QPointF &position) const
+{
+    return position.x() <= edge && depth() > 1 && !m_busy && hasWayBack(currentItem()) &&
+           !Modal::covers(currentItem());
+}
+
+void ScreenStack::beginSwipe()
+{
+    QQuickItem *top = currentItem();
+    QQuickItem *below = m_screens.at(m_screens.size() - 2);
+    m_swiping = true;
+    below->setVisible(true);
+    setBusy(true);
+    m_end = [this, top, below] { // whatever comes in between finds both in their places
+        place(top, below, 0);
+        below->setVisible(false);
+    };
+}
+
+void ScreenStack::letGo(qreal velocity)
+{
+    constexpr qreal farEnough = 0.5;
+    QQuickItem *top = currentItem();
+    if (velocity > flick || top->x() > farEnough * width())
+        QMetaObject::invokeMethod(top, "back");
+    springBack(); // unless it went
+}
+
+void ScreenStack::springBack()
+{
+    if (!m_swiping)
+        return;
+    const qreal from = takeSwipe();
+    QQuickItem *top = currentItem();
+    QQuickItem *below = m_screens.at(m_screens.size() - 2);
+    const auto step = [=, this](qreal part) { place(top, below, from * (1 - part)); };
+    change(static_cast<int>(m_duration * from), step, [below] { below->setVisible(false); });
+}
+
+qreal ScreenStack::takeSwipe()
+{
+    const qreal part = m_swiping ? currentItem()->x() / std::max(1.0, width()) : 0;
+    if (m_swiping)
+        m_end = nullptr;
+    finish();
+    return part;
 }
 
 } // namespace clockwell

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DirectedDrag.h"
+
 #include <QQuickItem>
 #include <QUrl>
 #include <QVariantAnimation>
@@ -10,8 +12,10 @@
 namespace clockwell {
 
 /// Screens on top of each other, of which only the topmost is shown. A pushed screen slides in from the
-/// trailing edge and is popped by its own `back` signal, if it has one. Screens are named by file, so that
-/// one costs nothing before it is shown. While screens change places, pointers are not taken. Main thread.
+/// trailing edge and is popped by its own `back` signal, if it has one. A finger or mouse that drags it from
+/// its left edge pulls it aside; let go beyond half of the way, or with a flick, that is its `back` signal
+/// too, else it springs back. Screens are named by file, so that one costs nothing before it is shown. While
+/// screens change places, pointers are not taken. Main thread.
 ///
 /// Qt's own stack would do, but it comes with all of Qt's control templates, and registering those is a tenth
 /// of the app's whole start.
@@ -29,6 +33,11 @@ class ScreenStack : public QQuickItem
     Q_PROPERTY(int duration MEMBER m_duration)
 
 public:
+    /// A drag that begins this near to the left edge pulls the screen; points.
+    static constexpr qreal edge = 24;
+    /// Let go at this speed it goes back, however far it was pulled; points per second.
+    static constexpr qreal flick = 600;
+
     explicit ScreenStack(QQuickItem *parent = nullptr);
 
     QQuickItem *currentItem() const { return m_screens.isEmpty() ? nullptr : m_screens.last(); }
@@ -51,6 +60,12 @@ protected:
     void componentComplete() override;
     void geometryChange(const QRectF &now, const QRectF &before) override;
     bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseUngrabEvent() override;
+    void touchEvent(QTouchEvent *event) override;
+    void touchUngrabEvent() override;
 
 private:
     using Step = std::function<void(qreal)>;
@@ -61,12 +76,27 @@ private:
     /// Runs `step` from 0 to 1, then `end`; a change that still runs is brought to its end first.
     void change(int duration, Step step, std::function<void()> end);
     void finish();
+    void setBusy(bool busy);
+    /// Where the topmost screen is and the one below, 0 in place to 1 away.
+    void place(QQuickItem *top, QQuickItem *below, qreal part);
+
+    /// Whether the event is part of a swipe.
+    bool follow(QPointerEvent *event);
+    bool maySwipe(const QPointF &position) const;
+    void beginSwipe();
+    void letGo(qreal velocity);
+    void springBack();
+    /// Ends the swipe, if there is one, or brings a running change to its end; the part of the way back that
+    /// is done.
+    qreal takeSwipe();
 
     QQuickItem *m_initialItem = nullptr;
     QList<QQuickItem *> m_screens; // children, the topmost last
     QVariantAnimation m_animation;
     std::function<void()> m_end;
+    DirectedDrag m_drag{DirectedDrag::Direction::Right};
     int m_duration = 0;
+    bool m_swiping = false;
     bool m_busy = false;
 };
 

@@ -2,13 +2,10 @@
 
 #include "BuildItem.h"
 
-#include <QGuiApplication>
 #include <QMouseEvent>
-#include <QStyleHints>
 #include <QTouchEvent>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace clockwell {
@@ -128,40 +125,27 @@ bool SheetControl::follow(QPointerEvent *event, const QQuickItem *pressed)
         begin(position, pressed);
         return false;
     }
-    const QPointF distance = position - m_pressedAt;
     if (point.state() == QEventPoint::Released) {
-        if (std::exchange(m_drag, Drag::None) != Drag::Running)
+        if (!m_drag.end())
             return false;
-        letGo(point.velocity().y());
+        letGo(m_drag.along(point.velocity().toPointF()));
         return true;
     }
-    if (m_drag == Drag::Possible && startsNow(distance)) {
-        m_drag = Drag::Running;
-        event->setExclusiveGrabber(point, this);
-    }
-    if (m_drag != Drag::Running)
+    const bool wasRunning = m_drag.isRunning();
+    if (!m_drag.moveTo(position))
         return false;
-    setOpenness(std::clamp(1 - distance.y() / m_way, 0.0, 1.0));
+    if (!wasRunning)
+        event->setExclusiveGrabber(point, this);
+    setOpenness(std::clamp(1 - m_drag.distance() / m_way, 0.0, 1.0));
     return true;
 }
 
 void SheetControl::begin(const QPointF &position, const QQuickItem *pressed)
 {
-    m_pressedAt = position;
     m_way = std::max(1.0, panel() ? height() - panel()->y() : height());
-    m_drag = isOnPanel(position) && !canScrollUp(pressed, this) ? Drag::Possible : Drag::None;
-}
-
-/// Downwards and far enough; a drag that went elsewhere first is none of the sheet's for good.
-bool SheetControl::startsNow(const QPointF &distance)
-{
-    const qreal least = QGuiApplication::styleHints()->startDragDistance();
-    if (std::max(std::abs(distance.x()), std::abs(distance.y())) < least)
-        return false;
-    const bool down = distance.y() > std::abs(distance.x());
-    if (!down)
-        m_drag = Drag::None;
-    return down;
+    m_drag.end();
+    if (isOnPanel(position) && !canScrollUp(pressed, this))
+        m_drag.begin(position);
 }
 
 void SheetControl::letGo(qreal velocity)
@@ -175,7 +159,7 @@ void SheetControl::letGo(qreal velocity)
 
 void SheetControl::cancel()
 {
-    if (std::exchange(m_drag, Drag::None) == Drag::Running && isShown())
+    if (m_drag.end() && isShown())
         moveTo(1);
 }
 

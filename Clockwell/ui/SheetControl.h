@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DirectedDrag.h"
 #include "Modal.h"
 
 #include <QQmlComponent>
@@ -45,12 +46,9 @@ protected:
     void touchUngrabEvent() override;
 
 private:
-    enum class Drag { None, Possible, Running };
-
     /// Whether the event is part of a drag of the sheet. `pressed` is the item that the pointer went down on.
     bool follow(QPointerEvent *event, const QQuickItem *pressed);
     void begin(const QPointF &position, const QQuickItem *pressed);
-    bool startsNow(const QPointF &distance);
     void letGo(qreal velocity);
     void cancel();
     void fillHolder();
@@ -58,8 +56,7 @@ private:
     QPointer<QQmlComponent> m_content;
     QPointer<QQuickItem> m_holder;
     QPointer<QQuickItem> m_item; // owned by the holder
-    Drag m_drag = Drag::None;
-    QPointF m_pressedAt;
+    DirectedDrag m_drag{DirectedDrag::Direction::Down};
     qreal m_way = 1; // from open to closed, in points
 };
 

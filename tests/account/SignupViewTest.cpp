@@ -3,6 +3,7 @@
 #include "account/SignupViewModel.h"
 #include "net/DeviceFacts.h"
 #include "ui/FieldTraits.h"
+#include "ui/Theme.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -24,6 +25,16 @@ protected:
     {
         ASSERT_TRUE(stage->click(u"Create an account"_s));
         ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    }
+
+    /// Also one that is scrolled out of view.
+    QQuickItem *fieldNamed(const QString &label)
+    {
+        for (auto *item : top()->findChildren<QQuickItem *>(u"input"_s)) {
+            if (item->parentItem()->property("label").toString() == label)
+                return item;
+        }
+        return nullptr;
     }
 
     void fill(const QString &email = u"ada@example.org"_s, const QString &password = u"Secret123"_s)
@@ -284,6 +295,41 @@ TEST_F(SignupViewTest, AnsweredWhileItSlidesAwayItPushesNothing)
     settle(100ms);
     EXPECT_EQ(depth(), 1);
     EXPECT_FALSE(model); // nothing of the screen stays behind
+}
+
+TEST_F(SignupViewTest, ASwipeFromTheEdgeGoesBackToTheSignIn)
+{
+    auto *finger = QTest::createTouchDevice();
+    QTest::touchEvent(&stage.view(), finger).press(0, QPoint(6, 500));
+    for (int x = 30; x <= 300; x += 30) {
+        QTest::qWait(30);
+        QTest::touchEvent(&stage.view(), finger).move(0, QPoint(x, 505));
+    }
+    QTest::qWait(30);
+    QTest::touchEvent(&stage.view(), finger).release(0, QPoint(300, 505));
+    EXPECT_TRUE(arrivesAtSignIn());
+}
+
+TEST_F(SignupViewTest, AnErrorBelowTheFoldIsScrolledIntoView)
+{
+    const QString message = u"That address cannot be used."_s;
+    server.expect("POST", "/api/auth/signup")
+        .anyNumber()
+        .reply(400, R"({"message":"That address cannot be used."})");
+    stage.view().resize(320, 568);
+    Theme::of(*stage.view().engine())->setTextScale(2);
+    settle(50ms);
+    for (const auto &[field, text] : {std::pair(u"Full name"_s, u"Ada"_s), std::pair(u"Email"_s, u"a@b"_s)}) {
+        QAccessible::queryAccessibleInterface(fieldNamed(field))->setText(QAccessible::Value, text);
+    }
+    fieldNamed(u"Password"_s)->forceActiveFocus();
+    stage->typeText(u"secret"_s);
+    stage->key(Qt::Key_Return);
+    EXPECT_TRUE(spinUntil([&] {
+        const auto error = stage->find(message, QAccessible::AlertMessage);
+        return error && error->rect.top() >= 0 && error->rect.bottom() <= 568;
+    })) << stage->dump().toStdString();
+    EXPECT_TRUE(fieldNamed(u"Password"_s)->hasActiveFocus()); // the focus did not move
 }
 
 TEST_F(SignupViewTest, ASecondVisitBeginsEmpty)
