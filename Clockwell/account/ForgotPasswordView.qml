@@ -75,6 +75,7 @@ NavigationPage {
 
                 RevealWhenShown {
                     item: info
+                    text: model.info
                 }
             }
 

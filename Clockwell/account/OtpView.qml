@@ -99,6 +99,7 @@ NavigationPage {
 
                 RevealWhenShown {
                     item: info
+                    text: model.info
                 }
             }
 

@@ -12,6 +12,7 @@ Item {
 
     RevealWhenShown {
         item: root
+        text: root.message
     }
 
     TextLabel {

@@ -6,26 +6,30 @@
 
 namespace clockwell {
 
-/// Scrolls the innermost Flickable around `item` so that a message is seen that appears outside of the view.
-/// The focus stays where it is. Once for each time that the item is shown, when the layout has made room for
-/// it. Main thread.
+/// Scrolls the innermost Flickable around `item` so that a message is seen that appears outside of the view:
+/// once for each new `text`, when the layout has made room for it. The focus stays where it is. Main thread.
 class RevealWhenShown : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    /// Not owned; set once.
+    /// What shows the text; not owned, set once.
     Q_PROPERTY(QQuickItem *item MEMBER m_item WRITE setItem REQUIRED)
+    /// Empty while there is no message.
+    Q_PROPERTY(QString text MEMBER m_text WRITE setText REQUIRED)
 
 public:
     explicit RevealWhenShown(QObject *parent = nullptr) : QObject(parent) {}
 
     void setItem(QQuickItem *item);
+    void setText(const QString &text);
 
 private:
     void follow();
     void reveal();
 
     QPointer<QQuickItem> m_item;
+    QString m_text;
+    bool m_new = false; // the text has not been revealed yet
     QMetaObject::Connection m_frame;
 };
 

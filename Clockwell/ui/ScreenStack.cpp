@@ -1,14 +1,9 @@
 #include "ScreenStack.h"
 
-#include "Modal.h"
-
-#include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlInfo>
-#include <QTouchEvent>
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -19,11 +14,6 @@ namespace {
 
 // How far the lower screen moves aside, as a share of the width: enough to be seen to lie below.
 constexpr qreal parallax = 0.25;
-
-bool hasWayBack(const QQuickItem *screen)
-{
-    return screen->metaObject()->indexOfSignal("back()") >= 0;
-}
 
 void discard(QQuickItem *screen)
 {
@@ -95,6 +85,11 @@ void ScreenStack::replace(const QUrl &file, const QVariantMap &properties, bool 
         for (QQuickItem *old : leaving)
             discard(old);
     });
+}
+
+bool ScreenStack::hasWayBack(const QQuickItem *screen)
+{
+    return screen->metaObject()->indexOfSignal("back()") >= 0;
 }
 
 QQuickItem *ScreenStack::load(const QUrl &file, const QVariantMap &properties)
@@ -177,128 +172,6 @@ void ScreenStack::geometryChange(const QRectF &now, const QRectF &before)
     QQuickItem::geometryChange(now, before);
     for (QQuickItem *screen : std::as_const(m_screens))
         screen->setSize(now.size());
-}
-
-bool ScreenStack::childMouseEventFilter(QQuickItem *item, QEvent *event)
-{
-    const bool taken = event->isPointerEvent() && !item->keepMouseGrab() && !item->keepTouchGrab() &&
-                       follow(static_cast<QPointerEvent *>(event));
-    return taken || m_busy;
-}
-
-void ScreenStack::mousePressEvent(QMouseEvent *event)
-{
-    follow(event);
-    event->setAccepted(maySwipe(event->position())); // else it is nobody's here
-}
-
-void ScreenStack::mouseMoveEvent(QMouseEvent *event)
-{
-    follow(event);
-}
-
-void ScreenStack::mouseReleaseEvent(QMouseEvent *event)
-{
-    follow(event);
-}
-
-void ScreenStack::touchEvent(QTouchEvent *event)
-{
-    if (event->type() == QEvent::TouchCancel)
-        springBack();
-    else
-        follow(event);
-    event->setAccepted(event->type() != QEvent::TouchBegin || maySwipe(event->point(0).position()));
-}
-
-void ScreenStack::mouseUngrabEvent()
-{
-    springBack();
-}
-
-void ScreenStack::touchUngrabEvent()
-{
-    springBack();
-}
-
-bool ScreenStack::follow(QPointerEvent *event)
-{
-    if (event->pointCount() != 1) { // a second finger makes it something else
-        m_drag.end();
-        springBack();
-        return false;
-    }
-    const QEventPoint &point = event->point(0);
-    const QPointF position = mapFromScene(point.scenePosition());
-    if (point.state() == QEventPoint::Pressed) {
-        m_drag.end();
-        if (maySwipe(position))
-            m_drag.begin(position);
-        return false;
-    }
-    if (point.state() == QEventPoint::Released) {
-        if (!m_drag.end())
-            return false;
-        letGo(m_drag.along(point.velocity().toPointF()));
-        return true;
-    }
-    if (!m_drag.moveTo(position))
-        return false;
-    if (!m_swiping) {
-        beginSwipe();
-        event->setExclusiveGrabber(point, this);
-    }
-    const qreal part = std::clamp(m_drag.distance() / std::max(1.0, width()), 0.0, 1.0);
-    place(currentItem(), m_screens.at(m_screens.size() - 2), part);
-    return true;
-}
-
-bool ScreenStack::maySwipe(const QPointF &position) const
-{
-    return position.x() <= edge && depth() > 1 && !m_busy && hasWayBack(currentItem()) &&
-           !Modal::covers(currentItem());
-}
-
-void ScreenStack::beginSwipe()
-{
-    QQuickItem *top = currentItem();
-    QQuickItem *below = m_screens.at(m_screens.size() - 2);
-    m_swiping = true;
-    below->setVisible(true);
-    setBusy(true);
-    m_end = [this, top, below] { // whatever comes in between finds both in their places
-        place(top, below, 0);
-        below->setVisible(false);
-    };
-}
-
-void ScreenStack::letGo(qreal velocity)
-{
-    constexpr qreal farEnough = 0.5;
-    QQuickItem *top = currentItem();
-    if (velocity > flick || top->x() > farEnough * width())
-        QMetaObject::invokeMethod(top, "back");
-    springBack(); // unless it went
-}
-
-void ScreenStack::springBack()
-{
-    if (!m_swiping)
-        return;
-    const qreal from = takeSwipe();
-    QQuickItem *top = currentItem();
-    QQuickItem *below = m_screens.at(m_screens.size() - 2);
-    const auto step = [=, this](qreal part) { place(top, below, from * (1 - part)); };
-    change(static_cast<int>(m_duration * from), step, [below] { below->setVisible(false); });
-}
-
-qreal ScreenStack::takeSwipe()
-{
-    const qreal part = m_swiping ? currentItem()->x() / std::max(1.0, width()) : 0;
-    if (m_swiping)
-        m_end = nullptr;
-    finish();
-    return part;
 }
 
 } // namespace clockwell

@@ -70,6 +70,7 @@ protected:
 private:
     using Step = std::function<void(qreal)>;
 
+    static bool hasWayBack(const QQuickItem *screen);
     QQuickItem *load(const QUrl &file, const QVariantMap &properties);
     void add(QQuickItem *screen);
     void focusTop();

@@ -126,6 +126,17 @@ TEST_F(EdgeSwipeTest, AFlickIsEnough)
     EXPECT_TRUE(wentBack());
 }
 
+TEST_F(EdgeSwipeTest, AFlickBackToTheEdgeStays)
+{
+    press(edge);
+    move(edge + QPoint(150, 0));
+    move(edge + QPoint(370, 0));
+    for (int x = 340; x >= 220; x -= 40) // beyond half still
+        move(edge + QPoint(x, 0), 2);
+    release(edge + QPoint(220, 0));
+    EXPECT_TRUE(stays());
+}
+
 TEST_F(EdgeSwipeTest, BothScreensFollowTheFinger)
 {
     QQuickItem *below = stack->childItems().constFirst();
@@ -244,6 +255,35 @@ TEST_F(EdgeSwipeTest, NotBelowAnAlert)
     drag(edge, QPoint(300, 0));
     dragByFinger(edge, QPoint(300, 0));
     EXPECT_TRUE(stays());
+}
+
+TEST_F(EdgeSwipeTest, AnAlertThatOpensInTheMiddleKeepsTheScreen)
+{
+    press(edge);
+    move(edge + QPoint(40, 0));
+    move(edge + QPoint(150, 0));
+    page->setProperty("alertShown", true);
+    ASSERT_TRUE(stage.screen().waitFor(u"OK"_s));
+    move(edge + QPoint(300, 0));
+    release(edge + QPoint(300, 0));
+    EXPECT_TRUE(stays());
+    EXPECT_FALSE(stack->isBusy());
+}
+
+TEST_F(EdgeSwipeTest, AReleaseThatNeverComesDoesNotLockTheScreen)
+{
+    press(edge);
+    move(edge + QPoint(40, 0));
+    move(edge + QPoint(300, 0));
+    ASSERT_GT(page->x(), 200);
+    stage.window().hide();
+    stage.window().show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&stage.window()));
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(100, 330));
+    EXPECT_TRUE(stays());
+    EXPECT_FALSE(stack->isBusy());
+    ASSERT_TRUE(stage.screen().click(u"Edge"_s));
+    EXPECT_EQ(page->property("taps").toInt(), 1);
 }
 
 TEST_F(EdgeSwipeTest, ASecondFingerEndsIt)
