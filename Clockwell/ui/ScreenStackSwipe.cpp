@@ -66,16 +66,16 @@ bool ScreenStack::follow(QPointerEvent *event)
         m_drag.end();
         springBack(); // from a swipe whose end never came, as when the window was hidden under the finger
         if (maySwipe(position))
-            m_drag.begin(position);
+            m_drag.begin(position, event->timestamp());
         return false;
     }
     if (point.state() == QEventPoint::Released) {
         if (!m_drag.end())
             return false;
-        letGo(m_drag.along(point.velocity().toPointF()));
+        letGo(m_drag.velocityAt(event->timestamp()));
         return true;
     }
-    if (!m_drag.moveTo(position))
+    if (!m_drag.moveTo(position, event->timestamp()))
         return false;
     if (!m_swiping) {
         beginSwipe();

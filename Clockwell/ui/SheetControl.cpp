@@ -122,17 +122,17 @@ bool SheetControl::follow(QPointerEvent *event, const QQuickItem *pressed)
     const QEventPoint &point = event->point(0);
     const QPointF position = mapFromScene(point.scenePosition());
     if (point.state() == QEventPoint::Pressed) {
-        begin(position, pressed);
+        begin(position, event->timestamp(), pressed);
         return false;
     }
     if (point.state() == QEventPoint::Released) {
         if (!m_drag.end())
             return false;
-        letGo(m_drag.along(point.velocity().toPointF()));
+        letGo(m_drag.velocityAt(event->timestamp()));
         return true;
     }
     const bool wasRunning = m_drag.isRunning();
-    if (!m_drag.moveTo(position))
+    if (!m_drag.moveTo(position, event->timestamp()))
         return false;
     if (!wasRunning)
         event->setExclusiveGrabber(point, this);
@@ -140,12 +140,16 @@ bool SheetControl::follow(QPointerEvent *event, const QQuickItem *pressed)
     return true;
 }
 
-void SheetControl::begin(const QPointF &position, const QQuickItem *pressed)
+void SheetControl::begin(const QPointF &position, quint64 time, const QQuickItem *pressed)
 {
+    if (m_drag.isRunning()) { // its end never came, as when the window was hidden under the finger
+        cancel();
+        return;
+    }
     m_way = std::max(1.0, panel() ? height() - panel()->y() : height());
     m_drag.end();
     if (isOnPanel(position) && !canScrollUp(pressed, this))
-        m_drag.begin(position);
+        m_drag.begin(position, time);
 }
 
 void SheetControl::letGo(qreal velocity)

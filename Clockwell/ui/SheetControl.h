@@ -48,7 +48,7 @@ protected:
 private:
     /// Whether the event is part of a drag of the sheet. `pressed` is the item that the pointer went down on.
     bool follow(QPointerEvent *event, const QQuickItem *pressed);
-    void begin(const QPointF &position, const QQuickItem *pressed);
+    void begin(const QPointF &position, quint64 time, const QQuickItem *pressed);
     void letGo(qreal velocity);
     void cancel();
     void fillHolder();

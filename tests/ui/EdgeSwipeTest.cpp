@@ -52,7 +52,7 @@ protected:
         return QUrl::fromLocalFile(file.fileName());
     }
 
-    /// Slowly enough that letting go is no flick.
+    /// Slowly enough that letting go is no flick. The delay is that of the events' own clock.
     void drag(QPoint from, QPoint by, int delay = 60)
     {
         QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, from);
@@ -119,21 +119,16 @@ TEST_F(EdgeSwipeTest, ByFingerToo)
 
 TEST_F(EdgeSwipeTest, AFlickIsEnough)
 {
-    press(edge);
-    for (int x = 36; x <= 180; x += 36) // not yet half of the way
-        move(edge + QPoint(x, 0), 2);
-    release(edge + QPoint(180, 0));
+    drag(edge, QPoint(180, 0), 10); // not yet half of the way
     EXPECT_TRUE(wentBack());
 }
 
 TEST_F(EdgeSwipeTest, AFlickBackToTheEdgeStays)
 {
-    press(edge);
-    move(edge + QPoint(150, 0));
-    move(edge + QPoint(370, 0));
-    for (int x = 340; x >= 220; x -= 40) // beyond half still
-        move(edge + QPoint(x, 0), 2);
-    release(edge + QPoint(220, 0));
+    QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, edge);
+    for (const int x : {150, 370, 340, 300, 260, 220}) // beyond half still
+        QTest::mouseMove(&stage.window(), edge + QPoint(x, 0), 10);
+    QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, edge + QPoint(220, 0), 10);
     EXPECT_TRUE(stays());
 }
 

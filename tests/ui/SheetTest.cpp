@@ -79,7 +79,7 @@ protected:
     QPoint bar() { return {195, static_cast<int>(sheet->panel()->y()) + 22}; }
     QPoint middle() { return {195, 400}; }
 
-    /// Slowly enough that letting go is no flick.
+    /// Slowly enough that letting go is no flick. The delay is that of the events' own clock.
     void drag(QPoint from, QPoint by, int delay = 40)
     {
         QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, from);
@@ -198,7 +198,7 @@ TEST_F(SheetTest, DraggedByAFinger)
 TEST_F(SheetTest, AFlickIsEnough)
 {
     open();
-    dragByFinger(bar(), QPoint(0, 120), 10);
+    drag(bar(), QPoint(0, 120), 10); // not yet a third of the way
     EXPECT_EQ(count("dismissals"), 1);
 }
 
@@ -267,6 +267,19 @@ TEST_F(SheetTest, ADragThatIsTakenAwaySpringsBack)
     sheet->ungrabMouse();
     EXPECT_TRUE(QTest::qWaitFor([this] { return sheet->panel()->y() == 20; }));
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(195, 300), 40);
+    EXPECT_EQ(count("dismissals"), 0);
+}
+
+TEST_F(SheetTest, AReleaseThatNeverComesLeavesNothingBehind)
+{
+    open();
+    QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, bar());
+    QTest::mouseMove(&stage.window(), bar() + QPoint(0, 40), 40);
+    QTest::mouseMove(&stage.window(), QPoint(195, 300), 40);
+    ASSERT_GT(sheet->panel()->y(), 100);
+    const QPoint onPanel(195, 600);
+    dragByFinger(onPanel, QPoint(0, 4)); // no drag of its own
+    EXPECT_TRUE(QTest::qWaitFor([this] { return sheet->panel()->y() == 20; }));
     EXPECT_EQ(count("dismissals"), 0);
 }
 
