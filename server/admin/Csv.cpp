@@ -27,7 +27,8 @@ std::string csvCell(const std::string &cell)
         if (c == '"')
             quoted += '"';
     }
-    return quoted + "\"";
+    quoted.push_back('"');
+    return quoted;
 }
 
 } // namespace
@@ -36,8 +37,8 @@ std::string csvLine(const std::vector<std::string> &cells)
 {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i)
-        line += (i == 0 ? "" : ",") + csvCell(cells[i]);
-    return line + "\r\n";
+        line.append(i == 0 ? "" : ",").append(csvCell(cells[i]));
+    return line.append("\r\n");
 }
 
 std::string spreadsheetText(std::string_view text)
