@@ -210,7 +210,7 @@ TEST_F(HistoryViewTest, AFailedFirstLoadShowsTheEmptyState)
 
 TEST_F(HistoryViewTest, TheFirstLoadSpinsQuietlyAndMovesNothing)
 {
-    services.server.expect("GET", path).after(300ms).reply(200, days(3));
+    services.server.expect("GET", path).after(1s).reply(200, days(3));
     open();
     auto *disc = stage->root()->findChild<QQuickItem *>(u"disc"_s);
     EXPECT_TRUE(disc->isVisible());

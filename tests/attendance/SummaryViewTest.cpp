@@ -226,7 +226,7 @@ TEST_F(SummaryViewTest, NoWorkIsZeroHoursAndMinutes)
 
 TEST_F(SummaryViewTest, AFailedFirstLoadLeavesThePlaceholderAndSaysNothing)
 {
-    services.server.expect("GET", path).after(300ms).reply(500, R"({"message":"Down"})");
+    services.server.expect("GET", path).after(1s).reply(500, R"({"message":"Down"})");
     open();
     auto *disc = stage->root()->findChild<QQuickItem *>(u"disc"_s);
     ASSERT_TRUE(disc->isVisible());
@@ -238,7 +238,7 @@ TEST_F(SummaryViewTest, AFailedFirstLoadLeavesThePlaceholderAndSaysNothing)
 TEST_F(SummaryViewTest, AFailedReloadKeepsTheNumbers)
 {
     open(month("2025-03"));
-    services.server.expect("GET", path).after(300ms).reply(503, "{}");
+    services.server.expect("GET", path).after(1s).reply(503, "{}");
     screen().key(Qt::Key_F5);
     ASSERT_TRUE(screen().waitFor(u"Refreshing"_s));
     ASSERT_TRUE(screen().waitFor(u"Refresh"_s));
