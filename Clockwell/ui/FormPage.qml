@@ -29,7 +29,7 @@ FocusScope {
         contentHeight: column.y + column.height + page.leastInset
         boundsBehavior: Flickable.StopAtBounds
         pixelAligned: true
-        clip: anchors.bottomMargin > 0
+        clip: contentHeight > height
 
         Column {
             id: column

@@ -48,6 +48,22 @@ TEST(NavigationPage, GoesBackByEscapeFromAFieldWithinIt)
     EXPECT_EQ(back.count(), 1);
 }
 
+TEST(NavigationPage, AFormThatIsScrolledStaysBelowTheBar)
+{
+    ComponentStage stage(
+        "NavigationPage { width: 350; height: 300; title: \"Sign up\"; FormPage { objectName: "
+        "\"form\"; anchors.fill: parent; PrimaryButton { width: parent.width; title: \"Top\" } "
+        "Item { width: 10; height: 600 } } }");
+    QQuickItem *flickable = nullptr;
+    for (auto *child : stage.part("form")->childItems())
+        flickable = child->inherits("QQuickFlickable") ? child : flickable;
+    ASSERT_TRUE(flickable);
+    const QRect bar(20, 20, 350, 44);
+    const QImage before = stage.shot().copy(bar);
+    flickable->setProperty("contentY", 60);
+    EXPECT_EQ(stage.shot().copy(bar), before);
+}
+
 TEST(NavigationPage, ShowsItsContentBelowTheBar)
 {
     ComponentStage stage(page);
