@@ -15,6 +15,11 @@ namespace {
 constexpr std::size_t LongestDeviceId = 128;
 constexpr std::size_t LongestToken = 256;
 
+ApiError invalidCredentials()
+{
+    return {401, "INVALID_CREDENTIALS", "The e-mail address or the password is wrong."};
+}
+
 } // namespace
 
 Json userJson(const Employee &employee)
@@ -48,10 +53,12 @@ Response AuthEndpoints::login(const Request &request)
     const std::string deviceId = body.text("deviceId", LongestDeviceId);
     body.finish();
     const Employee employee = checkedEmployee(email, password, request);
-    const TokenPair pair = m_sessions.start(employee.id, deviceId);
+    const auto pair = m_sessions.start(employee, deviceId);
+    if (!pair)
+        throw invalidCredentials();
     spdlog::info("event=signedIn employee={} request={}", employee.id, request.requestId);
-    return jsonReply({{"accessToken", pair.accessToken},
-                      {"refreshToken", pair.refreshToken},
+    return jsonReply({{"accessToken", pair->accessToken},
+                      {"refreshToken", pair->refreshToken},
                       {"user", userJson(employee)}});
 }
 
@@ -67,7 +74,7 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
                                   : m_passwords.matchesNobody(password);
     if (!matches) {
         spdlog::info("event=signInRefused request={}", request.requestId);
-        throw ApiError{401, "INVALID_CREDENTIALS", "The e-mail address or the password is wrong."};
+        throw invalidCredentials();
     }
     m_throttle.succeed(account, request.remoteAddress);
     requireUsable(*employee);

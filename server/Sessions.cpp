@@ -40,14 +40,18 @@ ApiError sessionEnded()
 
 } // namespace
 
-TokenPair Sessions::start(const std::string &employeeId, const std::string &deviceId)
+std::optional<TokenPair> Sessions::start(const Employee &checked, const std::string &deviceId)
 {
-    return m_database.write([&](Connection &connection) {
+    return m_database.write([&](Connection &connection) -> std::optional<TokenPair> {
+        const auto now = findEmployeeById(connection, checked.id);
+        if (!now || now->passwordHash != checked.passwordHash)
+            return std::nullopt;
+        requireUsable(*now);
         forgetExpired(connection);
         const std::string familyId = newId();
         connection.execute("INSERT INTO token_families (id, employee_id, device_id, created_at, generation)"
                            " VALUES (:id, :employee, :device, :now, 0)",
-                           familyId, employeeId, deviceId, toMillis(m_clock()));
+                           familyId, checked.id, deviceId, toMillis(m_clock()));
         return issue(connection, familyId, 1);
     });
 }

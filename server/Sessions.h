@@ -5,6 +5,7 @@
 #include "server/Instant.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <tuple>
 
@@ -41,8 +42,10 @@ public:
         : m_database(database), m_clock(std::move(clock)), m_lifetimes(lifetimes)
     {}
 
-    /// Starts a family for a device on which the employee has just signed in.
-    TokenPair start(const std::string &employeeId, const std::string &deviceId);
+    /// Starts a family for a device on which the employee has just signed in. Nothing when the password that
+    /// was checked has been replaced since: its check takes a while, and what ended the sessions meanwhile
+    /// did not know of this one. Throws ApiError 403 for an account that may no longer sign in.
+    std::optional<TokenPair> start(const Employee &checked, const std::string &deviceId);
 
     /// Exchanges a refresh token for a new pair. Throws ApiError 401 for one that is unknown, expired,
     /// revoked or replayed (which ends the family), and 403 for an account that may no longer sign in.

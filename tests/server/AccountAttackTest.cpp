@@ -95,6 +95,27 @@ TEST_F(AccountAttackTest, OfParallelResetsExactlyOneSucceeds)
     EXPECT_EQ(world.login("old@example.org", "New-Horse-" + std::to_string(winner)).status, 200);
 }
 
+TEST_F(AccountAttackTest, SignInThatANewPasswordOvertakesGetsNoSession)
+{
+    // The old password's hash is an expensive one, so that the new password comes while it is being checked.
+    Passwords slow{{.passes = 16}};
+    const std::string oldHash = slow.hash("Correct-Horse-7");
+    world.database().write([&](Connection &connection) {
+        connection.execute("UPDATE employees SET password_hash = :hash", oldHash);
+    });
+    forgot("old@example.org");
+    const std::string code = world.code("old@example.org");
+    Reply late;
+    std::thread signIn{[&] { late = world.login("old@example.org"); }};
+    std::this_thread::sleep_for(std::chrono::milliseconds{100});
+    const int status = reset(code, "New-Horse-8", "old@example.org").status;
+    signIn.join();
+    ASSERT_EQ(status, 200);
+    EXPECT_EQ(late.status, 401);
+    EXPECT_EQ(late.error(), "INVALID_CREDENTIALS");
+    EXPECT_EQ(world.login("old@example.org", "New-Horse-8").status, 200);
+}
+
 TEST_F(AccountAttackTest, ParallelSignUpsOfOneAddressMakeOneAccount)
 {
     std::vector<int> statuses(5);
