@@ -2,6 +2,7 @@
 
 #include "server/ApiError.h"
 #include "server/RateLimit.h"
+#include "server/http/PeerAddress.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,11 +11,11 @@ namespace clockwell::server {
 
 void LoginThrottle::begin(const std::string &account, const std::string &address, const char *complaint)
 {
-    const Instant now = m_clock();
     const std::lock_guard lock{m_lock};
+    const Instant now = m_clock(); // under the lock, so that attempts are in order of time
     if (m_attempts.size() >= m_limits.entries)
         makeRoom(now);
-    auto &attempts = m_attempts[{account, address}];
+    auto &attempts = m_attempts[{account, networkOf(address)}];
     dropOld(attempts, now);
     if (attempts.size() < m_limits.attempts) {
         attempts.push_back(now);
@@ -29,7 +30,7 @@ void LoginThrottle::begin(const std::string &account, const std::string &address
 void LoginThrottle::succeed(const std::string &account, const std::string &address)
 {
     const std::lock_guard lock{m_lock};
-    m_attempts.erase({account, address});
+    m_attempts.erase({account, networkOf(address)});
 }
 
 void LoginThrottle::forgetAccount(const std::string &account)
@@ -42,7 +43,7 @@ void LoginThrottle::forgetAccount(const std::string &account)
 
 void LoginThrottle::dropOld(std::vector<Instant> &attempts, Instant now) const
 {
-    std::erase_if(attempts, [&](Instant attempt) { return attempt + m_limits.window <= now; });
+    forgetOld(attempts, now, m_limits.window);
 }
 
 void LoginThrottle::makeRoom(Instant now)

@@ -18,8 +18,8 @@ struct ThrottleLimits
     std::size_t entries = 100'000; ///< pairs remembered at most; the one idle for longest is forgotten first
 };
 
-/// Counts the failed sign-ins of each pair of account and network address, in memory. Safe on several
-/// threads.
+/// Counts the failed sign-ins of each pair of account and network address, in memory; an IPv6 network of 64
+/// bits is one address, for a customer holds at least that many. Safe on several threads.
 class LoginThrottle
 {
 public:

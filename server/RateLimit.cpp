@@ -15,10 +15,17 @@ std::string waitText(std::chrono::seconds wait)
     return std::to_string(std::chrono::ceil<std::chrono::hours>(wait).count()) + " hours";
 }
 
+void forgetOld(std::vector<Instant> &events, Instant now, std::chrono::seconds window)
+{
+    for (Instant &event : events)
+        event = std::min(event, now);
+    std::erase_if(events, [&](Instant event) { return event + window <= now; });
+}
+
 void RateLimit::take(const std::string &key, std::string_view complaint)
 {
-    const Instant now = m_clock();
     const std::lock_guard lock{m_lock};
+    const Instant now = m_clock(); // under the lock, so that events are in order of time
     Entry &entry = used(key);
     const auto wait = waitOf(entry, now);
     if (wait > std::chrono::seconds{0})
@@ -56,7 +63,7 @@ RateLimit::Entry &RateLimit::used(const std::string &key)
 /// Zero when another event is within the limit.
 std::chrono::seconds RateLimit::waitOf(Entry &entry, Instant now) const
 {
-    std::erase_if(entry.events, [&](Instant event) { return event + m_limits.window <= now; });
+    forgetOld(entry.events, now, m_limits.window);
     if (entry.events.size() < m_limits.attempts)
         return std::chrono::seconds{0};
     return std::chrono::ceil<std::chrono::seconds>(entry.events.front() + m_limits.window - now);

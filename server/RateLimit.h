@@ -16,6 +16,11 @@ namespace clockwell::server {
 /// "45 seconds", "7 minutes" or "22 hours": a wait as people say it, never shorter than it is.
 std::string waitText(std::chrono::seconds wait);
 
+/// Drops the events that the window, counted back from now, has left behind. Events of the future happened
+/// before the machine's clock was set back, nobody knows when: they count as of now, so that they are neither
+/// forgiven nor held against anybody for longer than the window.
+void forgetOld(std::vector<Instant> &events, Instant now, std::chrono::seconds window);
+
 /// Counts events by key in a sliding window, in memory. Safe on several threads.
 class RateLimit
 {

@@ -3,6 +3,7 @@
 #include "server/ApiError.h"
 #include "server/ListenAddress.h"
 #include "server/NumberText.h"
+#include "server/RateLimit.h"
 #include "server/Tokens.h"
 
 #include <gtest/gtest.h>
@@ -86,6 +87,50 @@ TEST(LoginThrottleTest, CountsEachAddressOnItsOwn)
     throttle.begin("a", "x");
     throttle.begin("a", "y");
     EXPECT_THROW(throttle.begin("a", "x"), ApiError);
+}
+
+TEST(LoginThrottleTest, AddressesOfOneIpv6NetworkCountAsOne)
+{
+    LoginThrottle throttle{{.attempts = 2}, [] { return Instant{}; }};
+    throttle.begin("a", "2001:db8:1:2::1");
+    throttle.begin("a", "2001:db8:1:2:ffff::9");
+    EXPECT_THROW(throttle.begin("a", "2001:db8:1:2::3"), ApiError);
+    EXPECT_NO_THROW(throttle.begin("a", "2001:db8:1:3::1"));
+    EXPECT_NO_THROW(throttle.begin("b", "2001:db8:1:2::1"));
+    throttle.succeed("a", "2001:db8:1:2::4");
+    EXPECT_NO_THROW(throttle.begin("a", "2001:db8:1:2::3"));
+}
+
+TEST(LoginThrottleTest, ClockThatIsSetBackLocksNobodyOutForLongerThanTheWindow)
+{
+    Instant now{std::chrono::hours{24 * 365}};
+    LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
+    throttle.begin("a", "x");
+    now = Instant{};
+    try {
+        throttle.begin("a", "x"); // counts on: setting the clock back buys no attempt either
+        FAIL();
+    } catch (const ApiError &error) {
+        EXPECT_STREQ(error.what(), "Too many attempts to sign in. Please try again in 60 seconds.");
+    }
+    now += std::chrono::seconds{60};
+    EXPECT_NO_THROW(throttle.begin("a", "x"));
+}
+
+TEST(RateLimitTest, ClockThatIsSetBackLocksNobodyOutForLongerThanTheWindow)
+{
+    Instant now{std::chrono::hours{24 * 365}};
+    RateLimit limit{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
+    limit.take("a", "Too much.");
+    now = Instant{};
+    try {
+        limit.take("a", "Too much.");
+        FAIL();
+    } catch (const ApiError &error) {
+        EXPECT_STREQ(error.what(), "Too much. Please try again in 60 seconds.");
+    }
+    now += std::chrono::seconds{60};
+    EXPECT_NO_THROW(limit.take("a", "Too much."));
 }
 
 TEST(LoginThrottleTest, ShortWaitsAreSaidInSeconds)
