@@ -79,30 +79,38 @@ Codes::Fresh Codes::make()
 void Codes::store(Connection &connection, const std::string &emailKey, CodePurpose purpose,
                   const Fresh &fresh) const
 {
-    const Instant now = m_clock();
-    connection.execute("DELETE FROM codes WHERE expires_at <= :now", toMillis(now));
-    connection.execute("DELETE FROM codes WHERE email_key = :key", emailKey);
+    removeOld(connection);
+    revoke(connection, emailKey);
     connection.execute("INSERT INTO codes (email_key, purpose, hash, expires_at, tries)"
                        " VALUES (:key, :purpose, :hash, :expires, 0)",
-                       emailKey, nameOf(purpose), fresh.hash, toMillis(now + m_limits.lifetime));
+                       emailKey, nameOf(purpose), fresh.hash, toMillis(m_clock() + m_limits.lifetime));
 }
 
-std::optional<CodePurpose> Codes::livePurpose(Connection &connection, const std::string &emailKey) const
+std::optional<CodePurpose> Codes::lastPurpose(Connection &connection, const std::string &emailKey)
 {
     const auto purpose = connection.first<SingleColumn<std::string>>(
-        "SELECT purpose FROM codes WHERE email_key = :key AND expires_at > :now", emailKey,
-        toMillis(m_clock()));
+        "SELECT purpose FROM codes WHERE email_key = :key", emailKey);
     return purpose ? std::optional{purposeOf(purpose->value)} : std::nullopt;
+}
+
+void Codes::revoke(Connection &connection, const std::string &emailKey)
+{
+    connection.execute("DELETE FROM codes WHERE email_key = :key", emailKey);
+}
+
+void Codes::removeOld(Connection &connection) const
+{
+    connection.execute("DELETE FROM codes WHERE expires_at <= :end", toMillis(m_clock() - m_limits.memory));
 }
 
 /// In a transaction of its own: a try counts, whatever becomes of its request.
 std::optional<Codes::Stored> Codes::countTry(const std::string &emailKey)
 {
     return m_database.write([&](Connection &connection) {
-        const auto now = toMillis(m_clock());
-        connection.execute("DELETE FROM codes WHERE expires_at <= :now", now);
-        auto stored = connection.first<Stored>(
-            "SELECT purpose, hash, expires_at, tries FROM codes WHERE email_key = :key", emailKey);
+        removeOld(connection);
+        auto stored = connection.first<Stored>("SELECT purpose, hash, expires_at, tries FROM codes"
+                                               " WHERE email_key = :key AND expires_at > :now",
+                                               emailKey, toMillis(m_clock()));
         connection.execute("UPDATE codes SET tries = tries + 1 WHERE email_key = :key AND tries < :most",
                            emailKey, m_limits.tries);
         return stored;

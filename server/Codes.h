@@ -16,6 +16,7 @@ namespace clockwell::server {
 struct CodeLimits
 {
     std::chrono::minutes lifetime{10};
+    std::chrono::minutes memory{60};                         ///< after its end, of what a code was for
     long long tries = 5;                                     ///< of one code
     ThrottleLimits perAddress{5, std::chrono::hours{1}};     ///< codes for one e-mail address
     ThrottleLimits perNetwork{30, std::chrono::minutes{15}}; ///< codes asked for from one network address
@@ -49,8 +50,11 @@ public:
     void store(Connection &connection, const std::string &emailKey, CodePurpose purpose,
                const Fresh &fresh) const;
 
-    /// For what the address's code is that can still be used.
-    std::optional<CodePurpose> livePurpose(Connection &connection, const std::string &emailKey) const;
+    /// For what the address's last code was, unless it was used or is long over.
+    static std::optional<CodePurpose> lastPurpose(Connection &connection, const std::string &emailKey);
+
+    /// Ends the address's code, as part of the caller's transaction.
+    static void revoke(Connection &connection, const std::string &emailKey);
 
     struct Match
     {
@@ -71,6 +75,7 @@ public:
 private:
     struct Stored;
     std::optional<Stored> countTry(const std::string &emailKey);
+    void removeOld(Connection &connection) const;
 
     Database &m_database;
     Passwords &m_passwords;

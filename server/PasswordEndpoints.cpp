@@ -100,6 +100,7 @@ Response PasswordEndpoints::change(const Request &request)
             throw wrongPassword();
         storePassword(connection, caller.employee.id, hash);
         m_sessions.endAll(connection, caller.employee.id, caller.familyId);
+        Codes::revoke(connection, account); // whoever asked for it: it would undo the change
     });
     spdlog::info("event=passwordChanged employee={} request={}", caller.employee.id, request.requestId);
     return jsonReply({{"message", "Your password is changed."}});

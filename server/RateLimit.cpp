@@ -15,13 +15,6 @@ std::string waitText(std::chrono::seconds wait)
     return std::to_string(std::chrono::ceil<std::chrono::hours>(wait).count()) + " hours";
 }
 
-void forgetOld(std::vector<Instant> &events, Instant now, std::chrono::seconds window)
-{
-    for (Instant &event : events)
-        event = std::min(event, now);
-    std::erase_if(events, [&](Instant event) { return event + window <= now; });
-}
-
 void RateLimit::take(const std::string &key, std::string_view complaint)
 {
     const std::lock_guard lock{m_lock};
@@ -45,6 +38,12 @@ void RateLimit::forget(const std::string &key)
     m_entries.erase(entry);
 }
 
+void RateLimit::forgetIf(const std::function<bool(std::string_view)> &matches)
+{
+    const std::lock_guard lock{m_lock};
+    m_uses.remove_if([&](const std::string &key) { return matches(key) && m_entries.erase(key) == 1; });
+}
+
 RateLimit::Entry &RateLimit::used(const std::string &key)
 {
     const auto known = m_entries.find(key);
@@ -63,7 +62,9 @@ RateLimit::Entry &RateLimit::used(const std::string &key)
 /// Zero when another event is within the limit.
 std::chrono::seconds RateLimit::waitOf(Entry &entry, Instant now) const
 {
-    forgetOld(entry.events, now, m_limits.window);
+    for (Instant &event : entry.events)
+        event = std::min(event, now);
+    std::erase_if(entry.events, [&](Instant event) { return event + m_limits.window <= now; });
     if (entry.events.size() < m_limits.attempts)
         return std::chrono::seconds{0};
     return std::chrono::ceil<std::chrono::seconds>(entry.events.front() + m_limits.window - now);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "server/Instant.h"
-#include "server/LoginThrottle.h"
 
 #include <chrono>
+#include <functional>
 #include <list>
 #include <mutex>
 #include <string>
@@ -13,15 +13,19 @@
 
 namespace clockwell::server {
 
+struct ThrottleLimits
+{
+    std::size_t attempts = 5;         ///< events within the window before one is refused
+    std::chrono::seconds window{900}; ///< counted back from now
+    std::size_t entries = 100'000; ///< keys remembered at most; the one idle for longest is forgotten first
+};
+
 /// "45 seconds", "7 minutes" or "22 hours": a wait as people say it, never shorter than it is.
 std::string waitText(std::chrono::seconds wait);
 
-/// Drops the events that the window, counted back from now, has left behind. Events of the future happened
-/// before the machine's clock was set back, nobody knows when: they count as of now, so that they are neither
-/// forgiven nor held against anybody for longer than the window.
-void forgetOld(std::vector<Instant> &events, Instant now, std::chrono::seconds window);
-
-/// Counts events by key in a sliding window, in memory. Safe on several threads.
+/// Counts events by key in a sliding window, in memory. Events that are in the future happened before the
+/// machine's clock was set back, nobody knows when: they count as of now, so that they are neither forgiven
+/// nor held against anybody for longer than the window. Safe on several threads.
 class RateLimit
 {
 public:
@@ -33,6 +37,9 @@ public:
 
     /// Forgets what was counted for the key.
     void forget(const std::string &key);
+
+    /// Forgets what was counted for the keys that `matches` accepts; goes through all of them.
+    void forgetIf(const std::function<bool(std::string_view)> &matches);
 
 private:
     struct Entry

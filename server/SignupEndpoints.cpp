@@ -149,9 +149,9 @@ Response SignupEndpoints::resend(const Request &request)
     CodePurpose purpose = CodePurpose::Verify;
     const auto employee = m_database.write([&](Connection &connection) {
         auto found = findEmployeeByEmail(connection, key);
-        const auto live = m_codes.livePurpose(connection, key);
+        const auto last = Codes::lastPurpose(connection, key);
         const bool verified = found && found->emailVerified != 0;
-        purpose = verified ? CodePurpose::Reset : live.value_or(CodePurpose::Verify);
+        purpose = verified ? CodePurpose::Reset : last.value_or(CodePurpose::Verify);
         m_codes.store(connection, key, purpose, fresh);
         return found;
     });

@@ -16,7 +16,10 @@ Mail verificationMail(const std::string &to, const std::string &code)
                 "Please enter it in the app within 10 minutes. After that, an administrator\n"
                 "has to approve your account before you can sign in.\n"
                 "\n"
-                "You did not sign up? Then ignore this message; nothing will happen.\n"};
+                "You did not ask for this code just now? Then do not enter it: it would confirm\n"
+                "a password that somebody else has chosen. If you had signed up before, choose\n"
+                "\"Forgot password?\" in the app. Otherwise ignore this message; nothing will\n"
+                "happen.\n"};
 }
 
 Mail resetMail(const std::string &to, const std::string &code)

@@ -78,6 +78,7 @@ void OutboxDelivery::deliver(const Mail &mail, const std::atomic<bool> & /*giveU
 {
     m_last = std::max(m_clock(), m_last + std::chrono::milliseconds{1});
     const std::string id = newId();
+    ::mkdir(m_folder.c_str(), OwnerOnlyFolder); // it may have been cleared away; a failure shows when writing
     const auto unfinished = m_folder / (".new-" + id);
     try {
         NewFile{unfinished}.write(messageText(mail, m_from, m_last, id));

@@ -8,11 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <thread>
 
 namespace clockwell::server::test {
@@ -113,6 +116,13 @@ TEST(MailTextsTest, CodeAndItsLifeAreInTheText)
     }
 }
 
+TEST(MailTextsTest, VerificationWarnsOfACodeThatSomebodyElseAskedFor)
+{
+    const std::string text = verificationMail("kim@example.org", "012345").text;
+    EXPECT_NE(text.find("did not ask for this code just now"), std::string::npos);
+    EXPECT_NE(text.find("do not enter it"), std::string::npos);
+}
+
 TEST(OutboxDeliveryTest, FilesAreForTheirOwnerAndSortByTime)
 {
     const TempFolder folder;
@@ -136,6 +146,47 @@ TEST(OutboxDeliveryTest, FilesAreForTheirOwnerAndSortByTime)
     EXPECT_EQ(facts.st_mode & 0777U, 0700U);
     ASSERT_EQ(::stat((outbox + "/" + names[0]).c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+}
+
+TEST(OutboxDeliveryTest, FolderThatWasRemovedIsMadeAgain)
+{
+    const TempFolder folder;
+    const std::string outbox = folder.file("outbox");
+    OutboxDelivery delivery{outbox, "a@example.com", [] { return Now; }};
+    const std::atomic<bool> giveUp{false};
+    std::filesystem::remove_all(outbox);
+    ASSERT_NO_THROW(delivery.deliver({"kim@example.org", "subject", "text\n"}, giveUp));
+    EXPECT_FALSE(std::filesystem::is_empty(outbox));
+    struct stat facts
+    {};
+    ASSERT_EQ(::stat(outbox.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777U, 0700U);
+}
+
+TEST(OutboxDeliveryTest, FullDiskIsATransientFailureAndLeavesNothingBehind)
+{
+    const TempFolder folder;
+    const std::string outbox = folder.file("outbox");
+    OutboxDelivery delivery{outbox, "a@example.com", [] { return Now; }};
+    const std::atomic<bool> giveUp{false};
+    const Mail mail{"kim@example.org", "subject", std::string(10'000, 'x') + "\n"};
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN); // the write fails instead
+    const rlimit tiny{100, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
+    std::optional<DeliveryError::Kind> failure;
+    try {
+        delivery.deliver(mail, giveUp);
+    } catch (const DeliveryError &error) {
+        failure = error.kind();
+    }
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(failure, DeliveryError::Kind::Transient);
+    EXPECT_TRUE(std::filesystem::is_empty(outbox));
+    delivery.deliver(mail, giveUp);
+    EXPECT_FALSE(std::filesystem::is_empty(outbox));
 }
 
 TEST(OutboxDeliveryTest, FolderThatOthersCanReadIsRefused)

@@ -109,6 +109,15 @@ TEST_F(PasswordEndpointsTest, ChangeKeepsThisSessionAndEndsTheOthers)
     EXPECT_EQ(world.login().status, 401);
 }
 
+TEST_F(PasswordEndpointsTest, ChangeEndsACodeForANewPassword)
+{
+    forgot();
+    const std::string code = world.code();
+    ASSERT_EQ(change("Correct-Horse-7", "New-Horse-8", world.token()).status, 200);
+    EXPECT_EQ(reset(code, "Third-Horse-9").error(), "INVALID_CODE");
+    EXPECT_EQ(world.login("kim@example.org", "New-Horse-8").status, 200);
+}
+
 TEST_F(PasswordEndpointsTest, WrongCurrentPasswordIsNotTheEndOfTheSession)
 {
     const std::string token = world.token();

@@ -1,4 +1,7 @@
 #include "World.h"
+#include "server/Accounts.h"
+#include "server/ApiError.h"
+#include "server/Sessions.h"
 
 #include <gtest/gtest.h>
 
@@ -157,6 +160,31 @@ TEST_F(SessionTest, ParallelRefreshesAllSucceedAndOneGoesOn)
         thread.join();
     EXPECT_EQ(std::set<std::string>(tokens.begin(), tokens.end()).size(), tokens.size());
     EXPECT_EQ(renew(tokens.back()).status, 200);
+}
+
+TEST_F(SessionTest, SignInWhosePasswordWasReplacedMeanwhileGetsNoSession)
+{
+    Sessions sessions{world.database(), world.clock(), {}};
+    const Employee checked = world.database().read(
+        [](Connection &connection) { return findEmployeeByEmail(connection, "kim@example.org").value(); });
+    EXPECT_TRUE(sessions.start(checked, "dev-1"));
+    world.database().write(
+        [](Connection &connection) { connection.execute("UPDATE employees SET password_hash = 'another'"); });
+    EXPECT_FALSE(sessions.start(checked, "dev-1"));
+}
+
+TEST_F(SessionTest, SignInThatASuspensionOvertakesGetsNoSession)
+{
+    Sessions sessions{world.database(), world.clock(), {}};
+    const Employee checked = world.database().read(
+        [](Connection &connection) { return findEmployeeByEmail(connection, "kim@example.org").value(); });
+    setStatus("SUSPENDED");
+    try {
+        sessions.start(checked, "dev-1");
+        FAIL();
+    } catch (const ApiError &refusal) {
+        EXPECT_EQ(refusal.error(), "ACCOUNT_SUSPENDED");
+    }
 }
 
 TEST_F(SessionTest, SuspensionStopsTokensAtOnce)

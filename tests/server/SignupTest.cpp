@@ -216,6 +216,27 @@ TEST_F(SignupTest, ResendRepeatsWhatTheAccountNeeds)
     EXPECT_EQ(reset(world.code()).status, 200);              // and the refusal did not use the code up
 }
 
+TEST_F(SignupTest, ResendRepeatsThePurposeOfACodeThatHasExpired)
+{
+    signup();
+    forgot();
+    world.advance(std::chrono::minutes{10});
+    verify("000000", "somebody@example.org"); // others go on in between
+    signup("lee@example.org");
+    resend();
+    EXPECT_EQ(world.mails().back().subject, "Your Clockwell password reset code");
+    EXPECT_EQ(reset(world.code()).status, 200);
+}
+
+TEST_F(SignupTest, ExpiredCodeStaysExpiredWhileItsPurposeIsRemembered)
+{
+    signup();
+    const std::string code = world.code();
+    world.advance(std::chrono::minutes{10});
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(verify(code).error(), "INVALID_CODE");
+}
+
 TEST_F(SignupTest, SixthCodeWithinAnHourIsRefusedForKnownAndUnknownAddressesAlike)
 {
     signup();
