@@ -21,7 +21,7 @@ QCoro::Task<Empty> send(APIClient &api, ChangePasswordBody body)
 
 } // namespace
 
-ChangePasswordViewModel::ChangePasswordViewModel(QObject *parent) : QObject(parent) {}
+ChangePasswordViewModel::ChangePasswordViewModel(QObject *parent) : FormViewModel(parent) {}
 
 void ChangePasswordViewModel::setCurrent(const QString &current)
 {
@@ -33,20 +33,9 @@ void ChangePasswordViewModel::setNewPassword(const QString &newPassword)
     edit(m_newPassword, newPassword, &ChangePasswordViewModel::newPasswordChanged);
 }
 
-void ChangePasswordViewModel::edit(QString &field, const QString &text, Signal changed)
-{
-    if (text == field)
-        return;
-    const bool wasIncomplete = incomplete();
-    field = text;
-    Q_EMIT(this->*changed)();
-    if (incomplete() != wasIncomplete)
-        Q_EMIT incompleteChanged();
-}
-
 void ChangePasswordViewModel::submit()
 {
-    if (m_loading || m_done || incomplete())
+    if (loading() || m_done || incomplete())
         return; // Enter in the last field reaches this without passing the button
     runSubmit();
 }
@@ -54,7 +43,7 @@ void ChangePasswordViewModel::submit()
 QCoro::Task<> ChangePasswordViewModel::runSubmit()
 {
     setError(std::nullopt);
-    const BusyFlag loading(this, &ChangePasswordViewModel::setLoading);
+    const BusyFlag busy(this, &ChangePasswordViewModel::setLoading);
     const ChangePasswordBody body{m_current, m_newPassword};
     try {
         co_await whileAlive(this, send(m_auth->api(), body));
@@ -70,20 +59,6 @@ void ChangePasswordViewModel::acknowledge()
         return;
     setDone(false);
     Q_EMIT dismissed();
-}
-
-void ChangePasswordViewModel::setError(std::optional<QString> error)
-{
-    if (error == m_error)
-        return;
-    m_error = std::move(error);
-    Q_EMIT errorChanged();
-}
-
-void ChangePasswordViewModel::setLoading(bool loading)
-{
-    if (loading != std::exchange(m_loading, loading))
-        Q_EMIT loadingChanged();
 }
 
 void ChangePasswordViewModel::setDone(bool done)

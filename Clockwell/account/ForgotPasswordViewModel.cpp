@@ -10,17 +10,11 @@ using namespace Qt::StringLiterals;
 
 namespace clockwell {
 
-ForgotPasswordViewModel::ForgotPasswordViewModel(QObject *parent) : QObject(parent) {}
+ForgotPasswordViewModel::ForgotPasswordViewModel(QObject *parent) : FormViewModel(parent) {}
 
 void ForgotPasswordViewModel::setEmail(const QString &email)
 {
-    if (email == m_email)
-        return;
-    const bool wasIncomplete = incomplete();
-    m_email = email;
-    Q_EMIT emailChanged();
-    if (incomplete() != wasIncomplete)
-        Q_EMIT incompleteChanged();
+    edit(m_email, email, &ForgotPasswordViewModel::emailChanged);
 }
 
 QString ForgotPasswordViewModel::trimmedEmail() const
@@ -36,7 +30,7 @@ void ForgotPasswordViewModel::follow(bool visible)
 
 void ForgotPasswordViewModel::submit()
 {
-    if (m_loading || incomplete())
+    if (loading() || incomplete())
         return; // Enter in the field reaches this without passing the button
     runSubmit();
 }
@@ -45,7 +39,7 @@ QCoro::Task<> ForgotPasswordViewModel::runSubmit()
 {
     setError(std::nullopt);
     setInfo(std::nullopt);
-    const BusyFlag loading(this, &ForgotPasswordViewModel::setLoading);
+    const BusyFlag busy(this, &ForgotPasswordViewModel::setLoading);
     try {
         const auto reply = co_await whileAlive(this, m_auth->forgotPassword(trimmedEmail()));
         setInfo(reply.message.value_or(u"If that email is registered, a code was sent."_s));
@@ -54,29 +48,6 @@ QCoro::Task<> ForgotPasswordViewModel::runSubmit()
     } catch (const std::exception &error) {
         setError(errorText(error));
     }
-}
-
-void ForgotPasswordViewModel::setError(std::optional<QString> error)
-{
-    if (error == m_error)
-        return;
-    m_error = std::move(error);
-    Q_EMIT errorChanged();
-}
-
-void ForgotPasswordViewModel::setInfo(std::optional<QString> info)
-{
-    if (info == m_info)
-        return;
-    m_info = std::move(info);
-    Q_EMIT infoChanged();
-}
-
-void ForgotPasswordViewModel::setLoading(bool loading)
-{
-    if (loading == std::exchange(m_loading, loading))
-        return;
-    Q_EMIT loadingChanged();
 }
 
 void ForgotPasswordViewModel::setGoToReset(bool go)

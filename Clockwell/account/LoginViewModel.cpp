@@ -8,33 +8,21 @@
 
 namespace clockwell {
 
-LoginViewModel::LoginViewModel(QObject *parent) : QObject(parent) {}
+LoginViewModel::LoginViewModel(QObject *parent) : FormViewModel(parent) {}
 
 void LoginViewModel::setEmail(const QString &email)
 {
-    if (email == m_email)
-        return;
-    const bool wasIncomplete = incomplete();
-    m_email = email;
-    Q_EMIT emailChanged();
-    if (incomplete() != wasIncomplete)
-        Q_EMIT incompleteChanged();
+    edit(m_email, email, &LoginViewModel::emailChanged);
 }
 
 void LoginViewModel::setPassword(const QString &password)
 {
-    if (password == m_password)
-        return;
-    const bool wasIncomplete = incomplete();
-    m_password = password;
-    Q_EMIT passwordChanged();
-    if (incomplete() != wasIncomplete)
-        Q_EMIT incompleteChanged();
+    edit(m_password, password, &LoginViewModel::passwordChanged);
 }
 
 void LoginViewModel::signIn()
 {
-    if (m_loading || incomplete())
+    if (loading() || incomplete())
         return; // Enter in the password field reaches this without passing the button
     runSignIn();
 }
@@ -43,7 +31,7 @@ QCoro::Task<> LoginViewModel::runSignIn()
 {
     setError(std::nullopt);
     setNeedsVerification(false);
-    const BusyFlag loading(this, &LoginViewModel::setLoading);
+    const BusyFlag busy(this, &LoginViewModel::setLoading);
     try {
         co_await whileAlive(this, m_auth->login(trimBlanks(m_email), m_password));
     } catch (const APIError &error) {
@@ -52,21 +40,6 @@ QCoro::Task<> LoginViewModel::runSignIn()
     } catch (const std::exception &error) {
         setError(errorText(error));
     }
-}
-
-void LoginViewModel::setError(std::optional<QString> error)
-{
-    if (error == m_error)
-        return;
-    m_error = std::move(error);
-    Q_EMIT errorChanged();
-}
-
-void LoginViewModel::setLoading(bool loading)
-{
-    if (loading == std::exchange(m_loading, loading))
-        return;
-    Q_EMIT loadingChanged();
 }
 
 void LoginViewModel::setNeedsVerification(bool needed)

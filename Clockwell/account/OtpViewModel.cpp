@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace clockwell {
 
-OtpViewModel::OtpViewModel(QObject *parent) : QObject(parent) {}
+OtpViewModel::OtpViewModel(QObject *parent) : FormViewModel(parent) {}
 
 void OtpViewModel::componentComplete()
 {
@@ -64,13 +64,7 @@ int OtpViewModel::enterCode(const QString &text, int cursor)
 
 void OtpViewModel::setNewPassword(const QString &password)
 {
-    if (password == m_newPassword)
-        return;
-    const bool wasIncomplete = incomplete();
-    m_newPassword = password;
-    Q_EMIT newPasswordChanged();
-    if (incomplete() != wasIncomplete)
-        Q_EMIT incompleteChanged();
+    edit(m_newPassword, password, &OtpViewModel::newPasswordChanged);
 }
 
 void OtpViewModel::acceptCode()
@@ -83,7 +77,7 @@ void OtpViewModel::acceptCode()
 
 void OtpViewModel::submit()
 {
-    if (m_loading || m_done || incomplete())
+    if (loading() || m_done || incomplete())
         return; // Enter in the last field reaches this without passing the button
     runSubmit();
 }
@@ -113,7 +107,7 @@ QCoro::Task<> OtpViewModel::runSubmit()
 {
     setError(std::nullopt);
     setInfo(std::nullopt);
-    const BusyFlag loading(this, &OtpViewModel::setLoading);
+    const BusyFlag busy(this, &OtpViewModel::setLoading);
     try {
         co_await whileAlive(this, request());
         setDone(true);
@@ -140,29 +134,6 @@ void OtpViewModel::countDown()
 {
     if (m_resendIn >= 1)
         setResendIn(m_resendIn - 1);
-}
-
-void OtpViewModel::setError(std::optional<QString> error)
-{
-    if (error == m_error)
-        return;
-    m_error = std::move(error);
-    Q_EMIT errorChanged();
-}
-
-void OtpViewModel::setInfo(std::optional<QString> info)
-{
-    if (info == m_info)
-        return;
-    m_info = std::move(info);
-    Q_EMIT infoChanged();
-}
-
-void OtpViewModel::setLoading(bool loading)
-{
-    if (loading == std::exchange(m_loading, loading))
-        return;
-    Q_EMIT loadingChanged();
 }
 
 void OtpViewModel::setResendIn(int seconds)

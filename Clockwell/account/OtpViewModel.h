@@ -1,22 +1,20 @@
 #pragma once
 
 #include "AuthStore.h"
+#include "FormViewModel.h"
 #include "OtpPurpose.h"
 #include "Timing.h"
 
 #include <QCoroTask>
-#include <QObject>
 #include <QQmlParserStatus>
-#include <QtQml/qqmlregistration.h>
 
 #include <memory>
-#include <optional>
 
 namespace clockwell {
 
 /// The fields, texts and actions of the code screen, for either purpose. Main thread only; `auth` and
 /// `timing` are not owned. The seconds until the next resend are counted for as long as it lives.
-class OtpViewModel : public QObject, public QQmlParserStatus
+class OtpViewModel : public clockwell::FormViewModel, public QQmlParserStatus
 {
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
@@ -32,16 +30,10 @@ class OtpViewModel : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString doneMessage READ doneMessage NOTIFY purposeChanged)
     Q_PROPERTY(QString code READ code NOTIFY codeChanged)
     Q_PROPERTY(QString newPassword READ newPassword WRITE setNewPassword NOTIFY newPasswordChanged)
-    Q_PROPERTY(bool failed READ failed NOTIFY errorChanged)
-    Q_PROPERTY(QString error READ error NOTIFY errorChanged)
-    Q_PROPERTY(bool informed READ informed NOTIFY infoChanged)
-    Q_PROPERTY(QString info READ info NOTIFY infoChanged)
-    Q_PROPERTY(bool loading READ loading NOTIFY loadingChanged)
     Q_PROPERTY(int resendIn READ resendIn NOTIFY resendInChanged)
     Q_PROPERTY(bool resendLocked READ resendLocked NOTIFY resendInChanged)
     Q_PROPERTY(QString resendTitle READ resendTitle NOTIFY resendInChanged)
     Q_PROPERTY(bool done READ done NOTIFY doneChanged)
-    Q_PROPERTY(bool incomplete READ incomplete NOTIFY incompleteChanged)
 
 public:
     /// Seconds from a resend to the next one.
@@ -61,20 +53,13 @@ public:
     QString code() const { return m_code; }
     QString newPassword() const { return m_newPassword; }
     void setNewPassword(const QString &password);
-    /// Whether `error` has a value; the value itself may be an empty text that the server chose.
-    bool failed() const { return m_error.has_value(); }
-    QString error() const { return m_error.value_or(QString()); }
-    /// Whether `info` has a value.
-    bool informed() const { return m_info.has_value(); }
-    QString info() const { return m_info.value_or(QString()); }
-    bool loading() const { return m_loading; }
     /// Seconds until a code may be asked for again; never below 0.
     int resendIn() const { return m_resendIn; }
     bool resendLocked() const { return m_resendIn > 0; }
     QString resendTitle() const;
     bool done() const { return m_done; }
     /// Fewer than six characters, or no new password where one is asked for.
-    bool incomplete() const;
+    bool incomplete() const override;
 
     /// Takes what stands in the code field, filtered, and returns where the field's cursor belongs. Whenever
     /// the field shows something else than `code`, codeChanged asks it to follow, also if `code` is the same.
@@ -93,12 +78,8 @@ Q_SIGNALS:
     void purposeChanged();
     void codeChanged();
     void newPasswordChanged();
-    void errorChanged();
-    void infoChanged();
-    void loadingChanged();
     void resendInChanged();
     void doneChanged();
-    void incompleteChanged();
     void newPasswordWanted();
     void dismissed();
 
@@ -107,9 +88,6 @@ private:
     QCoro::Task<> runResend();
     QCoro::Task<MessageResponse> request();
     void countDown();
-    void setError(std::optional<QString> error);
-    void setInfo(std::optional<QString> info);
-    void setLoading(bool loading);
     void setResendIn(int seconds);
     void setDone(bool done);
     void setResending(bool resending) { m_resending = resending; }
@@ -120,9 +98,6 @@ private:
     int m_purpose = OtpPurpose::VerifyEmail;
     QString m_code;
     QString m_newPassword;
-    std::optional<QString> m_error;
-    std::optional<QString> m_info;
-    bool m_loading = false;
     bool m_resending = false;
     int m_resendIn = 0;
     bool m_done = false;

@@ -8,7 +8,7 @@
 
 namespace clockwell {
 
-SignupViewModel::SignupViewModel(QObject *parent) : QObject(parent) {}
+SignupViewModel::SignupViewModel(QObject *parent) : FormViewModel(parent) {}
 
 void SignupViewModel::setFullName(const QString &fullName)
 {
@@ -40,20 +40,9 @@ void SignupViewModel::setPassword(const QString &password)
     edit(m_password, password, &SignupViewModel::passwordChanged);
 }
 
-void SignupViewModel::edit(QString &field, const QString &text, Signal changed)
-{
-    if (text == field)
-        return;
-    const bool wasIncomplete = incomplete();
-    field = text;
-    Q_EMIT(this->*changed)();
-    if (incomplete() != wasIncomplete)
-        Q_EMIT incompleteChanged();
-}
-
 void SignupViewModel::submit()
 {
-    if (m_loading || incomplete())
+    if (loading() || incomplete())
         return; // Enter in the password field reaches this without passing the button
     runSubmit();
 }
@@ -61,7 +50,7 @@ void SignupViewModel::submit()
 QCoro::Task<> SignupViewModel::runSubmit()
 {
     setError(std::nullopt);
-    const BusyFlag loading(this, &SignupViewModel::setLoading);
+    const BusyFlag busy(this, &SignupViewModel::setLoading);
     try {
         co_await whileAlive(this,
                             m_auth->signup(m_fullName, trimmedEmail(), m_phone, m_companyCode, m_password));
@@ -69,21 +58,6 @@ QCoro::Task<> SignupViewModel::runSubmit()
     } catch (const std::exception &error) {
         setError(errorText(error));
     }
-}
-
-void SignupViewModel::setError(std::optional<QString> error)
-{
-    if (error == m_error)
-        return;
-    m_error = std::move(error);
-    Q_EMIT errorChanged();
-}
-
-void SignupViewModel::setLoading(bool loading)
-{
-    if (loading == std::exchange(m_loading, loading))
-        return;
-    Q_EMIT loadingChanged();
 }
 
 void SignupViewModel::setGoToOtp(bool go)

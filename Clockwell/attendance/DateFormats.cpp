@@ -119,6 +119,11 @@ UDate toIcu(DateFormats::Instant moment)
 
 } // namespace
 
+DateFormats::Instant DateFormats::systemNow()
+{
+    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
+}
+
 DateFormats::DateFormats(QByteArray locale, QByteArray timeZone)
     : m_locale(std::move(locale)), m_timeZone(std::move(timeZone))
 {}

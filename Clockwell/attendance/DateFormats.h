@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 namespace clockwell {
@@ -18,6 +19,10 @@ class DateFormats
 {
 public:
     using Instant = std::chrono::sys_time<std::chrono::milliseconds>;
+    using Clock = std::function<Instant()>;
+
+    /// The device's clock.
+    static Instant systemNow();
 
     /// The device's locale and time zone, read anew on each call.
     DateFormats() = default;

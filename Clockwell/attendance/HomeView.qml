@@ -79,7 +79,7 @@ FocusScope {
     PullToRefresh {
         flickable: page
         refreshing: home.refreshing
-        onTriggered: home.refreshToday()
+        onTriggered: home.refresh()
     }
 
     PunchBar {

@@ -4,45 +4,25 @@
 #include "net/Liveness.h"
 #include "ui/Palette.h"
 
-#include <QGuiApplication>
-
 namespace clockwell {
 
-namespace {
+HomeViewModel::HomeViewModel(QObject *parent) : HomeViewModel(DateFormats::systemNow, DateFormats(), parent)
+{}
 
-DateFormats::Instant systemNow()
+HomeViewModel::HomeViewModel(DateFormats::Clock clock, DateFormats formats, QObject *parent)
+    : TabViewModel(parent), m_clock(std::move(clock)), m_formats(std::move(formats))
+{}
+
+void HomeViewModel::attend()
 {
-    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
-}
-
-} // namespace
-
-HomeViewModel::HomeViewModel(QObject *parent) : HomeViewModel(systemNow, DateFormats(), parent) {}
-
-HomeViewModel::HomeViewModel(Clock clock, DateFormats formats, QObject *parent)
-    : QObject(parent), m_clock(std::move(clock)), m_formats(std::move(formats))
-{
-    // The day may have changed while the app was behind others.
-    if (auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
-        connect(application, &QGuiApplication::applicationStateChanged, this, &HomeViewModel::momentChanged);
-}
-
-void HomeViewModel::setAttendance(AttendanceStore *attendance)
-{
-    if (m_attendance == attendance)
-        return;
-    if (m_attendance)
-        m_attendance->disconnect(this);
-    m_attendance = attendance;
-    if (attendance) {
-        connect(attendance, &AttendanceStore::todayChanged, this, &HomeViewModel::todayChanged);
-        connect(attendance, &AttendanceStore::todayChanged, this, &HomeViewModel::momentChanged);
-        connect(attendance, &AttendanceStore::liveChanged, this, &HomeViewModel::liveChanged);
-        connect(attendance, &AttendanceStore::loadingTodayChanged, this, &HomeViewModel::busyChanged);
-        connect(attendance, &AttendanceStore::checkingDistanceChanged, this, &HomeViewModel::busyChanged);
-        connect(attendance, &AttendanceStore::punchingChanged, this, &HomeViewModel::busyChanged);
+    if (AttendanceStore *store = attendance()) {
+        connect(store, &AttendanceStore::todayChanged, this, &HomeViewModel::todayChanged);
+        connect(store, &AttendanceStore::todayChanged, this, &HomeViewModel::momentChanged);
+        connect(store, &AttendanceStore::liveChanged, this, &HomeViewModel::liveChanged);
+        connect(store, &AttendanceStore::loadingTodayChanged, this, &HomeViewModel::busyChanged);
+        connect(store, &AttendanceStore::checkingDistanceChanged, this, &HomeViewModel::busyChanged);
+        connect(store, &AttendanceStore::punchingChanged, this, &HomeViewModel::busyChanged);
     }
-    Q_EMIT attendanceChanged();
     Q_EMIT todayChanged();
     Q_EMIT liveChanged();
     Q_EMIT busyChanged();
@@ -67,65 +47,40 @@ void HomeViewModel::setFullName(const QString &fullName)
         Q_EMIT momentChanged();
 }
 
-void HomeViewModel::setShown(bool shown)
-{
-    if (std::exchange(m_shown, shown) == shown)
-        return;
-    Q_EMIT shownChanged();
-    if (shown && m_complete)
-        appeared();
-}
-
-void HomeViewModel::componentComplete()
-{
-    m_complete = true;
-    if (m_shown)
-        appeared();
-}
-
 void HomeViewModel::appeared()
 {
+    renew();
+    if (attendance())
+        loadAll();
+}
+
+void HomeViewModel::renew()
+{
     Q_EMIT momentChanged();
-    reload();
 }
 
-QCoro::Task<> HomeViewModel::reload()
+QCoro::Task<> HomeViewModel::request()
 {
-    if (!m_attendance)
-        co_return;
-    co_await whileAlive(this, m_attendance->loadToday());
-    if (m_attendance)
-        co_await whileAlive(this, m_attendance->checkDistance(m_location));
+    return attendance()->loadToday();
 }
 
-void HomeViewModel::refreshToday()
+QCoro::Task<> HomeViewModel::loadAll()
 {
-    if (m_attendance)
-        loadDay();
-}
-
-QCoro::Task<> HomeViewModel::loadDay()
-{
-    const BusyFlag busy(this, &HomeViewModel::countRefreshes);
-    co_await whileAlive(this, m_attendance->loadToday());
-}
-
-void HomeViewModel::countRefreshes(bool begins)
-{
-    m_refreshes += begins ? 1 : -1;
-    Q_EMIT refreshingChanged();
+    co_await whileAlive(this, load());
+    if (attendance())
+        co_await whileAlive(this, attendance()->checkDistance(m_location));
 }
 
 void HomeViewModel::refreshLocation()
 {
-    if (m_attendance)
-        m_attendance->checkDistance(m_location);
+    if (attendance())
+        attendance()->checkDistance(m_location);
 }
 
 void HomeViewModel::punch()
 {
-    if (m_attendance)
-        m_attendance->punch(m_location);
+    if (attendance())
+        attendance()->punch(m_location);
 }
 
 QString HomeViewModel::greeting() const
@@ -234,7 +189,7 @@ QString HomeViewModel::hint() const
 
 const TodayResponse *HomeViewModel::today() const
 {
-    return m_attendance && m_attendance->today() ? &*m_attendance->today() : nullptr;
+    return attendance() && attendance()->today() ? &*attendance()->today() : nullptr;
 }
 
 const AttendanceRecord *HomeViewModel::record() const
@@ -244,7 +199,7 @@ const AttendanceRecord *HomeViewModel::record() const
 
 const DistanceResponse *HomeViewModel::live() const
 {
-    return m_attendance && m_attendance->live() ? &*m_attendance->live() : nullptr;
+    return attendance() && attendance()->live() ? &*attendance()->live() : nullptr;
 }
 
 } // namespace clockwell

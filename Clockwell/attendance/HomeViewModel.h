@@ -1,33 +1,23 @@
 #pragma once
 
-#include "attendance/AttendanceStore.h"
 #include "attendance/DateFormats.h"
 #include "attendance/LocationManager.h"
+#include "attendance/TabViewModel.h"
 
 #include <QColor>
-#include <QCoro/QCoroTask>
-#include <QObject>
 #include <QPointer>
-#include <QQmlParserStatus>
-#include <QtQml/qqmlregistration.h>
-
-#include <functional>
 
 namespace clockwell {
 
 /// Everything that the home screen shows, as finished texts, symbols and colours, and what its controls do.
-/// Holds no rule of attendance: what is offered follows from the server's answers. Main thread only.
-class HomeViewModel : public QObject, public QQmlParserStatus
+/// Holds no rule of attendance: what is offered follows from the server's answers. Each time that the screen
+/// comes to the front, the day and the distance are loaded anew. Main thread only.
+class HomeViewModel : public clockwell::TabViewModel // in full: Qt 6.4's type registrar takes it literally
 {
     Q_OBJECT
-    Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
-    Q_PROPERTY(
-        clockwell::AttendanceStore *attendance READ attendance WRITE setAttendance NOTIFY attendanceChanged)
     Q_PROPERTY(clockwell::LocationManager *location READ location WRITE setLocation NOTIFY locationChanged)
     Q_PROPERTY(QString fullName READ fullName WRITE setFullName NOTIFY momentChanged)
-    /// Whether the screen is in front; each time it becomes so, the day and the distance are loaded anew.
-    Q_PROPERTY(bool shown READ isShown WRITE setShown NOTIFY shownChanged)
 
     Q_PROPERTY(QString greeting READ greeting NOTIFY momentChanged)
     Q_PROPERTY(QString dateLine READ dateLine NOTIFY momentChanged)
@@ -52,26 +42,18 @@ class HomeViewModel : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString locatingText READ locatingText NOTIFY busyChanged)
     Q_PROPERTY(QString hint READ hint NOTIFY hintChanged)
 
-    /// Whether a refresh of the day that was asked for is under way; coming to the screen is none.
-    Q_PROPERTY(bool refreshing READ isRefreshing NOTIFY refreshingChanged)
     Q_PROPERTY(bool loadingToday READ isLoadingToday NOTIFY busyChanged)
     Q_PROPERTY(bool checkingDistance READ isCheckingDistance NOTIFY busyChanged)
     Q_PROPERTY(bool punching READ isPunching NOTIFY busyChanged)
 
 public:
-    using Clock = std::function<DateFormats::Instant()>;
-
     explicit HomeViewModel(QObject *parent = nullptr);
-    HomeViewModel(Clock clock, DateFormats formats, QObject *parent = nullptr);
+    HomeViewModel(DateFormats::Clock clock, DateFormats formats, QObject *parent = nullptr);
 
-    AttendanceStore *attendance() const { return m_attendance; }
-    void setAttendance(AttendanceStore *attendance);
     LocationManager *location() const { return m_location; }
     void setLocation(LocationManager *location);
     QString fullName() const { return m_fullName; }
     void setFullName(const QString &fullName);
-    bool isShown() const { return m_shown; }
-    void setShown(bool shown);
 
     QString greeting() const;
     QString dateLine() const;
@@ -93,47 +75,38 @@ public:
     QString nearestLine() const;
     QString locatingText() const;
     QString hint() const;
-    bool isRefreshing() const { return m_refreshes > 0; }
-    bool isLoadingToday() const { return m_attendance && m_attendance->loadingToday(); }
-    bool isCheckingDistance() const { return m_attendance && m_attendance->checkingDistance(); }
-    bool isPunching() const { return m_attendance && m_attendance->punching(); }
-
-    void classBegin() override { m_complete = false; }
-    void componentComplete() override;
+    bool isLoadingToday() const { return attendance() && attendance()->loadingToday(); }
+    bool isCheckingDistance() const { return attendance() && attendance()->checkingDistance(); }
+    bool isPunching() const { return attendance() && attendance()->punching(); }
 
 public Q_SLOTS:
-    void refreshToday();
     void refreshLocation();
     void punch();
 
 Q_SIGNALS:
-    void attendanceChanged();
     void locationChanged();
-    void shownChanged();
     void momentChanged();
     void todayChanged();
     void liveChanged();
     void hintChanged();
     void busyChanged();
-    void refreshingChanged();
+
+protected:
+    void appeared() override;
+    void attend() override;
+    void renew() override;
+    QCoro::Task<> request() override;
 
 private:
     const TodayResponse *today() const;
     const AttendanceRecord *record() const;
     const DistanceResponse *live() const;
-    void appeared();
-    QCoro::Task<> reload();
-    QCoro::Task<> loadDay();
-    void countRefreshes(bool begins);
+    QCoro::Task<> loadAll();
 
-    Clock m_clock;
+    DateFormats::Clock m_clock;
     DateFormats m_formats;
-    QPointer<AttendanceStore> m_attendance;
     QPointer<LocationManager> m_location;
     QString m_fullName;
-    int m_refreshes = 0;
-    bool m_shown = false;
-    bool m_complete = true; // false while QML sets the properties one by one
 };
 
 } // namespace clockwell

@@ -65,4 +65,8 @@ private:
     Setter m_setter;
 };
 
+/// The setter may be one that the owner's class inherited.
+template <class Derived, class Owner>
+BusyFlag(Derived *, void (Owner::*)(bool)) -> BusyFlag<Owner>;
+
 } // namespace clockwell

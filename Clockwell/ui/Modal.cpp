@@ -85,7 +85,20 @@ void Modal::setPanel(QQuickItem *panel)
 void Modal::componentComplete()
 {
     QQuickItem::componentComplete();
-    if (m_shown) // once it is part of its screen
+    openSoon();
+}
+
+void Modal::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    QQuickItem::itemChange(change, data);
+    if (change == ItemSceneChange && data.window && isComponentComplete())
+        openSoon();
+}
+
+/// Once it is part of its screen.
+void Modal::openSoon()
+{
+    if (m_shown)
         QMetaObject::invokeMethod(
             this, [this] { m_shown ? open() : void(); }, Qt::QueuedConnection);
 }

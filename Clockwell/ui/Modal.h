@@ -83,6 +83,7 @@ protected:
     void release(const QPointF &position);
 
     void componentComplete() override;
+    void itemChange(ItemChange change, const ItemChangeData &data) override;
     bool eventFilter(QObject *window, QEvent *event) override;
     bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -94,6 +95,7 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    void openSoon();
     void open();
     void close();
     void fillHost();

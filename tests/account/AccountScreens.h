@@ -1,24 +1,17 @@
 #pragma once
 
+#include "AccountParts.h"
 #include "ManualTiming.h"
-#include "account/AuthStore.h"
-#include "net/APIClient.h"
-#include "net/SessionEvents.h"
-#include "support/Await.h"
-#include "support/FakeServer.h"
-#include "support/MemoryTokenStore.h"
 #include "support/screen/QmlStage.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 
-#include <gtest/gtest.h>
-
 namespace clockwell::test {
 
 /// The whole signed-out interface against a scripted server, at the sign-in screen.
-class AccountScreens : public ::testing::Test
+class AccountScreens : public AccountParts
 {
 protected:
     /// The screen on top of the stack.
@@ -48,12 +41,7 @@ protected:
         return requests.isEmpty() ? QByteArray() : requests.last().body;
     }
 
-    /// What stands in a field.
-    QString valueOf(const QString &field)
-    {
-        const auto element = stage->find(field, QAccessible::EditableText);
-        return element ? element->object->property("text").toString() : QStringLiteral("(no such field)");
-    }
+    QString valueOf(const QString &field) { return AccountParts::valueOf(stage.screen(), field); }
 
     bool paste(const QString &field, const QString &text)
     {
@@ -67,24 +55,6 @@ protected:
     /// A name as assistive technology gets it, with the role of something to be announced.
     bool announces(const QString &text) { return stage->find(text, QAccessible::AlertMessage).has_value(); }
 
-    /// Time for what must not happen.
-    static void settle(std::chrono::milliseconds time = std::chrono::milliseconds(200))
-    {
-        spinUntil([] { return false; }, time);
-    }
-
-    static APIClient::Options optionsFor(const FakeServer &server)
-    {
-        APIClient::Options result;
-        result.baseURL = server.url(QStringLiteral("/api"));
-        return result;
-    }
-
-    FakeServer server;
-    MemoryTokenStore tokens;
-    SessionEvents events;
-    APIClient api{optionsFor(server), tokens, events};
-    AuthStore auth{api, tokens};
     ManualTiming timing;
     QmlStage stage{QStringLiteral("Clockwell/Account/AccountStack.qml"),
                    {{QStringLiteral("auth"), QVariant::fromValue(&auth)},
@@ -95,8 +65,8 @@ protected:
 class ChangeLog
 {
 public:
-    template <class Model>
-    void follow(Model &model, void (Model::*changed)(), const char *property)
+    template <class Model, class Declaring>
+    void follow(Model &model, void (Declaring::*changed)(), const char *property)
     {
         QObject::connect(&model, changed, &m_context, [this, &model, property] {
             m_entries.append(QString::fromLatin1(property) + QLatin1Char(' ') +

@@ -1,14 +1,7 @@
 #pragma once
 
-#include "account/AuthStore.h"
-#include "net/APIClient.h"
-#include "net/SessionEvents.h"
-#include "support/Await.h"
-#include "support/FakeServer.h"
-#include "support/MemoryTokenStore.h"
+#include "AccountParts.h"
 #include "support/screen/QmlStage.h"
-
-#include <gtest/gtest.h>
 
 #include <memory>
 
@@ -21,7 +14,7 @@ inline QByteArray userJson(const QByteArray &name, const QByteArray &more = R"("
 }
 
 /// The profile of somebody who has signed in, against a scripted server.
-class ProfileScreen : public ::testing::Test
+class ProfileScreen : public AccountParts
 {
 protected:
     void signIn(const QByteArray &user)
@@ -56,29 +49,8 @@ protected:
     {
         return spinUntil([&] { return server.count(path) >= times; });
     }
-    QString valueOf(const QString &field)
-    {
-        const auto element = screen().find(field, QAccessible::EditableText);
-        return element ? element->object->property("text").toString() : QStringLiteral("(no such field)");
-    }
-    /// Time for what must not happen.
-    static void settle(std::chrono::milliseconds time = std::chrono::milliseconds(200))
-    {
-        spinUntil([] { return false; }, time);
-    }
+    QString valueOf(const QString &field) { return AccountParts::valueOf(screen(), field); }
 
-    static APIClient::Options optionsFor(const FakeServer &server)
-    {
-        APIClient::Options result;
-        result.baseURL = server.url(QStringLiteral("/api"));
-        return result;
-    }
-
-    FakeServer server;
-    MemoryTokenStore tokens;
-    SessionEvents events;
-    APIClient api{optionsFor(server), tokens, events};
-    AuthStore auth{api, tokens};
     std::unique_ptr<QmlStage> stage;
 };
 

@@ -203,7 +203,7 @@ TEST_F(HomeViewModelTest, WithoutServicesItIsHarmless)
 {
     HomeViewModel empty;
     empty.setShown(true);
-    empty.refreshToday();
+    empty.refresh();
     empty.refreshLocation();
     empty.punch();
     EXPECT_EQ(empty.punchTitle(), u"Check In"_s);

@@ -205,6 +205,14 @@ protected:
         ASSERT_TRUE(screen->waitFor(expected));
         ASSERT_TRUE(screen->waitUntilStill());
     }
+    void changePassword()
+    {
+        open(u"Change password"_s, u"Update password"_s);
+        ASSERT_TRUE(screen->type(u"Current password"_s, u"old"_s));
+        screen->key(Qt::Key_Return);
+        screen->typeText(u"new"_s);
+        screen->key(Qt::Key_Return);
+    }
     void expire() { app->sessionEvents().setExpiredAt(QDateTime::currentDateTimeUtc()); }
 
     /// The sign-in works at once, and nothing of what was open is left when all is still.
@@ -297,11 +305,7 @@ TEST_F(OpenDialogTest, AnExpiryTakesTheAlertAndTheSheetAway)
 {
     server.expect("POST", "/api/auth/change-password").reply(200, "{}");
     openProfile();
-    open(u"Change password"_s, u"Update password"_s);
-    ASSERT_TRUE(screen->type(u"Current password"_s, u"old"_s));
-    screen->key(Qt::Key_Return);
-    screen->typeText(u"new"_s);
-    screen->key(Qt::Key_Return);
+    changePassword();
     ASSERT_TRUE(screen->waitFor(u"Password changed"_s));
     expire();
     expectSignInOnly();
@@ -312,11 +316,7 @@ TEST_F(OpenDialogTest, ARefusedRefreshDuringTheChangeTakesTheSheetAway)
     server.expect("POST", "/api/auth/change-password").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").reply(401, "{}");
     openProfile();
-    open(u"Change password"_s, u"Update password"_s);
-    ASSERT_TRUE(screen->type(u"Current password"_s, u"old"_s));
-    screen->key(Qt::Key_Return);
-    screen->typeText(u"new"_s);
-    screen->key(Qt::Key_Return);
+    changePassword();
     ASSERT_TRUE(screen->waitFor(u"Sign in to mark attendance"_s));
     expectSignInOnly();
 }

@@ -453,5 +453,20 @@ TEST(ModalOnStackTest, ShownFromTheBeginningItOpensOnceItIsThere)
     EXPECT_TRUE(stage.screen().waitFor(u"OK"_s));
 }
 
+TEST(ModalOnStackTest, ShownBeforeItHasAWindowItOpensInTheOneItGets)
+{
+    ComponentStage stage(R"(Item {
+        width: 350; height: 300
+        property Item unseen: Item { Alert { objectName: "late"; title: "Now"; button: "OK" } }
+    })");
+    auto *unseen = stage.item()->property("unseen").value<QQuickItem *>();
+    unseen->setParentItem(nullptr);
+    unseen->findChild<Modal *>(u"late"_s)->setShown(true);
+    QTest::qWait(50);
+    EXPECT_FALSE(stage.screen().shows(u"OK"_s));
+    unseen->setParentItem(stage.item());
+    EXPECT_TRUE(stage.screen().waitFor(u"OK"_s));
+}
+
 } // namespace
 } // namespace clockwell::test
