@@ -9,7 +9,8 @@
 namespace clockwell::server {
 
 /// A refusal that is told to the client: {"statusCode", "error", "message"}. `error` is for programs,
-/// `message` for the person in front of the app; several messages when several rules are broken.
+/// `message` for the person in front of the app; failures of validation have one message for each broken
+/// rule.
 class ApiError : public std::exception
 {
 public:

@@ -48,7 +48,7 @@ std::vector<Route> AuthEndpoints::routes()
 Response AuthEndpoints::login(const Request &request)
 {
     BodyReader body{request};
-    const std::string email = body.text("email", LongestEmail);
+    const std::string email = body.account("email");
     const std::string password = body.text("password", Passwords::LongestPassword);
     const std::string deviceId = body.text("deviceId", LongestDeviceId);
     body.finish();

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace clockwell::server {
 
@@ -29,6 +30,25 @@ bool isControl(char c)
     return byte < 0x20 || byte == 0x7f;
 }
 
+std::size_t characterCount(std::string_view utf8)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+/// What people type has a name for people; the rest has the one that a programmer looks for.
+std::string labelOf(std::string_view key)
+{
+    static constexpr std::pair<std::string_view, std::string_view> labels[] = {
+        {"fullName", "The full name"},       {"email", "The e-mail address"},
+        {"phone", "The phone number"},       {"instituteCode", "The company code"},
+        {"password", "The password"},        {"currentPassword", "The current password"},
+        {"newPassword", "The new password"}, {"code", "The code"},
+    };
+    const auto *label = std::ranges::find(labels, key, &std::pair<std::string_view, std::string_view>::first);
+    return std::string{label == std::end(labels) ? key : label->second};
+}
+
 } // namespace
 
 BodyReader::BodyReader(const Request &request)
@@ -43,58 +63,76 @@ BodyReader::BodyReader(const Request &request)
         throw ApiError{400, "BAD_JSON", "The request body must be a JSON object."};
 }
 
+void BodyReader::complain(std::string_view key, std::string_view rule)
+{
+    m_problems.push_back(labelOf(key) + ' ' + std::string{rule});
+}
+
 const nlohmann::json *BodyReader::find(const char *key)
 {
     const auto field = m_body.find(key);
     if (field != m_body.end() && !field->is_null())
         return &*field;
-    m_problems.push_back(std::string{key} + " is missing.");
+    complain(key, "is missing.");
     return nullptr;
+}
+
+const std::string *BodyReader::findText(const char *key)
+{
+    const auto *field = find(key);
+    if (field == nullptr)
+        return nullptr;
+    const auto *value = field->get_ptr<const std::string *>();
+    if (value == nullptr)
+        complain(key, "must be a text.");
+    return value;
+}
+
+std::string BodyReader::checked(const char *key, std::string text, std::size_t longest)
+{
+    if (text.empty())
+        complain(key, "must not be empty.");
+    else if (characterCount(text) > longest)
+        complain(key, "must not be longer than " + std::to_string(longest) + " characters.");
+    else if (std::ranges::any_of(text, isControl))
+        complain(key, "must not contain control characters.");
+    else
+        return text;
+    return {};
 }
 
 std::string BodyReader::text(const char *key, std::size_t longest)
 {
-    const auto *field = find(key);
-    if (field == nullptr)
-        return {};
-    const auto *value = field->get_ptr<const std::string *>();
-    if (value == nullptr)
-        m_problems.push_back(std::string{key} + " must be a text.");
-    else if (value->empty())
-        m_problems.push_back(std::string{key} + " must not be empty.");
-    else if (value->size() > longest)
-        m_problems.push_back(std::string{key} + " must not be longer than " + std::to_string(longest) +
-                             " characters.");
-    else if (std::ranges::any_of(*value, isControl))
-        m_problems.push_back(std::string{key} + " must not contain control characters.");
-    else
-        return *value;
-    return {};
+    const std::string *value = findText(key);
+    return value == nullptr ? std::string{} : checked(key, *value, longest);
+}
+
+std::string BodyReader::name(const char *key, std::size_t longest)
+{
+    const std::string *value = findText(key);
+    return value == nullptr ? std::string{} : checked(key, trimmed(*value), longest);
 }
 
 std::optional<std::string> BodyReader::optionalText(const char *key, std::size_t longest)
 {
     const auto field = m_body.find(key);
-    if (field == m_body.end() || field->is_null() ||
-        (field->is_string() && field->get<std::string>().empty()))
+    if (field == m_body.end() || field->is_null())
         return {};
-    std::string value = trimmed(text(key, longest));
-    return value.empty() ? std::nullopt : std::optional{std::move(value)};
+    const auto *value = field->get_ptr<const std::string *>();
+    if (value != nullptr && trimmed(*value).empty())
+        return {};
+    return name(key, longest);
 }
 
-std::string BodyReader::name(const char *key, std::size_t longest)
+std::string BodyReader::account(const char *key)
 {
-    const auto before = m_problems.size();
-    std::string value = trimmed(text(key, longest));
-    if (m_problems.size() == before && value.empty())
-        m_problems.push_back(std::string{key} + " must not be empty.");
-    return value;
+    return name(key, LongestEmail);
 }
 
 std::string BodyReader::emailAddress(const char *key)
 {
     const auto before = m_problems.size();
-    std::string address = trimmed(text(key, LongestEmail));
+    std::string address = account(key);
     if (m_problems.size() == before && !isEmailAddress(address))
         m_problems.emplace_back("Please enter an e-mail address like name@example.org.");
     return address;
@@ -130,7 +168,7 @@ bool BodyReader::boolean(const char *key)
     if (field == nullptr)
         return false;
     if (!field->is_boolean())
-        m_problems.push_back(std::string{key} + " must be true or false.");
+        complain(key, "must be true or false.");
     return field->is_boolean() && field->get<bool>();
 }
 

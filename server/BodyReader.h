@@ -8,6 +8,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace clockwell::server {
@@ -20,13 +21,15 @@ public:
     /// Throws ApiError 415 for a body that says it is not JSON, and 400 for one that is not a JSON object.
     explicit BodyReader(const Request &request);
 
-    /// A text of 1 to `longest` bytes without control characters.
+    /// A text of 1 to `longest` characters (code points) without control characters.
     std::string text(const char *key, std::size_t longest);
     /// Nothing when the field is absent, null or blank; without the blanks around it otherwise.
     std::optional<std::string> optionalText(const char *key, std::size_t longest);
     /// A text like that which is not blank, without the blanks around it.
     std::string name(const char *key, std::size_t longest);
-    /// A text of at most 254 bytes in the form of an e-mail address, without the blanks around it.
+    /// What somebody typed as the address of their account, in whatever form, without the blanks around it.
+    std::string account(const char *key);
+    /// A text in the form of an e-mail address, without the blanks around it.
     std::string emailAddress(const char *key);
     /// A text that may become an account's password.
     std::string newPassword(const char *key);
@@ -41,6 +44,10 @@ public:
 
 private:
     const nlohmann::json *find(const char *key);
+    /// Null when there is no text of this key.
+    const std::string *findText(const char *key);
+    std::string checked(const char *key, std::string text, std::size_t longest);
+    void complain(std::string_view key, std::string_view rule);
 
     nlohmann::json m_body;
     std::vector<std::string> m_problems;

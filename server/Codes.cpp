@@ -126,8 +126,7 @@ Codes::Match Codes::judge(const std::string &emailKey, std::string_view code)
             std::max(std::chrono::ceil<std::chrono::seconds>(fromMillis(stored->expiresAt) - m_clock()),
                      std::chrono::seconds{1});
         throw ApiError{429, "TOO_MANY_ATTEMPTS",
-                       "Too many wrong codes. Please try again in " + waitText(wait) +
-                           " or ask for a new code."}
+                       "Too many wrong codes. This code no longer works; you can ask for a new one at once."}
             .retryAfter(wait);
     }
     if (stored)

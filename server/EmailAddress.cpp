@@ -1,5 +1,8 @@
 #include "server/EmailAddress.h"
 
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
 #include <algorithm>
 
 namespace clockwell::server {
@@ -32,6 +35,11 @@ bool isLabel(std::string_view text)
            std::ranges::all_of(text, [](char c) { return isLetterOrDigit(c) || c == '-'; });
 }
 
+bool isBlank(UChar32 c)
+{
+    return c == '\t' || u_charType(c) == U_SPACE_SEPARATOR;
+}
+
 template <class Rule>
 bool allBetweenDots(std::string_view text, Rule rule)
 {
@@ -57,11 +65,15 @@ bool isEmailAddress(std::string_view text)
 
 std::string trimmed(std::string_view text)
 {
-    constexpr std::string_view Blanks = " \t";
-    const auto first = text.find_first_not_of(Blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return std::string{text.substr(first, text.find_last_not_of(Blanks) - first + 1)};
+    const auto all = icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+    std::int32_t begin = 0;
+    std::int32_t end = all.length();
+    while (begin < end && isBlank(all.charAt(begin))) // they are all in the basic plane
+        ++begin;
+    while (end > begin && isBlank(all.charAt(end - 1)))
+        --end;
+    std::string result;
+    return all.tempSubStringBetween(begin, end).toUTF8String(result);
 }
 
 } // namespace clockwell::server

@@ -12,7 +12,8 @@ inline constexpr std::size_t LongestEmail = 254; // RFC 5321 as read by erratum 
 /// in ASCII. Nothing of that form can break out of a header or an SMTP command.
 bool isEmailAddress(std::string_view text);
 
-/// Without the blanks and tabs around it.
+/// Without the tabs and the spaces of any kind (Unicode's category Zs) around it: keyboards and clipboards
+/// leave them behind unseen.
 std::string trimmed(std::string_view text);
 
 } // namespace clockwell::server

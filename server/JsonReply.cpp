@@ -22,7 +22,7 @@ Response jsonReply(const Json &body, int status)
 Response errorReply(const ApiError &error)
 {
     Json body{{"statusCode", error.status()}, {"error", error.error()}};
-    if (error.messages().size() == 1)
+    if (error.messages().size() == 1 && error.error() != "VALIDATION_FAILED")
         body["message"] = error.messages().front();
     else
         body["message"] = error.messages();

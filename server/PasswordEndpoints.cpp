@@ -56,7 +56,7 @@ Response PasswordEndpoints::forgot(const Request &request)
 Response PasswordEndpoints::reset(const Request &request)
 {
     BodyReader body{request};
-    const std::string key = emailKey(body.text("email", LongestEmail));
+    const std::string key = emailKey(body.account("email"));
     const std::string code = body.text("code", LongestCode);
     const std::string password = body.newPassword("newPassword");
     body.finish();

@@ -14,7 +14,7 @@ namespace clockwell::server {
 
 namespace {
 
-// Bytes.
+// Characters.
 constexpr std::size_t LongestName = 200;
 constexpr std::size_t LongestPhone = 64;
 constexpr std::size_t LongestDeviceText = 128;
@@ -24,6 +24,13 @@ constexpr std::size_t LongestCode = 64;
 Day utcDayOf(Instant instant)
 {
     return Day{std::chrono::floor<std::chrono::days>(instant).time_since_epoch()};
+}
+
+std::string nextStep(const std::string &status)
+{
+    if (status == "APPROVED")
+        return " You can now sign in.";
+    return status == "PENDING" ? " An administrator now has to approve your account." : "";
 }
 
 } // namespace
@@ -105,10 +112,12 @@ bool SignupEndpoints::record(Connection &connection, const Applicant &applicant,
             passwordHash, toText(utcDayOf(now)), toMillis(now));
         return true;
     }
-    // What an administrator decided stays: the status, the office, and with it the company.
+    // What an administrator decided stays: the office, and with it the company, and what was refused. But who
+    // was approved may be somebody else.
     const auto institute = known->officeId ? known->instituteId : applicant.instituteId;
     connection.execute("UPDATE employees SET institute_id = :institute, full_name = :name, email = :email,"
-                       " phone = :phone, password_hash = :hash WHERE id = :id",
+                       " phone = :phone, password_hash = :hash,"
+                       " status = CASE status WHEN 'APPROVED' THEN 'PENDING' ELSE status END WHERE id = :id",
                        institute, applicant.fullName, applicant.email, applicant.phone, passwordHash,
                        known->id);
     return true;
@@ -117,7 +126,7 @@ bool SignupEndpoints::record(Connection &connection, const Applicant &applicant,
 Response SignupEndpoints::verify(const Request &request)
 {
     BodyReader body{request};
-    const std::string key = emailKey(body.text("email", LongestEmail));
+    const std::string key = emailKey(body.account("email"));
     const std::string code = body.text("code", LongestCode);
     body.finish();
     // A code for a new password proves the address as well: whoever got one and then came here need not start
@@ -133,10 +142,9 @@ Response SignupEndpoints::verify(const Request &request)
     });
     m_codes.forgetWrongCodes(key);
     spdlog::info("event=emailVerified employee={} request={}", employee.id, request.requestId);
-    return jsonReply(
-        {{"message", "Your e-mail address is verified. An administrator now has to approve your account."},
-         {"emailVerified", true},
-         {"status", employee.status}});
+    return jsonReply({{"message", "Your e-mail address is verified." + nextStep(employee.status)},
+                      {"emailVerified", true},
+                      {"status", employee.status}});
 }
 
 Response SignupEndpoints::resend(const Request &request)

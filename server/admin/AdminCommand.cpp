@@ -32,6 +32,16 @@ int guarded(const std::function<void()> &command)
     }
 }
 
+/// The options of `admin` may stand behind every command, which CLI11 does not list there.
+void nameCommonOptions(CLI::App &group)
+{
+    for (CLI::App *command : group.get_subcommands({})) {
+        command->footer("Also: --database FILE (or CLOCKWELL_DATABASE) and --json, as for admin itself\n" +
+                        command->get_footer());
+        nameCommonOptions(*command);
+    }
+}
+
 } // namespace
 
 void addAdmin(CLI::App &app, std::function<int()> &run)
@@ -58,6 +68,7 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
     addReportCommand(*admin, options, choose);
     addBackupCommand(*admin, options, choose);
     addRestoreCommand(*admin, options, choose);
+    nameCommonOptions(*admin);
 }
 
 } // namespace clockwell::server

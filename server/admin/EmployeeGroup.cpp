@@ -99,7 +99,7 @@ void addQueries(CLI::App &group, const SharedEmployeeOptions &options, const Cho
     all->add_option("--status", options->status, "Only these")
         ->transform(
             CLI::IsMember({"pending", "approved", "rejected", "suspended", "unverified"}, CLI::ignore_case));
-    all->add_option("--office", options->office, "Only those of the office with this name");
+    all->add_option("--office", options->office, "Only those of the office with this name or identifier");
     all->callback([=] { choose([=] { list(*options); }); });
     CLI::App *one = addCommand(group, "show", "Show one employee", " kim@example.org");
     addEmail(*one, options);
@@ -112,7 +112,8 @@ void addApprove(CLI::App &group, const SharedEmployeeOptions &options, const Cho
         group, "approve", "Let an employee sign in, for the first time or again", " --office \"Head Office\"",
         options, choose,
         [](EmployeeChanges &changes, const EmployeeOptions &o) { return changes.approve(o.wishes); });
-    approve->add_option("--office", options->wishes.office, "The employee's office [the one there is]");
+    approve->add_option("--office", options->wishes.office,
+                        "The name or identifier of the employee's office [the one there is]");
     approve->add_option("--role", options->wishes.role, "The employee's role, e.g. MANAGER")
         ->check(roleProblem);
     approve->add_flag("--even-unverified", options->wishes.evenUnverified,
@@ -132,7 +133,7 @@ void addOtherChanges(CLI::App &group, const SharedEmployeeOptions &options, cons
                   choose, [](EmployeeChanges &changes, const EmployeeOptions &o) {
                       return changes.assignOffice(o.wishes.email, o.office);
                   });
-    assign->add_option("OFFICE", options->office, "The office's name")->required();
+    assign->add_option("OFFICE", options->office, "The office's name or identifier")->required();
 }
 
 } // namespace

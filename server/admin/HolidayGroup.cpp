@@ -79,7 +79,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
                     const ChooseCommand &choose, const HolidayAction &what)
 {
     CLI::App *command = addCommand(group, name, help, " \"Head Office\" 2027-01-01" + example);
-    command->add_option("OFFICE", options->office, "The office's name")->required();
+    command->add_option("OFFICE", options->office, "The office's name or identifier")->required();
     addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, DayRule)
         ->required()
         ->type_name("DAY");
@@ -90,7 +90,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
 void addList(CLI::App &group, const SharedHolidayOptions &options, const ChooseCommand &choose)
 {
     CLI::App *all = addCommand(group, "list", "List holidays", " --year 2027");
-    all->add_option("--office", options->office, "Only those of the office with this name");
+    all->add_option("--office", options->office, "Only those of the office with this name or identifier");
     addField(
         *all, "--year", "Only those of this year", options->year,
         [](const std::string &text) { return parseWhole(text, 1, 9999); }, "it has to be a year like 2027")

@@ -113,7 +113,7 @@ void addEdit(CLI::App &group, const SharedOfficeOptions &options, const ChooseCo
 {
     CLI::App *one = addCommand(group, "edit", "Change an office; what is not given stays as it is",
                                " Harbour --radius 200 --working-days Mon-Sat");
-    one->add_option("OFFICE", options->office, "The office's name so far")->required();
+    one->add_option("OFFICE", options->office, "The office's name so far, or its identifier")->required();
     addOfficeName(*one, "--name", "Its new name", options->wishes);
     addOfficeFields(*one, options->wishes, false);
     one->callback([=] {
@@ -133,7 +133,7 @@ void addOfficeGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &option
     own->common = options;
     addCommand(*group, "list", "List offices", "")->callback([=] { choose([=] { list(*own); }); });
     CLI::App *one = addCommand(*group, "show", "Show one office", " \"Head Office\"");
-    one->add_option("OFFICE", own->office, "The office's name")->required();
+    one->add_option("OFFICE", own->office, "The office's name or identifier")->required();
     one->callback([=] { choose([=] { show(*own); }); });
     addAdd(*group, own, choose);
     addEdit(*group, own, choose);

@@ -94,7 +94,8 @@ void addReportCommand(CLI::App &admin, const std::shared_ptr<AdminOptions> &opti
     const auto own = std::make_shared<ReportOptions>();
     own->common = options;
     command->add_option("MONTH", own->month, "The month, e.g. 2026-05")->required()->check(monthProblem);
-    command->add_option("--office", own->wishes.office, "Only the employees of the office with this name");
+    command->add_option("--office", own->wishes.office,
+                        "Only the employees of the office with this name or identifier");
     command->add_flag("--days", own->wishes.days, "A row for each employee and day, not for each employee");
     CLI::Option *output = command->add_option("--output", own->output, "Write to this file")
                               ->type_name("FILE")

@@ -4,6 +4,7 @@
 #include "server/mail/OutboxDelivery.h"
 #include "server/mail/SmtpDelivery.h"
 
+#include <sodium.h>
 #include <spdlog/spdlog.h>
 
 #include <cstdlib>
@@ -16,12 +17,13 @@ namespace {
 constexpr const char *PasswordVariable = "CLOCKWELL_SMTP_PASSWORD";
 
 /// The first line of the file, or the variable, which is taken out of the environment: nothing that this
-/// process starts inherits it.
+/// process starts inherits it, and the system does not show it with the process.
 std::string readPassword(const MailSettings &settings)
 {
     std::string password;
-    if (const char *value = std::getenv(PasswordVariable)) {
+    if (char *value = std::getenv(PasswordVariable)) {
         password = value;
+        ::sodium_memzero(value, password.size()); // unsetenv() only forgets where it is
         ::unsetenv(PasswordVariable);
     }
     if (settings.smtpPasswordFile.empty())

@@ -97,6 +97,8 @@ int main(int argc, char **argv)
         QTextStream(stderr) << error << Qt::endl;
         return 1;
     }
+    QTextStream(stdout) << "E-mail, with the codes for sign-up and password reset: " << server.outbox()
+                        << Qt::endl;
     const auto &demo = server.demo();
     qputenv("CLOCKWELL_SIMULATED_LOCATION", (demo.coordinates + u",8"_s).toUtf8());
     ClockwellApp::Parts parts = ClockwellApp::platformParts();

@@ -267,6 +267,8 @@ TEST_F(AdminEmployeesTest, OptionsMayStandBehindTheCommandAndHelpIsEverywhere)
         const ProcessResult help = runServer(words);
         EXPECT_EQ(help.exitCode, 0);
         EXPECT_TRUE(contains(help.output, "Example: clockwell-server admin")) << help.output;
+        EXPECT_TRUE(contains(help.output, "--database FILE")) << help.output;
+        EXPECT_TRUE(contains(help.output, "--json")) << help.output;
     }
     EXPECT_EQ(runServer({"admin"}).exitCode, 2);
     EXPECT_EQ(employees({"promote"}).exitCode, 2);

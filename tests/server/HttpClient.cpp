@@ -101,4 +101,12 @@ Reply send(std::uint16_t port, const std::string &method, const std::string &tar
     return socket.write(text + "\r\n" + body) ? parseReply(socket.readToEnd()) : Reply{};
 }
 
+std::string Reply::message() const
+{
+    const auto message = json().value("message", nlohmann::json{});
+    if (message.is_string())
+        return message.get<std::string>();
+    return message.is_array() && message.size() == 1 ? message.front().get<std::string>() : "";
+}
+
 } // namespace clockwell::server::test

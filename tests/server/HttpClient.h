@@ -17,7 +17,8 @@ struct Reply
 
     nlohmann::json json() const { return nlohmann::json::parse(body); }
     std::string error() const { return json().value("error", ""); }
-    std::string message() const { return json().value("message", ""); }
+    /// The text of the only message; empty when there are several.
+    std::string message() const;
 };
 
 /// One request on a connection of its own to 127.0.0.1, with a limit of ten seconds.

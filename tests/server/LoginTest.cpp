@@ -103,16 +103,16 @@ TEST_F(LoginTest, EveryBrokenRuleHasItsMessage)
     const Reply reply = world.post("/api/auth/login", R"({"email":5,"password":"","deviceId":null})");
     EXPECT_EQ(reply.status, 400);
     EXPECT_EQ(reply.error(), "VALIDATION_FAILED");
-    EXPECT_EQ(
-        reply.json().at("message"),
-        nlohmann::json({"email must be a text.", "password must not be empty.", "deviceId is missing."}));
+    EXPECT_EQ(reply.json().at("message"),
+              nlohmann::json({"The e-mail address must be a text.", "The password must not be empty.",
+                              "deviceId is missing."}));
 }
 
-TEST_F(LoginTest, OneBrokenRuleIsAPlainText)
+TEST_F(LoginTest, OneBrokenRuleIsAnArrayOfOne)
 {
     const Reply reply = world.post("/api/auth/login", R"({"email":"kim@example.org","password":"x"})");
     EXPECT_EQ(reply.status, 400);
-    EXPECT_EQ(reply.message(), "deviceId is missing.");
+    EXPECT_EQ(reply.json().at("message"), nlohmann::json::array({"deviceId is missing."}));
 }
 
 TEST_F(LoginTest, OverlongAndControlTextsAreRefused)
@@ -121,8 +121,9 @@ TEST_F(LoginTest, OverlongAndControlTextsAreRefused)
         {"email", "kim@example.org"}, {"password", std::string(1025, 'x')}, {"deviceId", "a\nb"}};
     const Reply reply = world.post("/api/auth/login", body.dump());
     EXPECT_EQ(reply.status, 400);
-    EXPECT_EQ(reply.json().at("message"), nlohmann::json({"password must not be longer than 1024 characters.",
-                                                          "deviceId must not contain control characters."}));
+    EXPECT_EQ(reply.json().at("message"),
+              nlohmann::json({"The password must not be longer than 1024 characters.",
+                              "deviceId must not contain control characters."}));
 }
 
 TEST_F(LoginTest, InjectedSqlIsJustAWrongAddress)

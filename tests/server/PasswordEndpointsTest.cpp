@@ -146,10 +146,10 @@ TEST_F(PasswordEndpointsTest, ChangeNeedsASessionAndBothPasswords)
     EXPECT_EQ(change("Correct-Horse-7", "New-Horse-8", "nonsense").status, 401);
     const Reply reply = call("change-password", {{"newPassword", "x"}}, world.token());
     EXPECT_EQ(reply.status, 400);
-    EXPECT_EQ(reply.json().at("message"),
-              nlohmann::json({"currentPassword is missing.", "The password must have at least 8 characters.",
-                              "The password must contain an upper-case letter.",
-                              "The password must contain a number."}));
+    EXPECT_EQ(reply.json().at("message"), nlohmann::json({"The current password is missing.",
+                                                          "The password must have at least 8 characters.",
+                                                          "The password must contain an upper-case letter.",
+                                                          "The password must contain a number."}));
 }
 
 TEST_F(PasswordEndpointsTest, SamePasswordTypedOnAnotherKeyboardSignsIn)

@@ -105,6 +105,20 @@ TEST_F(SecretsProcessTest, CodeComesFromTheMailServerAndVerifiesTheAddress)
     EXPECT_FALSE(std::filesystem::exists(database + ".outbox")); // it goes one way only
 }
 
+TEST_F(SecretsProcessTest, MailPasswordOfTheEnvironmentIsUsedAndTakenOutOfIt)
+{
+    ASSERT_EQ(::setenv("CLOCKWELL_SMTP_PASSWORD", MailPassword, 1), 0);
+    const ServerProcess server{database,
+                               {"--smtp-url", mail.url(), "--smtp-user", "clock", "--smtp-ca",
+                                certificate.certificateFile(), "--mail-from", "clockwell@example.com"}};
+    ::unsetenv("CLOCKWELL_SMTP_PASSWORD");
+    ASSERT_EQ(signUp(server).status, 201);
+    EXPECT_EQ(newestCode(mail, 1).size(), 6U) << server.log();
+    const std::string environment = inProcess(server, "environ");
+    ASSERT_NE(environment.find("CLOCKWELL_SMTP_PASSWORD="), std::string::npos); // its name is no secret
+    EXPECT_EQ(environment.find(MailPassword), std::string::npos);
+}
+
 TEST_F(SecretsProcessTest, MessageOfTheLastMomentIsDeliveredBeforeTheEnd)
 {
     ServerProcess server{database, mailOptions()};
