@@ -117,7 +117,7 @@ void Modal::dismiss()
 
 void Modal::open()
 {
-    if (m_open || !window())
+    if (m_open || !window() || isLeaving()) // what it has to say would be gone before it can be read
         return;
     m_open = true;
     if (!m_home)
@@ -183,20 +183,41 @@ bool Modal::hasFocusInside() const
     return focused && (focused == this || isAncestorOf(focused));
 }
 
+template <class Visit>
+void Modal::goOutwards(Visit visit) const
+{
+    const QQuickItem *child = nullptr;
+    const QQuickItem *around = m_home ? m_home.data() : parentItem();
+    while (around && visit(around, child)) {
+        const auto *modal = qobject_cast<const Modal *>(around);
+        child = modal ? nullptr : around;
+        around = modal && modal->m_home ? modal->m_home.data() : around->parentItem();
+    }
+}
+
 /// No screen on the way to it is covered by another, or just being replaced.
 bool Modal::isInFront() const
 {
-    const QQuickItem *child = this;
-    const QQuickItem *parent = m_home.data();
-    while (parent) {
-        const auto *stack = qobject_cast<const ScreenStack *>(parent);
-        const auto *modal = qobject_cast<const Modal *>(parent);
-        if (stack && child != this && stack->currentItem() != child)
-            return false;
-        child = modal ? this : parent;
-        parent = modal ? modal->m_home.data() : parent->parentItem();
-    }
-    return true;
+    bool inFront = true;
+    goOutwards([&](const QQuickItem *around, const QQuickItem *child) {
+        const auto *stack = qobject_cast<const ScreenStack *>(around);
+        inFront = !stack || !child || stack->currentItem() == child;
+        return inFront;
+    });
+    return inFront;
+}
+
+/// Its screen, or a modal that it is part of, is on its way out.
+bool Modal::isLeaving() const
+{
+    bool leaving = false;
+    goOutwards([&](const QQuickItem *around, const QQuickItem *child) {
+        const auto *stack = qobject_cast<const ScreenStack *>(around);
+        const auto *modal = qobject_cast<const Modal *>(around);
+        leaving = (stack && child && !stack->holds(child)) || (modal && !modal->m_shown);
+        return !leaving;
+    });
+    return leaving;
 }
 
 Modal *Modal::topmostOf(const QQuickWindow *window)

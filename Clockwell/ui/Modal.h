@@ -11,7 +11,8 @@ namespace clockwell {
 /// What alerts, dialogs and sheets have in common, without their looks. Declared inside the screen that it
 /// belongs to; while it is open it fills the outermost screen that contains it, tab bar and all, above
 /// whatever was opened before: its visual parent changes, so that bindings on it name ids, not `parent`. It
-/// goes away with that screen, in the middle of an animation too.
+/// goes away with that screen, in the middle of an animation too, and does not open on one that is on its way
+/// out.
 ///
 /// While it is open and the topmost one of the screen in front, what lies below gets no pointer, no key and
 /// no shortcut, and its controls and labels are not offered to assistive technology; the focus goes in,
@@ -103,6 +104,10 @@ private:
     void giveFocusBack();
     bool hasFocusInside() const;
     bool isInFront() const;
+    bool isLeaving() const;
+    /// Goes outwards from where this is declared, by way of the modals that it is part of.
+    template <class Visit>
+    void goOutwards(Visit visit) const;
     static Modal *topmostOf(const QQuickWindow *window);
     void moveFocus(bool forward);
     void arrive();

@@ -43,6 +43,8 @@ public:
     QQuickItem *currentItem() const { return m_screens.isEmpty() ? nullptr : m_screens.last(); }
     int depth() const { return static_cast<int>(m_screens.size()); }
     bool isBusy() const { return m_busy; }
+    /// Whether the item is one of the screens, shown or covered; not one that is on its way out.
+    bool holds(const QQuickItem *screen) const { return m_screens.contains(screen); }
 
     /// `properties` are set before the screen is complete, required ones among them. A file that cannot be
     /// loaded leaves the stack as it is, with a warning.

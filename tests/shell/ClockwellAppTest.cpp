@@ -6,6 +6,7 @@
 #include "support/MemoryTokenStore.h"
 #include "support/screen/ScreenDriver.h"
 
+#include <QPointer>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -213,6 +214,11 @@ protected:
         screen->typeText(u"new"_s);
         screen->key(Qt::Key_Return);
     }
+    /// Within the next second, in which whatever moves comes to rest.
+    bool everShows(const QString &text)
+    {
+        return spinUntil([&] { return screen->shows(text); }, 1s) || screen->shows(text);
+    }
     void expire() { app->sessionEvents().setExpiredAt(QDateTime::currentDateTimeUtc()); }
 
     /// The sign-in works at once, and nothing of what was open is left when all is still.
@@ -309,6 +315,40 @@ TEST_F(OpenDialogTest, AnExpiryTakesTheAlertAndTheSheetAway)
     ASSERT_TRUE(screen->waitFor(u"Password changed"_s));
     expire();
     expectSignInOnly();
+}
+
+TEST_F(OpenDialogTest, AnAnswerThatComesWhileTheSheetClosesOpensNothing)
+{
+    server.expect("POST", "/api/auth/change-password").after(120ms).reply(200, "{}");
+    openProfile();
+    const QPointer<QQuickItem> focused = app->window()->activeFocusItem();
+    changePassword();
+    EXPECT_NE(app->window()->activeFocusItem(), focused);
+    screen->key(Qt::Key_Escape);
+    EXPECT_FALSE(everShows(u"Password changed"_s));
+    EXPECT_EQ(server.count(u"/api/auth/change-password"_s), 1);
+    EXPECT_TRUE(screen->shows(u"Change password"_s));
+    EXPECT_EQ(app->window()->activeFocusItem(), focused);
+}
+
+TEST_F(OpenDialogTest, AnAnswerThatComesWhileTheScreenLeavesOpensNothing)
+{
+    server.expect("POST", "/api/auth/login").reply(403, R"({"error":"EMAIL_NOT_VERIFIED","message":"No."})");
+    server.expect("POST", "/api/auth/verify-otp").after(120ms).reply(200, "{}");
+    start();
+    ASSERT_TRUE(screen->waitFor(u"Email"_s));
+    ASSERT_TRUE(screen->type(u"Email"_s, u"ada@example.org"_s));
+    ASSERT_TRUE(screen->type(u"Password"_s, u"secret"_s));
+    ASSERT_TRUE(screen->click(u"Sign in"_s));
+    ASSERT_TRUE(screen->waitFor(u"Enter verification code"_s));
+    ASSERT_TRUE(screen->click(u"Enter verification code"_s));
+    ASSERT_TRUE(screen->waitUntilStill());
+    ASSERT_TRUE(screen->type(u"Verification code"_s, u"123456"_s));
+    screen->key(Qt::Key_Return);
+    screen->key(Qt::Key_Escape);
+    EXPECT_FALSE(everShows(u"All set"_s));
+    EXPECT_EQ(server.count(u"/api/auth/verify-otp"_s), 1);
+    EXPECT_TRUE(screen->isEnabled(u"Sign in"_s));
 }
 
 TEST_F(OpenDialogTest, ARefusedRefreshDuringTheChangeTakesTheSheetAway)
