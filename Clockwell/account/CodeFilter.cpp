@@ -2,17 +2,20 @@
 
 #include "Characters.h"
 
+#include <unicode/uchar.h>
+
 namespace clockwell {
 
 namespace {
 
-/// A character is what its first code point is; combining marks do not change that.
+/// A character is what its first code point is; combining marks do not change that. Numeric is whatever has a
+/// Numeric_Type (Unicode, section 4.6): digits of any script, and fractions or ideographs of numbers too.
 bool isNumeric(QStringView character)
 {
-    const QChar first = character.front();
-    if (first.isHighSurrogate() && character.size() > 1 && character[1].isLowSurrogate())
-        return QChar::isNumber(QChar::surrogateToUcs4(first, character[1]));
-    return first.isNumber();
+    char32_t first = character.front().unicode();
+    if (QChar::isHighSurrogate(first) && character.size() > 1 && character[1].isLowSurrogate())
+        first = QChar::surrogateToUcs4(character.front(), character[1]);
+    return u_getIntPropertyValue(static_cast<UChar32>(first), UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 
 } // namespace

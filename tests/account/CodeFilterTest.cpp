@@ -49,6 +49,8 @@ TEST(CodeFilter, KeepsWhateverIsNumeric)
 {
     const QString numeric = u"٣५Ⅷ½²㊈"_s; // Nd, Nd, Nl, No, No, No
     EXPECT_EQ(kept(numeric), numeric);
+    EXPECT_EQ(kept(u"一二三四五六"_s), u"一二三四五六"_s); // letters whose value is a number
+    EXPECT_EQ(kept(u"日本語"_s), QString());
 }
 
 TEST(CodeFilter, TakesADigitOfTwoUnitsForOneCharacter)
