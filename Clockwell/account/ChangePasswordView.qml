@@ -35,7 +35,6 @@ FocusScope {
 
         Column {
             width: parent.width
-            spacing: 6
 
             LabeledField {
                 width: parent.width
@@ -43,6 +42,7 @@ FocusScope {
                 placeholder: "Current password"
                 secure: true
                 textContentType: FieldTraits.Password
+                enterKey: Qt.EnterKeyNext
                 onTextEdited: model.current = text
                 onAccepted: newPasswordField.forceActiveFocus()
             }
@@ -54,6 +54,7 @@ FocusScope {
                 placeholder: "New password"
                 secure: true
                 textContentType: FieldTraits.NewPassword
+                enterKey: Qt.EnterKeyGo
                 onTextEdited: model.newPassword = text
                 onAccepted: model.submit()
             }

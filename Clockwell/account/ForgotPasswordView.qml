@@ -59,6 +59,7 @@ NavigationPage {
                 keyboard: FieldTraits.EmailKeyboard
                 textContentType: FieldTraits.UserName
                 text: model.email
+                enterKey: Qt.EnterKeyGo
                 onTextEdited: model.email = text
                 onAccepted: model.submit()
             }

@@ -14,6 +14,7 @@ FocusScope {
     property alias keyboard: field.keyboard
     property alias textContentType: field.textContentType
     property alias autocap: field.autocap
+    property alias enterKey: field.enterKey
 
     signal textEdited
     signal accepted

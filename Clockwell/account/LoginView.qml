@@ -41,6 +41,7 @@ FormPage {
             placeholder: "name@example.org"
             keyboard: FieldTraits.EmailKeyboard
             textContentType: FieldTraits.UserName
+            enterKey: Qt.EnterKeyNext
             onTextEdited: model.email = text
             onAccepted: passwordField.forceActiveFocus()
         }
@@ -57,6 +58,7 @@ FormPage {
             placeholder: "••••••••"
             secure: true
             textContentType: FieldTraits.Password
+            enterKey: Qt.EnterKeyGo
             onTextEdited: model.password = text
             onAccepted: model.signIn()
         }

@@ -71,6 +71,7 @@ NavigationPage {
                 keyboard: FieldTraits.NumberPad
                 textContentType: FieldTraits.OneTimeCode
                 text: model.code
+                enterKey: model.resetting ? Qt.EnterKeyNext : Qt.EnterKeyGo
                 onTextEdited: cursorPosition = model.enterCode(text, cursorPosition)
                 onAccepted: model.acceptCode()
             }
@@ -83,6 +84,7 @@ NavigationPage {
                 placeholder: "New password"
                 secure: true
                 textContentType: FieldTraits.NewPassword
+                enterKey: Qt.EnterKeyGo
                 onTextEdited: model.newPassword = text
                 onAccepted: model.submit()
             }

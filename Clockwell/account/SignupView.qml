@@ -47,6 +47,7 @@ NavigationPage {
                 placeholder: "Ada Byron"
                 textContentType: FieldTraits.Name
                 autocap: FieldTraits.Words
+                enterKey: Qt.EnterKeyNext
                 onTextEdited: model.fullName = text
                 onAccepted: emailField.forceActiveFocus()
             }
@@ -58,6 +59,7 @@ NavigationPage {
                 placeholder: "name@example.org"
                 keyboard: FieldTraits.EmailKeyboard
                 textContentType: FieldTraits.UserName
+                enterKey: Qt.EnterKeyNext
                 onTextEdited: model.email = text
                 onAccepted: phoneField.forceActiveFocus()
             }
@@ -69,6 +71,7 @@ NavigationPage {
                 placeholder: "+92 300 0000000"
                 keyboard: FieldTraits.PhonePad
                 textContentType: FieldTraits.TelephoneNumber
+                enterKey: Qt.EnterKeyNext
                 onTextEdited: model.phone = text
                 onAccepted: companyCodeField.forceActiveFocus()
             }
@@ -79,6 +82,7 @@ NavigationPage {
                 label: "Company code (optional)"
                 placeholder: "e.g. DEMO"
                 autocap: FieldTraits.AllCharacters
+                enterKey: Qt.EnterKeyNext
                 onTextEdited: model.companyCode = text
                 onAccepted: passwordField.forceActiveFocus()
             }
@@ -90,6 +94,7 @@ NavigationPage {
                 placeholder: "Create a password"
                 secure: true
                 textContentType: FieldTraits.NewPassword
+                enterKey: Qt.EnterKeyGo
                 onTextEdited: model.password = text
                 onAccepted: model.submit()
             }

@@ -13,6 +13,7 @@ FocusScope {
     property int keyboard: FieldTraits.DefaultKeyboard
     property int textContentType: FieldTraits.NoContentType
     property int autocap: FieldTraits.NoAutocap
+    property int enterKey: Qt.EnterKeyDefault
     property bool reveal: false
     property alias maximumLength: input.maximumLength
     property alias cursorPosition: input.cursorPosition
@@ -59,6 +60,7 @@ FocusScope {
         passwordCharacter: "•"
         echoMode: root.secure && !root.reveal ? TextInput.Password : TextInput.Normal
         inputMethodHints: traits.hints
+        EnterKey.type: root.enterKey
         onTextChanged: root.textEdited()
         onAccepted: root.accepted()
 

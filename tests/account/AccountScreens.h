@@ -2,6 +2,7 @@
 
 #include "AccountParts.h"
 #include "ManualTiming.h"
+#include "account/OtpPurpose.h"
 #include "support/screen/QmlStage.h"
 
 #include <QClipboard>
@@ -28,6 +29,20 @@ protected:
     bool arrivesAtSignIn()
     {
         return spinUntil([this] { return depth() == 1 && !stage.root()->property("busy").toBool(); });
+    }
+
+    /// As a screen that leads there does.
+    void openCodeScreen(const QString &email, OtpPurpose::Purpose purpose)
+    {
+        const QVariantMap properties{
+            {QStringLiteral("auth"), QVariant::fromValue(&auth)},
+            {QStringLiteral("timing"), QVariant::fromValue(static_cast<Timing *>(&timing))},
+            {QStringLiteral("email"), email},
+            {QStringLiteral("purpose"), purpose}};
+        const QUrl file(QStringLiteral("qrc:/qt/qml/Clockwell/Account/OtpView.qml"));
+        QMetaObject::invokeMethod(stage.root(), "push", Q_ARG(QUrl, file), Q_ARG(QVariantMap, properties));
+        const bool resetting = purpose == OtpPurpose::ResetPassword;
+        ASSERT_TRUE(arrivesAt(resetting ? QStringLiteral("Reset password") : QStringLiteral("Verify email")));
     }
 
     bool becomesEnabled(const QString &control)

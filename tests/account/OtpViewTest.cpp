@@ -17,21 +17,7 @@ const QByteArray sent = R"({"message":"We sent you another code."})";
 class OtpViewTest : public AccountScreens
 {
 protected:
-    void SetUp() override { open(u"ada@example.org"_s, OtpPurpose::VerifyEmail); }
-
-    /// As a screen that leads there does.
-    void open(const QString &email, OtpPurpose::Purpose purpose)
-    {
-        const QVariantMap properties{{u"auth"_s, QVariant::fromValue(&auth)},
-                                     {u"timing"_s, QVariant::fromValue(static_cast<Timing *>(&timing))},
-                                     {u"email"_s, email},
-                                     {u"purpose"_s, purpose}};
-        QMetaObject::invokeMethod(stage.root(), "push",
-                                  Q_ARG(QUrl, QUrl(u"qrc:/qt/qml/Clockwell/Account/OtpView.qml"_s)),
-                                  Q_ARG(QVariantMap, properties));
-        const bool resetting = purpose == OtpPurpose::ResetPassword;
-        ASSERT_TRUE(arrivesAt(resetting ? u"Reset password"_s : u"Verify email"_s));
-    }
+    void SetUp() override { openCodeScreen(u"ada@example.org"_s, OtpPurpose::VerifyEmail); }
 
     bool enter(const QString &code) { return stage->retype(u"Verification code"_s, code); }
     QString code() { return valueOf(u"Verification code"_s); }
@@ -181,7 +167,7 @@ TEST_F(OtpViewTest, SendsEmailAndCodeAsTheyAre)
 {
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
-    open(u" ada@example.org "_s, OtpPurpose::VerifyEmail);
+    openCodeScreen(u" ada@example.org "_s, OtpPurpose::VerifyEmail);
     server.expect("POST", "/api/auth/verify-otp")
         .withHeader("Authorization", "")
         .reply(400, R"({"message":"Wrong."})");
@@ -330,7 +316,7 @@ TEST_F(OtpViewTest, TheCountdownEndsWithTheScreen)
     ASSERT_TRUE(arrivesAtSignIn());
     EXPECT_TRUE(spinUntil([this] { return timing.subscriptions() == 0; }));
     timing.advance(2s);
-    open(u"b@example.org"_s, OtpPurpose::VerifyEmail);
+    openCodeScreen(u"b@example.org"_s, OtpPurpose::VerifyEmail);
     EXPECT_TRUE(stage->isEnabled(u"Resend code"_s)); // the lock is that screen's own
     EXPECT_EQ(timing.subscriptions(), 1);
 }
@@ -357,7 +343,7 @@ TEST_F(OtpViewTest, ALongAddressWrapsWithinANarrowScreen)
     ASSERT_TRUE(arrivesAtSignIn());
     stage.view().resize(320, 568);
     ASSERT_TRUE(spinUntil([this] { return stage.root()->width() == 320; }));
-    open(address, OtpPurpose::VerifyEmail);
+    openCodeScreen(address, OtpPurpose::VerifyEmail);
     const auto element = stage->find(address);
     ASSERT_TRUE(element);
     EXPECT_GE(element->rect.left(), 20);
@@ -369,7 +355,7 @@ TEST_F(OtpViewTest, ALongAddressWrapsWithinANarrowScreen)
 class OtpResetTest : public OtpViewTest
 {
 protected:
-    void SetUp() override { open(u"ada@example.org"_s, OtpPurpose::ResetPassword); }
+    void SetUp() override { openCodeScreen(u"ada@example.org"_s, OtpPurpose::ResetPassword); }
 };
 
 TEST_F(OtpResetTest, ShowsItsTextsInOrder)
@@ -450,7 +436,7 @@ TEST_F(OtpViewTest, OkHasTheFocusAndWhatLiesBelowIsOutOfReach)
 
 TEST_F(OtpViewTest, OkTappedTwiceLeavesOneScreenOnly)
 {
-    open(u"b@example.org"_s, OtpPurpose::VerifyEmail); // a third screen
+    openCodeScreen(u"b@example.org"_s, OtpPurpose::VerifyEmail); // a third screen
     verify();
     stage->click(u"OK"_s);
     stage->click(u"OK"_s);

@@ -1,0 +1,80 @@
+#include "AccountScreens.h"
+#include "ProfileScreen.h"
+
+#include <QInputMethodQueryEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace clockwell {
+namespace {
+
+using test::AccountScreens;
+using test::ProfileScreen;
+using test::ScreenDriver;
+
+/// What an on-screen keyboard writes on its Enter key while the field has the focus.
+Qt::EnterKeyType enterKeyOf(ScreenDriver &screen, const QString &field)
+{
+    const auto element = screen.find(field, QAccessible::EditableText);
+    if (!element) {
+        ADD_FAILURE() << "no field " << field.toStdString();
+        return Qt::EnterKeyDefault;
+    }
+    QInputMethodQueryEvent query(Qt::ImEnterKeyType);
+    QCoreApplication::sendEvent(element->object, &query);
+    return static_cast<Qt::EnterKeyType>(query.value(Qt::ImEnterKeyType).toInt());
+}
+
+class EnterKeyTest : public AccountScreens
+{};
+
+TEST_F(EnterKeyTest, LeadsThroughTheSignInAndSendsIt)
+{
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"Email"_s), Qt::EnterKeyNext);
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"Password"_s), Qt::EnterKeyGo);
+}
+
+TEST_F(EnterKeyTest, LeadsThroughTheSignUpAndSendsIt)
+{
+    ASSERT_TRUE(stage->click(u"Create an account"_s));
+    ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    for (const auto &field :
+         {u"Full name"_s, u"Email"_s, u"Phone (optional)"_s, u"Company code (optional)"_s})
+        EXPECT_EQ(enterKeyOf(stage.screen(), field), Qt::EnterKeyNext) << field.toStdString();
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"Password"_s), Qt::EnterKeyGo);
+}
+
+TEST_F(EnterKeyTest, AsksForTheResetCode)
+{
+    ASSERT_TRUE(stage->click(u"Forgot password?"_s));
+    ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"Email"_s), Qt::EnterKeyGo);
+}
+
+TEST_F(EnterKeyTest, SendsACodeThatIsAllThatIsAskedFor)
+{
+    openCodeScreen(u"ada@example.org"_s, OtpPurpose::VerifyEmail);
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"Verification code"_s), Qt::EnterKeyGo);
+}
+
+TEST_F(EnterKeyTest, LeadsFromTheCodeToTheNewPassword)
+{
+    openCodeScreen(u"ada@example.org"_s, OtpPurpose::ResetPassword);
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"Verification code"_s), Qt::EnterKeyNext);
+    EXPECT_EQ(enterKeyOf(stage.screen(), u"New password"_s), Qt::EnterKeyGo);
+}
+
+class ChangePasswordEnterKeyTest : public ProfileScreen
+{};
+
+TEST_F(ChangePasswordEnterKeyTest, LeadsToTheNewPasswordAndSendsBoth)
+{
+    server.expect("GET", "/api/auth/me").never();
+    show();
+    ASSERT_TRUE(openSheet());
+    EXPECT_EQ(enterKeyOf(screen(), u"Current password"_s), Qt::EnterKeyNext);
+    EXPECT_EQ(enterKeyOf(screen(), u"New password"_s), Qt::EnterKeyGo);
+}
+
+} // namespace
+} // namespace clockwell
