@@ -59,6 +59,7 @@ FocusScope {
                 TextLabel {
                     width: parent.width
                     text: home.dateLine
+                    horizontalAlignment: Text.AlignLeft // in every script, as the page is laid out
                     size: 14
                     color: Theme.textSecondary
                 }

@@ -42,11 +42,19 @@ Card {
         Grid {
             id: grid
 
-            // Three times side by side need some 70 points each at the normal text size.
-            readonly property bool stacked: width < 226 * Theme.textScale
-            readonly property real cell: stacked ? width : (width - 2 * columnSpacing) / 3
+            // Three times side by side need some 70 points each at the normal text size, in some scripts more.
+            readonly property real third: (width - 2 * columnSpacing) / 3
+            readonly property real widest: Math.max(entered.narrowWidth, left.narrowWidth, worked.narrowWidth)
+            readonly property bool stacked: width < 226 * Theme.textScale || widest > third
+            readonly property real cell: stacked ? width : third
 
-            readonly property real valueSize: cell < 88 * Theme.textScale ? 16 : 18
+            readonly property real narrowSize: sizeIn(third)
+            readonly property real valueSize: sizeIn(cell)
+            readonly property real line: stacked ? 0 : Math.max(entered.valueHeight, left.valueHeight, worked.valueHeight)
+
+            function sizeIn(space: real): real {
+                return space < 88 * Theme.textScale ? 16 : 18;
+            }
 
             width: parent.width
             columns: stacked ? 1 : 3
@@ -54,22 +62,31 @@ Card {
             rowSpacing: 12
 
             TimeColumn {
+                id: entered
                 width: grid.cell
                 wide: grid.stacked
+                line: grid.line
+                narrowSize: grid.narrowSize
                 valueSize: grid.valueSize
                 caption: "Check-in"
                 value: card.home.checkInText
             }
             TimeColumn {
+                id: left
                 width: grid.cell
                 wide: grid.stacked
+                line: grid.line
+                narrowSize: grid.narrowSize
                 valueSize: grid.valueSize
                 caption: "Check-out"
                 value: card.home.checkOutText
             }
             TimeColumn {
+                id: worked
                 width: grid.cell
                 wide: grid.stacked
+                line: grid.line
+                narrowSize: grid.narrowSize
                 valueSize: grid.valueSize
                 caption: "Worked"
                 value: card.home.workedText

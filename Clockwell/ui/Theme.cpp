@@ -1,6 +1,7 @@
 #include "Theme.h"
 
 #include "StatusVocabulary.h"
+#include "TabularCells.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
@@ -60,6 +61,11 @@ QColor Theme::statusColor(const QString &status) const
 QString Theme::statusLabel(const QString &status) const
 {
     return clockwell::statusLabel(status);
+}
+
+QStringList Theme::tabularCells(const QString &text) const
+{
+    return clockwell::tabularCells(text);
 }
 
 qreal Theme::digitWidth(const QFont &font) const

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QFont>
 #include <QObject>
+#include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
 class QQmlEngine;
@@ -90,6 +91,8 @@ public:
     Q_INVOKABLE QColor statusColor(const QString &status) const;
     Q_INVOKABLE QString statusLabel(const QString &status) const;
 
+    /// See tabularCells().
+    Q_INVOKABLE QStringList tabularCells(const QString &text) const;
     /// The widest of the ten digits in this font, in points: the cell that keeps changing numbers in place.
     Q_INVOKABLE qreal digitWidth(const QFont &font) const;
 

@@ -244,6 +244,68 @@ TEST_F(HomeViewTest, ScreenThatDiesMidFlightIsHarmless)
     EXPECT_EQ(services.source->locationRequests, 0);
 }
 
+/// Everything drawn below `item` that is a text.
+QList<const QQuickItem *> textsBelow(const QQuickItem *item)
+{
+    QList<const QQuickItem *> found;
+    QList<const QQuickItem *> items{item};
+    while (!items.isEmpty()) {
+        const auto *next = items.takeFirst();
+        items.append({next->childItems().cbegin(), next->childItems().cend()});
+        if (next->isVisible() && next->inherits("QQuickText") && !next->property("text").toString().isEmpty())
+            found.append(next);
+    }
+    return found;
+}
+
+class HomeViewInLocale : public HomeViewTest
+{
+protected:
+    void openIn(const QByteArray &locale, QSize size)
+    {
+        const QByteArray before = qgetenv("LC_ALL");
+        qputenv("LC_ALL", locale);
+        open(atWork, inside, size);
+        qputenv("LC_ALL", before);
+        QTest::qWait(50);
+    }
+};
+
+TEST_F(HomeViewInLocale, ADateThatRunsLeftwardsBeginsBelowTheGreeting)
+{
+    openIn("ar_EG.UTF-8", {390, 844});
+    int leftwards = 0;
+    for (const auto *text : textsBelow(stage->view().rootObject())) {
+        if (text->property("text").toString().isRightToLeft() && text->width() > text->implicitWidth()) {
+            ++leftwards;
+            EXPECT_EQ(text->property("effectiveHorizontalAlignment").toInt(), Qt::AlignLeft)
+                << text->property("text").toString().toStdString();
+        }
+    }
+    EXPECT_GT(leftwards, 0);
+}
+
+TEST_F(HomeViewInLocale, TimesOfManyLettersStayClearOfEachOther)
+{
+    for (const QSize size : {QSize(320, 568), QSize(390, 844), QSize(768, 1024)}) {
+        openIn("th_TH.UTF-8", size);
+        const auto elements = screen().elements();
+        QList<QRect> values;
+        for (const auto &element : elements) {
+            if (element.name == u"—" || element.name.contains(u"เที่ยง") || element.name.startsWith(u"Check-"))
+                values.append(element.rect);
+        }
+        ASSERT_GE(values.size(), 4) << screen().dump().toStdString();
+        for (qsizetype i = 0; i < values.size(); ++i) {
+            EXPECT_LE(values[i].right(), size.width() - 20 - 18);
+            for (qsizetype j = 0; j < i; ++j)
+                EXPECT_FALSE(values[i].intersects(values[j]))
+                    << i << ' ' << j << screen().dump().toStdString();
+        }
+        stage.reset();
+    }
+}
+
 struct Format
 {
     QSize size;

@@ -94,4 +94,20 @@ TEST(TabularLabel, GrowsWithTheTextScale)
     EXPECT_NEAR(stage.item()->width(), 2 * width, 2);
 }
 
+// Letters that join, marks that stand on others and words that run leftwards fall apart when each gets a
+// cell.
+TEST(TabularLabel, DrawsOtherScriptsAsTheyAreWritten)
+{
+    ComponentStage tabular("TabularLabel { text: \"1\" }");
+    ComponentStage plain(
+        "TextLabel { text: \"1\"; "
+        "horizontalAlignment: Text.AlignLeft; wrapMode: Text.NoWrap; elide: Text.ElideNone }");
+    for (const QString &text : {QStringLiteral("1:30 หลังเที่ยง"), QStringLiteral("١:٣٠ م"),
+                                QStringLiteral("۱:۳۰ بعدازظهر"), QStringLiteral("1:30 अपराह्न")}) {
+        tabular.item()->setProperty("text", text);
+        plain.item()->setProperty("text", text);
+        EXPECT_TRUE(tabular.shot() == plain.shot()) << text.toStdString();
+    }
+}
+
 } // namespace clockwell::test
