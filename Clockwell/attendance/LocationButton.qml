@@ -22,20 +22,21 @@ Pressable {
         opacity: root.pressed ? 0.5 : 1
 
         Item {
+            id: mark
             anchors.verticalCenter: parent.verticalCenter
-            width: 20
-            height: 20
+            width: Math.round(20 * Theme.textScale)
+            height: width
 
             Symbol {
                 anchors.centerIn: parent
                 name: "location.circle"
-                size: Math.round(20 * Theme.textScale)
+                size: mark.width
                 color: Theme.brand
                 visible: !root.busy
             }
             Spinner {
                 anchors.centerIn: parent
-                size: 16
+                size: Math.round(16 * Theme.textScale)
                 color: Theme.brand
                 still: Theme.reducedMotion
                 visible: root.busy
@@ -44,7 +45,7 @@ Pressable {
         TextLabel {
             id: label
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, root.width - 28)
+            width: Math.min(implicitWidth, root.width - mark.width - 8)
             text: root.text
             size: 14
             weight: Font.Medium

@@ -306,6 +306,36 @@ TEST_F(HomeViewInLocale, TimesOfManyLettersStayClearOfEachOther)
     }
 }
 
+TEST_F(HomeViewTest, TheSymbolOfALargeTextStandsBesideIt)
+{
+    open(beforeCheckIn, inside, {320, 568});
+    auto *theme =
+        stage->view().engine()->singletonInstance<Theme *>(qmlTypeId("Clockwell.Ui", 1, 0, "Theme"));
+    ASSERT_NE(theme, nullptr);
+    theme->setTextScale(2);
+    QTest::qWait(50);
+    const auto texts = textsBelow(stage->view().rootObject());
+    const auto label = std::find_if(texts.cbegin(), texts.cend(), [](const QQuickItem *text) {
+        return text->property("text").toString() == u"Refresh my location";
+    });
+    ASSERT_NE(label, texts.cend());
+    const QQuickItem *symbol = nullptr;
+    QList<QQuickItem *> beside = (*label)->parentItem()->childItems();
+    while (!beside.isEmpty() && !symbol) {
+        const auto *item = beside.takeFirst();
+        beside.append(item->childItems());
+        if (item->property("name").toString() == u"location.circle")
+            symbol = item;
+    }
+    ASSERT_NE(symbol, nullptr);
+    const QRectF symbolRect = symbol->mapRectToScene(symbol->boundingRect());
+    const QRectF textRect = (*label)->mapRectToScene((*label)->boundingRect());
+    constexpr int padding = 20 + 18; // of the page and of the card
+    EXPECT_LE(symbolRect.right() + 8, textRect.left());
+    EXPECT_GE(symbolRect.left(), padding);
+    EXPECT_LE(textRect.right(), 320 - padding);
+}
+
 struct Format
 {
     QSize size;
