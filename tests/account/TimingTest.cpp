@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 using namespace std::chrono_literals;
 
 namespace clockwell {
@@ -18,6 +20,26 @@ TEST(Timing, APauseLastsAtLeastItsTime)
     clock.start();
     test::await(timing.pause(80ms));
     EXPECT_GE(clock.elapsed(), 76); // a timer may be up to 5% early
+}
+
+QCoro::Task<> keepThroughAPause(Timing &timing, std::shared_ptr<int> kept)
+{
+    co_await timing.pause(1h);
+    *kept = 1;
+}
+
+// As when the window is closed while a message is being read: what waits must not stay behind.
+TEST(Timing, WhoeverStillWaitsWhenItGoesIsReleased)
+{
+    const auto kept = std::make_shared<int>(0);
+    {
+        Timing timing;
+        keepThroughAPause(timing, kept);
+        test::spinUntil([] { return false; }, 20ms);
+        EXPECT_EQ(kept.use_count(), 2);
+    }
+    EXPECT_EQ(kept.use_count(), 1);
+    EXPECT_EQ(*kept, 0) << "the pause was not over";
 }
 
 TEST(Timing, TicksUntilTheSubscriptionGoes)
