@@ -3,6 +3,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlInfo>
+#include <QQuickWindow>
 
 #include <cmath>
 #include <memory>
@@ -33,6 +34,11 @@ ScreenStack::ScreenStack(QQuickItem *parent) : QQuickItem(parent)
     m_animation.setEndValue(1.0);
     m_animation.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_animation, &QAbstractAnimation::finished, this, &ScreenStack::finish);
+}
+
+ScreenStack::~ScreenStack()
+{
+    disconnect(m_focus); // its screens give it up one after the other
 }
 
 void ScreenStack::push(const QUrl &file, const QVariantMap &properties)
@@ -124,6 +130,25 @@ void ScreenStack::focusTop()
 {
     currentItem()->forceActiveFocus();
     Q_EMIT currentItemChanged();
+}
+
+void ScreenStack::keepFocus()
+{
+    const QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr;
+    if (!m_busy || !currentItem() || !focused || focused == this || !isAncestorOf(focused))
+        return;
+    if (focused != currentItem() && !currentItem()->isAncestorOf(focused))
+        currentItem()->forceActiveFocus();
+}
+
+void ScreenStack::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    QQuickItem::itemChange(change, data);
+    if (change != ItemSceneChange)
+        return;
+    disconnect(m_focus);
+    if (data.window)
+        m_focus = connect(data.window, &QQuickWindow::activeFocusItemChanged, this, &ScreenStack::keepFocus);
 }
 
 void ScreenStack::change(int duration, Step step, std::function<void()> end)

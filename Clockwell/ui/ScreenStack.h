@@ -15,7 +15,7 @@ namespace clockwell {
 /// trailing edge and is popped by its own `back` signal, if it has one. A finger or mouse that drags it from
 /// its left edge pulls it aside; let go beyond half of the way, or with a flick, that is its `back` signal
 /// too, else it springs back. Screens are named by file, so that one costs nothing before it is shown. While
-/// screens change places, pointers are not taken. Main thread.
+/// screens change places, pointers are not taken, and the keyboard's focus stays in the topmost. Main thread.
 ///
 /// Qt's own stack would do, but it comes with all of Qt's control templates, and registering those is a tenth
 /// of the app's whole start.
@@ -39,6 +39,7 @@ public:
     static constexpr qreal flick = 600;
 
     explicit ScreenStack(QQuickItem *parent = nullptr);
+    ~ScreenStack() override;
 
     QQuickItem *currentItem() const { return m_screens.isEmpty() ? nullptr : m_screens.last(); }
     int depth() const { return static_cast<int>(m_screens.size()); }
@@ -60,6 +61,7 @@ Q_SIGNALS:
 
 protected:
     void componentComplete() override;
+    void itemChange(ItemChange change, const ItemChangeData &data) override;
     void geometryChange(const QRectF &now, const QRectF &before) override;
     bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -76,6 +78,8 @@ private:
     QQuickItem *load(const QUrl &file, const QVariantMap &properties);
     void add(QQuickItem *screen);
     void focusTop();
+    /// Takes the focus back from a screen that is still, or already, to be seen beside the topmost.
+    void keepFocus();
     /// Runs `step` from 0 to 1, then `end`; a change that still runs is brought to its end first.
     void change(int duration, Step step, std::function<void()> end);
     void finish();
@@ -97,6 +101,7 @@ private:
     QList<QQuickItem *> m_screens; // children, the topmost last
     QVariantAnimation m_animation;
     std::function<void()> m_end;
+    QMetaObject::Connection m_focus;
     DirectedDrag m_drag{DirectedDrag::Direction::Right};
     int m_duration = 0;
     bool m_swiping = false;

@@ -306,6 +306,18 @@ TEST_F(EdgeSwipeTest, ASwipeThatIsTakenAwaySpringsBack)
     EXPECT_TRUE(stays());
 }
 
+TEST_F(EdgeSwipeTest, TheKeyboardStaysInTheScreenThatIsPulled)
+{
+    press({5, 200});
+    for (int x = 20; x <= 120; x += 20)
+        move({x, 200});
+    for (int tabs = 0; tabs < 5; ++tabs) {
+        stage.screen().key(Qt::Key_Tab);
+        EXPECT_TRUE(page->hasActiveFocus()) << tabs; // it or what is in it
+    }
+    release({120, 200});
+}
+
 TEST_F(EdgeSwipeTest, EscapeInTheMiddleGoesBackOnce)
 {
     press(edge);

@@ -168,6 +168,27 @@ TEST_F(ScreenStackTest, ThePushedScreenHasTheFocus)
     EXPECT_EQ(stack->depth(), 1);
 }
 
+// Both are to be seen meanwhile, so that the Tab key would find what is in either.
+TEST_F(ScreenStackTest, TheKeyboardStaysInTheScreenOnTopWhileTheyChangePlaces)
+{
+    QQuickItem *first = stack->currentItem();
+    for (int tabs = 1; tabs <= 3; ++tabs) {
+        push(2);
+        for (int i = 0; i < tabs; ++i)
+            stage.screen().key(Qt::Key_Tab);
+        EXPECT_TRUE(stack->currentItem()->hasActiveFocus()); // it or what is in it
+        ASSERT_TRUE(settled());
+        stage.screen().key(Qt::Key_Escape);
+        EXPECT_EQ(stack->depth(), 1) << tabs << " tabs";
+        stage.screen().key(Qt::Key_Tab);
+        EXPECT_TRUE(first->hasActiveFocus());
+        ASSERT_TRUE(settled());
+        if (stack->depth() > 1)
+            stack->pop();
+        ASSERT_TRUE(settled());
+    }
+}
+
 TEST_F(ScreenStackTest, EveryScreenFollowsTheSize)
 {
     QQuickItem *first = stack->currentItem();
