@@ -32,6 +32,11 @@ FocusScope {
         secure: root.secure
     }
 
+    OneLine {
+        input: input
+        onTextChanged: root.textEdited()
+    }
+
     ContinuousRectangle {
         objectName: "frame"
         anchors.fill: parent
@@ -61,7 +66,6 @@ FocusScope {
         echoMode: root.secure && !root.reveal ? TextInput.Password : TextInput.Normal
         inputMethodHints: traits.hints
         EnterKey.type: root.enterKey
-        onTextChanged: root.textEdited()
         onAccepted: root.accepted()
 
         Accessible.role: Accessible.EditableText

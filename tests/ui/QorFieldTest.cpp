@@ -90,6 +90,31 @@ TEST(QorField, TellsOfTextThatAssistiveTechnologySets)
     EXPECT_EQ(edited.count(), 1);
 }
 
+// What is copied out of a mail or a terminal ends in a line break, which nobody would see in the field.
+TEST(QorField, KeepsWhatIsPastedOnOneLine)
+{
+    ComponentStage stage(
+        "QorField { id: field; property string model; property bool broken: false; label: \"Email\"; "
+        "onTextEdited: { model = text; broken = broken || /[\\n\\r]/.test(text) } }");
+    const auto paste = [&](const QString &text) {
+        QGuiApplication::clipboard()->setText(text);
+        stage.screen().key(Qt::Key_V, Qt::ControlModifier);
+    };
+    ASSERT_TRUE(stage.screen().type(QStringLiteral("Email"), QStringLiteral("<>")));
+    stage.screen().key(Qt::Key_Left);
+    paste(QStringLiteral("Ada\r\nByron"));
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("<Ada Byron>"));
+    EXPECT_EQ(stage.item()->property("cursorPosition").toInt(), 10);
+    stage.screen().key(Qt::Key_A, Qt::ControlModifier);
+    paste(QStringLiteral("\nada@example.org\u2028\n"));
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("ada@example.org"));
+    EXPECT_EQ(stage.item()->property("model").toString(), QStringLiteral("ada@example.org"));
+    EXPECT_FALSE(stage.item()->property("broken").toBool());
+    stage.screen().typeText(QStringLiteral("!"));
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("ada@example.org!"));
+    EXPECT_EQ(accessible(stage)->text(QAccessible::Value), QStringLiteral("ada@example.org!"));
+}
+
 TEST(QorField, TellsWhenEnterIsPressed)
 {
     ComponentStage stage(plainField);
