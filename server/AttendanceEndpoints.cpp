@@ -118,7 +118,7 @@ Response AttendanceEndpoints::history(const Request &request)
 Response AttendanceEndpoints::summary(const Request &request)
 {
     const Employee employee = requireEmployee(m_sessions, request);
-    const auto month = parseMonth(queryValue(request, "month"));
+    const auto month = parseMonth(withAsciiDigits(queryValue(request, "month"))); // as the device writes them
     if (!month)
         throw ApiError{400, "VALIDATION_FAILED", "month must be a month like 2026-05."};
     const auto days = m_database.read([&](Connection &connection) {

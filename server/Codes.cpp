@@ -1,11 +1,10 @@
 #include "server/Codes.h"
 
+#include "server/NumberText.h"
 #include "server/Sodium.h"
 #include "server/http/PeerAddress.h"
 
 #include <sodium.h>
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
 
 #include <algorithm>
 
@@ -24,20 +23,6 @@ const char *nameOf(CodePurpose purpose)
 CodePurpose purposeOf(const std::string &name)
 {
     return name == "VERIFY" ? CodePurpose::Verify : CodePurpose::Reset;
-}
-
-/// Keyboards of many languages write the digits of their own script; the code is the same.
-std::string asciiDigits(std::string_view utf8)
-{
-    const auto text = icu::UnicodeString::fromUTF8({utf8.data(), static_cast<std::int32_t>(utf8.size())});
-    std::string digits;
-    for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
-        const auto digit = u_charDigitValue(text.char32At(i));
-        if (digit < 0)
-            return std::string{utf8};
-        digits += static_cast<char>('0' + digit);
-    }
-    return digits;
 }
 
 } // namespace
@@ -119,7 +104,7 @@ std::optional<Codes::Stored> Codes::countTry(const std::string &emailKey)
 
 Codes::Match Codes::judge(const std::string &emailKey, std::string_view code)
 {
-    const std::string digits = asciiDigits(code);
+    const std::string digits = withAsciiDigits(code); // keyboards of many languages have their own
     const auto stored = countTry(emailKey);
     if (stored && stored->tries >= m_limits.tries) {
         const auto wait =

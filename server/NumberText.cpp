@@ -1,5 +1,8 @@
 #include "server/NumberText.h"
 
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -26,6 +29,18 @@ std::optional<double> parseNumber(std::string_view text)
     if (result.ec != std::errc{} || result.ptr != end || !std::isfinite(value))
         return std::nullopt;
     return value;
+}
+
+std::string withAsciiDigits(std::string_view utf8)
+{
+    const auto text = icu::UnicodeString::fromUTF8({utf8.data(), static_cast<std::int32_t>(utf8.size())});
+    icu::UnicodeString result;
+    for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
+        const auto digit = u_charDigitValue(text.char32At(i));
+        result.append(digit < 0 ? text.char32At(i) : u'0' + digit);
+    }
+    std::string ascii;
+    return result.toUTF8String(ascii);
 }
 
 std::string numberRule(std::string_view key, double smallest, double largest)

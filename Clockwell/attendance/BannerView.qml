@@ -95,7 +95,7 @@ ContinuousRectangle {
         }
         symbol: "xmark"
         label: "Close"
-        size: 16
+        size: Math.round(16 * Theme.textScale)
         color: Theme.white
         opacity: 0.8
         onTriggered: model.dismiss()

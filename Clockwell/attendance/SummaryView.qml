@@ -33,6 +33,9 @@ FocusScope {
         Keys.onDownPressed: flick(0, -900)
         Keys.onUpPressed: flick(0, 900)
 
+        Accessible.role: Accessible.Pane
+        Accessible.name: "Summary"
+
         Column {
             id: column
             x: Math.round((page.width - width) / 2)

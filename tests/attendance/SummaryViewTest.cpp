@@ -268,6 +268,19 @@ TEST_F(SummaryViewTest, LargeTextStandsInOneColumn)
     EXPECT_TRUE(screen().waitFor(u"Total worked, 33333h 19m this month"_s)) << screen().dump().toStdString();
 }
 
+TEST_F(SummaryViewTest, WhateverTabLeadsToHasAName)
+{
+    open(month("2025-03"));
+    for (int i = 0; i < 3; ++i) {
+        screen().key(Qt::Key_Tab);
+        auto *focused = stage->view().activeFocusItem();
+        ASSERT_NE(focused, nullptr);
+        auto *interface = QAccessible::queryAccessibleInterface(focused);
+        ASSERT_NE(interface, nullptr);
+        EXPECT_FALSE(interface->text(QAccessible::Name).isEmpty()) << i;
+    }
+}
+
 TEST_F(SummaryViewTest, ScreenThatDiesMidFlightIsHarmless)
 {
     services.server.expect("GET", path).after(100ms).reply(200, month("2025-03"));

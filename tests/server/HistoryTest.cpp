@@ -137,6 +137,15 @@ TEST_F(HistoryTest, SummaryAddsTheMonthUp)
     EXPECT_EQ(summary("2026-05").at("absentDays"), 2);
 }
 
+TEST_F(HistoryTest, MonthMayBeInDigitsOfAnotherScript)
+{
+    work("2026-06-01", "09:30:00", "18:00:00");
+    world.setNow("2026-06-10T07:00:00Z");
+    const std::string arabic = "%D9%A2%D9%A0%D9%A2%D9%A6-%D9%A0%D9%A6"; // as a phone in Egypt writes 2026-06
+    EXPECT_EQ(summary(arabic), summary("2026-06"));
+    EXPECT_EQ(summary(arabic).at("month"), "2026-06");
+}
+
 TEST_F(HistoryTest, FutureMonthsAndThoseBeforeJoiningAreEmpty)
 {
     world.setNow("2026-06-10T07:00:00Z");

@@ -163,6 +163,14 @@ TEST(ListenAddressTest, RefusesOtherForms)
         EXPECT_FALSE(parseListenAddress(text)) << text;
 }
 
+TEST(NumberTextTest, DigitsOfEveryScriptBecomeAscii)
+{
+    EXPECT_EQ(withAsciiDigits("2026-06"), "2026-06");
+    EXPECT_EQ(withAsciiDigits("\u0662\u0660\u0968\uff16 \U0001D7E8"), "2026 6");
+    EXPECT_EQ(withAsciiDigits("\u00bd\u2167\u4e00x"), "\u00bd\u2167\u4e00x"); // numbers, but no digits
+    EXPECT_EQ(withAsciiDigits(""), "");
+}
+
 TEST(NumberTextTest, ReadsWholeFiniteDecimalsOnly)
 {
     EXPECT_EQ(parseNumber("-12.5"), -12.5);
