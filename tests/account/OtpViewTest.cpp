@@ -370,7 +370,10 @@ TEST_F(OtpResetTest, ShowsItsTextsInOrder)
         EXPECT_GT(at, last) << text.toStdString() << " in " << stage->dump().toStdString();
         last = at;
     }
-    EXPECT_TRUE(stage->find(u"Reset password"_s, QAccessible::Button));
+    const auto button = stage->find(u"Reset password"_s, QAccessible::Button); // named like the title
+    ASSERT_TRUE(button);
+    EXPECT_GT(button->rect.top(), stage->find(u"New password"_s, QAccessible::EditableText)->rect.bottom());
+    EXPECT_LT(button->rect.bottom(), stage->find(u"Resend code"_s, QAccessible::Button)->rect.top());
     EXPECT_FALSE(stage->shows(u"Verify"_s));
 }
 
