@@ -161,6 +161,26 @@ TEST_F(ForgotPasswordViewTest, EachAppearanceFillsAnEmptyFieldAndOnlyThat)
     EXPECT_TRUE(stage->isEnabled(u"Send reset code"_s));
 }
 
+TEST_F(ForgotPasswordViewTest, AFieldClearedBeforeItMovesOnIsFilledAgainOnTheWayBack)
+{
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAtSignIn());
+    stage->type(u"Email"_s, u"ada@example.org"_s);
+    stage->click(u"Forgot password?"_s);
+    ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
+    ask(u"other@example.org"_s);
+    timing.advance(300ms);
+    ASSERT_TRUE(stage->retype(u"Email"_s, QString())); // within the pause
+    ASSERT_EQ(timing.pauses(), 1);
+    timing.advance(300ms);
+    ASSERT_TRUE(arrivesAt(u"Reset password"_s));
+    EXPECT_EQ(depth(), 3);
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
+    EXPECT_EQ(valueOf(u"Email"_s), u"ada@example.org"_s);
+    EXPECT_TRUE(becomesEnabled(u"Send reset code"_s));
+}
+
 TEST_F(ForgotPasswordViewTest, AFailureShowsTheServersWordsAndStays)
 {
     server.expect("POST", "/api/auth/forgot-password").reply(429, R"({"message":["Slow down","Please"]})");
