@@ -1,3 +1,4 @@
+#include "EditMenuControl.h"
 #include "ItemAccessible.h"
 
 #include <QQuickItem>
@@ -55,6 +56,23 @@ void *InputAccessible::interface_cast(QAccessible::InterfaceType type)
 {
     return type == QAccessible::TextInterface ? static_cast<QAccessibleTextInterface *>(this)
                                               : ItemAccessible::interface_cast(type);
+}
+
+QStringList InputAccessible::actionNames() const
+{
+    QStringList names = ItemAccessible::actionNames();
+    if (item()->isEnabled() && EditMenuControl::of(item()))
+        names.append(showMenuAction());
+    return names;
+}
+
+void InputAccessible::doAction(const QString &action)
+{
+    EditMenuControl *menu = action == showMenuAction() ? EditMenuControl::of(item()) : nullptr;
+    if (menu)
+        menu->open(true);
+    else
+        ItemAccessible::doAction(action);
 }
 
 QString InputAccessible::text(int start, int end) const

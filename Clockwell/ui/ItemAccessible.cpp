@@ -81,7 +81,7 @@ QAccessible::State ItemAccessible::state() const
     state.offscreen = !view.intersects(rect());
     state.disabled = !item()->isEnabled();
     state.focusable = item()->isEnabled() && item()->activeFocusOnTab() && !state.invisible;
-    state.focused = item()->hasActiveFocus();
+    state.focused = item()->hasActiveFocus() || attached("focused").toBool();
     state.selectable = attached("selectable").toBool();
     state.selected = attached("selected").toBool();
     return state;

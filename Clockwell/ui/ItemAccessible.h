@@ -50,6 +50,10 @@ public:
     QAccessible::State state() const override;
     void *interface_cast(QAccessible::InterfaceType type) override;
 
+    /// The edit menu is among them, for those who cannot press for long.
+    QStringList actionNames() const override;
+    void doAction(const QString &action) override;
+
     QString text(int start, int end) const override;
     int characterCount() const override;
     int cursorPosition() const override;

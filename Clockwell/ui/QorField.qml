@@ -71,6 +71,11 @@ FocusScope {
         Accessible.role: Accessible.EditableText
         Accessible.name: root.label
         Accessible.description: root.secure ? "" : root.placeholder
+
+        EditMenuControl {
+            field: root
+            looks: "EditMenu.qml"
+        }
     }
 
     TextLabel {
