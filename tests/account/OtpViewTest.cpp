@@ -96,6 +96,33 @@ TEST_F(OtpViewTest, APastedBlankCostsADigit)
     EXPECT_EQ(code(), u"12345"_s);
 }
 
+TEST_F(OtpViewTest, ACopiedCodeIsPastedByALongPress)
+{
+    QPointingDevice *finger = QTest::createTouchDevice();
+    const auto longPressAndPaste = [&](const QString &copied) {
+        QGuiApplication::clipboard()->setText(copied);
+        const QPoint place = stage->find(u"Verification code"_s, QAccessible::EditableText)->rect.center();
+        QTest::touchEvent(&stage.view(), finger).press(0, place);
+        EXPECT_TRUE(stage->waitFor(u"Paste"_s)) << stage->dump().toStdString();
+        QTest::touchEvent(&stage.view(), finger).release(0, place);
+        stage.view().grabWindow(); // all has its place
+        const QPoint entry = stage->find(u"Paste"_s, QAccessible::MenuItem)->rect.center();
+        QTest::touchEvent(&stage.view(), finger).press(0, entry);
+        QTest::touchEvent(&stage.view(), finger).release(0, entry);
+        EXPECT_FALSE(stage->shows(u"Paste"_s));
+    };
+    longPressAndPaste(u"123456"_s);
+    EXPECT_EQ(code(), u"123456"_s);
+    EXPECT_TRUE(stage->isEnabled(u"Verify"_s));
+    stage->key(Qt::Key_A, Qt::ControlModifier);
+    stage->key(Qt::Key_Delete);
+    longPressAndPaste(u"123 456"_s); // cut to six first, then digits only
+    EXPECT_EQ(code(), u"12345"_s);
+    EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
+    stage->typeText(u"6"_s); // the field still has the keyboard
+    EXPECT_EQ(code(), u"123456"_s);
+}
+
 TEST_F(OtpViewTest, OtherScriptsDigitsCountOnceEach)
 {
     server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
