@@ -1,5 +1,8 @@
 #include "States.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace clockwell::test {
@@ -99,6 +102,17 @@ bool verifyPartial(Stage &stage)
     return verify(stage) && stage.screen().type(u"Verification code"_s, u"1234"_s);
 }
 
+bool verifyMenu(Stage &stage)
+{
+    if (!verifyPartial(stage))
+        return false;
+    QGuiApplication::clipboard()->setText(u"123456"_s);
+    stage.screen().key(Qt::Key_Home);
+    stage.screen().key(Qt::Key_Right, Qt::ShiftModifier);
+    stage.screen().key(Qt::Key_Menu);
+    return stage.screen().shows(u"Paste"_s);
+}
+
 bool verifyBusy(Stage &stage)
 {
     stage.server().expect("POST", "/api/auth/verify-otp").never();
@@ -154,7 +168,8 @@ QList<State> codeStates()
             {"code-reset-refused", resetRefused},   {"code-verify-empty", verify},
             {"code-verify-partial", verifyPartial}, {"code-verify-busy", verifyBusy},
             {"code-verify-refused", verifyRefused}, {"code-verify-resent", resent},
-            {"code-done-verify", verified},         {"code-done-reset", resetDone}};
+            {"code-verify-menu", verifyMenu},       {"code-done-verify", verified},
+            {"code-done-reset", resetDone}};
 }
 
 } // namespace clockwell::test
