@@ -1,5 +1,7 @@
 #include "EditActions.h"
 
+#include "OneLine.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -27,18 +29,12 @@ bool clipboardHoldsText()
     return data && data->hasText();
 }
 
-bool isLineBreak(QChar character)
-{
-    return character == u'\n' || character == u'\r' || character == QChar::LineSeparator ||
-           character == QChar::ParagraphSeparator;
-}
-
 void paste(QQuickItem *input)
 {
     QGuiApplication::inputMethod()->commit(); // what is being composed stays
     const auto length = static_cast<int>(input->property("text").toString().size());
     const int room = input->property("maximumLength").toInt() - length + selectedLength(input);
-    const QString text = onOneLine(QGuiApplication::clipboard()->text()).left(std::max(0, room));
+    const QString text = OneLine::join(QGuiApplication::clipboard()->text(), 0).text.left(std::max(0, room));
     if (text.isEmpty())
         return;
     QInputMethodEvent typed;
@@ -98,23 +94,6 @@ void doEditAction(QQuickItem *input, EditAction action)
         QMetaObject::invokeMethod(input, "selectAll");
         break;
     }
-}
-
-QString onOneLine(const QString &text)
-{
-    QString line;
-    bool broken = false;
-    for (const QChar character : text) {
-        if (isLineBreak(character)) {
-            broken = !line.isEmpty();
-            continue;
-        }
-        if (broken)
-            line += u' ';
-        broken = false;
-        line += character;
-    }
-    return line;
 }
 
 } // namespace clockwell

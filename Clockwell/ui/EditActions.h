@@ -21,7 +21,4 @@ QList<EditAction> editActions(const QQuickItem *input);
 /// than the field takes. Main thread.
 void doEditAction(QQuickItem *input, EditAction action);
 
-/// Text for a field of one line: line breaks at either end are dropped, others become one blank.
-QString onOneLine(const QString &text);
-
 } // namespace clockwell
