@@ -1,9 +1,7 @@
 #include "server/EmailAddress.h"
 
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
-
 #include <algorithm>
+#include <iterator>
 
 namespace clockwell::server {
 
@@ -35,10 +33,10 @@ bool isLabel(std::string_view text)
            std::ranges::all_of(text, [](char c) { return isLetterOrDigit(c) || c == '-'; });
 }
 
-bool isBlank(UChar32 c)
-{
-    return c == '\t' || u_charType(c) == U_SPACE_SEPARATOR;
-}
+// The tab, and Zs of Unicode 15. No encoding of a character is part of another's.
+constexpr std::string_view Blanks[] = {"\t",     " ",      "\u00a0", "\u1680", "\u2000", "\u2001",
+                                       "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007",
+                                       "\u2008", "\u2009", "\u200a", "\u202f", "\u205f", "\u3000"};
 
 template <class Rule>
 bool allBetweenDots(std::string_view text, Rule rule)
@@ -65,15 +63,15 @@ bool isEmailAddress(std::string_view text)
 
 std::string trimmed(std::string_view text)
 {
-    const auto all = icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
-    std::int32_t begin = 0;
-    std::int32_t end = all.length();
-    while (begin < end && isBlank(all.charAt(begin))) // they are all in the basic plane
-        ++begin;
-    while (end > begin && isBlank(all.charAt(end - 1)))
-        --end;
-    std::string result;
-    return all.tempSubStringBetween(begin, end).toUTF8String(result);
+    const auto atStart = [&](std::string_view blank) { return text.starts_with(blank); };
+    const auto atEnd = [&](std::string_view blank) { return text.ends_with(blank); };
+    for (auto found = std::ranges::find_if(Blanks, atStart); found != std::end(Blanks);
+         found = std::ranges::find_if(Blanks, atStart))
+        text.remove_prefix(found->size());
+    for (auto found = std::ranges::find_if(Blanks, atEnd); found != std::end(Blanks);
+         found = std::ranges::find_if(Blanks, atEnd))
+        text.remove_suffix(found->size());
+    return std::string{text};
 }
 
 } // namespace clockwell::server

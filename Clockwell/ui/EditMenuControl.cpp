@@ -139,6 +139,8 @@ bool EditMenuControl::key(QKeyEvent *event)
         doEditAction(m_input, EditAction::Paste);
         return true;
     }
+    if (event->isAutoRepeat() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        return true; // it was held too long on the menu, and is not meant to send the form
     if (!isMenuKey(*event))
         return false;
     if (!event->isAutoRepeat())

@@ -1,5 +1,7 @@
 #include "EditMenuStage.h"
 
+#include <QSignalSpy>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -441,6 +443,19 @@ TEST_F(EditMenuTest, ArrowsAndTabGoThroughTheEntriesAndAround)
     EXPECT_TRUE(input()->hasActiveFocus());
     key(Qt::Key_Enter);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"hello"_s);
+}
+
+TEST_F(EditMenuTest, AnEnterThatIsHeldOnTheMenuIsNoneForTheField)
+{
+    QSignalSpy accepted(field(), SIGNAL(accepted()));
+    key(Qt::Key_Menu);
+    key(Qt::Key_Return);
+    ASSERT_EQ(text(), u"copied"_s);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s, true);
+    QCoreApplication::sendEvent(&stage.window(), &held);
+    EXPECT_EQ(accepted.count(), 0);
+    key(Qt::Key_Return);
+    EXPECT_EQ(accepted.count(), 1);
 }
 
 TEST_F(EditMenuTest, AMenuOpenedByAFingerIsGoneThroughToo)
