@@ -49,7 +49,7 @@ Response AuthEndpoints::login(const Request &request)
 {
     BodyReader body{request};
     const std::string email = body.account("email");
-    const std::string password = body.text("password", Passwords::LongestPassword);
+    const std::string password = body.password("password");
     const std::string deviceId = body.text("deviceId", LongestDeviceId);
     body.finish();
     const Employee employee = checkedEmployee(email, password, request);

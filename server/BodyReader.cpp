@@ -4,6 +4,7 @@
 #include "server/EmailAddress.h"
 #include "server/NumberText.h"
 #include "server/PasswordText.h"
+#include "server/Passwords.h"
 
 #include <algorithm>
 #include <iterator>
@@ -136,6 +137,15 @@ std::string BodyReader::emailAddress(const char *key)
     if (m_problems.size() == before && !isEmailAddress(address))
         m_problems.emplace_back("Please enter an e-mail address like name@example.org.");
     return address;
+}
+
+std::string BodyReader::password(const char *key)
+{
+    std::string password = text(key, std::numeric_limits<std::size_t>::max());
+    if (password.size() <= Passwords::LongestPassword)
+        return password;
+    complain(key, "must not be longer than " + std::to_string(Passwords::LongestPassword) + " bytes.");
+    return {};
 }
 
 std::string BodyReader::newPassword(const char *key)

@@ -31,6 +31,8 @@ public:
     std::string account(const char *key);
     /// A text in the form of an e-mail address, without the blanks around it.
     std::string emailAddress(const char *key);
+    /// What somebody typed as the password that they have: at most as many bytes as a password may have.
+    std::string password(const char *key);
     /// A text that may become an account's password.
     std::string newPassword(const char *key);
     double number(const char *key, double smallest, double largest = std::numeric_limits<double>::max());

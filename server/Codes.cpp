@@ -25,6 +25,15 @@ CodePurpose purposeOf(const std::string &name)
     return name == "VERIFY" ? CodePurpose::Verify : CodePurpose::Reset;
 }
 
+/// `wait`: until there may be a new code.
+ApiError deadCode(std::chrono::seconds wait)
+{
+    const std::string text = "Too many wrong codes. This code no longer works; you can ask for a new one ";
+    if (wait == std::chrono::seconds{0})
+        return {429, "TOO_MANY_ATTEMPTS", text + "at once."};
+    return ApiError{429, "TOO_MANY_ATTEMPTS", text + "in " + waitText(wait) + "."}.retryAfter(wait);
+}
+
 } // namespace
 
 struct Codes::Stored
@@ -71,10 +80,11 @@ void Codes::store(Connection &connection, const std::string &emailKey, CodePurpo
                        emailKey, nameOf(purpose), fresh.hash, toMillis(m_clock() + m_limits.lifetime));
 }
 
-std::optional<CodePurpose> Codes::lastPurpose(Connection &connection, const std::string &emailKey)
+std::optional<CodePurpose> Codes::lastPurpose(Connection &connection, const std::string &emailKey) const
 {
     const auto purpose = connection.first<SingleColumn<std::string>>(
-        "SELECT purpose FROM codes WHERE email_key = :key", emailKey);
+        "SELECT purpose FROM codes WHERE email_key = :key AND expires_at > :end", emailKey,
+        toMillis(m_clock() - m_limits.memory));
     return purpose ? std::optional{purposeOf(purpose->value)} : std::nullopt;
 }
 
@@ -106,14 +116,8 @@ Codes::Match Codes::judge(const std::string &emailKey, std::string_view code)
 {
     const std::string digits = withAsciiDigits(code); // keyboards of many languages have their own
     const auto stored = countTry(emailKey);
-    if (stored && stored->tries >= m_limits.tries) {
-        const auto wait =
-            std::max(std::chrono::ceil<std::chrono::seconds>(fromMillis(stored->expiresAt) - m_clock()),
-                     std::chrono::seconds{1});
-        throw ApiError{429, "TOO_MANY_ATTEMPTS",
-                       "Too many wrong codes. This code no longer works; you can ask for a new one at once."}
-            .retryAfter(wait);
-    }
+    if (stored && stored->tries >= m_limits.tries)
+        throw deadCode(m_perAddress.waitFor(emailKey));
     if (stored)
         m_wrongCodes.take(emailKey, "Too many wrong codes.");
     const bool matches =

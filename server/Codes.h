@@ -51,7 +51,7 @@ public:
                const Fresh &fresh) const;
 
     /// For what the address's last code was, unless it was used or is long over.
-    static std::optional<CodePurpose> lastPurpose(Connection &connection, const std::string &emailKey);
+    std::optional<CodePurpose> lastPurpose(Connection &connection, const std::string &emailKey) const;
 
     /// Ends the address's code, as part of the caller's transaction.
     static void revoke(Connection &connection, const std::string &emailKey);

@@ -13,7 +13,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestCode = 64; // bytes
+constexpr std::size_t LongestCode = 64; // characters
 
 /// Not 401: a client would take that for the end of its session.
 ApiError wrongPassword()
@@ -84,7 +84,7 @@ Response PasswordEndpoints::change(const Request &request)
 {
     const SignedIn caller = requireSignedIn(m_sessions, request);
     BodyReader body{request};
-    const std::string current = body.text("currentPassword", Passwords::LongestPassword);
+    const std::string current = body.password("currentPassword");
     const std::string next = body.newPassword("newPassword");
     body.finish();
     const std::string account = emailKey(caller.employee.email);

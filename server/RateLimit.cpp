@@ -28,6 +28,13 @@ void RateLimit::take(const std::string &key, std::string_view complaint)
     entry.events.push_back(now);
 }
 
+std::chrono::seconds RateLimit::waitFor(const std::string &key)
+{
+    const std::lock_guard lock{m_lock};
+    const auto entry = m_entries.find(key);
+    return entry == m_entries.end() ? std::chrono::seconds{0} : waitOf(entry->second, m_clock());
+}
+
 void RateLimit::forget(const std::string &key)
 {
     const std::lock_guard lock{m_lock};

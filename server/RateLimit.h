@@ -35,6 +35,9 @@ public:
     /// there were too many: its text is `complaint` followed by when to try again.
     void take(const std::string &key, std::string_view complaint);
 
+    /// How long until another event is within the limit; zero when it is already.
+    std::chrono::seconds waitFor(const std::string &key);
+
     /// Forgets what was counted for the key.
     void forget(const std::string &key);
 

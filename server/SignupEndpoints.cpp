@@ -117,6 +117,7 @@ bool SignupEndpoints::record(Connection &connection, const Applicant &applicant,
     const auto institute = known->officeId ? known->instituteId : applicant.instituteId;
     connection.execute("UPDATE employees SET institute_id = :institute, full_name = :name, email = :email,"
                        " phone = :phone, password_hash = :hash,"
+                       " role = CASE status WHEN 'APPROVED' THEN 'EMPLOYEE' ELSE role END,"
                        " status = CASE status WHEN 'APPROVED' THEN 'PENDING' ELSE status END WHERE id = :id",
                        institute, applicant.fullName, applicant.email, applicant.phone, passwordHash,
                        known->id);
@@ -157,7 +158,7 @@ Response SignupEndpoints::resend(const Request &request)
     CodePurpose purpose = CodePurpose::Verify;
     const auto employee = m_database.write([&](Connection &connection) {
         auto found = findEmployeeByEmail(connection, key);
-        const auto last = Codes::lastPurpose(connection, key);
+        const auto last = m_codes.lastPurpose(connection, key);
         const bool verified = found && found->emailVerified != 0;
         purpose = verified ? CodePurpose::Reset : last.value_or(CodePurpose::Verify);
         m_codes.store(connection, key, purpose, fresh);

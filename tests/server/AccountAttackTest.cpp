@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -98,7 +99,7 @@ TEST_F(AccountAttackTest, OfParallelResetsExactlyOneSucceeds)
 TEST_F(AccountAttackTest, SignInThatANewPasswordOvertakesGetsNoSession)
 {
     // The old password's hash is an expensive one, so that the new password comes while it is being checked.
-    Passwords slow{{.passes = 16}};
+    Passwords slow{{.passes = 32}};
     const std::string oldHash = slow.hash("Correct-Horse-7");
     world.database().write([&](Connection &connection) {
         connection.execute("UPDATE employees SET password_hash = :hash", oldHash);
@@ -106,14 +107,21 @@ TEST_F(AccountAttackTest, SignInThatANewPasswordOvertakesGetsNoSession)
     forgot("old@example.org");
     const std::string code = world.code("old@example.org");
     Reply late;
-    std::thread signIn{[&] { late = world.login("old@example.org"); }};
+    std::atomic<bool> answered{false};
+    std::thread signIn{[&] {
+        late = world.login("old@example.org");
+        answered = true;
+    }};
     std::this_thread::sleep_for(std::chrono::milliseconds{100});
     const int status = reset(code, "New-Horse-8", "old@example.org").status;
+    const bool overtaken = !answered;
     signIn.join();
     ASSERT_EQ(status, 200);
+    EXPECT_EQ(world.login("old@example.org", "New-Horse-8").status, 200);
+    if (!overtaken)
+        GTEST_SKIP() << "The machine was too busy to let the new password overtake the sign-in.";
     EXPECT_EQ(late.status, 401);
     EXPECT_EQ(late.error(), "INVALID_CREDENTIALS");
-    EXPECT_EQ(world.login("old@example.org", "New-Horse-8").status, 200);
 }
 
 TEST_F(AccountAttackTest, ParallelSignUpsOfOneAddressMakeOneAccount)

@@ -121,9 +121,8 @@ TEST_F(LoginTest, OverlongAndControlTextsAreRefused)
         {"email", "kim@example.org"}, {"password", std::string(1025, 'x')}, {"deviceId", "a\nb"}};
     const Reply reply = world.post("/api/auth/login", body.dump());
     EXPECT_EQ(reply.status, 400);
-    EXPECT_EQ(reply.json().at("message"),
-              nlohmann::json({"The password must not be longer than 1024 characters.",
-                              "deviceId must not contain control characters."}));
+    EXPECT_EQ(reply.json().at("message"), nlohmann::json({"The password must not be longer than 1024 bytes.",
+                                                          "deviceId must not contain control characters."}));
 }
 
 TEST_F(LoginTest, InjectedSqlIsJustAWrongAddress)
