@@ -14,8 +14,8 @@ struct FilteredCode
     qsizetype cursor = 0; ///< in UTF-16 units, where the cursor was with regard to what is left
 };
 
-/// What of a text may stand in a code field: of its first six characters those that are numeric (Unicode
-/// categories Nd, Nl and No). The cut comes first: "12a3456" gives "12345". `cursor` is a position in `text`.
+/// What of a text may stand in a code field: of its first six characters those that are numeric (of any
+/// Numeric_Type of Unicode). The cut comes first: "12a3456" gives "12345". `cursor` is a position in `text`.
 FilteredCode filterCode(const QString &text, qsizetype cursor);
 
 /// The number of characters in the same sense.

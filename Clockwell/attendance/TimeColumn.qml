@@ -16,7 +16,7 @@ Item {
     readonly property real valueHeight: number.implicitHeight
     // The room that the value needs at that size.
     property real narrowSize: valueSize
-    readonly property real narrowWidth: narrow.implicitWidth
+    readonly property real narrowWidth: Theme.tabularWidth(value, narrow.font)
 
     readonly property bool beside: wide && label.implicitWidth + 8 + number.implicitWidth <= width
 

@@ -32,9 +32,15 @@ bool clipboardHoldsText()
 void paste(QQuickItem *input)
 {
     QGuiApplication::inputMethod()->commit(); // what is being composed stays
+    const QString copied = QGuiApplication::clipboard()->text();
+    const QString line = OneLine::join(copied, 0).text;
+    if (line == copied) {
+        QMetaObject::invokeMethod(input, "paste"); // can be undone on its own
+        return;
+    }
     const auto length = static_cast<int>(input->property("text").toString().size());
     const int room = input->property("maximumLength").toInt() - length + selectedLength(input);
-    const QString text = OneLine::join(QGuiApplication::clipboard()->text(), 0).text.left(std::max(0, room));
+    const QString text = line.left(std::max(0, room));
     if (text.isEmpty())
         return;
     QInputMethodEvent typed;

@@ -99,6 +99,8 @@ bool EditMenuControl::pressed(const QMouseEvent *event)
                 Qt::UniqueConnection);
         return false;
     }
+    if (event->button() != Qt::RightButton)
+        return false; // the middle one pastes on some desktops
     const int position = cursorPositionAt(m_input, event->position().x());
     if (!isSelectedAt(m_input, position))
         m_input->setProperty("cursorPosition", position);
@@ -117,9 +119,9 @@ bool EditMenuControl::moved(const QMouseEvent *event)
 bool EditMenuControl::released(const QMouseEvent *event)
 {
     m_holding.stop();
-    if (event->button() != Qt::LeftButton)
+    if (event->button() == Qt::RightButton)
         return true;
-    if (!std::exchange(m_held, false))
+    if (event->button() != Qt::LeftButton || !std::exchange(m_held, false))
         return false;
     m_input->setKeepMouseGrab(false);
     return isFinger(*event); // the input would take it for a tap, and put the cursor there

@@ -103,6 +103,8 @@ private:
     void takeFocus();
     void giveFocusBack();
     bool hasFocusInside() const;
+    /// In the order of opening; in all windows.
+    static QList<Modal *> &openModals();
     bool isInFront() const;
     bool isLeaving() const;
     /// Goes outwards from where this is declared, by way of the modals that it is part of.

@@ -56,14 +56,17 @@ OneLine::Joined OneLine::join(const QString &text, int cursor)
 
 void OneLine::follow()
 {
-    const QString text = m_input->property("text").toString();
-    if (std::none_of(text.cbegin(), text.cend(), isBreak)) {
-        Q_EMIT textChanged();
+    if (m_joining)
         return;
+    const QString text = m_input->property("text").toString();
+    if (std::any_of(text.cbegin(), text.cend(), isBreak)) {
+        const Joined joined = join(text, m_input->property("cursorPosition").toInt());
+        m_joining = true; // nobody hears of it before the cursor is where it belongs
+        m_input->setProperty("text", joined.text);
+        m_input->setProperty("cursorPosition", joined.cursor);
+        m_joining = false;
     }
-    const Joined joined = join(text, m_input->property("cursorPosition").toInt());
-    m_input->setProperty("text", joined.text); // comes back here
-    m_input->setProperty("cursorPosition", joined.cursor);
+    Q_EMIT textChanged();
 }
 
 } // namespace clockwell

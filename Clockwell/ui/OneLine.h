@@ -40,6 +40,7 @@ private:
     Q_SLOT void follow();
 
     QPointer<QQuickItem> m_input;
+    bool m_joining = false;
 };
 
 } // namespace clockwell

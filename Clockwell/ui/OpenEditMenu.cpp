@@ -109,8 +109,10 @@ void OpenEditMenu::choose(int index)
 {
     if (!m_open || index < 0 || index >= m_actions.size())
         return;
+    QQuickItem *input = m_input;
+    const EditAction action = m_actions.at(index);
     close();
-    doEditAction(m_input, m_actions.at(index));
+    doEditAction(input, action);
 }
 
 QRectF OpenEditMenu::area() const

@@ -48,7 +48,7 @@ public:
 
 Q_SIGNALS:
     void currentChanged();
-    /// The last that it does.
+    /// Nothing of it is to be seen or heard any more; it may be deleted.
     void closed();
 
 protected:

@@ -68,6 +68,17 @@ QStringList Theme::tabularCells(const QString &text) const
     return clockwell::tabularCells(text);
 }
 
+qreal Theme::tabularWidth(const QString &text, const QFont &font) const
+{
+    const QFontMetricsF metrics(font);
+    qreal width = 0;
+    for (const QString &cell : clockwell::tabularCells(text)) {
+        const bool isDigit = cell.size() == 1 && cell.front() >= u'0' && cell.front() <= u'9';
+        width += isDigit ? digitWidth(font) : std::ceil(metrics.horizontalAdvance(cell));
+    }
+    return width;
+}
+
 qreal Theme::digitWidth(const QFont &font) const
 {
     const QFontMetricsF metrics(font);

@@ -93,6 +93,8 @@ public:
 
     /// See tabularCells().
     Q_INVOKABLE QStringList tabularCells(const QString &text) const;
+    /// The width of a TabularLabel with this text in this font, in points.
+    Q_INVOKABLE qreal tabularWidth(const QString &text, const QFont &font) const;
     /// The widest of the ten digits in this font, in points: the cell that keeps changing numbers in place.
     Q_INVOKABLE qreal digitWidth(const QFont &font) const;
 

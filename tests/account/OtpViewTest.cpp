@@ -73,6 +73,17 @@ TEST_F(OtpViewTest, TypedLettersLeaveNoTrace)
     EXPECT_EQ(code(), u"123"_s);
 }
 
+TEST_F(OtpViewTest, TheCursorStaysBehindACommittedLineWhoseRestIsCut)
+{
+    ASSERT_TRUE(enter(u"99"_s));
+    stage->key(Qt::Key_Home);
+    QInputMethodEvent commit;
+    commit.setCommitString(u"1\n2"_s);
+    QCoreApplication::sendEvent(field(), &commit);
+    EXPECT_EQ(code(), u"1299"_s);
+    EXPECT_EQ(cursor(), 2);
+}
+
 TEST_F(OtpViewTest, ASeventhDigitIsDropped)
 {
     enter(u"1234567"_s);

@@ -123,11 +123,12 @@ protected:
 
 TEST_F(EditMenuScrollingTest, ADragFromTheFieldScrollsAndOpensNothing)
 {
+    makeLongPressesLong();
     const QPoint from = at(1);
     touch(from);
     for (int step = 1; step <= 6; ++step)
         drag(from - QPoint(0, 15 * step));
-    QTest::qWait(hold + 100);
+    QTest::qWait(longHold + 100);
     EXPECT_GT(scrolled(), 30);
     EXPECT_FALSE(isOpen());
     lift(from - QPoint(0, 90));

@@ -17,6 +17,7 @@ class EditMenuStage : public ::testing::Test
 {
 protected:
     static constexpr int hold = 200;
+    static constexpr int longHold = 1000;
 
     explicit EditMenuStage(const QByteArray &qml = page, QSize size = QSize(390, 400)) : stage(qml, size)
     {
@@ -85,16 +86,27 @@ protected:
     void longPress(QPoint position)
     {
         touch(position);
-        QTest::qWait(hold + 100);
+        waitForTheMenu();
         lift(position);
         settle();
     }
     void longPressByMouse(QPoint position)
     {
         QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, position);
-        QTest::qWait(hold + 100);
+        waitForTheMenu();
         QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, position);
         settle();
+    }
+    /// Through a press that is long enough to open one, if it can.
+    void waitForTheMenu()
+    {
+        QTest::qWait(hold);
+        (void)QTest::qWaitFor([this] { return isOpen(); }, 400);
+    }
+    /// For tests in which a stall of the machine must not turn a drag into a long press.
+    static void makeLongPressesLong()
+    {
+        QGuiApplication::styleHints()->setMousePressAndHoldInterval(longHold);
     }
     void click(QPoint position, Qt::MouseButton button = Qt::LeftButton)
     {

@@ -35,7 +35,7 @@ TEST_F(EditMenuTest, OpensByALongPressOfTheLeftMouseButton)
 TEST_F(EditMenuTest, OpensWhileTheFingerIsStillDown)
 {
     touch(at());
-    QTest::qWait(hold + 100);
+    waitForTheMenu();
     EXPECT_TRUE(isOpen());
     lift(at());
     EXPECT_TRUE(isOpen());
@@ -46,6 +46,14 @@ TEST_F(EditMenuTest, OpensByARightClick)
     click(at(), Qt::RightButton);
     EXPECT_EQ(offered(), QStringList(paste));
     EXPECT_TRUE(input()->hasActiveFocus());
+}
+
+TEST_F(EditMenuTest, LeavesTheMiddleButtonToTheField)
+{
+    setText(u"hello"_s);
+    input()->setAcceptedMouseButtons(Qt::LeftButton | Qt::MiddleButton | Qt::RightButton); // as under X11
+    click(at(2), Qt::MiddleButton);
+    EXPECT_FALSE(isOpen());
 }
 
 TEST_F(EditMenuTest, OpensByTheMenuKey)
@@ -66,11 +74,11 @@ TEST_F(EditMenuTest, OpensByShiftF10)
 
 TEST_F(EditMenuTest, TheLengthOfALongPressIsThePlatforms)
 {
-    QGuiApplication::styleHints()->setMousePressAndHoldInterval(600);
+    makeLongPressesLong();
     touch(at());
-    QTest::qWait(350);
+    QTest::qWait(hold + 100);
     EXPECT_FALSE(isOpen());
-    EXPECT_TRUE(QTest::qWaitFor([this] { return isOpen(); }, 1000));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return isOpen(); }, 5000));
     lift(at());
 }
 
@@ -87,11 +95,12 @@ TEST_F(EditMenuTest, AShortTapOpensNothingAndPutsTheCursor)
 
 TEST_F(EditMenuTest, ADragByTheMouseSelectsAndOpensNothing)
 {
+    makeLongPressesLong();
     setText(u"hello world"_s);
     QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, at(0) + QPoint(-3, 0));
-    for (int character = 1; character <= 5; ++character)
+    for (int character = 2; character <= 5; ++character)
         QTest::mouseMove(&stage.window(), at(character) + QPoint(-3, 0), 20);
-    QTest::qWait(hold + 100);
+    QTest::qWait(longHold + 100);
     EXPECT_FALSE(isOpen());
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, at(5) + QPoint(-3, 0));
     EXPECT_EQ(selected(), u"hello"_s);
@@ -334,6 +343,18 @@ TEST_F(EditMenuTest, PasteIsUndoneAtOnce)
     ASSERT_EQ(text(), u"copied world"_s);
     QTest::keySequence(&stage.window(), QKeySequence::Undo);
     EXPECT_EQ(text(), u"hello world"_s);
+}
+
+TEST_F(EditMenuTest, PasteIsUndoneOnItsOwn)
+{
+    ASSERT_TRUE(stage.screen().type(u"Field"_s, u"ab"_s));
+    QTest::keySequence(&stage.window(), QKeySequence::Paste);
+    stage.screen().typeText(u"c"_s);
+    ASSERT_EQ(text(), u"abcopiedc"_s);
+    for (const auto &left : {u"abcopied"_s, u"ab"_s, QString()}) {
+        QTest::keySequence(&stage.window(), QKeySequence::Undo);
+        EXPECT_EQ(text(), left);
+    }
 }
 
 TEST_F(EditMenuTest, SelectAllSelectsAll)

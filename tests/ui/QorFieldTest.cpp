@@ -5,6 +5,8 @@
 #include <QClipboard>
 #include <QFont>
 #include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QJSValue>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -113,6 +115,21 @@ TEST(QorField, KeepsWhatIsPastedOnOneLine)
     stage.screen().typeText(QStringLiteral("!"));
     EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("ada@example.org!"));
     EXPECT_EQ(accessible(stage)->text(QAccessible::Value), QStringLiteral("ada@example.org!"));
+}
+
+TEST(QorField, KeepsWhatAnInputMethodCommitsOnOneLine)
+{
+    ComponentStage stage("QorField { property var told: []; label: \"Name\"; "
+                         "onTextEdited: told.push(text + \"|\" + cursorPosition) }");
+    ASSERT_TRUE(stage.screen().type(QStringLiteral("Name"), QStringLiteral("<>")));
+    stage.screen().key(Qt::Key_Left);
+    QInputMethodEvent commit;
+    commit.setCommitString(QStringLiteral("a\nb\n"));
+    QCoreApplication::sendEvent(stage.window().activeFocusItem(), &commit);
+    EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("<a b >"));
+    EXPECT_EQ(stage.item()->property("cursorPosition").toInt(), 4);
+    EXPECT_EQ(stage.item()->property("told").value<QJSValue>().toVariant().toStringList().last(),
+              QStringLiteral("<a b >|4"));
 }
 
 TEST(QorField, TellsWhenEnterIsPressed)
