@@ -45,7 +45,8 @@ Card {
             // Three times side by side need some 70 points each at the normal text size, in some scripts more.
             readonly property real third: (width - 2 * columnSpacing) / 3
             readonly property real widest: Math.max(entered.narrowWidth, left.narrowWidth, worked.narrowWidth)
-            readonly property bool stacked: width < 226 * Theme.textScale || widest > third
+            // Nobody sees a time that is drawn a twentieth smaller: that rather than another layout at ten o'clock.
+            readonly property bool stacked: width < 226 * Theme.textScale || widest > 1.05 * third
             readonly property real cell: stacked ? width : third
 
             readonly property real narrowSize: sizeIn(third)

@@ -306,6 +306,20 @@ TEST_F(HomeViewInLocale, TimesOfManyLettersStayClearOfEachOther)
     }
 }
 
+TEST_F(HomeViewTest, TimesOfFourDigitsStandBesideEachOtherOnTheSmallestScreenToo)
+{
+    QByteArray late = complete;
+    late.replace("T09:04", "T10:48").replace("T17:09", "T22:48");
+    open(late, inside, {320, 568});
+    ASSERT_TRUE(screen().waitFor(u"8h 5m"_s));
+    stage->view().grabWindow();
+    const auto in = screen().find(u"Check-in"_s, QAccessible::StaticText);
+    const auto out = screen().find(u"Check-out"_s, QAccessible::StaticText);
+    ASSERT_TRUE(in && out) << screen().dump().toStdString();
+    EXPECT_EQ(in->rect.top(), out->rect.top());
+    EXPECT_LT(in->rect.left(), out->rect.left());
+}
+
 TEST_F(HomeViewTest, TheSymbolOfALargeTextStandsBesideIt)
 {
     open(beforeCheckIn, inside, {320, 568});
