@@ -8,7 +8,7 @@
 
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMouseEvent>
+#include <QPointerEvent>
 #include <QPointingDevice>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -71,14 +71,14 @@ void EditMenuControl::open(bool byKeyboard)
 
 bool EditMenuControl::eventFilter(QObject *, QEvent *event)
 {
-    switch (event->type()) {
+    switch (event->type()) { // a finger's come as another class than QMouseEvent
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
-        return pressed(static_cast<QMouseEvent *>(event));
+        return pressed(static_cast<QSinglePointEvent *>(event));
     case QEvent::MouseMove:
-        return moved(static_cast<QMouseEvent *>(event));
+        return moved(static_cast<QSinglePointEvent *>(event));
     case QEvent::MouseButtonRelease:
-        return released(static_cast<QMouseEvent *>(event));
+        return released(static_cast<QSinglePointEvent *>(event));
     case QEvent::KeyPress:
         return key(static_cast<QKeyEvent *>(event));
     default:
@@ -86,7 +86,7 @@ bool EditMenuControl::eventFilter(QObject *, QEvent *event)
     }
 }
 
-bool EditMenuControl::pressed(const QMouseEvent *event)
+bool EditMenuControl::pressed(const QSinglePointEvent *event)
 {
     m_held = false;
     m_holding.stop();
@@ -108,7 +108,7 @@ bool EditMenuControl::pressed(const QMouseEvent *event)
     return true;
 }
 
-bool EditMenuControl::moved(const QMouseEvent *event)
+bool EditMenuControl::moved(const QSinglePointEvent *event)
 {
     const QPointF way = event->position() - m_pressedAt;
     if (way.manhattanLength() >= QGuiApplication::styleHints()->startDragDistance())
@@ -116,7 +116,7 @@ bool EditMenuControl::moved(const QMouseEvent *event)
     return m_held; // it moves what is selected no more
 }
 
-bool EditMenuControl::released(const QMouseEvent *event)
+bool EditMenuControl::released(const QSinglePointEvent *event)
 {
     m_holding.stop();
     if (event->button() == Qt::RightButton)

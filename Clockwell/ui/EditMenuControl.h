@@ -11,7 +11,7 @@
 #include <QtQml/qqmlregistration.h>
 
 class QKeyEvent;
-class QMouseEvent;
+class QSinglePointEvent;
 
 namespace clockwell {
 
@@ -50,9 +50,9 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
-    bool pressed(const QMouseEvent *event);
-    bool moved(const QMouseEvent *event);
-    bool released(const QMouseEvent *event);
+    bool pressed(const QSinglePointEvent *event);
+    bool moved(const QSinglePointEvent *event);
+    bool released(const QSinglePointEvent *event);
     void grabbed(QObject *item, QPointingDevice::GrabTransition transition);
     bool key(QKeyEvent *event);
     void longPressed();

@@ -3,7 +3,7 @@
 #include "EditMenuKeys.h"
 
 #include <QKeyEvent>
-#include <QMouseEvent>
+#include <QPointerEvent>
 
 #include <algorithm>
 
@@ -22,8 +22,8 @@ bool OpenEditMenu::eventFilter(QObject *, QEvent *event)
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
         if (!isBeside(static_cast<QPointerEvent *>(event)))
-            return event->isSinglePointEvent() &&
-                   static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton; // not for what lies below
+            return event->isSinglePointEvent() && static_cast<QSinglePointEvent *>(event)->button() !=
+                                                      Qt::LeftButton; // not for what lies below
         close();
         return false;
     case QEvent::Wheel:

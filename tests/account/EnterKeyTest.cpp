@@ -69,8 +69,9 @@ class ChangePasswordEnterKeyTest : public ProfileScreen
 
 TEST_F(ChangePasswordEnterKeyTest, LeadsToTheNewPasswordAndSendsBoth)
 {
-    server.expect("GET", "/api/auth/me").never();
+    server.expect("GET", "/api/auth/me").anyNumber().reply(200, test::userJson("Kel Voss"));
     show();
+    ASSERT_TRUE(requests(u"/api/auth/me"_s, 1));
     ASSERT_TRUE(openSheet());
     EXPECT_EQ(enterKeyOf(screen(), u"Current password"_s), Qt::EnterKeyNext);
     EXPECT_EQ(enterKeyOf(screen(), u"New password"_s), Qt::EnterKeyGo);
