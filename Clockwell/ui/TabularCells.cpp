@@ -34,4 +34,9 @@ QStringList tabularCells(const QString &text)
     return cells;
 }
 
+bool isDigitCell(const QString &cell)
+{
+    return cell.size() == 1 && isDigit(cell.front());
+}
+
 } // namespace clockwell

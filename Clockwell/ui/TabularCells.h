@@ -9,4 +9,7 @@ namespace clockwell {
 /// scripts join their letters, put marks on them or run leftwards.
 QStringList tabularCells(const QString &text);
 
+/// Whether the piece is a digit, and so takes the width of the widest one.
+bool isDigitCell(const QString &cell);
+
 } // namespace clockwell

@@ -73,8 +73,7 @@ qreal Theme::tabularWidth(const QString &text, const QFont &font) const
     const QFontMetricsF metrics(font);
     qreal width = 0;
     for (const QString &cell : clockwell::tabularCells(text)) {
-        const bool isDigit = cell.size() == 1 && cell.front() >= u'0' && cell.front() <= u'9';
-        width += isDigit ? digitWidth(font) : std::ceil(metrics.horizontalAdvance(cell));
+        width += isDigitCell(cell) ? digitWidth(font) : std::ceil(metrics.horizontalAdvance(cell));
     }
     return width;
 }

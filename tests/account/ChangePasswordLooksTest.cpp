@@ -9,10 +9,6 @@ namespace {
 using namespace test;
 using namespace palette;
 
-constexpr auto Medium = QFont::Medium;
-constexpr auto DemiBold = QFont::DemiBold;
-constexpr auto Normal = QFont::Normal;
-
 class ChangePasswordLooksTest : public ProfileScreen
 {
 protected:

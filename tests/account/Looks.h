@@ -18,6 +18,10 @@
 namespace clockwell::test {
 
 inline constexpr QRgb white = 0xffffffff;
+inline constexpr auto Normal = QFont::Normal;
+inline constexpr auto Medium = QFont::Medium;
+inline constexpr auto DemiBold = QFont::DemiBold;
+inline constexpr auto Bold = QFont::Bold;
 
 /// How something that is drawn looks: a text, a symbol, the rounded rectangle behind a field, button or row,
 /// a rule or the logo.

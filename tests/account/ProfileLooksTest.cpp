@@ -9,11 +9,6 @@ namespace {
 using namespace test;
 using namespace palette;
 
-constexpr auto Medium = QFont::Medium;
-constexpr auto DemiBold = QFont::DemiBold;
-constexpr auto Bold = QFont::Bold;
-constexpr auto Normal = QFont::Normal;
-
 class ProfileLooksTest : public ProfileScreen
 {
 protected:

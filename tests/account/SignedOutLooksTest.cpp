@@ -13,11 +13,6 @@ using namespace palette;
 /// Between the things of a form, before what each of them adds above itself.
 constexpr qreal spacing = 6;
 
-constexpr auto Medium = QFont::Medium;
-constexpr auto DemiBold = QFont::DemiBold;
-constexpr auto Bold = QFont::Bold;
-constexpr auto Normal = QFont::Normal;
-
 class SignedOutLooksTest : public AccountScreens
 {
 protected:
