@@ -24,11 +24,16 @@ dev_screens() {
     QT_QPA_PLATFORM=offscreen build/dev/bin/clockwell_screens out/screens
 }
 
+# --brief: a short run in the development build that judges no figure; it shows that every benchmark works.
 dev_bench() {
     ensure_packages "${test_packages[@]}" "${bench_packages[@]}"
-    build bench
-    local failed=0 bench
-    for bench in build/bench/bin/bench/*; do
+    local preset=bench failed=0 bench
+    if [ "${1:-}" = --brief ]; then
+        preset=dev
+        export CLOCKWELL_BENCH_BRIEF=1
+    fi
+    configure=(-DCLOCKWELL_BENCHMARKS=ON) build "$preset" benchmarks
+    for bench in build/$preset/bin/bench/*; do
         [ -x "$bench" ] && [ -f "$bench" ] || continue
         QT_QPA_PLATFORM=offscreen tests/support/with-secret-service "$bench" || failed=1
     done

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int many = 10'000;
 constexpr int few = 10;
-constexpr int rounds = 5;
+const int rounds = bench::roundsOf(5);
 constexpr int runLimitMs = 60'000;
 constexpr double frameMs = 16;
 constexpr double mostMoreBytes = 12.0 * 1024 * 1024;
