@@ -15,35 +15,48 @@ target_compile_definitions(clockwell_qt INTERFACE
 target_include_directories(clockwell_qt INTERFACE "${PROJECT_SOURCE_DIR}/Clockwell")
 target_link_libraries(clockwell_qt INTERFACE clockwell_warnings Qt6::Core)
 
-# A room of the app with QML in it: a static library and its QML module.
-#   clockwell_qml_room(TARGET URI QML_FILES ... SOURCES ... LIBRARIES ... IMPORTS ...)
-function(clockwell_qml_room target uri)
-    cmake_parse_arguments(PARSE_ARGV 2 room "" "" "QML_FILES;SOURCES;LIBRARIES;IMPORTS;SINGLETONS")
-    foreach(file IN LISTS room_QML_FILES)
+# A module of the app with QML in it: a static library and its QML module.
+#   clockwell_qml_module(TARGET URI QML_FILES ... SOURCES ... LIBRARIES ... IMPORTS ...)
+function(clockwell_qml_module target uri)
+    cmake_parse_arguments(PARSE_ARGV 2 module "" "" "QML_FILES;SOURCES;LIBRARIES;IMPORTS")
+    foreach(file IN LISTS module_QML_FILES)
         get_filename_component(alias "${file}" NAME)
         set_source_files_properties("${file}" PROPERTIES QT_RESOURCE_ALIAS "${alias}")
     endforeach()
-    foreach(file IN LISTS room_SINGLETONS)
-        set_source_files_properties("${file}" PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
-    endforeach()
     string(REPLACE "." "/" directory "${uri}")
+    # Set before the module is made, which needs it, and only here: the libraries that Qt adds for resources have no macros.
+    qt_add_library(${target} STATIC)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
     qt_add_qml_module(${target}
         URI ${uri}
         VERSION 1.0
-        STATIC
         RESOURCE_PREFIX /qt/qml
         OUTPUT_DIRECTORY "${QT_QML_OUTPUT_DIRECTORY}/${directory}"
-        QML_FILES ${room_QML_FILES}
-        SOURCES ${room_SOURCES}
-        IMPORTS ${room_IMPORTS}
+        QML_FILES ${module_QML_FILES}
+        SOURCES ${module_SOURCES}
+        IMPORTS ${module_IMPORTS}
         DEPENDENCIES QtQuick)
-    target_link_libraries(${target} PUBLIC clockwell_qt Qt6::Quick ${room_LIBRARIES})
+    set_target_properties(${target}plugin PROPERTIES AUTOMOC ON)
+    target_link_libraries(${target} PUBLIC clockwell_qt Qt6::Quick ${module_LIBRARIES})
     target_include_directories(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
-    # Generated registration and cache sources are Qt's, not ours: their warnings are not ours to fix.
+    clockwell_merge_compiled_qml(${target})
+    # Generated registration sources are Qt's, not ours: their warnings are not ours to fix.
     target_compile_options(${target}plugin PRIVATE -Wno-conversion)
-    get_target_property(sources ${target} SOURCES)
-    list(FILTER sources INCLUDE REGEX "/\\.rcc/qmlcache/")
-    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS "-Wno-conversion;-Wno-shadow")
+endfunction()
+
+# Compiles the C++ that Qt generates from a module's QML files in one translation unit, without the warnings that are not
+# ours to fix: every one of the files reads the same headers for seconds and then compiles in no time.
+function(clockwell_merge_compiled_qml target)
+    get_target_property(generated ${target} SOURCES)
+    list(FILTER generated INCLUDE REGEX "/\\.rcc/qmlcache/")
+    set_source_files_properties(${generated} PROPERTIES HEADER_FILE_ONLY ON)
+    list(TRANSFORM generated REPLACE "(.+)" "#include \"\\1\"" OUTPUT_VARIABLE includes)
+    list(JOIN includes "\n" includes)
+    set(merged "${CMAKE_CURRENT_BINARY_DIR}/${target}_compiled_qml.cpp")
+    file(CONFIGURE OUTPUT "${merged}" CONTENT "@includes@\n" @ONLY)
+    set_source_files_properties("${merged}" PROPERTIES
+        COMPILE_OPTIONS "-Wno-conversion;-Wno-shadow" SKIP_AUTOMOC ON SKIP_UNITY_BUILD_INCLUSION ON)
+    target_sources(${target} PRIVATE "${merged}")
 endfunction()
 
 # The start of a program of the app looks thousands of symbols up, library by library in the order of linking: with the

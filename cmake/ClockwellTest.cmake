@@ -1,27 +1,38 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# One line a test:
-#   clockwell_test(NAME SOURCES a.cpp ... LIBRARIES target ... [SECRET_SERVICE] [TIMEOUT seconds])
-# SECRET_SERVICE runs it on a session bus of its own with an unlocked secret service behind it.
+# A program of tests, one a module wherever its tests can share a process:
+#   clockwell_test(NAME SOURCES a.cpp ... LIBRARIES target ... [NO_MAIN] [PRECOMPILE header ...]
+#                  [SECRET_SERVICE | WHOLE] [TIMEOUT seconds])
+# ctest lists every case of it and runs each in a process of its own. With WHOLE it lists and runs the program as one, and
+# with SECRET_SERVICE likewise, on a session bus of its own with an unlocked secret service behind it. NO_MAIN: one of the
+# libraries brings the main function. What most of the sources include is worth naming after PRECOMPILE.
 function(clockwell_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 test "SECRET_SERVICE;NO_MAIN" "TIMEOUT" "SOURCES;LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 1 test "SECRET_SERVICE;NO_MAIN;WHOLE" "TIMEOUT" "SOURCES;LIBRARIES;PRECOMPILE")
     add_executable(${name} ${test_SOURCES})
-    # Fixtures in anonymous namespaces do not stand side by side in one translation unit.
-    set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
     target_link_libraries(${name} PRIVATE clockwell_warnings GTest::gmock ${test_LIBRARIES})
     if(NOT test_NO_MAIN)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
     endif()
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    if(test_PRECOMPILE)
+        target_precompile_headers(${name} PRIVATE ${test_PRECOMPILE})
+    endif()
     if(NOT test_TIMEOUT)
         set(test_TIMEOUT 120)
     endif()
-    set(command ${name})
-    if(test_SECRET_SERVICE)
-        set(command "${PROJECT_SOURCE_DIR}/tests/support/with-secret-service" $<TARGET_FILE:${name}>)
-    endif()
-    add_test(NAME ${name} COMMAND ${command})
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT
+    set(environment
         "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FORCE_STDERR_LOGGING=1;LC_ALL=C.UTF-8")
+    if(test_SECRET_SERVICE OR test_WHOLE)
+        set(launcher "")
+        if(test_SECRET_SERVICE)
+            set(launcher "${PROJECT_SOURCE_DIR}/tests/support/with-secret-service")
+        endif()
+        add_test(NAME ${name} COMMAND ${launcher} $<TARGET_FILE:${name}>)
+        set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
+    else()
+        # Listed when ctest starts, so that a build alone runs nothing.
+        gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+            PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
+    endif()
 endfunction()

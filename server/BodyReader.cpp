@@ -15,6 +15,8 @@ namespace clockwell::server {
 
 namespace {
 
+constexpr std::size_t LongestCode = 64; // characters
+
 /// The media type without its parameters, in lower case.
 std::string mediaType(std::string_view contentType)
 {
@@ -128,6 +130,11 @@ std::optional<std::string> BodyReader::optionalText(const char *key, std::size_t
 std::string BodyReader::account(const char *key)
 {
     return name(key, LongestEmail);
+}
+
+std::string BodyReader::code(const char *key)
+{
+    return text(key, LongestCode);
 }
 
 std::string BodyReader::emailAddress(const char *key)

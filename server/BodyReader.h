@@ -35,6 +35,8 @@ public:
     std::string password(const char *key);
     /// A text that may become an account's password.
     std::string newPassword(const char *key);
+    /// What somebody typed as the code that was mailed to them, in whatever form.
+    std::string code(const char *key);
     double number(const char *key, double smallest, double largest = std::numeric_limits<double>::max());
     bool boolean(const char *key);
 

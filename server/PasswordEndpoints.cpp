@@ -13,8 +13,6 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestCode = 64; // characters
-
 /// Not 401: a client would take that for the end of its session.
 ApiError wrongPassword()
 {
@@ -57,7 +55,7 @@ Response PasswordEndpoints::reset(const Request &request)
 {
     BodyReader body{request};
     const std::string key = emailKey(body.account("email"));
-    const std::string code = body.text("code", LongestCode);
+    const std::string code = body.code("code");
     const std::string password = body.newPassword("newPassword");
     body.finish();
     const Codes::Match match = m_codes.judge(key, code);

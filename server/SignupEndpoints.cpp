@@ -19,7 +19,6 @@ constexpr std::size_t LongestName = 200;
 constexpr std::size_t LongestPhone = 64;
 constexpr std::size_t LongestDeviceText = 128;
 constexpr std::size_t LongestCompanyCode = 64;
-constexpr std::size_t LongestCode = 64;
 
 Day utcDayOf(Instant instant)
 {
@@ -128,7 +127,7 @@ Response SignupEndpoints::verify(const Request &request)
 {
     BodyReader body{request};
     const std::string key = emailKey(body.account("email"));
-    const std::string code = body.text("code", LongestCode);
+    const std::string code = body.code("code");
     body.finish();
     // A code for a new password proves the address as well: whoever got one and then came here need not start
     // over.

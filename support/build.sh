@@ -1,21 +1,37 @@
 # Configuring and building a preset. Sourced by ./dev.
 
-# Paths relative to the checkout in the compiler cache, so that every clone of the project shares it.
-export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+# Paths relative to the checkout in the compiler cache, so that every clone of the project shares it. The sloppiness is
+# what the cache needs for precompiled headers; it gives up macros of the time and date, which are not used.
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
 
-build() { # preset, targets...
+build() { # preset, targets...; an array `configure` of the caller holds further options for CMake
     local preset=$1
     shift
     ensure_packages "${build_packages[@]}" "${run_packages[@]}"
     ensure_icons
-    cmake --preset "$preset" >"build/.$preset.configure.log" 2>&1 || {
+    cmake --preset "$preset" "${configure[@]}" >"build/.$preset.configure.log" 2>&1 || {
         cat "build/.$preset.configure.log"
         return 1
     }
-    if [ $# -gt 0 ]; then
-        cmake --build --preset "$preset" --target "$@"
-    else
-        cmake --build --preset "$preset"
-    fi
+    local targets=()
+    [ $# -gt 0 ] && targets=(--target "$@")
+    NINJA_STATUS='@%p ' cmake --build --preset "$preset" "${targets[@]}" 2>&1 | progress "Building ${*:-everything}"
+}
+
+# progress LABEL: what a build prints as one line that counts up on a terminal, and as a line a quarter elsewhere;
+# whatever the build says besides (warnings, errors) stays.
+progress() {
+    local terminal=
+    [ -t 1 ] && terminal=1
+    awk -v label="$1" -v terminal="$terminal" '
+        /^@ *[0-9]+% / {
+            percent = substr($0, 2) + 0
+            if (terminal) { printf "\r%s: %d %%", label, percent; fflush(); open = 1 }
+            else if (percent >= next_line) { print label ": " percent " %"; fflush(); next_line = (int(percent / 25) + 1) * 25 }
+            next
+        }
+        /^ninja: (no work to do|Entering directory)/ { next }
+        { if (open) { print ""; open = 0 } print; fflush() }
+        END { if (open) print "" }'
 }
 mkdir -p build

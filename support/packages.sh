@@ -1,7 +1,7 @@
 # The Debian packages that each command needs, and their installation. Sourced by ./dev.
 
 build_packages=(
-    g++ cmake ninja-build ccache pkg-config ca-certificates
+    g++ cmake ninja-build ccache mold pkg-config ca-certificates
     qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-positioning-dev qt6-svg-dev
     libgl-dev libopengl-dev
     qcoro-qt6-dev libsecret-1-dev libicu-dev libsimdjson-dev nlohmann-json3-dev libboost1.81-dev
@@ -44,7 +44,7 @@ ensure_packages() {
         echo "These packages are needed (their names as on Debian 12): ${missing[*]}" >&2
         return 1
     fi
-    echo "Installing ${missing[*]}"
+    echo "Installing ${#missing[@]} packages"
     as_root apt-get update -qq
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }

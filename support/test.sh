@@ -32,7 +32,8 @@ dev_bench() {
         preset=dev
         export CLOCKWELL_BENCH_BRIEF=1
     fi
-    configure=(-DCLOCKWELL_BENCHMARKS=ON) build "$preset" benchmarks
+    local configure=(-DCLOCKWELL_BENCHMARKS=ON)
+    build "$preset" benchmarks
     for bench in build/$preset/bin/bench/*; do
         [ -x "$bench" ] && [ -f "$bench" ] || continue
         QT_QPA_PLATFORM=offscreen tests/support/with-secret-service "$bench" || failed=1
