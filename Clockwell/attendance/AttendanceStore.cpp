@@ -22,6 +22,23 @@ QCoro::Task<Fix> fixFrom(QPointer<LocationManager> location)
     co_return co_await location->currentFix(AttendanceStore::fixTimeout);
 }
 
+/// A punch never ends in silence: when another request takes its place at the location service, it fails like
+/// one whose position is unavailable.
+QCoro::Task<Fix> fixForPunch(QPointer<LocationManager> location)
+{
+    try {
+        co_return co_await fixFrom(location);
+    } catch (const Abandoned &) {
+    }
+    throw LocationError(LocationError::Kind::Unavailable);
+}
+
+/// One position for several who wait for it.
+QCoro::Task<Fix> shared(std::shared_ptr<QCoro::Task<Fix>> fix)
+{
+    co_return co_await *fix;
+}
+
 QMap<QString, QString> positionQuery(const Fix &fix)
 {
     return {{QStringLiteral("lat"), shortestDecimal(fix.latitude)},
@@ -74,7 +91,7 @@ QCoro::Task<> AttendanceStore::checkDistance(QPointer<LocationManager> location)
 {
     const BusyFlag busy(this, &AttendanceStore::countCheckingDistance);
     try {
-        const Fix fix = co_await whileAlive(this, fixFrom(location));
+        const Fix fix = co_await whileAlive(this, fixForCheck(location));
         m_live = co_await whileAlive(
             this, m_api.request<std::optional<DistanceResponse>>(QStringLiteral("attendance/distance"), get,
                                                                  positionQuery(fix), std::nullopt, true));
@@ -97,9 +114,21 @@ QCoro::Task<> AttendanceStore::punch(QPointer<LocationManager> location)
     co_await whileAlive(this, checkDistance(location));
 }
 
+QCoro::Task<Fix> AttendanceStore::fixForCheck(QPointer<LocationManager> location)
+{
+    if (!m_punchFix || m_punchFix->isReady())
+        co_return co_await fixFrom(location);
+    try {
+        co_return co_await shared(m_punchFix);
+    } catch (...) {
+    }
+    throw Abandoned{}; // the banner of the punch says why
+}
+
 QCoro::Task<> AttendanceStore::sendPunch(QPointer<LocationManager> location)
 {
-    const Fix fix = co_await whileAlive(this, fixFrom(location));
+    m_punchFix = std::make_shared<QCoro::Task<Fix>>(fixForPunch(location));
+    const Fix fix = co_await whileAlive(this, shared(m_punchFix));
     const auto answer = co_await whileAlive(
         this, m_api.request<PunchResponse, PunchBody>(QStringLiteral("attendance/punch"), post, {},
                                                       punchBody(fix, m_deviceId()), true));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "attendance/Banner.h"
+#include "attendance/LocationSource.h"
 #include "net/WireRecords.h"
 
 #include <QCoro/QCoroTask>
@@ -10,6 +11,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace clockwell {
@@ -21,8 +23,8 @@ class LocationManager;
 /// banner. Knows no rule of attendance; every decision is the server's. Main thread only.
 ///
 /// The operations never throw a failure: it becomes a banner, or is dropped. Awaiting one may throw
-/// Abandoned, when the store or the location manager died meanwhile or another request for a position took
-/// its place.
+/// Abandoned, when the store died meanwhile, and for a check of the distance also when the location manager
+/// died, another request for a position took its place, or the punch whose position it shared got none.
 class AttendanceStore : public QObject
 {
     Q_OBJECT
@@ -52,8 +54,10 @@ public:
     void setBanner(std::optional<Banner> banner);
 
     QCoro::Task<> loadToday();
+    /// While a punch waits for its position, the check waits for the same one and asks for none of its own:
+    /// the location service has one request at a time, and the punch's would be lost.
     QCoro::Task<> checkDistance(QPointer<LocationManager> location);
-    /// Sends one punch, then reloads the day and the distance.
+    /// Sends one punch, then reloads the day and the distance. Ends with a banner in any case.
     QCoro::Task<> punch(QPointer<LocationManager> location);
     /// In the server's order. A failure is silent.
     QCoro::Task<> loadHistory();
@@ -76,10 +80,12 @@ private:
     void countPunching(bool begins);
     void countCheckingDistance(bool begins);
     void showError(const std::exception &error);
+    QCoro::Task<Fix> fixForCheck(QPointer<LocationManager> location);
     QCoro::Task<> sendPunch(QPointer<LocationManager> location);
 
     APIClient &m_api;
     std::function<QString()> m_deviceId;
+    std::shared_ptr<QCoro::Task<Fix>> m_punchFix; // of the latest punch, which several may await
     std::optional<TodayResponse> m_today;
     std::optional<DistanceResponse> m_live;
     QList<AttendanceRecord> m_history;

@@ -349,10 +349,52 @@ TEST_F(AttendanceStoreTest, LocationManagerThatDiesMidFlightStopsTheSpinner)
     location.reset();
     EXPECT_TRUE(spinUntil([&] { return punch->done; }));
     EXPECT_TRUE(isIdle());
-    EXPECT_FALSE(store->banner());
+    EXPECT_EQ(bannerText(), "Location is unavailable right now.");
+    store->setBanner({});
     const auto check = observe<void>(store->checkDistance(location.get()));
     EXPECT_TRUE(check->done);
+    EXPECT_FALSE(store->banner());
     EXPECT_TRUE(isIdle());
+    await(store->punch(location.get()));
+    EXPECT_EQ(bannerText(), "Location is unavailable right now.");
+}
+
+TEST_F(AttendanceStoreTest, APunchWhosePositionIsTakenAwaySaysSo)
+{
+    source->immediate.reset();
+    const auto punch = observe<void>(store->punch(location.get()));
+    const auto other = observe<Fix>(location->currentFix(15));
+    ASSERT_TRUE(spinUntil([&] { return punch->done; }));
+    EXPECT_EQ(bannerText(), "Location is unavailable right now.");
+    EXPECT_EQ(store->banner()->kind, Banner::Kind::Error);
+    EXPECT_TRUE(isIdle());
+    EXPECT_FALSE(other->done);
+}
+
+TEST_F(AttendanceStoreTest, OfTwoPunchesTheOneThatIsReplacedSaysSo)
+{
+    source->immediate.reset();
+    server.expect("POST", punchPath).reply(403, R"({"message":"Outside"})");
+    const auto first = observe<void>(store->punch(location.get()));
+    const auto second = observe<void>(store->punch(location.get()));
+    ASSERT_TRUE(spinUntil([&] { return first->done; }));
+    EXPECT_EQ(bannerText(), "Location is unavailable right now.");
+    source->deliver({Fix{1, 2, 3}});
+    ASSERT_TRUE(spinUntil([&] { return second->done; }));
+    EXPECT_EQ(bannerText(), "Outside");
+    EXPECT_TRUE(isIdle());
+}
+
+TEST_F(AttendanceStoreTest, ACheckThatSharesThePunchsPositionEndsWithTheStore)
+{
+    source->immediate.reset();
+    const auto punch = observe<void>(store->punch(location.get()));
+    const auto check = observe<void>(store->checkDistance(location.get()));
+    store.reset();
+    source->deliver({Fix{1, 2, 3}});
+    ASSERT_TRUE(spinUntil([&] { return punch->done && check->done; }));
+    EXPECT_TRUE(punch->error && check->error);
+    EXPECT_TRUE(server.requests().isEmpty());
 }
 
 TEST_F(AttendanceStoreTest, WithoutAnIdOfItsOwnItSendsTheDevices)
