@@ -11,17 +11,23 @@ HomeViewModel::HomeViewModel(QObject *parent) : HomeViewModel(DateFormats::syste
 
 HomeViewModel::HomeViewModel(DateFormats::Clock clock, DateFormats formats, QObject *parent)
     : TabViewModel(parent), m_clock(std::move(clock)), m_formats(std::move(formats))
-{}
+{
+    // The clock signals nothing: greeting and date are made anew whenever anything else on the screen
+    // changes.
+    for (const auto change : {&HomeViewModel::todayChanged, &HomeViewModel::liveChanged,
+                              &HomeViewModel::busyChanged, &HomeViewModel::hintChanged})
+        connect(this, change, this, &HomeViewModel::momentChanged);
+}
 
 void HomeViewModel::attend()
 {
     if (AttendanceStore *store = attendance()) {
         connect(store, &AttendanceStore::todayChanged, this, &HomeViewModel::todayChanged);
-        connect(store, &AttendanceStore::todayChanged, this, &HomeViewModel::momentChanged);
         connect(store, &AttendanceStore::liveChanged, this, &HomeViewModel::liveChanged);
         connect(store, &AttendanceStore::loadingTodayChanged, this, &HomeViewModel::busyChanged);
         connect(store, &AttendanceStore::checkingDistanceChanged, this, &HomeViewModel::busyChanged);
         connect(store, &AttendanceStore::punchingChanged, this, &HomeViewModel::busyChanged);
+        connect(store, &AttendanceStore::bannerChanged, this, &HomeViewModel::momentChanged);
     }
     Q_EMIT todayChanged();
     Q_EMIT liveChanged();

@@ -62,6 +62,34 @@ TEST_F(HomeViewModelTest, GreetsByTheClock)
     EXPECT_EQ(model->greeting(), u"Good evening"_s);
 }
 
+TEST_F(HomeViewModelTest, GreetingAndDateAreMadeAnewWithWhateverElseChanges)
+{
+    services.server.expect("GET", "/api/attendance/today").reply(500, R"({"message":"Down"})");
+    services.server.expect("GET", "/api/attendance/distance").reply(500, R"({"message":"Down"})");
+    const QList<std::pair<const char *, std::function<void()>>> changes{
+        {"a position", [this] { locate(inside); }},
+        {"a check that fails", [this] { await(services.store->checkDistance(services.location.get())); }},
+        {"a load that fails", [this] { await(services.store->loadToday()); }},
+        {"a banner that goes", [this] { services.store->setBanner({}); }},
+        {"a banner that comes", [this] { services.store->setBanner(Banner{.text = u"Down"_s}); }},
+        {"a punch", [this] { QMetaObject::invokeMethod(services.store.get(), "punchingChanged"); }},
+        {"a permission",
+         [this] {
+             services.source->answer(AuthorizationStatus::Denied);
+             QCoreApplication::processEvents();
+         }},
+    };
+    QString shown; // as a binding would
+    QObject::connect(model.get(), &HomeViewModel::momentChanged,
+                     [&] { shown = model->greeting() + u' ' + model->dateLine(); });
+    for (const auto &[name, change] : changes) {
+        now += 27h;
+        change();
+        const QString expected = model->greeting() + u' ' + model->dateLine();
+        EXPECT_EQ(shown.toStdString(), expected.toStdString()) << name;
+    }
+}
+
 TEST_F(HomeViewModelTest, BeforeTheFirstAnswer)
 {
     EXPECT_EQ(model->officeName(), u"—"_s);

@@ -1,5 +1,6 @@
 #include "HomeStage.h"
 
+#include "attendance/DateFormats.h"
 #include "support/screen/QmlStage.h"
 #include "ui/Theme.h"
 
@@ -176,6 +177,33 @@ TEST_F(HomeViewTest, RefreshLocationSpinsAndStaysPressable)
     services.source->deliver({Fix{1, 2, 3}});
     EXPECT_TRUE(showsAll({u"1240m"_s}));
     EXPECT_TRUE(services.settle(3));
+}
+
+TEST_F(HomeViewTest, TheDateIsMadeAnewWithThePositionABannerAndAFailedLoad)
+{
+    const QByteArray before = qgetenv("TZ");
+    // Zones between which the date always differs. The device's zone is read anew each time, and stands for
+    // the day here that has gone on.
+    int moves = 0;
+    const auto moveOn = [&] { qputenv("TZ", moves++ % 2 == 0 ? "Etc/GMT+12" : "Etc/GMT-14"); };
+    const auto date = [] { return DateFormats().longDate(DateFormats::systemNow()); };
+    moveOn();
+    open(beforeCheckIn, inside);
+    EXPECT_TRUE(showsAll({date()}));
+    moveOn();
+    services.expectDistance(inside);
+    ASSERT_TRUE(screen().click(u"Refresh my location"_s, QAccessible::Button));
+    EXPECT_TRUE(showsAll({date()}));
+    ASSERT_TRUE(services.settle(3));
+    moveOn();
+    services.store->setBanner(Banner{.text = u"Outside"_s});
+    EXPECT_TRUE(showsAll({date()}));
+    moveOn();
+    services.server.expect("GET", "/api/attendance/today").reply(500);
+    screen().key(Qt::Key_F5);
+    EXPECT_TRUE(showsAll({date()}));
+    ASSERT_TRUE(services.settle(4));
+    before.isNull() ? qunsetenv("TZ") : qputenv("TZ", before);
 }
 
 TEST_F(HomeViewTest, SaysThatItIsLocating)
