@@ -4,8 +4,11 @@
 #include <QLocale>
 
 #include <unicode/gregocal.h>
+#include <unicode/simpletz.h>
 #include <unicode/smpdtfmt.h>
 
+#include <cmath>
+#include <ctime>
 #include <memory>
 
 namespace clockwell {
@@ -52,12 +55,27 @@ icu::Locale deviceLocale()
 }
 #endif
 
-std::unique_ptr<icu::TimeZone> zoneOf(const QByteArray &name)
+std::unique_ptr<icu::TimeZone> namedZone(const QByteArray &name)
 {
-    // detectHostTimeZone() looks afresh, the default zone is the one of the start.
     return std::unique_ptr<icu::TimeZone>(
-        name.isEmpty() ? icu::TimeZone::detectHostTimeZone()
-                       : icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name.constData())));
+        icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name.constData())));
+}
+
+/// A zone with the device's offset from UTC at one moment. The offset comes from the C library, which
+/// understands everything that TZ may hold; ICU takes a POSIX rule like "CET-1CEST,M3.5.0,M10.5.0/3" for UTC.
+std::unique_ptr<icu::TimeZone> deviceZone(UDate moment)
+{
+    const auto seconds = static_cast<std::time_t>(std::floor(moment / U_MILLIS_PER_SECOND));
+    tzset(); // localtime_r() alone would not notice that the setting has changed
+    std::tm local{};
+    const bool known = localtime_r(&seconds, &local) != nullptr;
+    const auto ahead = static_cast<int32_t>(known ? local.tm_gmtoff : 0);
+    return std::make_unique<icu::SimpleTimeZone>(ahead * U_MILLIS_PER_SECOND, icu::UnicodeString());
+}
+
+std::unique_ptr<icu::TimeZone> zoneAt(UDate moment, const QByteArray &name)
+{
+    return name.isEmpty() ? deviceZone(moment) : namedZone(name);
 }
 
 icu::Locale localeOf(const QByteArray &name)
@@ -91,7 +109,7 @@ std::unique_ptr<icu::SimpleDateFormat> formatter(const char16_t *pattern, const 
 
 QString write(const char16_t *pattern, UDate moment, const QByteArray &locale, const QByteArray &zone)
 {
-    const auto format = formatter(pattern, localeOf(locale), zoneOf(zone));
+    const auto format = formatter(pattern, localeOf(locale), zoneAt(moment, zone));
     if (!format)
         return dash;
     icu::UnicodeString text;
@@ -99,10 +117,9 @@ QString write(const char16_t *pattern, UDate moment, const QByteArray &locale, c
 }
 
 /// The whole text has to match.
-std::optional<UDate> read(const char16_t *pattern, const QString &text, const QByteArray &locale,
-                          const QByteArray &zone)
+std::optional<UDate> readDate(const char16_t *pattern, const QString &text, const QByteArray &locale)
 {
-    const auto format = formatter(pattern, localeOf(locale), zoneOf(zone));
+    const auto format = formatter(pattern, localeOf(locale), namedZone(dayZone));
     if (!format)
         return {};
     icu::ParsePosition position(0);
@@ -130,13 +147,13 @@ DateFormats::DateFormats(QByteArray locale, QByteArray timeZone)
 
 QString DateFormats::day(const QString &workDate) const
 {
-    const auto moment = read(u"yyyy-MM-dd", workDate, m_locale, dayZone);
+    const auto moment = readDate(u"yyyy-MM-dd", workDate, m_locale);
     return moment ? write(u"EEE, d MMM yyyy", *moment, m_locale, dayZone) : workDate;
 }
 
 QString DateFormats::month(const QString &month) const
 {
-    const auto moment = read(u"yyyy-MM", month, m_locale, dayZone);
+    const auto moment = readDate(u"yyyy-MM", month, m_locale);
     return moment ? write(u"MMMM yyyy", *moment, m_locale, dayZone) : month;
 }
 
@@ -159,7 +176,7 @@ int DateFormats::hour(Instant now) const
 {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::Calendar> calendar(
-        icu::Calendar::createInstance(zoneOf(m_timeZone).release(), localeOf(m_locale), status));
+        icu::Calendar::createInstance(zoneAt(toIcu(now), m_timeZone).release(), localeOf(m_locale), status));
     if (U_FAILURE(status))
         return 0;
     calendar->setTime(toIcu(now), status);

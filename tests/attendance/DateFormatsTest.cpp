@@ -238,6 +238,88 @@ TEST_F(DateFormatsTest, DevicesZoneFollowsTheEnvironmentAtEachCall)
     qunsetenv("TZ");
 }
 
+/// What TZ may hold beside a plain name, and the hours that come of it in winter and in summer.
+struct DeviceZone
+{
+    const char *tz;
+    const char *winter;
+    const char *summer;
+};
+
+class DevicesZone : public ::testing::TestWithParam<DeviceZone>
+{
+protected:
+    DevicesZone() { qputenv("TZ", GetParam().tz); }
+    ~DevicesZone() override
+    {
+        if (m_before.isNull())
+            qunsetenv("TZ");
+        else
+            qputenv("TZ", m_before);
+    }
+    const DateFormats device{"en_US", {}};
+
+private:
+    const QByteArray m_before = qgetenv("TZ");
+};
+
+TEST_P(DevicesZone, IsTheOneOfTheCLibraryAtEachMoment)
+{
+    const Instant winter = sys_days(2025y / January / 15) + 9h + 4min;
+    const Instant summer = sys_days(2025y / July / 15) + 9h + 4min;
+    EXPECT_EQ(device.time(winter).toStdString(), GetParam().winter);
+    EXPECT_EQ(device.time(summer).toStdString(), GetParam().summer);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, DevicesZone,
+                         ::testing::Values(DeviceZone{"IST-5:30", "2:34 PM", "2:34 PM"},
+                                           DeviceZone{"CET-1CEST,M3.5.0,M10.5.0/3", "10:04 AM", "11:04 AM"},
+                                           DeviceZone{"<+0545>-5:45", "2:49 PM", "2:49 PM"},
+                                           DeviceZone{"EST5EDT", "4:04 AM", "5:04 AM"},
+                                           DeviceZone{"PST8PDT,M3.2.0,M11.1.0", "1:04 AM", "2:04 AM"}));
+INSTANTIATE_TEST_SUITE_P(
+    Names, DevicesZone,
+    ::testing::Values(DeviceZone{":Asia/Kolkata", "2:34 PM", "2:34 PM"},
+                      DeviceZone{":/usr/share/zoneinfo/Asia/Kolkata", "2:34 PM", "2:34 PM"},
+                      DeviceZone{"/usr/share/zoneinfo/Europe/Berlin", "10:04 AM", "11:04 AM"},
+                      DeviceZone{"Australia/Lord_Howe", "8:04 PM", "7:34 PM"}));
+INSTANTIATE_TEST_SUITE_P(NoZone, DevicesZone,
+                         ::testing::Values(DeviceZone{"", "9:04 AM", "9:04 AM"},
+                                           DeviceZone{"Nowhere/Land", "9:04 AM", "9:04 AM"},
+                                           DeviceZone{"5", "9:04 AM", "9:04 AM"}));
+
+TEST_F(DateFormatsTest, DevicesZoneWithoutAVariableIsTheMachines)
+{
+    const DateFormats device("en_US", {});
+    const QByteArray before = qgetenv("TZ");
+    for (const auto days : {0, 120, 240, 360}) {
+        const Instant moment = march3 + 24h * days;
+        qunsetenv("TZ");
+        const QString own = device.time(moment);
+        qputenv("TZ", ":/etc/localtime");
+        EXPECT_EQ(own, device.time(moment));
+    }
+    qunsetenv("TZ");
+    if (!before.isNull())
+        qputenv("TZ", before);
+}
+
+TEST_F(DateFormatsTest, ARuleOfTheDevicesZoneTurnsTheDayAndTheMonth)
+{
+    const DateFormats device("en_US", {});
+    const QByteArray before = qgetenv("TZ");
+    qputenv("TZ", "IST-5:30");
+    const Instant night = sys_days(2025y / March / 31) + 18h + 30min;
+    EXPECT_EQ(device.monthKey(night - 1ms).toStdString(), "2025-03");
+    EXPECT_EQ(device.hour(night - 1ms), 23);
+    EXPECT_EQ(device.monthKey(night).toStdString(), "2025-04");
+    EXPECT_EQ(device.longDate(night).toStdString(), "Tuesday, 1 Apr 2025");
+    EXPECT_EQ(device.hour(night), 0);
+    qunsetenv("TZ");
+    if (!before.isNull())
+        qputenv("TZ", before);
+}
+
 TEST(Duration, IsADashBelowOneMinute)
 {
     EXPECT_EQ(durationText(std::nullopt).toStdString(), "—");
