@@ -7,6 +7,8 @@ ContinuousRectangle {
     id: view
 
     required property AttendanceStore attendance
+    // Whether the screen is in front; the banner's time runs only then.
+    required property bool shown
     property alias interval: model.interval
     // Off for a moment when a banner comes: assistive technology announces an alert when it turns visible, and one that
     // takes the place of another has to be announced as well.
@@ -27,6 +29,7 @@ ContinuousRectangle {
     BannerViewModel {
         id: model
         attendance: view.attendance
+        shown: view.shown
         onAppeared: arriving.restart()
         onPresentChanged: leaving.running = !present
     }

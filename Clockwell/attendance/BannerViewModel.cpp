@@ -9,6 +9,7 @@ namespace clockwell {
 BannerViewModel::BannerViewModel(QObject *parent) : QObject(parent)
 {
     m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer); // the default type may fire 5 % early
     m_timer.setInterval(defaultInterval);
     connect(&m_timer, &QTimer::timeout, this, &BannerViewModel::dismiss);
 }
@@ -26,6 +27,14 @@ void BannerViewModel::setAttendance(AttendanceStore *attendance)
     follow();
 }
 
+void BannerViewModel::setShown(bool shown)
+{
+    if (std::exchange(m_shown, shown) == shown)
+        return;
+    count();
+    Q_EMIT shownChanged();
+}
+
 void BannerViewModel::setInterval(int interval)
 {
     if (interval == m_timer.interval())
@@ -36,18 +45,24 @@ void BannerViewModel::setInterval(int interval)
 
 void BannerViewModel::follow()
 {
-    m_timer.stop();
     const bool present = isPresent();
-    if (present) {
+    if (present)
         m_last = *m_attendance->banner();
-        m_timer.start();
-    }
+    count();
     Q_EMIT bannerChanged();
     // Only a banner that was there can leave: at the start there is nothing to slide away.
     if (std::exchange(m_present, present) != present)
         Q_EMIT presentChanged();
     if (present)
         Q_EMIT appeared();
+}
+
+void BannerViewModel::count()
+{
+    if (isPresent() && m_shown)
+        m_timer.start();
+    else
+        m_timer.stop();
 }
 
 void BannerViewModel::dismiss()

@@ -11,13 +11,16 @@
 namespace clockwell {
 
 /// The store's banner as it is shown, and the time it stays: each one is dismissed after `interval`, counted
-/// from its own appearance. Lives as long as the banner's place on the screen does. Main thread only.
+/// from its own appearance, and anew each time that its screen comes back to the front: no time runs while
+/// nobody can see it. Lives as long as the banner's place on the screen does. Main thread only.
 class BannerViewModel : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(
         clockwell::AttendanceStore *attendance READ attendance WRITE setAttendance NOTIFY attendanceChanged)
+    /// Whether the banner's screen is in front.
+    Q_PROPERTY(bool shown READ isShown WRITE setShown NOTIFY shownChanged)
     /// In milliseconds.
     Q_PROPERTY(int interval READ interval WRITE setInterval NOTIFY intervalChanged)
     /// Whether there is a banner.
@@ -33,6 +36,8 @@ public:
 
     AttendanceStore *attendance() const { return m_attendance; }
     void setAttendance(AttendanceStore *attendance);
+    bool isShown() const { return m_shown; }
+    void setShown(bool shown);
     int interval() const { return m_timer.interval(); }
     void setInterval(int interval);
 
@@ -47,6 +52,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void attendanceChanged();
+    void shownChanged();
     void intervalChanged();
     void bannerChanged();
     void presentChanged();
@@ -55,10 +61,12 @@ Q_SIGNALS:
 
 private:
     void follow();
+    void count();
 
     QPointer<AttendanceStore> m_attendance;
     Banner m_last;
     bool m_present = false;
+    bool m_shown = false;
     QTimer m_timer;
 };
 

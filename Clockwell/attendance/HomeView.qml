@@ -98,5 +98,6 @@ FocusScope {
         id: banner
         width: view.contentWidth
         attendance: view.attendance
+        shown: view.visible
     }
 }

@@ -28,6 +28,13 @@ protected:
         services.store->setBanner(Banner{.text = text, .kind = Banner::Kind::Error});
     }
 
+    void comeBack()
+    {
+        services.expectToday(test::replies::beforeCheckIn);
+        services.expectDistance(test::replies::inside);
+        stage->root()->setVisible(true);
+    }
+
     test::HomeServices services;
     std::unique_ptr<test::QmlStage> stage;
 };
@@ -76,6 +83,31 @@ TEST_F(BannerViewTest, LeavesWhenItsTimeIsOver)
     ASSERT_TRUE(stage->screen().waitFor(u"You are outside"_s));
     EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s, 2s));
     EXPECT_FALSE(services.store->banner());
+}
+
+TEST_F(BannerViewTest, WhatComesWhileAnotherTabIsInFrontIsShownForItsWholeTimeOnTheReturn)
+{
+    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 400));
+    stage->root()->setVisible(false);
+    show(u"You are outside"_s);
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 700ms));
+    comeBack();
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 350ms));
+    EXPECT_TRUE(stage->screen().shows(u"You are outside"_s));
+    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s, 2s));
+    EXPECT_FALSE(services.store->banner());
+}
+
+TEST_F(BannerViewTest, LeavingTheTabStopsItsTimeAndTheReturnBeginsItAnew)
+{
+    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 400));
+    show(u"You are outside"_s);
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 200ms));
+    stage->root()->setVisible(false);
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 500ms));
+    comeBack();
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 350ms));
+    EXPECT_TRUE(spinUntil([&] { return !services.store->banner(); }, 2s));
 }
 
 TEST_F(BannerViewTest, TheSameTextAgainIsShownAndAnnouncedAnew)

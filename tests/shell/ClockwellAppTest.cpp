@@ -26,7 +26,7 @@ using test::MemoryTokenStore;
 using test::ScreenDriver;
 using test::spinUntil;
 
-/// A device on which the location is switched off: no test here is about positions.
+/// A device on which the location is switched off, as most tests here want it.
 class NoLocation final : public LocationSource
 {
 public:
@@ -34,6 +34,19 @@ public:
     void setDesiredAccuracy(Accuracy) override {}
     void requestWhenInUseAuthorization() override {}
     void requestLocation() override {}
+};
+
+/// A device that always knows at once where it is.
+class KnownLocation final : public LocationSource
+{
+public:
+    AuthorizationStatus authorizationStatus() const override
+    {
+        return AuthorizationStatus::AuthorizedWhenInUse;
+    }
+    void setDesiredAccuracy(Accuracy) override {}
+    void requestWhenInUseAuthorization() override {}
+    void requestLocation() override { Q_EMIT locationsUpdated({Fix{12.97, 77.59, 8}}); }
 };
 
 /// A secret service that takes its time.
@@ -78,7 +91,7 @@ protected:
         ClockwellApp::Parts parts;
         parts.client.baseURL = server.url(u"/api"_s);
         parts.tokens = std::move(store);
-        parts.makeLocationSource = [] { return std::make_unique<NoLocation>(); };
+        parts.makeLocationSource = makeLocationSource;
         app = std::make_unique<ClockwellApp>(std::move(parts));
         ASSERT_TRUE(app->show());
         ASSERT_TRUE(QTest::qWaitForWindowExposed(app->window()));
@@ -109,6 +122,9 @@ protected:
         return element && element->state.selected;
     }
 
+    std::function<std::unique_ptr<LocationSource>()> makeLocationSource = [] {
+        return std::make_unique<NoLocation>();
+    };
     FakeServer server;
     MemoryTokenStore *tokens = nullptr; // owned by the app
     std::unique_ptr<ClockwellApp> app;
@@ -168,6 +184,26 @@ TEST_F(ClockwellAppTest, ComingBackToTheFirstTabLoadsTheDayAgain)
     ASSERT_TRUE(screen->click(u"History"_s, QAccessible::PageTab));
     ASSERT_TRUE(screen->click(u"Attendance"_s, QAccessible::PageTab));
     EXPECT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 2; }));
+}
+
+TEST_F(ClockwellAppTest, ARefusalThatComesWhileAnotherTabIsInFrontIsSeenOnTheReturn)
+{
+    makeLocationSource = [] { return std::make_unique<KnownLocation>(); };
+    server.expect("GET", "/api/attendance/distance").anyNumber().reply(200, "null");
+    server.expect("POST", "/api/attendance/punch")
+        .after(500ms)
+        .reply(403, R"({"message":"You are outside"})");
+    startSignedIn();
+    ASSERT_TRUE(screen->click(u"Check In"_s, QAccessible::Button));
+    ASSERT_TRUE(screen->click(u"History"_s, QAccessible::PageTab));
+    ASSERT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/punch"_s) == 1; }));
+    spinUntil([] { return false; }, 5s); // longer than a banner stays
+    ASSERT_TRUE(screen->click(u"Attendance"_s, QAccessible::PageTab));
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_TRUE(screen->waitFor(u"You are outside"_s)) << screen->dump().toStdString();
+    EXPECT_TRUE(screen->waitUntilGone(u"You are outside"_s, 7s));
+    EXPECT_GE(clock.elapsed(), 4000);
 }
 
 TEST_F(ClockwellAppTest, TheEmptyExpiryAtTheStartSignsNobodyOut)
