@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QHash>
+#include <QTransform>
 
 #include <algorithm>
 #include <array>
@@ -16,6 +17,7 @@ struct Entry
 {
     QStringView name;
     QStringView icon;
+    bool mirrored = false; // left and right exchanged
 };
 
 // The icons are those of the icon set's folders "regular" and "fill"; Symbols.cmake lists the same files.
@@ -32,7 +34,7 @@ constexpr auto table = std::to_array<Entry>({
     {u"checkmark.shield.fill", u"fill/shield-check-fill"},
     {u"chevron.left", u"regular/caret-left"},
     {u"chevron.right", u"regular/caret-right"},
-    {u"circle.lefthalf.filled", u"fill/circle-half-fill"},
+    {u"circle.lefthalf.filled", u"fill/circle-half-fill", true}, // the set fills the right half
     {u"clock.badge.exclamationmark.fill", u"fill/clock-countdown-fill"},
     {u"exclamationmark.triangle.fill", u"fill/warning-fill"},
     {u"eye", u"regular/eye"},
@@ -49,7 +51,9 @@ constexpr auto table = std::to_array<Entry>({
     {u"xmark.circle.fill", u"fill/x-circle-fill"},
 });
 
-// Every icon of the set is one path on a square of 256 units.
+// Every icon of the set is one path on a square of this side.
+constexpr qreal side = 256;
+
 QPainterPath readIcon(QStringView icon)
 {
     QFile file(QStringLiteral(":/clockwell/symbols/%1.svg").arg(icon));
@@ -87,7 +91,10 @@ QPainterPath symbolPath(const QString &name)
         return *found;
     }
     const auto entry = std::ranges::find(table, name, &Entry::name);
-    const QPainterPath path = entry == table.end() ? QPainterPath() : readIcon(entry->icon);
+    QPainterPath path = entry == table.end() ? QPainterPath() : readIcon(entry->icon);
+    if (entry != table.end() && entry->mirrored) {
+        path = QTransform(-1, 0, 0, 1, side, 0).map(path);
+    }
     known.insert(name, path);
     return path;
 }

@@ -128,6 +128,33 @@ TEST(Symbol, HasADifferentOutlineForEveryName)
     }
 }
 
+/// The sum of the pixels' coverage between two columns, 0 to 255 each.
+int inkBetween(const QImage &shot, int left, int right)
+{
+    int ink = 0;
+    for (int y = 0; y < shot.height(); ++y) {
+        for (int x = left; x < right; ++x) {
+            ink += shot.pixelColor(x, y).red();
+        }
+    }
+    return ink;
+}
+
+TEST(Symbol, HalfACircleIsFilledOnTheLeft)
+{
+    // In a layout from right to left too: the name says which half.
+    for (const QByteArray mirrored : {"false", "true"}) {
+        ComponentStage stage("Symbol { size: 64; color: \"#ff0000\"; name: \"circle.lefthalf.filled\"; "
+                             "LayoutMirroring.enabled: " +
+                             mirrored + " }");
+        const QImage shot = stage.shot().copy(20, 20, 64, 64);
+        EXPECT_EQ(shot.pixelColor(20, 32), QColor(Qt::red)) << mirrored.toStdString();
+        EXPECT_NE(shot.pixelColor(44, 32), QColor(Qt::red)) << mirrored.toStdString();
+        EXPECT_GT(inkBetween(shot, 0, 32), 2 * inkBetween(shot, 32, 64)) << mirrored.toStdString();
+        EXPECT_EQ(shot.pixelColor(64 - 8, 32), QColor(Qt::red)) << "the outline goes all around";
+    }
+}
+
 TEST(Symbol, IsDrawnAsAnSvgRendererDrawsItsIcon)
 {
     QDirIterator icons(QStringLiteral(":/clockwell/symbols"), {QStringLiteral("*.svg")}, QDir::Files,
@@ -140,6 +167,9 @@ TEST(Symbol, IsDrawnAsAnSvgRendererDrawsItsIcon)
         painter.setRenderHint(QPainter::Antialiasing);
         renderer.render(&painter);
         painter.end();
+        if (icons.fileName() == QStringLiteral("circle-half-fill.svg")) {
+            image = image.mirrored(true, false); // the one icon that is drawn the other way round
+        }
         int nearest = 255;
         for (const QString &name : symbolNames()) {
             nearest = std::min(nearest, difference(draw(symbolPath(name)), image));
