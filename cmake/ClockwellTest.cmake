@@ -22,7 +22,7 @@ function(clockwell_test name)
         set(test_TIMEOUT 120)
     endif()
     set(environment
-        "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FORCE_STDERR_LOGGING=1;LC_ALL=C.UTF-8")
+        "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FORCE_STDERR_LOGGING=1;LC_ALL=C.UTF-8;FONTCONFIG_FILE=${CMAKE_BINARY_DIR}/fonts.conf")
     if(test_SECRET_SERVICE OR test_WHOLE)
         set(launcher "")
         if(test_SECRET_SERVICE)
@@ -31,6 +31,7 @@ function(clockwell_test name)
         add_test(NAME ${name} COMMAND ${launcher} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
     else()
+        string(REPLACE ";" "\\;" environment "${environment}")
         # Listed when ctest starts, so that a build alone runs nothing.
         gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
             PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")

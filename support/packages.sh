@@ -11,10 +11,12 @@ build_packages=(
 run_packages=(
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
     qml6-module-qtquick-templates qml6-module-qtquick-window
-    libqt6positioning6-plugins fonts-inter dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
+    libqt6positioning6-plugins fonts-inter fonts-firacode
+    dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
 )
 test_packages=(
-    libgtest-dev libgmock-dev zlib1g-dev openssl xvfb xauth at-spi2-core python3 python3-aiosmtpd python3-gi gir1.2-atspi-2.0
+    libgtest-dev libgmock-dev zlib1g-dev openssl fonts-noto-ui-core
+    xvfb xauth at-spi2-core python3 python3-aiosmtpd python3-gi gir1.2-atspi-2.0
 )
 lint_packages=(clang-format clang-tidy-16 qt6-declarative-dev-tools)
 fuzz_packages=(clang-16 libclang-rt-16-dev)

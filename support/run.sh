@@ -85,6 +85,6 @@ dev_tour() {
     build dev clockwell-server clockwell_tour
     rm -rf out/tour
     mkdir -p out/tour
-    QT_QPA_PLATFORM=offscreen QT_FORCE_STDERR_LOGGING=1 \
+    QT_QPA_PLATFORM=offscreen QT_FORCE_STDERR_LOGGING=1 FONTCONFIG_FILE=$root/build/dev/fonts.conf \
         tests/support/with-secret-service build/dev/bin/clockwell_tour build/dev/bin/clockwell-server out/tour
 }

@@ -21,7 +21,7 @@ dev_screens() {
     ensure_packages "${test_packages[@]}"
     build dev clockwell_screens
     rm -rf out/screens
-    QT_QPA_PLATFORM=offscreen build/dev/bin/clockwell_screens out/screens
+    QT_QPA_PLATFORM=offscreen FONTCONFIG_FILE=$root/build/dev/fonts.conf build/dev/bin/clockwell_screens out/screens
 }
 
 # --brief: a short run in the development build that judges no figure; it shows that every benchmark works.
@@ -34,6 +34,7 @@ dev_bench() {
     fi
     local configure=(-DCLOCKWELL_BENCHMARKS=ON)
     build "$preset" benchmarks
+    export FONTCONFIG_FILE=$root/build/$preset/fonts.conf
     for bench in build/$preset/bin/bench/*; do
         [ -x "$bench" ] && [ -f "$bench" ] || continue
         QT_QPA_PLATFORM=offscreen tests/support/with-secret-service "$bench" || failed=1

@@ -13,6 +13,19 @@
 
 namespace clockwell {
 
+namespace {
+
+// A phone's own fonts belong to its looks. What a Linux system takes for its default depends on what was
+// installed, so there the app names fonts that its packages bring. It does not ask first whether they are
+// there: looking a family up costs more than the sign-in screen's whole text.
+#if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
+constexpr bool namesItsFonts = true;
+#else
+constexpr bool namesItsFonts = false;
+#endif
+
+} // namespace
+
 Theme *Theme::of(QQmlEngine &engine)
 {
     const int type = qmlTypeId("Clockwell.Ui", 1, 0, "Theme");
@@ -21,18 +34,14 @@ Theme *Theme::of(QQmlEngine &engine)
 
 QString Theme::fontFamily() const
 {
-#if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
-    // Not asked for first: looking a family up costs more than the sign-in screen's whole text. Where it is
-    // not installed the font system takes its default for it.
-    return QStringLiteral("Inter");
-#else
-    return QGuiApplication::font().family();
-#endif
+    return namesItsFonts ? QStringLiteral("Inter") : QGuiApplication::font().family();
 }
 
 QString Theme::monospacedFamily() const
 {
-    static const QString family = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+    static const QString family = namesItsFonts
+                                      ? QStringLiteral("Fira Code")
+                                      : QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
     return family;
 }
 

@@ -66,7 +66,7 @@ public:
     QColor leave() const { return QColor::fromRgb(palette::leave); }
     QColor white() const { return {Qt::white}; }
 
-    /// The system's interface font; on Linux Inter where it is installed.
+    /// The system's interface and fixed-width fonts; on Linux Inter and Fira Code.
     QString fontFamily() const;
     QString monospacedFamily() const;
 

@@ -4,6 +4,7 @@
 
 #include <QFont>
 #include <QFontInfo>
+#include <QRawFont>
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,10 @@ TEST(StatusBadge, HasSmallSemiboldMonospacedType)
     EXPECT_EQ(font.pixelSize(), 11);
     EXPECT_EQ(font.weight(), QFont::DemiBold);
     EXPECT_TRUE(QFontInfo(font).fixedPitch());
+    // Drawn in this weight, not in the bold of a family that has no other.
+    const QRawFont drawn = QRawFont::fromFont(font);
+    EXPECT_EQ(drawn.familyName().toStdString(), stage.theme().monospacedFamily().toStdString());
+    EXPECT_EQ(drawn.styleName().toStdString(), "SemiBold");
 }
 
 TEST(StatusBadge, PadsByElevenAndFourPoints)

@@ -1,8 +1,10 @@
 #include "ui/Theme.h"
 
 #include <QFont>
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QRegularExpression>
 #include <QSignalSpy>
 
 #include <limits>
@@ -84,9 +86,27 @@ TEST(Theme, HasNoDurationsWithReducedMotion)
 TEST(Theme, NamesFontsThatAreThere)
 {
     const Theme theme;
-    EXPECT_FALSE(theme.fontFamily().isEmpty());
-    EXPECT_TRUE(QFontInfo(QFont(theme.monospacedFamily())).fixedPitch())
-        << theme.monospacedFamily().toStdString();
+    for (const QString &family : {theme.fontFamily(), theme.monospacedFamily()}) {
+        EXPECT_EQ(QFontInfo(QFont(family)).family().toStdString(), family.toStdString());
+    }
+    EXPECT_FALSE(QFontInfo(QFont(theme.fontFamily())).fixedPitch());
+    EXPECT_TRUE(QFontInfo(QFont(theme.monospacedFamily())).fixedPitch());
+}
+
+// What a text measures must not depend on what else is installed.
+TEST(Theme, IsTestedWithoutTheOtherFontsOfTheMachine)
+{
+    static const QRegularExpression ours(
+        QStringLiteral("^(Inter|Fira Code|Noto Sans (Arabic|Devanagari|Thai) UI)( |$)"));
+    const QStringList families = QFontDatabase::families();
+    EXPECT_FALSE(families.isEmpty());
+    for (const QString &family : families) {
+        const QString drawn = QFontInfo(QFont(family)).family(); // of what "Sans Serif" stands for
+        EXPECT_TRUE(ours.match(drawn).hasMatch()) << drawn.toStdString() << " (is FONTCONFIG_FILE set?)";
+    }
+    for (const auto script : {QFontDatabase::Arabic, QFontDatabase::Devanagari, QFontDatabase::Thai}) {
+        EXPECT_FALSE(QFontDatabase::families(script).isEmpty()) << script;
+    }
 }
 
 TEST(Theme, GivesDigitsTheWidthOfTheWidest)
