@@ -3,24 +3,22 @@
 build_packages=(
     g++ cmake ninja-build ccache mold pkg-config ca-certificates
     qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-positioning-dev qt6-svg-dev
-    libgl-dev libopengl-dev
     qcoro-qt6-dev libsecret-1-dev libicu-dev libsimdjson-dev nlohmann-json3-dev libboost1.81-dev
     libsoci-dev libsodium-dev libgeographiclib-dev libcurl4-openssl-dev libcli11-dev libspdlog-dev libsqlite3-dev
     libssl-dev
 )
 run_packages=(
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
-    qml6-module-qtquick-templates qml6-module-qtquick-window
     libqt6positioning6-plugins fonts-inter fonts-firacode
     dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
 )
 test_packages=(
     libgtest-dev libgmock-dev zlib1g-dev openssl fonts-noto-ui-core
-    xvfb xauth at-spi2-core python3 python3-aiosmtpd python3-gi gir1.2-atspi-2.0
+    xvfb at-spi2-core python3 python3-aiosmtpd python3-gi gir1.2-atspi-2.0
 )
-lint_packages=(clang-format clang-tidy-16 qt6-declarative-dev-tools)
+lint_packages=(clang-format clang-tidy-16)
 fuzz_packages=(clang-16 libclang-rt-16-dev)
-bench_packages=(libbenchmark-dev qml6-module-qtquick-controls)
+bench_packages=(qml6-module-qtquick-controls qml6-module-qtquick-templates)
 
 as_root() {
     if [ "$(id -u)" = 0 ]; then

@@ -38,7 +38,6 @@ class Theme : public QObject
     Q_PROPERTY(QString monospacedFamily READ monospacedFamily CONSTANT)
     Q_PROPERTY(qreal textScale READ textScale NOTIFY textScaleChanged)
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
-    Q_PROPERTY(int shortDuration READ shortDuration NOTIFY reducedMotionChanged)
     Q_PROPERTY(int duration READ duration NOTIFY reducedMotionChanged)
     Q_PROPERTY(qreal margin READ margin CONSTANT)
     Q_PROPERTY(qreal unit READ unit CONSTANT)
@@ -76,8 +75,6 @@ public:
 
     bool reducedMotion() const { return m_reducedMotion; }
     void setReducedMotion(bool reduced);
-    /// Of small changes (a press, a colour); 0 with reduced motion.
-    int shortDuration() const { return m_reducedMotion ? 0 : 120; }
     /// Of changes of a screen or a banner; 0 with reduced motion.
     int duration() const { return m_reducedMotion ? 0 : 280; }
 

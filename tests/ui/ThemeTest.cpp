@@ -42,8 +42,7 @@ TEST(Theme, StartsWithTextAsDesignedAndMotion)
     const Theme theme;
     EXPECT_EQ(theme.textScale(), 1.0);
     EXPECT_FALSE(theme.reducedMotion());
-    EXPECT_GT(theme.shortDuration(), 0);
-    EXPECT_GT(theme.duration(), theme.shortDuration());
+    EXPECT_GT(theme.duration(), 0);
 }
 
 TEST(Theme, TellsOnceWhenTheTextScaleChanges)
@@ -79,7 +78,6 @@ TEST(Theme, HasNoDurationsWithReducedMotion)
     theme.setReducedMotion(true);
     theme.setReducedMotion(true);
     EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(theme.shortDuration(), 0);
     EXPECT_EQ(theme.duration(), 0);
 }
 
