@@ -1,6 +1,6 @@
 # Qt and the coroutine library, found once, with the definitions that every target of the app shares.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Positioning Qml Quick Svg)
-find_package(QCoro6 0.8 REQUIRED COMPONENTS Core Network)
+find_package(QCoro6 0.8 REQUIRED COMPONENTS Core)
 # At the top, because the finalisation of executables asks for every target that their libraries link.
 find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
 qcoro_enable_coroutines()
