@@ -13,7 +13,7 @@ run_packages=(
     dbus dbus-daemon libglib2.0-bin gnome-keyring tzdata
 )
 test_packages=(
-    libgtest-dev libgmock-dev zlib1g-dev openssl fonts-noto-ui-core
+    libgtest-dev libgmock-dev zlib1g-dev openssl nghttp2-proxy fonts-noto-ui-core
     xvfb at-spi2-core python3 python3-aiosmtpd python3-gi gir1.2-atspi-2.0
 )
 lint_packages=(clang-format clang-tidy-16)

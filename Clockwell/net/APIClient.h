@@ -44,6 +44,8 @@ public:
         std::chrono::milliseconds totalLimit = std::chrono::seconds(60);
         /// Largest reply body in bytes, after decompression.
         qint64 replyLimit = 16 * 1024 * 1024;
+        /// PEM file of the certificate authorities to trust. Empty: those that the system trusts.
+        QString certificateFile = {};
         /// Called once, on the client's thread, with the first request.
         std::function<std::unique_ptr<Reachability>()> reachability = platformReachability;
     };

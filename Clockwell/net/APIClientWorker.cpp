@@ -4,6 +4,8 @@
 #include "net/SessionErrors.h"
 #include "net/TokenStore.h"
 
+#include <QFile>
+
 #include <algorithm>
 
 namespace clockwell {
@@ -35,7 +37,8 @@ APIClient::Worker::Worker(const Options &options, TokenStore &tokens, SessionEve
     : m_baseURL(options.baseURL),
       m_tokens(tokens),
       m_guard(guard),
-      m_transport(options.reachability, {options.idleLimit, options.totalLimit, options.replyLimit}),
+      m_transport(options.reachability, {options.idleLimit, options.totalLimit, options.replyLimit,
+                                         QFile::encodeName(options.certificateFile)}),
       m_renewal(requestUrl(options.baseURL, QStringLiteral("auth/refresh"), {}), m_transport, tokens, events,
                 std::move(guard))
 {}
@@ -76,32 +79,24 @@ QCoro::Task<HttpReply> APIClient::Worker::answered(std::shared_ptr<const Call> c
 QCoro::Task<HttpReply> APIClient::Worker::send(std::shared_ptr<const Call> call, SessionGuard::Epoch epoch,
                                                bool isRetry)
 {
-    QNetworkRequest request = build(*call);
-    const QByteArray body = call->encode ? call->encode() : QByteArray();
+    HttpRequest request{requestUrl(m_baseURL, call->path, call->query), {"Accept: application/json"}, {}};
+    if (call->method != "GET")
+        request.body = call->encode ? call->encode() : QByteArray("");
+    if (call->encode)
+        request.headers += "Content-Type: application/json";
     if (call->authorized)
         authorize(request);
     // The token just read may already be another person's; a repeat must not act in their name.
     if (isRetry && m_guard->current() != epoch)
         throw sessionGone();
-    if (call->method == "GET")
-        co_return co_await m_transport.get(request);
-    co_return co_await m_transport.post(request, body);
+    co_return co_await m_transport.send(std::move(request));
 }
 
-QNetworkRequest APIClient::Worker::build(const Call &call) const
-{
-    QNetworkRequest request(requestUrl(m_baseURL, call.path, call.query));
-    request.setRawHeader("Accept", "application/json");
-    if (call.encode)
-        request.setRawHeader("Content-Type", "application/json");
-    return request;
-}
-
-void APIClient::Worker::authorize(QNetworkRequest &request) const
+void APIClient::Worker::authorize(HttpRequest &request) const
 {
     const std::optional<QString> token = m_tokens.load(TokenKey::accessToken);
     if (token && fitsHeader(*token))
-        request.setRawHeader("Authorization", "Bearer " + token->toUtf8());
+        request.headers += "Authorization: Bearer " + token->toUtf8();
 }
 
 } // namespace clockwell

@@ -21,8 +21,7 @@ public:
 private:
     QCoro::Task<HttpReply> send(std::shared_ptr<const Call> call, SessionGuard::Epoch epoch, bool isRetry);
     QCoro::Task<HttpReply> answered(std::shared_ptr<const Call> call);
-    QNetworkRequest build(const Call &call) const;
-    void authorize(QNetworkRequest &request) const;
+    void authorize(HttpRequest &request) const;
 
     const QUrl m_baseURL;
     TokenStore &m_tokens;

@@ -1,82 +1,132 @@
 #include "net/HttpExchange.h"
 
-#include <QNetworkAccessManager>
+#include "net/SystemProxy.h"
 
 namespace clockwell {
 
 namespace {
 
-// What Qt may hold for us before we look at it; the connection's flow control does the rest.
-constexpr qint64 bufferBytes = 256 * 1024;
-
-/// Codes that merely repeat the HTTP status: those replies are complete and readable. Of a reply that is cut
-/// short, the code says so instead, whatever its status.
-bool isAboutStatus(QNetworkReply::NetworkError error, int status)
-{
-    // Of a 307 and a 308 Qt rewinds the body even when it is told not to follow.
-    if (error == QNetworkReply::ContentReSendError)
-        return status >= 300;
-    if (status < 400)
-        return false;
-    const bool content =
-        error >= QNetworkReply::ContentAccessDenied && error < QNetworkReply::ProtocolUnknownError;
-    return content || error >= QNetworkReply::InternalServerError ||
-           error == QNetworkReply::ProtocolInvalidOperationError        // 400 and 418
-           || error == QNetworkReply::ProxyAuthenticationRequiredError; // 407
-}
-
-TransportError::Kind kindOf(QNetworkReply::NetworkError error)
+TransportError::Kind kindOf(CURLcode result)
 {
     using Kind = TransportError::Kind;
-    switch (error) {
-    case QNetworkReply::ConnectionRefusedError:
-    case QNetworkReply::ProxyConnectionRefusedError:
-    case QNetworkReply::ProxyNotFoundError:
+    switch (result) {
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_PROXY:
         return Kind::CannotConnect;
-    case QNetworkReply::HostNotFoundError:
+    case CURLE_COULDNT_RESOLVE_HOST:
         return Kind::HostNotFound;
-    case QNetworkReply::TimeoutError:
-    case QNetworkReply::ProxyTimeoutError:
+    case CURLE_OPERATION_TIMEDOUT:
         return Kind::TimedOut;
-    case QNetworkReply::OperationCanceledError:
-        return Kind::Cancelled;
-    case QNetworkReply::SslHandshakeFailedError:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
         return Kind::UntrustedCertificate;
-    case QNetworkReply::RemoteHostClosedError:
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::ProxyConnectionClosedError:
-    case QNetworkReply::UnknownNetworkError: // among others a TCP reset
-    case QNetworkReply::ContentReSendError:  // closed without an answer, see OneShotBody
-        return Kind::ConnectionLost;
-    default:
+    case CURLE_FILESIZE_EXCEEDED:
+        return Kind::ReplyTooLarge;
+    case CURLE_UNSUPPORTED_PROTOCOL: // among others bytes without a head
+    case CURLE_WEIRD_SERVER_REPLY:
+    case CURLE_BAD_CONTENT_ENCODING:
         return Kind::Broken;
+    default:
+        return Kind::ConnectionLost;
     }
 }
 
 } // namespace
 
-HttpExchange::HttpExchange(std::unique_ptr<QNetworkAccessManager> ownManager, QNetworkReply *reply,
-                           const HttpLimits &limits)
-    : m_limits(limits), m_ownManager(std::move(ownManager)), m_reply(reply)
+HttpExchange::HttpExchange(std::shared_ptr<CurlMulti> connections, HttpRequest request,
+                           const HttpOptions &options)
+    : m_curl(Curl::get()),
+      m_options(options),
+      m_request(std::move(request)),
+      m_connections(std::move(connections)),
+      m_transfer(m_curl.easyInit())
 {
-    reply->setReadBufferSize(bufferBytes);
-    connect(reply, &QNetworkReply::metaDataChanged, this, &HttpExchange::progress);
-    connect(reply, &QNetworkReply::uploadProgress, this, &HttpExchange::progress);
-    connect(reply, &QIODevice::readyRead, this, &HttpExchange::collect);
-    connect(reply, &QNetworkReply::finished, this, &HttpExchange::complete);
-    for (QTimer *timer : {&m_idle, &m_total}) {
-        timer->setSingleShot(true);
-        connect(timer, &QTimer::timeout, this, [this] { end(TransportError::Kind::TimedOut); });
-    }
-    m_idle.start(limits.idle);
-    m_total.start(limits.total);
+    describeRequest();
+    describeConnection();
+    callBack();
+    startTimers();
+    m_connections->add(m_transfer, [this](CURLcode result) { complete(result); });
 }
 
 HttpExchange::~HttpExchange()
 {
-    m_reply->disconnect(this);
-    m_reply->abort();
+    m_connections->remove(m_transfer);
+    m_curl.easyCleanup(m_transfer);
+    m_curl.slistFreeAll(m_headers);
+}
+
+template <class Value>
+void HttpExchange::set(CURLoption option, Value value)
+{
+    m_curl.easySetopt(m_transfer, option, value);
+}
+
+void HttpExchange::describeRequest()
+{
+    set(CURLOPT_URL, m_request.url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).constData());
+    set(CURLOPT_PATH_AS_IS, 1L);
+    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_USERAGENT, "Clockwell");
+    set(CURLOPT_ACCEPT_ENCODING, ""); // whatever can be inflated here
+    // A name alone keeps libcurl from adding its own line.
+    for (const char *own : {"Accept:", "Content-Type:", "Expect:"})
+        m_headers = m_curl.slistAppend(m_headers, own);
+    for (const QByteArray &header : m_request.headers)
+        m_headers = m_curl.slistAppend(m_headers, header.constData());
+    set(CURLOPT_HTTPHEADER, m_headers);
+    if (!m_request.body)
+        return;
+    set(CURLOPT_POST, 1L);
+    set(CURLOPT_POSTFIELDS, m_request.body->constData());
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body->size()));
+    // A connection kept alive may have died unnoticed, and what is sent on it is lost; a GET is then sent
+    // again, but a POST must not be.
+    set(CURLOPT_FRESH_CONNECT, 1L);
+    set(CURLOPT_FORBID_REUSE, 1L);
+}
+
+void HttpExchange::describeConnection()
+{
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+    // Only with TLS it is known before the first reply whether a connection can be shared, and worth waiting
+    // for.
+    set(CURLOPT_PIPEWAIT, m_request.url.scheme() == QLatin1StringView("https") ? 1L : 0L);
+    set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    if (!m_options.certificateFile.isEmpty())
+        set(CURLOPT_CAINFO, m_options.certificateFile.constData());
+    // libcurl keeps what it read of a file for the next connection, but nothing when there is a directory,
+    // too.
+    set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
+    set(CURLOPT_PROXY, systemProxy(m_request.url).constData());
+    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L); // when it ends in the middle of a look-up of the host's name
+}
+
+void HttpExchange::callBack()
+{
+    set(CURLOPT_HEADERFUNCTION, &HttpExchange::onHeader);
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_WRITEFUNCTION, &HttpExchange::onBody);
+    set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_XFERINFOFUNCTION, &HttpExchange::onProgress);
+    set(CURLOPT_XFERINFODATA, this);
+    set(CURLOPT_NOPROGRESS, 0L);
+    set(CURLOPT_PREREQFUNCTION, &HttpExchange::onConnected);
+    set(CURLOPT_PREREQDATA, this);
+    // A length that is announced too large is refused before a byte of the body is fetched.
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(m_options.replyLimit));
+}
+
+void HttpExchange::startTimers()
+{
+    for (QTimer *timer : {&m_idle, &m_total}) {
+        timer->setSingleShot(true);
+        QObject::connect(timer, &QTimer::timeout, timer, [this] { end(TransportError::Kind::TimedOut); });
+    }
+    m_idle.start(m_options.idleLimit);
+    m_total.start(m_options.totalLimit);
 }
 
 HttpReply HttpExchange::takeReply()
@@ -86,58 +136,73 @@ HttpReply HttpExchange::takeReply()
 
 std::optional<int> HttpExchange::status() const
 {
-    const QVariant value = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    return value.isValid() ? std::optional(value.toInt()) : std::nullopt;
+    long status = 0;
+    m_curl.easyGetinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
+    return status == 0 ? std::nullopt : std::optional(static_cast<int>(status));
+}
+
+size_t HttpExchange::onHeader(const char *line, size_t, size_t length, void *self) noexcept
+{
+    auto &exchange = *static_cast<HttpExchange *>(self);
+    const QByteArrayView text = QByteArrayView(line, static_cast<qsizetype>(length)).trimmed();
+    // Interim replies have heads of their own; lines behind the body belong to none.
+    if (text.startsWith("HTTP/"))
+        exchange.m_headComplete = false;
+    else if (text.isEmpty())
+        exchange.m_headComplete = true;
+    exchange.progress();
+    return length;
+}
+
+size_t HttpExchange::onBody(const char *bytes, size_t, size_t count, void *self) noexcept
+{
+    auto &exchange = *static_cast<HttpExchange *>(self);
+    if (static_cast<qint64>(count) > exchange.m_options.replyLimit - exchange.m_body.size()) {
+        exchange.end(TransportError::Kind::ReplyTooLarge);
+        return 0;
+    }
+    exchange.m_body.append(bytes, static_cast<qsizetype>(count));
+    return count;
+}
+
+int HttpExchange::onProgress(void *self, curl_off_t, curl_off_t received, curl_off_t,
+                             curl_off_t sent) noexcept
+{
+    auto &exchange = *static_cast<HttpExchange *>(self);
+    if (std::exchange(exchange.m_transferred, received + sent) != received + sent)
+        exchange.progress();
+    return 0;
+}
+
+/// Also on a fresh connection libcurl sends again what the server refused to look at (REFUSED_STREAM). For a
+/// POST the second attempt ends here.
+int HttpExchange::onConnected(void *self, char *, char *, int, int) noexcept
+{
+    auto &exchange = *static_cast<HttpExchange *>(self);
+    const bool again = std::exchange(exchange.m_handedOver, true);
+    return again && exchange.m_request.body ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 void HttpExchange::progress()
 {
-    if (m_slot->isFinished())
-        return;
-    m_idle.start(m_limits.idle);
-    // A length that is announced too large is refused before a byte of the body is fetched.
-    if (m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > m_limits.replyBytes)
-        tooLarge();
+    if (!m_slot->isFinished())
+        m_idle.start(m_options.idleLimit);
 }
 
-void HttpExchange::collect()
+void HttpExchange::complete(CURLcode result)
 {
-    progress();
-    while (!m_slot->isFinished()) {
-        const qint64 room = m_limits.replyBytes - m_body.size();
-        const QByteArray piece = m_reply->read(std::min(bufferBytes, room + 1));
-        if (piece.isEmpty())
-            return;
-        m_body += piece;
-        if (piece.size() > room)
-            tooLarge();
-    }
-}
-
-void HttpExchange::complete()
-{
-    const QNetworkReply::NetworkError error = m_reply->error();
-    if (error != QNetworkReply::NoError && !isAboutStatus(error, status().value_or(0))) {
-        end(kindOf(error));
-        return;
-    }
-    collect();
-    if (isCutShort()) {
+    if (result != CURLE_OK) {
+        end(kindOf(result));
+    } else if (!m_headComplete) {
         end(TransportError::Kind::ConnectionLost);
-        return;
+    } else if (status().value_or(0) / 100 == 1) {
+        // A switch to another protocol, which nobody asked for.
+        end(TransportError::Kind::Broken);
+    } else {
+        m_idle.stop();
+        m_total.stop();
+        m_slot->finish();
     }
-    m_idle.stop();
-    m_total.stop();
-    m_slot->finish();
-}
-
-/// Qt does not always notice that a connection has closed before the announced length came.
-bool HttpExchange::isCutShort() const
-{
-    const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
-    const bool hasBody = status() != 204 && status() != 304;
-    return hasBody && length.isValid() && !m_reply->hasRawHeader("Content-Encoding") &&
-           m_body.size() < length.toLongLong();
 }
 
 void HttpExchange::end(TransportError::Kind kind)
@@ -145,9 +210,6 @@ void HttpExchange::end(TransportError::Kind kind)
     m_idle.stop();
     m_total.stop();
     m_slot->finish(std::make_exception_ptr(TransportError(kind)));
-    // Aborting has to wait for the destructor, a turn of the event loop away: in the middle of the reply's
-    // own signals Qt would report the error twice.
-    m_reply->disconnect(this);
 }
 
 } // namespace clockwell

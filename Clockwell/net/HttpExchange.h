@@ -1,20 +1,26 @@
 #pragma once
 
+#include "net/CurlMulti.h"
 #include "net/Errors.h"
 #include "net/ReplySlot.h"
 
 #include <QByteArray>
-#include <QNetworkReply>
-#include <QObject>
+#include <QList>
 #include <QTimer>
+#include <QUrl>
 
 #include <chrono>
 #include <memory>
 #include <optional>
 
-class QNetworkAccessManager;
-
 namespace clockwell {
+
+struct HttpRequest
+{
+    QUrl url;
+    QList<QByteArray> headers;      // each "Name: value"; no others say what is sent or wanted
+    std::optional<QByteArray> body; // none: a GET; else a POST, also when it is empty
+};
 
 struct HttpReply
 {
@@ -22,22 +28,22 @@ struct HttpReply
     QByteArray body;
 };
 
-struct HttpLimits
+struct HttpOptions
 {
-    std::chrono::milliseconds idle; // longest silence
-    std::chrono::milliseconds total;
-    qint64 replyBytes; // after decompression
+    std::chrono::milliseconds idleLimit; // longest silence
+    std::chrono::milliseconds totalLimit;
+    qint64 replyLimit;          // in bytes, after decompression
+    QByteArray certificateFile; // whom to trust; empty: whom the system trusts
 };
 
-/// One request on its way and its reply, watched over by the limits. Owns the network reply and aborts it
-/// when it goes.
-class HttpExchange final : public QObject
+/// One request on its way and its reply, watched over by the limits. Ends the transfer when it goes.
+class HttpExchange final
 {
 public:
-    /// `ownManager` is the manager of `reply` when it serves this exchange alone.
-    HttpExchange(std::unique_ptr<QNetworkAccessManager> ownManager, QNetworkReply *reply,
-                 const HttpLimits &limits);
-    ~HttpExchange() override;
+    HttpExchange(std::shared_ptr<CurlMulti> connections, HttpRequest request, const HttpOptions &options);
+    HttpExchange(const HttpExchange &) = delete;
+    HttpExchange &operator=(const HttpExchange &) = delete;
+    ~HttpExchange();
 
     /// To be awaited once; throws TransportError.
     ReplySlot::Finished finished() { return m_slot->finished(); }
@@ -45,19 +51,34 @@ public:
     void cancel() { end(TransportError::Kind::Cancelled); }
 
 private:
-    std::optional<int> status() const;
-    bool isCutShort() const;
-    void collect();
-    void progress();
-    void complete();
-    void end(TransportError::Kind kind);
-    void tooLarge() { end(TransportError::Kind::ReplyTooLarge); }
+    template <class Value>
+    void set(CURLoption option, Value value);
+    void describeRequest();
+    void describeConnection();
+    void callBack();
+    void startTimers();
 
-    const HttpLimits m_limits;
-    const std::unique_ptr<QNetworkAccessManager> m_ownManager;
-    const std::unique_ptr<QNetworkReply> m_reply;
+    static size_t onHeader(const char *line, size_t, size_t length, void *self) noexcept;
+    static size_t onBody(const char *bytes, size_t, size_t count, void *self) noexcept;
+    static int onProgress(void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) noexcept;
+    static int onConnected(void *self, char *, char *, int, int) noexcept;
+
+    std::optional<int> status() const;
+    void progress();
+    void complete(CURLcode result);
+    void end(TransportError::Kind kind);
+
+    const Curl &m_curl;
+    const HttpOptions m_options;
+    const HttpRequest m_request;
+    const std::shared_ptr<CurlMulti> m_connections;
+    CURL *const m_transfer;
+    curl_slist *m_headers = nullptr;
     const std::shared_ptr<ReplySlot> m_slot = ReplySlot::make();
     QByteArray m_body;
+    bool m_handedOver = false; // to a connection
+    bool m_headComplete = false;
+    curl_off_t m_transferred = 0;
     QTimer m_idle;
     QTimer m_total;
 };

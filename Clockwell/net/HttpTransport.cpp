@@ -1,91 +1,59 @@
 #include "net/HttpTransport.h"
 
-#include "net/OneShotBody.h"
-
-#include <QHostAddress>
-#include <QNetworkProxy>
-
 namespace clockwell {
 
-namespace {
-
-bool isLoopback(const QUrl &url)
+/// The connections of a stretch of time in which nothing is known to have gone wrong with any of them.
+///
+/// A connection can die without a word, and one of HTTP/2 takes every later request with it. So after a
+/// failure or a change of the network the next request gets connections of its own; the old ones go when the
+/// last request that still uses them has ended.
+struct HttpTransport::Connections
 {
-    return url.host() == QLatin1StringView("localhost") || QHostAddress(url.host()).isLoopback();
-}
-
-void prepare(QNetworkRequest &request)
-{
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    // Our own limit on the size after decompression is stricter than Qt's on the ratio.
-    request.setDecompressedSafetyCheckThreshold(-1);
-}
-
-/// A system proxy is of no use to reach this machine, and could not.
-void chooseProxy(QNetworkAccessManager &manager, const QUrl &url)
-{
-    if (isLoopback(url))
-        manager.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
-}
-
-} // namespace
+    CurlMulti shared{6};
+    CurlMulti single{0}; // each for one request: nothing else may find its way onto them
+};
 
 HttpTransport::HttpTransport(std::function<std::unique_ptr<Reachability>()> makeReachability,
-                             HttpLimits limits)
-    : m_makeReachability(std::move(makeReachability)), m_limits(limits)
+                             HttpOptions options)
+    : m_makeReachability(std::move(makeReachability)), m_options(std::move(options))
 {}
 
 HttpTransport::~HttpTransport() = default;
 
-QCoro::Task<HttpReply> HttpTransport::get(QNetworkRequest request)
+QCoro::Task<HttpReply> HttpTransport::send(HttpRequest request)
 {
     co_await online();
-    prepare(request);
-    chooseProxy(*m_manager, request.url());
-    co_return co_await exchange(std::make_unique<HttpExchange>(nullptr, m_manager->get(request), m_limits));
-}
-
-QCoro::Task<HttpReply> HttpTransport::post(QNetworkRequest request, QByteArray body)
-{
-    co_await online();
-    prepare(request);
-    // A connection kept alive may have died unnoticed, and what is sent on it is lost; Qt then sends a GET
-    // again, but a POST must not be. In a manager of its own nothing is kept alive.
-    auto manager = std::make_unique<QNetworkAccessManager>();
-    chooseProxy(*manager, request.url());
-    auto upload = std::make_unique<OneShotBody>(body);
-    request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
-    request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
-    QNetworkReply *reply = manager->sendCustomRequest(request, "POST", upload.get());
-    upload.release()->setParent(reply);
-    co_return co_await exchange(std::make_unique<HttpExchange>(std::move(manager), reply, m_limits));
-}
-
-QCoro::Task<HttpReply> HttpTransport::exchange(std::unique_ptr<HttpExchange> running)
-{
-    m_running.insert(running.get());
+    const std::shared_ptr<Connections> used = connections();
+    CurlMulti &multi = request.body ? used->single : used->shared;
+    HttpExchange running(std::shared_ptr<CurlMulti>(used, &multi), std::move(request), m_options);
+    m_running.insert(&running);
     std::exception_ptr failure;
     try {
-        co_await running->finished();
+        co_await running.finished();
     } catch (...) {
         failure = std::current_exception();
     }
-    m_running.remove(running.get());
-    if (failure)
-        std::rethrow_exception(failure);
-    co_return running->takeReply();
+    m_running.remove(&running);
+    if (!failure)
+        co_return running.takeReply();
+    if (m_connections == used)
+        m_connections.reset();
+    std::rethrow_exception(failure);
+}
+
+std::shared_ptr<HttpTransport::Connections> HttpTransport::connections()
+{
+    if (!m_connections)
+        m_connections = std::make_shared<Connections>();
+    return m_connections;
 }
 
 void HttpTransport::open()
 {
-    if (m_manager)
+    if (m_reachability)
         return;
-    m_manager = std::make_unique<QNetworkAccessManager>();
     m_reachability = m_makeReachability();
-    connect(m_reachability.get(), &Reachability::changed, this, &HttpTransport::releaseWaiting);
+    connect(m_reachability.get(), &Reachability::changed, this, &HttpTransport::networkChanged);
 }
 
 QCoro::Task<> HttpTransport::online()
@@ -100,11 +68,17 @@ QCoro::Task<> HttpTransport::online()
             m_waiting.removeOne(slot);
             slot->finish(std::make_exception_ptr(TransportError(TransportError::Kind::Offline)));
         });
-        limit.start(m_limits.total);
+        limit.start(m_options.totalLimit);
         co_await slot->finished();
     }
     if (m_closed)
         throw TransportError(TransportError::Kind::Cancelled);
+}
+
+void HttpTransport::networkChanged()
+{
+    m_connections.reset();
+    releaseWaiting();
 }
 
 void HttpTransport::releaseWaiting()

@@ -15,6 +15,7 @@ public:
             return;
         m_platform = QNetworkInformation::instance();
         connect(m_platform, &QNetworkInformation::reachabilityChanged, this, &Reachability::changed);
+        connect(m_platform, &QNetworkInformation::transportMediumChanged, this, &Reachability::changed);
     }
 
     bool isOffline() const override

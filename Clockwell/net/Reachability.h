@@ -17,6 +17,7 @@ public:
     virtual bool isOffline() const = 0;
 
 Q_SIGNALS:
+    /// Online or offline, or another network: connections of before may lead nowhere.
     void changed();
 };
 

@@ -73,10 +73,9 @@ QCoro::Task<> SessionRenewal::renew(SessionGuard::Epoch epoch)
 
 QCoro::Task<HttpReply> SessionRenewal::ask(QString refreshToken)
 {
-    QNetworkRequest request(m_endpoint);
-    request.setRawHeader("Content-Type", "application/json");
-    const QByteArray body = encodeBody(Body{std::move(refreshToken)});
-    co_return co_await m_transport.post(request, body);
+    HttpRequest request{
+        m_endpoint, {"Content-Type: application/json"}, encodeBody(Body{std::move(refreshToken)})};
+    co_return co_await m_transport.send(std::move(request));
 }
 
 void SessionRenewal::store(const QByteArray &body, SessionGuard::Epoch epoch)

@@ -30,12 +30,19 @@ protected:
         return options;
     }
 
-    /// To be called before the first use of client().
+    /// Changes what client() is made with; to be called before its first use.
+    void changeOptions(const std::function<void(APIClient::Options &)> &change)
+    {
+        if (!m_options)
+            m_options = options();
+        change(*m_options);
+    }
     void limit(std::chrono::milliseconds idle, std::chrono::milliseconds total)
     {
-        m_options = options();
-        m_options->idleLimit = idle;
-        m_options->totalLimit = total;
+        changeOptions([=](APIClient::Options &options) {
+            options.idleLimit = idle;
+            options.totalLimit = total;
+        });
     }
 
     APIClient &client()

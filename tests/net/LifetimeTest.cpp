@@ -1,10 +1,9 @@
 #include "net/ClientFixture.h"
+#include "net/FakeNetwork.h"
 #include "net/Liveness.h"
 
 #include <QThread>
 #include <QTimer>
-
-#include <atomic>
 
 namespace clockwell::test {
 
@@ -26,37 +25,6 @@ protected:
             return error.kind;
         }
         throw std::runtime_error("no transport error");
-    }
-};
-
-class FakeReachability final : public Reachability
-{
-public:
-    explicit FakeReachability(std::atomic<bool> &offline) : m_offline(offline) {}
-    bool isOffline() const override { return m_offline; }
-
-private:
-    std::atomic<bool> &m_offline;
-};
-
-/// A switch that the client's reachability follows.
-struct Network
-{
-    std::atomic<bool> offline = true;
-    std::atomic<FakeReachability *> seen = nullptr;
-
-    std::function<std::unique_ptr<Reachability>()> factory()
-    {
-        return [this] {
-            auto made = std::make_unique<FakeReachability>(offline);
-            seen = made.get();
-            return made;
-        };
-    }
-    void change(bool nowOffline)
-    {
-        offline = nowOffline;
-        Q_EMIT seen.load()->changed();
     }
 };
 
@@ -190,7 +158,7 @@ TEST_F(Lifetime, TaskThatNobodyAwaitsDoesNoHarm)
 
 TEST_F(Lifetime, OfflineDeviceWaitsForTheNetwork)
 {
-    Network network;
+    FakeNetwork network;
     APIClient::Options waiting = options();
     waiting.reachability = network.factory();
     waiting.idleLimit = 150ms; // does not run while waiting
@@ -210,7 +178,7 @@ TEST_F(Lifetime, OfflineDeviceWaitsForTheNetwork)
 
 TEST_F(Lifetime, OfflineDeviceGivesUpAfterTheTotalLimit)
 {
-    Network network;
+    FakeNetwork network;
     APIClient::Options waiting = options();
     waiting.reachability = network.factory();
     waiting.totalLimit = 200ms;
@@ -221,9 +189,44 @@ TEST_F(Lifetime, OfflineDeviceGivesUpAfterTheTotalLimit)
     EXPECT_EQ(server.connections(), 0);
 }
 
+TEST_F(Lifetime, ChangeOfTheNetworkLeavesKeptConnectionsBehind)
+{
+    FakeNetwork network;
+    network.offline = false;
+    changeOptions([&](APIClient::Options &options) { options.reachability = network.factory(); });
+    server.expect("GET", "/api/thing").times(4).after(50ms).reply(200, "{}");
+    await(get());
+    await(get());
+    EXPECT_EQ(server.connections(), 1);
+    const auto inFlight = observe(get());
+    EXPECT_TRUE(server.waitForRequests(3));
+    network.change(false);
+    await(get());
+    EXPECT_EQ(server.connections(), 2);
+    EXPECT_TRUE(spinUntil([&] { return inFlight->done; }));
+    EXPECT_TRUE(inFlight->value);
+}
+
+TEST_F(Lifetime, FailureLeavesKeptConnectionsBehind)
+{
+    limit(500ms, 5s);
+    server.expect("GET", "/api/thing").times(4).reply(200, "{}");
+    await(get());
+    server.expect("POST", "/api/silent").never();
+    EXPECT_EQ(transportError(post("silent")), Kind::TimedOut);
+    await(get());
+    EXPECT_NE(server.requests().at(0).connection, server.requests().at(2).connection);
+    await(get());
+    EXPECT_EQ(server.requests().at(2).connection, server.requests().at(3).connection);
+    server.expect("GET", "/api/silent").never();
+    EXPECT_EQ(transportError(get("silent")), Kind::TimedOut);
+    await(get());
+    EXPECT_NE(server.requests().at(3).connection, server.requests().at(5).connection);
+}
+
 TEST_F(Lifetime, QuittingWhileOfflineEndsTheWait)
 {
-    Network network;
+    FakeNetwork network;
     APIClient::Options waiting = options();
     waiting.reachability = network.factory();
     auto other = std::make_unique<APIClient>(waiting, tokens, events);

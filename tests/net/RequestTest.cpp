@@ -1,4 +1,5 @@
 #include "net/ClientFixture.h"
+#include "net/TestCertificate.h"
 
 #include <QList>
 #include <QThread>
@@ -404,8 +405,24 @@ TEST_F(Request, PerformHandsOnExceptionsAndKeepsItsOrder)
 
 TEST_F(Request, RequestsRunSideBySide)
 {
-    server.expect("GET", "/api/slow").after(300ms).reply(200, "{}");
+    server.expect("GET", "/api/slow").after(1s).reply(200, "{}");
     server.expect("GET", "/api/fast").reply(200, "{}");
+    const auto slow = observe(get("slow"));
+    await(get("fast"));
+    EXPECT_FALSE(slow->done);
+    EXPECT_TRUE(spinUntil([&] { return slow->done; }));
+}
+
+TEST_F(Request, RequestsRunSideBySideOverTlsToo)
+{
+    const TestCertificate certificate;
+    FakeServer secure(certificate.serverTls());
+    changeOptions([&](APIClient::Options &options) {
+        options.baseURL = secure.url(QStringLiteral("/api"));
+        options.certificateFile = certificate.certificateFile();
+    });
+    secure.expect("GET", "/api/slow").after(1s).reply(200, "{}");
+    secure.expect("GET", "/api/fast").reply(200, "{}");
     const auto slow = observe(get("slow"));
     await(get("fast"));
     EXPECT_FALSE(slow->done);

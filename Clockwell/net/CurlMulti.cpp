@@ -1,0 +1,89 @@
+#include "net/CurlMulti.h"
+
+namespace clockwell {
+
+CurlMulti::CurlMulti(long hostConnections) : m_curl(Curl::get()), m_multi(m_curl.multiInit())
+{
+    m_curl.multiSetopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlMulti::onSocket);
+    m_curl.multiSetopt(m_multi, CURLMOPT_SOCKETDATA, this);
+    m_curl.multiSetopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlMulti::onTimer);
+    m_curl.multiSetopt(m_multi, CURLMOPT_TIMERDATA, this);
+    m_curl.multiSetopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, hostConnections);
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+}
+
+CurlMulti::~CurlMulti()
+{
+    m_curl.multiCleanup(m_multi);
+}
+
+void CurlMulti::add(CURL *transfer, std::function<void(CURLcode)> done)
+{
+    m_transfers.insert(transfer, std::move(done));
+    m_curl.multiAddHandle(m_multi, transfer);
+}
+
+void CurlMulti::remove(CURL *transfer)
+{
+    m_curl.multiRemoveHandle(m_multi, transfer);
+    m_transfers.remove(transfer);
+}
+
+void CurlMulti::DisableNowDeleteLater::operator()(QSocketNotifier *notifier) const
+{
+    notifier->setEnabled(false);
+    notifier->deleteLater();
+}
+
+int CurlMulti::onSocket(CURL *, curl_socket_t socket, int what, void *self, void *)
+{
+    static_cast<CurlMulti *>(self)->watch(socket, what);
+    return 0;
+}
+
+int CurlMulti::onTimer(CURLM *, long milliseconds, void *self)
+{
+    QTimer &timer = static_cast<CurlMulti *>(self)->m_timer;
+    if (milliseconds < 0)
+        timer.stop();
+    else
+        timer.start(std::chrono::milliseconds(milliseconds));
+    return 0;
+}
+
+void CurlMulti::watch(curl_socket_t socket, int what)
+{
+    if (what == CURL_POLL_REMOVE) {
+        m_watches.erase(socket);
+        return;
+    }
+    Watch &watch = m_watches[socket];
+    if (!watch.reading) {
+        watch.reading = notifier(socket, QSocketNotifier::Read, CURL_CSELECT_IN);
+        watch.writing = notifier(socket, QSocketNotifier::Write, CURL_CSELECT_OUT);
+    }
+    watch.reading->setEnabled(what & CURL_POLL_IN);
+    watch.writing->setEnabled(what & CURL_POLL_OUT);
+}
+
+CurlMulti::Notifier CurlMulti::notifier(curl_socket_t socket, QSocketNotifier::Type type, int event)
+{
+    Notifier made(new QSocketNotifier(type));
+    made->setSocket(socket);
+    connect(made.get(), &QSocketNotifier::activated, this, [this, socket, event] { act(socket, event); });
+    return made;
+}
+
+void CurlMulti::act(curl_socket_t socket, int event)
+{
+    int running = 0;
+    m_curl.multiSocketAction(m_multi, socket, event, &running);
+    int left = 0;
+    while (const CURLMsg *message = m_curl.multiInfoRead(m_multi, &left)) {
+        if (const auto done = m_transfers.value(message->easy_handle))
+            done(message->data.result);
+    }
+}
+
+} // namespace clockwell
