@@ -141,7 +141,7 @@ std::optional<int> HttpExchange::status() const
     return status == 0 ? std::nullopt : std::optional(static_cast<int>(status));
 }
 
-size_t HttpExchange::onHeader(const char *line, size_t, size_t length, void *self) noexcept
+size_t HttpExchange::onHeader(char *line, size_t, size_t length, void *self) noexcept
 {
     auto &exchange = *static_cast<HttpExchange *>(self);
     const QByteArrayView text = QByteArrayView(line, static_cast<qsizetype>(length)).trimmed();
@@ -154,7 +154,7 @@ size_t HttpExchange::onHeader(const char *line, size_t, size_t length, void *sel
     return length;
 }
 
-size_t HttpExchange::onBody(const char *bytes, size_t, size_t count, void *self) noexcept
+size_t HttpExchange::onBody(char *bytes, size_t, size_t count, void *self) noexcept
 {
     auto &exchange = *static_cast<HttpExchange *>(self);
     if (static_cast<qint64>(count) > exchange.m_options.replyLimit - exchange.m_body.size()) {

@@ -18,7 +18,7 @@ namespace clockwell {
 struct HttpRequest
 {
     QUrl url;
-    QList<QByteArray> headers;      // each "Name: value"; no others say what is sent or wanted
+    QList<QByteArray> headers;      // each "Name: value"; no Accept or Content-Type is added
     std::optional<QByteArray> body; // none: a GET; else a POST, also when it is empty
 };
 
@@ -58,8 +58,8 @@ private:
     void callBack();
     void startTimers();
 
-    static size_t onHeader(const char *line, size_t, size_t length, void *self) noexcept;
-    static size_t onBody(const char *bytes, size_t, size_t count, void *self) noexcept;
+    static size_t onHeader(char *line, size_t, size_t length, void *self) noexcept;
+    static size_t onBody(char *bytes, size_t, size_t count, void *self) noexcept;
     static int onProgress(void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) noexcept;
     static int onConnected(void *self, char *, char *, int, int) noexcept;
 

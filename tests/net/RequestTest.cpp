@@ -403,6 +403,22 @@ TEST_F(Request, PerformHandsOnExceptionsAndKeepsItsOrder)
     EXPECT_EQ(order, (QList<int>{1, 2}));
 }
 
+TEST_F(Request, SystemsProxyIsAskedForOtherMachinesOnly)
+{
+    qputenv("http_proxy", server.url().toEncoded());
+    APIClient::Options elsewhere = options();
+    elsewhere.baseURL = QUrl(QStringLiteral("http://clockwell.invalid/api"));
+    APIClient other(elsewhere, tokens, events);
+    server.expect("GET", "/api/thing").reply(200, "{}");
+    await(other.request<MessageResponse>(QStringLiteral("thing"), QStringLiteral("GET"), {}, std::nullopt,
+                                         false));
+    EXPECT_EQ(server.requests().at(0).target, "http://clockwell.invalid/api/thing");
+    server.expect("GET", "/api/thing").reply(200, "{}");
+    await(get());
+    EXPECT_EQ(server.requests().at(1).target, "/api/thing");
+    qunsetenv("http_proxy");
+}
+
 TEST_F(Request, RequestsRunSideBySide)
 {
     server.expect("GET", "/api/slow").after(1s).reply(200, "{}");
