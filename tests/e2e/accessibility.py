@@ -212,8 +212,12 @@ def main():
                 fail(f"the server did not start; is port {port} in use? See {log.name}")
             time.sleep(0.1)
         environment = dict(os.environ, QT_QPA_PLATFORM="xcb", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+                           QT_LOGGING_RULES="*=true", QT_FORCE_STDERR_LOGGING="1",
                            CLOCKWELL_SIMULATED_LOCATION=facts["coordinates"] + ",8")
-        processes.start(*os.environ.get("CLOCKWELL_RUN_UNDER", "").split(), app, env=environment)
+        printed = os.path.join(directory, "app.log")
+        with open(printed, "w", encoding="utf-8") as output:
+            under = os.environ.get("CLOCKWELL_RUN_UNDER", "").split()
+            processes.start(*under, app, env=environment, stdout=output, stderr=output)
 
         import gi
         gi.require_version("Atspi", "2.0")
@@ -222,7 +226,11 @@ def main():
         # Without a window manager the window under the pointer has the keyboard.
         Atspi.generate_mouse_event(195, 700, "abs")
         walk(Tree(Atspi, "clockwell"), facts)
-        print("signed in and checked in by accessible names and actions alone")
+        with open(printed, encoding="utf-8", errors="replace") as output:
+            said = output.read(1000)
+        if said and not under:
+            fail(f"the app printed, asked for all that Qt has to say:\n{said}")
+        print("signed in and checked in by accessible names and actions alone, and nothing was printed")
     finally:
         processes.end()
 
