@@ -2,31 +2,43 @@
 
 namespace clockwell {
 
-CurlMulti::CurlMulti(long hostConnections) : m_curl(Curl::get()), m_multi(m_curl.multiInit())
+namespace {
+
+CURLM *newMulti()
 {
-    m_curl.multiSetopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlMulti::onSocket);
-    m_curl.multiSetopt(m_multi, CURLMOPT_SOCKETDATA, this);
-    m_curl.multiSetopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlMulti::onTimer);
-    m_curl.multiSetopt(m_multi, CURLMOPT_TIMERDATA, this);
-    m_curl.multiSetopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, hostConnections);
+    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT); // once a process
+    if (initialised != CURLE_OK)
+        qFatal("libcurl: %s", curl_easy_strerror(initialised));
+    return curl_multi_init();
+}
+
+} // namespace
+
+CurlMulti::CurlMulti(long hostConnections) : m_multi(newMulti())
+{
+    curl_multi_setopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlMulti::onSocket);
+    curl_multi_setopt(m_multi, CURLMOPT_SOCKETDATA, this);
+    curl_multi_setopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlMulti::onTimer);
+    curl_multi_setopt(m_multi, CURLMOPT_TIMERDATA, this);
+    curl_multi_setopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, hostConnections);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
 }
 
 CurlMulti::~CurlMulti()
 {
-    m_curl.multiCleanup(m_multi);
+    curl_multi_cleanup(m_multi);
 }
 
 void CurlMulti::add(CURL *transfer, std::function<void(CURLcode)> done)
 {
     m_transfers.insert(transfer, std::move(done));
-    m_curl.multiAddHandle(m_multi, transfer);
+    curl_multi_add_handle(m_multi, transfer);
 }
 
 void CurlMulti::remove(CURL *transfer)
 {
-    m_curl.multiRemoveHandle(m_multi, transfer);
+    curl_multi_remove_handle(m_multi, transfer);
     m_transfers.remove(transfer);
 }
 
@@ -78,9 +90,9 @@ CurlMulti::Notifier CurlMulti::notifier(curl_socket_t socket, QSocketNotifier::T
 void CurlMulti::act(curl_socket_t socket, int event)
 {
     int running = 0;
-    m_curl.multiSocketAction(m_multi, socket, event, &running);
+    curl_multi_socket_action(m_multi, socket, event, &running);
     int left = 0;
-    while (const CURLMsg *message = m_curl.multiInfoRead(m_multi, &left)) {
+    while (const CURLMsg *message = curl_multi_info_read(m_multi, &left)) {
         if (const auto done = m_transfers.value(message->easy_handle))
             done(message->data.result);
     }

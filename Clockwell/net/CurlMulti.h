@@ -1,11 +1,11 @@
 #pragma once
 
-#include "net/Curl.h"
-
 #include <QHash>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QTimer>
+
+#include <curl/curl.h>
 
 #include <functional>
 #include <map>
@@ -45,7 +45,6 @@ private:
     Notifier notifier(curl_socket_t socket, QSocketNotifier::Type type, int event);
     void act(curl_socket_t socket, int event);
 
-    const Curl &m_curl;
     CURLM *const m_multi;
     QTimer m_timer;
     std::map<curl_socket_t, Watch> m_watches;

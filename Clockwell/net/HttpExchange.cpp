@@ -36,11 +36,10 @@ TransportError::Kind kindOf(CURLcode result)
 
 HttpExchange::HttpExchange(std::shared_ptr<CurlMulti> connections, HttpRequest request,
                            const HttpOptions &options)
-    : m_curl(Curl::get()),
-      m_options(options),
+    : m_options(options),
       m_request(std::move(request)),
       m_connections(std::move(connections)),
-      m_transfer(m_curl.easyInit())
+      m_transfer(curl_easy_init())
 {
     describeRequest();
     describeConnection();
@@ -52,14 +51,14 @@ HttpExchange::HttpExchange(std::shared_ptr<CurlMulti> connections, HttpRequest r
 HttpExchange::~HttpExchange()
 {
     m_connections->remove(m_transfer);
-    m_curl.easyCleanup(m_transfer);
-    m_curl.slistFreeAll(m_headers);
+    curl_easy_cleanup(m_transfer);
+    curl_slist_free_all(m_headers);
 }
 
 template <class Value>
 void HttpExchange::set(CURLoption option, Value value)
 {
-    m_curl.easySetopt(m_transfer, option, value);
+    curl_easy_setopt(m_transfer, option, value);
 }
 
 void HttpExchange::describeRequest()
@@ -71,9 +70,9 @@ void HttpExchange::describeRequest()
     set(CURLOPT_ACCEPT_ENCODING, ""); // whatever can be inflated here
     // A name alone keeps libcurl from adding its own line.
     for (const char *own : {"Accept:", "Content-Type:", "Expect:"})
-        m_headers = m_curl.slistAppend(m_headers, own);
+        m_headers = curl_slist_append(m_headers, own);
     for (const QByteArray &header : m_request.headers)
-        m_headers = m_curl.slistAppend(m_headers, header.constData());
+        m_headers = curl_slist_append(m_headers, header.constData());
     set(CURLOPT_HTTPHEADER, m_headers);
     if (!m_request.body)
         return;
@@ -137,7 +136,7 @@ HttpReply HttpExchange::takeReply()
 std::optional<int> HttpExchange::status() const
 {
     long status = 0;
-    m_curl.easyGetinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
     return status == 0 ? std::nullopt : std::optional(static_cast<int>(status));
 }
 

@@ -68,7 +68,6 @@ private:
     void complete(CURLcode result);
     void end(TransportError::Kind kind);
 
-    const Curl &m_curl;
     const HttpOptions m_options;
     const HttpRequest m_request;
     const std::shared_ptr<CurlMulti> m_connections;
