@@ -1,10 +1,10 @@
 #include "EditActions.h"
 
+#include "FieldText.h"
 #include "OneLine.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QInputMethod>
 #include <QInputMethodEvent>
 #include <QMimeData>
 #include <QQuickItem>
@@ -31,7 +31,7 @@ bool clipboardHoldsText()
 
 void paste(QQuickItem *input)
 {
-    QGuiApplication::inputMethod()->commit(); // what is being composed stays
+    FieldText::commit(input);
     const QString copied = QGuiApplication::clipboard()->text();
     const QString line = OneLine::join(copied, 0).text;
     if (line == copied) {

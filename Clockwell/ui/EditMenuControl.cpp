@@ -2,6 +2,7 @@
 
 #include "EditActions.h"
 #include "EditMenuKeys.h"
+#include "FieldText.h"
 #include "Modal.h"
 #include "OpenEditMenu.h"
 #include "SelectAt.h"
@@ -56,6 +57,7 @@ void EditMenuControl::open(bool byKeyboard)
         m_menu->close();
     if (!isWithinReach())
         return;
+    FieldText::commit(m_input); // what can be done depends on it, and a change of the text closes the menu
     const auto actions = editActions(m_input);
     if (actions.isEmpty())
         return;

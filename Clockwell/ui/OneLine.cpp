@@ -25,18 +25,14 @@ bool isBreak(QChar character)
 
 } // namespace
 
-void OneLine::setInput(QQuickItem *input)
+bool OneLine::isBroken(const QString &text)
 {
-    if (input == m_input || m_input)
-        return;
-    m_input = input;
-    connect(input, SIGNAL(textChanged()), this, SLOT(follow()));
-    Q_EMIT inputChanged();
+    return std::any_of(text.cbegin(), text.cend(), isBreak);
 }
 
-OneLine::Joined OneLine::join(const QString &text, int cursor)
+OneLine OneLine::join(const QString &text, int cursor)
 {
-    Joined joined;
+    OneLine joined;
     joined.text.reserve(text.size());
     bool broken = false;
     int position = 0;
@@ -52,21 +48,6 @@ OneLine::Joined OneLine::join(const QString &text, int cursor)
             joined.cursor = static_cast<int>(joined.text.size());
     }
     return joined;
-}
-
-void OneLine::follow()
-{
-    if (m_joining)
-        return;
-    const QString text = m_input->property("text").toString();
-    if (std::any_of(text.cbegin(), text.cend(), isBreak)) {
-        const Joined joined = join(text, m_input->property("cursorPosition").toInt());
-        m_joining = true; // nobody hears of it before the cursor is where it belongs
-        m_input->setProperty("text", joined.text);
-        m_input->setProperty("cursorPosition", joined.cursor);
-        m_joining = false;
-    }
-    Q_EMIT textChanged();
 }
 
 } // namespace clockwell

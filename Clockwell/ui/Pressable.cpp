@@ -1,5 +1,6 @@
 #include "Pressable.h"
 
+#include "FieldText.h"
 #include "ItemAccessible.h"
 
 #include <QCursor>
@@ -40,6 +41,7 @@ bool Pressable::contains(const QPointF &point) const
 void Pressable::press()
 {
     if (isEnabled() && isVisible()) {
+        FieldText::commitFocused(window()); // whatever this does, it is done with what is on the screen
         Q_EMIT triggered();
     }
 }

@@ -1,14 +1,14 @@
 import QtQuick
 import Clockwell.Ui
 
-// A one-line text field. `text` may be bound to a model; `textEdited` says when to write it back. `label` is what
-// assistive technology calls it: the text of the FieldLabel above.
+// A one-line text field. `text` may be bound to a model; `textEdited` says when to write it back. What an input method is
+// still composing belongs to it. `label` is what assistive technology calls it: the text of the FieldLabel above.
 FocusScope {
     id: root
 
     required property string label
     property string placeholder: ""
-    property alias text: input.text
+    property alias text: content.text
     property bool secure: false
     property int keyboard: FieldTraits.DefaultKeyboard
     property int textContentType: FieldTraits.NoContentType
@@ -16,7 +16,7 @@ FocusScope {
     property int enterKey: Qt.EnterKeyDefault
     property bool reveal: false
     property alias maximumLength: input.maximumLength
-    property alias cursorPosition: input.cursorPosition
+    property alias cursorPosition: content.cursorPosition
 
     signal textEdited
     signal accepted
@@ -30,11 +30,6 @@ FocusScope {
         textContentType: root.textContentType
         autocap: root.autocap
         secure: root.secure
-    }
-
-    OneLine {
-        input: input
-        onTextChanged: root.textEdited()
     }
 
     ContinuousRectangle {
@@ -66,11 +61,20 @@ FocusScope {
         echoMode: root.secure && !root.reveal ? TextInput.Password : TextInput.Normal
         inputMethodHints: traits.hints
         EnterKey.type: root.enterKey
-        onAccepted: root.accepted()
+        onAccepted: {
+            content.commit();
+            root.accepted();
+        }
 
         Accessible.role: Accessible.EditableText
         Accessible.name: root.label
         Accessible.description: root.secure ? "" : root.placeholder
+
+        FieldText {
+            id: content
+            input: input
+            onTextChanged: root.textEdited()
+        }
 
         EditMenuControl {
             field: root
@@ -81,7 +85,7 @@ FocusScope {
     TextLabel {
         objectName: "placeholder"
         anchors.fill: input
-        visible: input.text === "" && input.preeditText === ""
+        visible: content.text === ""
         text: root.placeholder
         color: Theme.textMuted
         verticalAlignment: Text.AlignVCenter
