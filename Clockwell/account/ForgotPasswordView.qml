@@ -27,7 +27,7 @@ NavigationPage {
         stack: view.stack
         from: view
         file: Qt.resolvedUrl("OtpView.qml")
-        properties: ({auth: view.auth, timing: view.timing, email: model.trimmedEmail, purpose: OtpPurpose.ResetPassword})
+        properties: ({auth: view.auth, timing: view.timing, email: model.sentEmail, purpose: OtpPurpose.ResetPassword})
         shown: model.goToReset
         onLeft: model.goToReset = false
     }

@@ -17,11 +17,6 @@ void ForgotPasswordViewModel::setEmail(const QString &email)
     edit(m_email, email, &ForgotPasswordViewModel::emailChanged);
 }
 
-QString ForgotPasswordViewModel::trimmedEmail() const
-{
-    return trimBlanks(m_email);
-}
-
 void ForgotPasswordViewModel::follow(bool visible)
 {
     if (visible && m_email.isEmpty())
@@ -39,15 +34,22 @@ QCoro::Task<> ForgotPasswordViewModel::runSubmit()
 {
     setError(std::nullopt);
     setInfo(std::nullopt);
+    setSentEmail(trimBlanks(m_email));
     const BusyFlag busy(this, &ForgotPasswordViewModel::setLoading);
     try {
-        const auto reply = co_await whileAlive(this, m_auth->forgotPassword(trimmedEmail()));
+        const auto reply = co_await whileAlive(this, m_auth->forgotPassword(m_sentEmail));
         setInfo(reply.message.value_or(u"If that email is registered, a code was sent."_s));
         co_await whileAlive(this, m_timing->pause(readingTime));
         setGoToReset(true);
     } catch (const std::exception &error) {
         setError(errorText(error));
     }
+}
+
+void ForgotPasswordViewModel::setSentEmail(const QString &email)
+{
+    if (email != std::exchange(m_sentEmail, email))
+        Q_EMIT sentEmailChanged();
 }
 
 void ForgotPasswordViewModel::setGoToReset(bool go)

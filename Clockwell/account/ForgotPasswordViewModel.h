@@ -20,7 +20,7 @@ class ForgotPasswordViewModel : public clockwell::FormViewModel
     Q_PROPERTY(clockwell::Timing *timing MEMBER m_timing REQUIRED)
     Q_PROPERTY(QString prefillEmail MEMBER m_prefillEmail REQUIRED)
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY emailChanged)
-    Q_PROPERTY(QString trimmedEmail READ trimmedEmail NOTIFY emailChanged)
+    Q_PROPERTY(QString sentEmail READ sentEmail NOTIFY sentEmailChanged)
     Q_PROPERTY(bool goToReset READ goToReset WRITE setGoToReset NOTIFY goToResetChanged)
 
 public:
@@ -31,8 +31,9 @@ public:
 
     QString email() const { return m_email; }
     void setEmail(const QString &email);
-    /// The address as it is sent, and as the code screen gets it.
-    QString trimmedEmail() const;
+    /// The address of the last request, which is the one that the code is for: the field may say another by
+    /// now.
+    QString sentEmail() const { return m_sentEmail; }
     /// A code is on its way: the code screen is due.
     bool goToReset() const { return m_goToReset; }
     void setGoToReset(bool go);
@@ -46,15 +47,18 @@ public:
 
 Q_SIGNALS:
     void emailChanged();
+    void sentEmailChanged();
     void goToResetChanged();
 
 private:
     QCoro::Task<> runSubmit();
+    void setSentEmail(const QString &email);
 
     AuthStore *m_auth = nullptr;
     Timing *m_timing = nullptr;
     QString m_prefillEmail;
     QString m_email;
+    QString m_sentEmail;
     bool m_goToReset = false;
 };
 

@@ -22,7 +22,7 @@ NavigationPage {
         stack: view.stack
         from: view
         file: Qt.resolvedUrl("OtpView.qml")
-        properties: ({auth: view.auth, timing: view.timing, email: model.trimmedEmail, purpose: OtpPurpose.VerifyEmail})
+        properties: ({auth: view.auth, timing: view.timing, email: model.sentEmail, purpose: OtpPurpose.VerifyEmail})
         shown: model.goToOtp
         onLeft: model.goToOtp = false
     }

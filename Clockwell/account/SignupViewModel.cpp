@@ -20,11 +20,6 @@ void SignupViewModel::setEmail(const QString &email)
     edit(m_email, email, &SignupViewModel::emailChanged);
 }
 
-QString SignupViewModel::trimmedEmail() const
-{
-    return trimBlanks(m_email);
-}
-
 void SignupViewModel::setPhone(const QString &phone)
 {
     edit(m_phone, phone, &SignupViewModel::phoneChanged);
@@ -50,14 +45,21 @@ void SignupViewModel::submit()
 QCoro::Task<> SignupViewModel::runSubmit()
 {
     setError(std::nullopt);
+    setSentEmail(trimBlanks(m_email));
     const BusyFlag busy(this, &SignupViewModel::setLoading);
     try {
         co_await whileAlive(this,
-                            m_auth->signup(m_fullName, trimmedEmail(), m_phone, m_companyCode, m_password));
+                            m_auth->signup(m_fullName, m_sentEmail, m_phone, m_companyCode, m_password));
         setGoToOtp(true);
     } catch (const std::exception &error) {
         setError(errorText(error));
     }
+}
+
+void SignupViewModel::setSentEmail(const QString &email)
+{
+    if (email != std::exchange(m_sentEmail, email))
+        Q_EMIT sentEmailChanged();
 }
 
 void SignupViewModel::setGoToOtp(bool go)

@@ -15,7 +15,7 @@ class SignupViewModel : public clockwell::FormViewModel
     Q_PROPERTY(clockwell::AuthStore *auth MEMBER m_auth REQUIRED)
     Q_PROPERTY(QString fullName READ fullName WRITE setFullName NOTIFY fullNameChanged)
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY emailChanged)
-    Q_PROPERTY(QString trimmedEmail READ trimmedEmail NOTIFY emailChanged)
+    Q_PROPERTY(QString sentEmail READ sentEmail NOTIFY sentEmailChanged)
     Q_PROPERTY(QString phone READ phone WRITE setPhone NOTIFY phoneChanged)
     Q_PROPERTY(QString companyCode READ companyCode WRITE setCompanyCode NOTIFY companyCodeChanged)
     Q_PROPERTY(QString password READ password WRITE setPassword NOTIFY passwordChanged)
@@ -28,8 +28,9 @@ public:
     void setFullName(const QString &fullName);
     QString email() const { return m_email; }
     void setEmail(const QString &email);
-    /// The address as it is sent, and as the code screen gets it.
-    QString trimmedEmail() const;
+    /// The address of the last request, which is the one that the code is for: the field may say another by
+    /// now.
+    QString sentEmail() const { return m_sentEmail; }
     QString phone() const { return m_phone; }
     void setPhone(const QString &phone);
     QString companyCode() const { return m_companyCode; }
@@ -51,6 +52,7 @@ public:
 Q_SIGNALS:
     void fullNameChanged();
     void emailChanged();
+    void sentEmailChanged();
     void phoneChanged();
     void companyCodeChanged();
     void passwordChanged();
@@ -58,10 +60,12 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> runSubmit();
+    void setSentEmail(const QString &email);
 
     AuthStore *m_auth = nullptr;
     QString m_fullName;
     QString m_email;
+    QString m_sentEmail;
     QString m_phone;
     QString m_companyCode;
     QString m_password;

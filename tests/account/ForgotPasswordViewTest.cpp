@@ -92,6 +92,29 @@ TEST_F(ForgotPasswordViewTest, ShowsTheAnswerForSixTenthsOfASecondAndMovesOn)
     EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
 }
 
+TEST_F(ForgotPasswordViewTest, TheCodeScreenIsForTheEmailThatWasSent)
+{
+    server.expect("POST", "/api/auth/forgot-password").after(400ms).reply(200, onItsWay);
+    server.expect("POST", "/api/auth/reset-password").reply(400, R"({"message":"Wrong."})");
+    stage->type(u"Email"_s, u" ada@example.org "_s);
+    stage->click(u"Send reset code"_s);
+    ASSERT_TRUE(server.waitForRequests(1));
+    stage->retype(u"Email"_s, u"somebody.else@example.org"_s);
+    ASSERT_TRUE(spinUntil([this] { return timing.pauses() == 1; }));
+    stage->typeText(u"x"_s); // and while the answer is read
+    timing.advance(600ms);
+    ASSERT_TRUE(arrivesAt(u"Reset password"_s));
+    EXPECT_TRUE(stage->shows(u"ada@example.org"_s)) << stage->dump().toStdString();
+    stage->type(u"Verification code"_s, u"123456"_s);
+    stage->type(u"New password"_s, u"Secret123"_s);
+    stage->key(Qt::Key_Return);
+    ASSERT_TRUE(stage->waitFor(u"Wrong."_s));
+    EXPECT_EQ(lastBody(), R"({"email":"ada@example.org","code":"123456","newPassword":"Secret123"})");
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
+    EXPECT_EQ(valueOf(u"Email"_s), u"somebody.else@example.orgx"_s);
+}
+
 TEST_F(ForgotPasswordViewTest, AnAnswerWithoutAMessageHasAnInfoOfItsOwn)
 {
     ask(u"nobody"_s, "{}");

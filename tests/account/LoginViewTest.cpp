@@ -194,6 +194,18 @@ TEST_F(LoginViewTest, TheCodeScreenReceivesTheEmailAsTyped)
     EXPECT_EQ(top()->property("purpose").toInt(), 0);
 }
 
+TEST_F(LoginViewTest, TheCodeScreenReceivesTheEmailAsItIsByThen)
+{
+    fill(u"ada@example.org"_s, u"secret"_s);
+    server.expect("POST", "/api/auth/login").reply(403, unverified);
+    stage->click(u"Sign in"_s);
+    ASSERT_TRUE(stage->waitFor(u"Enter verification code"_s));
+    stage->retype(u"Email"_s, u"bea@example.org "_s);
+    stage->click(u"Enter verification code"_s);
+    ASSERT_TRUE(stage->waitFor(u"Verify email"_s));
+    EXPECT_EQ(top()->property("email").toString(), u"bea@example.org "_s);
+}
+
 TEST_F(LoginViewTest, ForgotPasswordWithAnEmptyFieldOpensWithAnEmptyEmail)
 {
     stage->click(u"Forgot password?"_s);

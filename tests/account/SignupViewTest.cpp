@@ -164,6 +164,24 @@ TEST_F(SignupViewTest, RequestAndCodeScreenBothGetTheTrimmedEmail)
     EXPECT_EQ(valueOf(u"Verification code"_s), QString()); // no code of the server's is filled in
 }
 
+TEST_F(SignupViewTest, TheCodeScreenIsForTheEmailThatWasSent)
+{
+    server.expect("POST", "/api/auth/signup").after(400ms).reply(201, R"({"message":"ok"})");
+    server.expect("POST", "/api/auth/resend-otp").reply(200, "{}");
+    fill(u" ada@example.org "_s);
+    stage->click(u"Create account"_s);
+    ASSERT_TRUE(server.waitForRequests(1));
+    stage->retype(u"Email"_s, u"somebody.else@example.org"_s);
+    ASSERT_TRUE(arrivesAt(u"Verify email"_s));
+    EXPECT_TRUE(stage->shows(u"ada@example.org"_s)) << stage->dump().toStdString();
+    stage->click(u"Resend code"_s);
+    ASSERT_TRUE(stage->waitFor(u"Resend code in 60s"_s));
+    EXPECT_EQ(lastBody(), R"({"email":"ada@example.org"})");
+    stage->click(u"Back"_s);
+    ASSERT_TRUE(arrivesAt(u"Sign up"_s));
+    EXPECT_EQ(valueOf(u"Email"_s), u"somebody.else@example.org"_s);
+}
+
 TEST_F(SignupViewTest, BackFromTheCodeScreenEveryFieldIsStillFilled)
 {
     server.expect("POST", "/api/auth/signup").times(2).reply(201, R"({"message":"ok"})");
