@@ -2,14 +2,16 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// Asks for another code. While it is locked its text says for how long, so it is muted but stays readable.
+// Asks for another code. While it is locked its text says for how long, so it is muted but stays readable; while a code is
+// being asked for it is faint like every button that does nothing.
 Pressable {
     id: root
 
     required property string text
     required property bool locked
+    required property bool busy
 
-    enabled: !locked
+    enabled: !locked && !busy
     implicitWidth: label.implicitWidth
     implicitHeight: label.height
 
@@ -23,7 +25,7 @@ Pressable {
         text: root.text
         size: 13
         color: root.locked ? Theme.textMuted : Theme.brand
-        opacity: root.pressed ? 0.5 : 1
+        opacity: root.pressed || root.busy ? 0.5 : 1
         horizontalAlignment: Text.AlignHCenter
         Accessible.ignored: true
     }

@@ -144,6 +144,7 @@ NavigationPage {
                     width: Math.min(implicitWidth, parent.width)
                     text: model.resendTitle
                     locked: model.resendLocked
+                    busy: model.resending
                     onTriggered: model.resend()
                 }
             }

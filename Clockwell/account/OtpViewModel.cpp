@@ -143,6 +143,12 @@ void OtpViewModel::setResendIn(int seconds)
     Q_EMIT resendInChanged();
 }
 
+void OtpViewModel::setResending(bool resending)
+{
+    if (resending != std::exchange(m_resending, resending))
+        Q_EMIT resendingChanged();
+}
+
 void OtpViewModel::setDone(bool done)
 {
     if (done == std::exchange(m_done, done))

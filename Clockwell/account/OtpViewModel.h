@@ -33,6 +33,7 @@ class OtpViewModel : public clockwell::FormViewModel, public QQmlParserStatus
     Q_PROPERTY(int resendIn READ resendIn NOTIFY resendInChanged)
     Q_PROPERTY(bool resendLocked READ resendLocked NOTIFY resendInChanged)
     Q_PROPERTY(QString resendTitle READ resendTitle NOTIFY resendInChanged)
+    Q_PROPERTY(bool resending READ resending NOTIFY resendingChanged)
     Q_PROPERTY(bool done READ done NOTIFY doneChanged)
 
 public:
@@ -57,6 +58,8 @@ public:
     int resendIn() const { return m_resendIn; }
     bool resendLocked() const { return m_resendIn > 0; }
     QString resendTitle() const;
+    /// Another code is being asked for.
+    bool resending() const { return m_resending; }
     bool done() const { return m_done; }
     /// Fewer than six characters, or no new password where one is asked for.
     bool incomplete() const override;
@@ -79,6 +82,7 @@ Q_SIGNALS:
     void codeChanged();
     void newPasswordChanged();
     void resendInChanged();
+    void resendingChanged();
     void doneChanged();
     void newPasswordWanted();
     void dismissed();
@@ -90,7 +94,7 @@ private:
     void countDown();
     void setResendIn(int seconds);
     void setDone(bool done);
-    void setResending(bool resending) { m_resending = resending; }
+    void setResending(bool resending);
 
     AuthStore *m_auth = nullptr;
     Timing *m_timing = nullptr;

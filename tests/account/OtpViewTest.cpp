@@ -318,6 +318,24 @@ TEST_F(OtpViewTest, ADoubleTapAsksForOneCode)
     EXPECT_EQ(server.requests().size(), 1);
 }
 
+TEST_F(OtpViewTest, ResendLooksDisabledWhileACodeIsAskedFor)
+{
+    server.expect("POST", "/api/auth/resend-otp").after(300ms).reply(429, R"({"message":"Too soon."})");
+    const auto label = [this] {
+        const auto element = stage->find(u"Resend code"_s, QAccessible::Button);
+        return element ? element->object->findChild<QQuickItem *>(u"label"_s) : nullptr;
+    };
+    ASSERT_TRUE(label());
+    EXPECT_EQ(label()->opacity(), 1);
+    stage->click(u"Resend code"_s);
+    EXPECT_FALSE(stage->isEnabled(u"Resend code"_s));
+    EXPECT_EQ(label()->opacity(), 0.5);
+    EXPECT_EQ(label()->property("color").value<QColor>(), QColor(39, 120, 245)); // it does not count yet
+    ASSERT_TRUE(stage->waitFor(u"Too soon."_s));
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
+    EXPECT_EQ(label()->opacity(), 1);
+}
+
 TEST_F(OtpViewTest, ResendRunsBesideASubmission)
 {
     server.expect("POST", "/api/auth/verify-otp").after(600ms).reply(400, R"({"message":"Wrong."})");

@@ -151,6 +151,12 @@ bool resetDone(Stage &stage)
     return stage.screen().waitFor(u"All set"_s) && stage.screen().waitUntilStill();
 }
 
+bool resending(Stage &stage)
+{
+    stage.server().expect("POST", "/api/auth/resend-otp").never();
+    return verify(stage) && stage.screen().press(u"Resend code"_s) && stage.server().waitForRequests(2);
+}
+
 bool resent(Stage &stage)
 {
     stage.server().expect("POST", "/api/auth/resend-otp").reply(200, codeSent);
@@ -168,6 +174,7 @@ QList<State> codeStates()
             {"code-reset-refused", resetRefused},   {"code-verify-empty", verify},
             {"code-verify-partial", verifyPartial}, {"code-verify-busy", verifyBusy},
             {"code-verify-refused", verifyRefused}, {"code-verify-resent", resent},
+            {"code-verify-resending", resending},
             {"code-verify-menu", verifyMenu},       {"code-done-verify", verified},
             {"code-done-reset", resetDone}};
 }
