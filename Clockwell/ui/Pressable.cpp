@@ -2,6 +2,7 @@
 
 #include "FieldText.h"
 #include "ItemAccessible.h"
+#include "TouchArea.h"
 
 #include <QCursor>
 #include <QFocusEvent>
@@ -35,7 +36,10 @@ bool Pressable::contains(const QPointF &point) const
 {
     const qreal moreX = std::max(0.0, touchTarget - width()) / 2;
     const qreal moreY = std::max(0.0, touchTarget - height()) / 2;
-    return boundingRect().adjusted(-moreX, -moreY, moreX, moreY).contains(point);
+    if (!boundingRect().adjusted(-moreX, -moreY, moreX, moreY).contains(point)) {
+        return false;
+    }
+    return boundingRect().contains(point) || !isAnotherDrawnAt(*this, mapToScene(point));
 }
 
 void Pressable::press()

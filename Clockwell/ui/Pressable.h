@@ -6,8 +6,8 @@ namespace clockwell {
 
 /// What every control that is pressed has in common: finger, mouse, Space and Enter, and one action `press()`
 /// for assistive technology. Nothing of it works while the item is disabled or hidden. However small it is
-/// drawn, it is hit within at least 44 x 44 points around its middle. A press that turns into a scroll is
-/// none.
+/// drawn, it is hit within at least 44 x 44 points around its middle, except where another control is drawn.
+/// A press that turns into a scroll is none.
 class Pressable : public QQuickItem
 {
     Q_OBJECT

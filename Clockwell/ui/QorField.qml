@@ -45,11 +45,12 @@ FocusScope {
         id: input
         objectName: "input"
         x: 12
-        width: root.width - 24 - (root.secure ? reveal.width + 8 : 0)
+        width: root.width - 24 - (root.secure ? reveal.width + Math.max(8, reveal.margin) : 0)
         height: root.height
         focus: true
         activeFocusOnTab: true
         clip: true
+        containmentMask: drawn
         selectByMouse: true
         verticalAlignment: TextInput.AlignVCenter
         color: Theme.textPrimary
@@ -69,6 +70,14 @@ FocusScope {
         Accessible.role: Accessible.EditableText
         Accessible.name: root.label
         Accessible.description: root.secure ? "" : root.placeholder
+
+        // The whole frame is the field, but for what a finger needs to hit the eye.
+        Item {
+            id: drawn
+            x: -input.x
+            width: root.secure ? reveal.x - reveal.margin : root.width
+            height: root.height
+        }
 
         FieldText {
             id: content
@@ -96,6 +105,10 @@ FocusScope {
     Pressable {
         id: reveal
         objectName: "reveal"
+
+        // What it is hit beside itself.
+        readonly property real margin: Math.max(0, (Theme.touchTarget - width) / 2)
+
         anchors.verticalCenter: parent.verticalCenter
         x: root.width - 12 - width
         width: icon.width

@@ -174,9 +174,8 @@ QList<State> codeStates()
             {"code-reset-refused", resetRefused},   {"code-verify-empty", verify},
             {"code-verify-partial", verifyPartial}, {"code-verify-busy", verifyBusy},
             {"code-verify-refused", verifyRefused}, {"code-verify-resent", resent},
-            {"code-verify-resending", resending},
-            {"code-verify-menu", verifyMenu},       {"code-done-verify", verified},
-            {"code-done-reset", resetDone}};
+            {"code-verify-resending", resending},   {"code-verify-menu", verifyMenu},
+            {"code-done-verify", verified},         {"code-done-reset", resetDone}};
 }
 
 } // namespace clockwell::test

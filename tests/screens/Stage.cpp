@@ -55,6 +55,21 @@ bool Stage::startAsUser(const QByteArray &user)
     return m_screen->waitUntilStill();
 }
 
+void Stage::apply(Format format)
+{
+    auto *window = m_app->window();
+    window->resize(format.size);
+    const int theme = qmlTypeId("Clockwell.Ui", 1, 0, "Theme");
+    qmlEngine(window)->singletonInstance<Theme *>(theme)->setTextScale(format.textScale);
+}
+
+void Stage::resize(Format format)
+{
+    apply(format);
+    QTest::qWait(0);
+    window()->grabWindow();
+}
+
 bool Stage::show(bool signedIn)
 {
     auto tokens = std::make_unique<MemoryTokenStore>();
@@ -68,9 +83,7 @@ bool Stage::show(bool signedIn)
     if (!m_app->show())
         return false;
     auto *window = m_app->window();
-    window->resize(m_format.size);
-    const int theme = qmlTypeId("Clockwell.Ui", 1, 0, "Theme");
-    qmlEngine(window)->singletonInstance<Theme *>(theme)->setTextScale(m_format.textScale);
+    apply(m_format);
     m_screen = std::make_unique<ScreenDriver>(window);
     return QTest::qWaitForWindowExposed(window);
 }

@@ -35,6 +35,7 @@ public:
     FakeServer &server() { return m_server; }
     ScreenDriver &screen() { return *m_screen; }
     AuthStore &auth() { return *m_app->auth(); }
+    QQuickWindow *window() { return m_app->window(); }
 
     /// Shows the app signed out.
     bool start();
@@ -42,9 +43,12 @@ public:
     bool startAs(const QByteArray &fullName);
     /// The same as the user of this JSON object.
     bool startAsUser(const QByteArray &user);
+    /// Shows what there is in another size, all of it in its place.
+    void resize(Format format);
 
 private:
     bool show(bool signedIn);
+    void apply(Format format);
 
     Format m_format;
     Device m_device;

@@ -49,6 +49,38 @@ TEST(LinkText, IsHitWithinFortyFourPoints)
     }
 }
 
+TEST(LinkText, LeavesTheFieldAboveItAlone)
+{
+    ComponentStage stage("Item { property int taps: 0; QorField { id: field; objectName: \"field\"; "
+                         "width: 300; label: \"Password\"; secure: true }"
+                         "LinkText { y: field.height + 10; text: \"Forgot password?\"; "
+                         "onTriggered: ++parent.taps } }");
+    const QQuickItem *field = stage.part("field");
+    const qreal bottom = field->height() - 1;
+    for (const QPointF place : {QPointF(2, bottom - 12), QPointF(20, bottom), QPointF(80, bottom - 3)}) {
+        stage.window().contentItem()->forceActiveFocus();
+        QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, point(stage, place.x(), place.y()));
+        EXPECT_EQ(stage.item()->property("taps").toInt(), 0) << place.x() << ", " << place.y();
+        EXPECT_TRUE(stage.part("input")->hasActiveFocus()) << place.x() << ", " << place.y();
+    }
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, point(stage, 20, bottom + 2));
+    EXPECT_EQ(stage.item()->property("taps").toInt(), 1);
+}
+
+// A disabled item takes no press, so that what lies around it would.
+TEST(LinkText, LeavesADisabledButtonBelowItAlone)
+{
+    ComponentStage stage("Item { property int taps: 0; LinkText { id: link; text: \"Forgot password?\"; "
+                         "onTriggered: ++parent.taps }"
+                         "PrimaryButton { objectName: \"button\"; y: link.height + 6; width: 300; "
+                         "title: \"Sign in\"; disabled: true } }");
+    const qreal top = stage.part("button")->y();
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, point(stage, 40, top + 1));
+    EXPECT_EQ(stage.item()->property("taps").toInt(), 0);
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, point(stage, 40, top - 2));
+    EXPECT_EQ(stage.item()->property("taps").toInt(), 1);
+}
+
 TEST(LinkText, ReactsToKeysAndAssistiveTechnology)
 {
     ComponentStage stage(link);
