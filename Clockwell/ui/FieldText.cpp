@@ -15,6 +15,9 @@ namespace clockwell {
 
 namespace {
 
+// TextInput's class is private to Qt; this is one of its documented enumerators.
+constexpr int normalEcho = 0;
+
 // Input methods of other processes answer when they get to it.
 constexpr std::chrono::milliseconds lateCommitLimit{500};
 
@@ -58,7 +61,8 @@ void FieldText::setInput(QQuickItem *input)
 
 QString FieldText::composed() const
 {
-    return m_input ? m_input->property("preeditText").toString() : QString();
+    const bool composing = m_input && !m_input->property("preeditText").toString().isEmpty();
+    return composing ? m_composed : QString();
 }
 
 QString FieldText::text() const
@@ -158,11 +162,30 @@ bool FieldText::isLateCommit(const QInputMethodEvent *event)
     return event->commitString() == taken && event->preeditString().isEmpty() && !m_lateCommit.hasExpired();
 }
 
+bool FieldText::hear(QInputMethodEvent *event)
+{
+    if (isLateCommit(event))
+        return true;
+    m_composed = event->preeditString();
+    if (m_composed.isEmpty() || m_input->property("echoMode").toInt() == normalEcho)
+        return false;
+    // The input masks its own text only.
+    const QString mask = m_input->property("passwordCharacter").toString().left(1);
+    QInputMethodEvent masked(mask.repeated(m_composed.size()), event->attributes());
+    masked.setCommitString(event->commitString(), event->replacementStart(), event->replacementLength());
+    m_masking = true;
+    QCoreApplication::sendEvent(m_input, &masked);
+    m_masking = false;
+    event->setAccepted(masked.isAccepted());
+    followComposition(); // what is shown may be the same as before
+    return true;
+}
+
 bool FieldText::eventFilter(QObject *, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::InputMethod:
-        return isLateCommit(static_cast<QInputMethodEvent *>(event));
+        return !m_masking && hear(static_cast<QInputMethodEvent *>(event));
     case QEvent::MouseButtonPress: // moves the cursor, for which the input would drop what is being composed
         commit();
         return false;

@@ -17,6 +17,7 @@ namespace clockwell {
 /// Declared inside a TextInput: its text as a form means it. It is on one line, and what an input method is
 /// still composing belongs to it, because that is on the screen like the rest. What is composed becomes part
 /// of the input's own text at the latest when something is done with it: `commit`, or when the field is left.
+/// Where the text is masked, what is composed is masked as well, which Qt 6.4 does not do by itself.
 /// Main thread.
 class FieldText : public QObject
 {
@@ -66,12 +67,15 @@ private:
     void tell();
     void showWanted();
     void take(const QString &composed);
+    bool hear(QInputMethodEvent *event);
     bool isLateCommit(const QInputMethodEvent *event);
 
     QPointer<QQuickItem> m_input;
     std::optional<QString> m_wanted; // set, but not shown yet
     QString m_inputText;             // when textChanged was last said
     bool m_joining = false;
+    QString m_composed; // which a masked input does not show
+    bool m_masking = false;
     QString m_taken; // from an input method that may still commit it
     QDeadlineTimer m_lateCommit;
 };

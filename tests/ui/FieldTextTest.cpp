@@ -141,6 +141,24 @@ TEST_F(FieldTextTest, StaysWhenItIsRevealed)
     EXPECT_EQ(own(), u"비밀번"_s);
 }
 
+TEST_F(FieldTextTest, IsMaskedLikeTheRest)
+{
+    set("secure", true);
+    stage.screen().type(u"Name"_s, u"abc"_s);
+    compose(u"ㅁ"_s);
+    compose(u"밀"_s);
+    EXPECT_EQ(input()->property("displayText").toString(), u"••••"_s);
+    auto *interface = QAccessible::queryAccessibleInterface(input());
+    EXPECT_EQ(interface->text(QAccessible::Value), u"••••"_s);
+    EXPECT_EQ(text(), u"abc밀"_s);
+    EXPECT_EQ(told().last(), u"abc밀|4"_s);
+    compose(u"ㅂ"_s, u"밀"_s);
+    EXPECT_EQ(input()->property("displayText").toString(), u"•••••"_s);
+    EXPECT_EQ(text(), u"abc밀ㅂ"_s);
+    stage.screen().click(u"Show password"_s);
+    EXPECT_EQ(input()->property("displayText").toString(), u"abc밀ㅂ"_s);
+}
+
 TEST_F(FieldTextTest, StaysWhenSomethingIsPasted)
 {
     QGuiApplication::clipboard()->setText(u"copied"_s);
