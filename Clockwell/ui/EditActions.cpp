@@ -1,6 +1,7 @@
 #include "EditActions.h"
 
 #include "FieldText.h"
+#include "IsMasked.h"
 #include "OneLine.h"
 
 #include <QClipboard>
@@ -14,9 +15,6 @@
 namespace clockwell {
 
 namespace {
-
-// TextInput's class is private to Qt; these are its documented properties, methods and enumerators.
-constexpr int normalEcho = 0;
 
 int selectedLength(const QQuickItem *input)
 {
@@ -71,7 +69,7 @@ QList<EditAction> editActions(const QQuickItem *input)
     if (!input->isEnabled())
         return actions;
     const bool editable = !input->property("readOnly").toBool();
-    const bool masked = input->property("echoMode").toInt() != normalEcho;
+    const bool masked = isMasked(input);
     const int selected = selectedLength(input);
     if (selected > 0 && !masked && editable)
         actions.append(EditAction::Cut);

@@ -1,5 +1,6 @@
 #include "FieldText.h"
 
+#include "IsMasked.h"
 #include "OneLine.h"
 
 #include <QCoreApplication>
@@ -14,9 +15,6 @@
 namespace clockwell {
 
 namespace {
-
-// TextInput's class is private to Qt; this is one of its documented enumerators.
-constexpr int normalEcho = 0;
 
 // Input methods of other processes answer when they get to it.
 constexpr std::chrono::milliseconds lateCommitLimit{500};
@@ -167,7 +165,7 @@ bool FieldText::hear(QInputMethodEvent *event)
     if (isLateCommit(event))
         return true;
     m_composed = event->preeditString();
-    if (m_composed.isEmpty() || m_input->property("echoMode").toInt() == normalEcho)
+    if (m_composed.isEmpty() || !isMasked(m_input))
         return false;
     // The input masks its own text only.
     const QString mask = m_input->property("passwordCharacter").toString().left(1);

@@ -1,4 +1,5 @@
 #include "EditMenuControl.h"
+#include "IsMasked.h"
 #include "ItemAccessible.h"
 
 #include <QQuickItem>
@@ -10,9 +11,6 @@ namespace clockwell {
 
 namespace {
 
-// TextInput's class is private to Qt; these are its documented methods and enumerators.
-constexpr int normalEcho = 0;
-
 void select(QQuickItem *input, int start, int end)
 {
     QMetaObject::invokeMethod(input, "select", Q_ARG(int, start), Q_ARG(int, end));
@@ -22,7 +20,7 @@ void select(QQuickItem *input, int start, int end)
 
 bool InputAccessible::isMasked() const
 {
-    return item()->property("echoMode").toInt() != normalEcho;
+    return clockwell::isMasked(item());
 }
 
 QString InputAccessible::shown() const

@@ -1,5 +1,7 @@
 #include "SelectAt.h"
 
+#include "IsMasked.h"
+
 #include <QQuickItem>
 
 #include <cmath>
@@ -7,9 +9,6 @@
 namespace clockwell {
 
 namespace {
-
-// TextInput's class is private to Qt; these are its documented properties, methods and enumerators.
-constexpr int normalEcho = 0;
 
 qreal cursorX(const QQuickItem *input, int position)
 {
@@ -57,7 +56,7 @@ void selectAt(QQuickItem *input, qreal x)
     const int character = characterAt(input, x);
     if (character < 0 || input->property("text").toString().at(character).isSpace()) {
         input->setProperty("cursorPosition", cursorPositionAt(input, x));
-    } else if (input->property("echoMode").toInt() != normalEcho) {
+    } else if (isMasked(input)) {
         QMetaObject::invokeMethod(input, "selectAll");
     } else {
         input->setProperty("cursorPosition", character);
