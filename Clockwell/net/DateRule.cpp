@@ -1,5 +1,8 @@
 #include "net/DateRule.h"
 
+#include <array>
+#include <cstdio>
+
 namespace clockwell {
 
 namespace {
@@ -107,6 +110,23 @@ std::optional<Instant> parseInstant(std::string_view text) noexcept
     if (!reader.ok() || !reader.atEnd() || !date.ok())
         return std::nullopt;
     return sys_days(date) + hours(hour) + minutes(minute) + seconds(second) + milliseconds(milli) - offset;
+}
+
+std::optional<std::string> instantText(Instant moment)
+{
+    using namespace std::chrono;
+    const sys_days midnight = floor<days>(moment);
+    const year_month_day date(midnight);
+    if (date.year() < year(0) || date.year() > year(9999))
+        return std::nullopt;
+    const hh_mm_ss time(moment - midnight);
+    std::array<char, 32> text{};
+    const int length = std::snprintf(
+        text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+        static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));
+    return std::string(text.data(), static_cast<std::size_t>(length));
 }
 
 } // namespace clockwell

@@ -1,5 +1,7 @@
 #include "net/Encoding.h"
 
+#include "net/DateRule.h"
+
 #include <nlohmann/json.hpp>
 
 #include <array>
@@ -58,6 +60,29 @@ void JsonObject::add(const char *key, bool value)
 void JsonObject::add(const char *key, qint64 value)
 {
     m_value->json[key] = value;
+}
+
+void JsonObject::add(const char *key, Instant moment)
+{
+    std::optional<std::string> text = instantText(moment);
+    if (!text)
+        throw EncodingError(QStringLiteral("A date to send has no year of four digits."));
+    m_value->json[key] = std::move(*text);
+}
+
+void JsonObject::add(const char *key, const LenientDouble &number)
+{
+    if (!number.value)
+        m_value->json[key] = nullptr;
+    else if (std::isfinite(*number.value))
+        m_value->json[key] = *number.value;
+    else
+        m_value->json[key] = QString::number(*number.value).toStdString();
+}
+
+void JsonObject::add(const char *key, const MessageField &message)
+{
+    add(key, message.text);
 }
 
 void JsonObject::add(const char *key, const JsonObject &nested)

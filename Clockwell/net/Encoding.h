@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/Errors.h"
+#include "net/WireRecords.h"
 
 #include <QByteArray>
 #include <QString>
@@ -31,6 +32,11 @@ public:
     void add(const char *key, double value);        // throws EncodingError for NaN and infinities
     void add(const char *key, bool value);
     void add(const char *key, qint64 value);
+    /// As date-time text. Throws EncodingError for a year that does not have four digits.
+    void add(const char *key, Instant moment);
+    /// As a number; as null when it holds none, and as the text that stands for it when it is not finite.
+    void add(const char *key, const LenientDouble &number);
+    void add(const char *key, const MessageField &message);
     void add(const char *key, const JsonObject &nested);
 
     template <class T>

@@ -16,12 +16,16 @@ using Instant = std::chrono::sys_time<std::chrono::milliseconds>;
 struct LenientDouble
 {
     std::optional<double> value;
+
+    bool operator==(const LenientDouble &) const = default;
 };
 
 /// A message sent as one text or as a list of texts.
 struct MessageField
 {
     QString text;
+
+    bool operator==(const MessageField &) const = default;
 };
 
 /// The result of a call whose reply body is of no interest.
@@ -32,6 +36,8 @@ struct TokenPair
 {
     QString accessToken;
     QString refreshToken;
+
+    bool operator==(const TokenPair &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(TokenPair, (), (accessToken, refreshToken))
 
@@ -45,6 +51,8 @@ struct AuthUser
     QString status;
     std::optional<QString> instituteId;
     std::optional<QString> officeLocationId;
+
+    bool operator==(const AuthUser &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(AuthUser, (), (id, fullName, email, phone, role, status, instituteId, officeLocationId))
 
@@ -53,6 +61,8 @@ struct LoginResponse
     QString accessToken;
     QString refreshToken;
     AuthUser user;
+
+    bool operator==(const LoginResponse &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(LoginResponse, (), (accessToken, refreshToken, user))
 
@@ -64,6 +74,8 @@ struct SignupResponse
     std::optional<QString> employeeId;
     std::optional<QString> email;
     std::optional<QString> demoCode;
+
+    bool operator==(const SignupResponse &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(SignupResponse, (), (message, status, emailVerified, employeeId, email, demoCode))
 
@@ -73,6 +85,8 @@ struct MessageResponse
     std::optional<bool> emailVerified;
     std::optional<QString> status;
     std::optional<QString> demoCode;
+
+    bool operator==(const MessageResponse &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(MessageResponse, (), (message, emailVerified, status, demoCode))
 
@@ -82,6 +96,8 @@ struct OfficeBlock
     QString checkInTime;
     QString checkOutTime;
     qint64 radiusMeters = 0;
+
+    bool operator==(const OfficeBlock &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(OfficeBlock, (), (name, checkInTime, checkOutTime, radiusMeters))
 
@@ -98,6 +114,8 @@ struct AttendanceRecord
     std::optional<qint64> workingMinutes;
     std::optional<LenientDouble> checkInDistanceMeters;
     std::optional<LenientDouble> checkOutDistanceMeters;
+
+    bool operator==(const AttendanceRecord &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(AttendanceRecord, (),
                       (id, workDate, status, checkInAt, checkOutAt, lateMinutes, earlyLeaveMinutes,
@@ -111,6 +129,8 @@ struct TodayResponse
     std::optional<AttendanceRecord> record;
     bool canCheckIn = false;
     bool canCheckOut = false;
+
+    bool operator==(const TodayResponse &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(TodayResponse, (), (workDate, open, office, record, canCheckIn, canCheckOut))
 
@@ -120,6 +140,8 @@ struct DistanceResponse
     double distanceMeters = 0;
     qint64 radiusMeters = 0;
     std::optional<QString> office;
+
+    bool operator==(const DistanceResponse &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(DistanceResponse, (), (inside, distanceMeters, radiusMeters, office))
 
@@ -134,6 +156,8 @@ struct PunchResponse
     std::optional<double> distanceMeters;
     std::optional<Instant> checkInAt;
     std::optional<Instant> checkOutAt;
+
+    bool operator==(const PunchResponse &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(PunchResponse, (),
                       (type, inside, status, lateMinutes, workingMinutes, office, distanceMeters, checkInAt,
@@ -149,6 +173,8 @@ struct MonthlySummary
     qint64 leaveDays = 0;
     qint64 halfDays = 0;
     qint64 totalWorkingMinutes = 0;
+
+    bool operator==(const MonthlySummary &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(MonthlySummary, (),
                       (month, presentDays, lateDays, totalLateMinutes, absentDays, leaveDays, halfDays,
@@ -160,6 +186,8 @@ struct APIErrorBody
     std::optional<qint64> statusCode;
     std::optional<QString> error;
     std::optional<MessageField> message;
+
+    bool operator==(const APIErrorBody &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(APIErrorBody, (), (statusCode, error, message))
 
