@@ -2,15 +2,15 @@
 
 #include "net/DateRule.h"
 #include "net/Errors.h"
+#include "net/FittingNumbers.h"
+#include "net/ReadDecimal.h"
 
 #include <QList>
 
 #include <boost/mp11/algorithm.hpp>
 #include <simdjson.h>
 
-#include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 namespace clockwell {
 
@@ -18,9 +18,6 @@ namespace {
 
 using simdjson::dom::element;
 using simdjson::dom::element_type;
-
-// Our replies nest three levels deep; anything far deeper is an attack on the stack or a mistake.
-constexpr std::size_t maxDepth = 64;
 
 [[noreturn]] void fail(const char *what)
 {
@@ -55,10 +52,10 @@ void read(element value, qint64 &out)
         out = whole;
         return;
     }
-    // 2^63 is exact as a double, and no double lies between it and the largest 64-bit integer.
+    // 2^63 is exact as a double. Its negative fits, but is also what integers a little below it round to.
     constexpr double beyond = 9223372036854775808.0;
     if (!value.is_double() || value.get_double().get(real) != simdjson::SUCCESS || real != std::trunc(real) ||
-        real < -beyond || real >= beyond)
+        real <= -beyond || real >= beyond)
         fail("A whole number is missing in the reply.");
     out = static_cast<qint64>(real);
 }
@@ -74,28 +71,6 @@ void read(element value, Instant &out)
                             QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
     }
     out = *moment;
-}
-
-/// What strtod reads in the "C" locale. Not the plain function: the app sets the user's locale for its dates
-/// and numbers, and it would then take a decimal comma.
-std::optional<double> readDecimal(std::string_view text)
-{
-    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
-    constexpr std::string_view blanks(" \t\n\v\f\r\0", 7);
-    if (text.empty() || blanks.find(text.front()) != std::string_view::npos)
-        return std::nullopt;
-    // Faster and of the same mind about all it accepts; a plus sign, hexadecimal and overflow are left to
-    // strtod.
-    double value = 0;
-    const auto quick = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (quick.ec == std::errc() && quick.ptr == text.data() + text.size())
-        return value;
-    const std::string terminated(text);
-    char *end = nullptr;
-    value = strtod_l(terminated.c_str(), &end, classic);
-    if (end != terminated.c_str() + terminated.size())
-        return std::nullopt;
-    return value;
 }
 
 void read(element value, LenientDouble &out)
@@ -214,6 +189,38 @@ requires boost::describe::has_describe_members<T>::value void read(element value
         });
 }
 
+// More than any record of ours nests. The parser takes memory for each level that it is told to expect.
+constexpr std::size_t usualDepth = 64;
+
+/// As deep as a text can nest, and one for the document. Nothing here or in the parser calls itself for each
+/// level, so that depth costs no stack.
+std::size_t depthLimit(std::string_view json)
+{
+    return json.size() / 2 + 2;
+}
+
+simdjson::error_code parse(simdjson::dom::parser &parser, std::string_view json, std::size_t depth,
+                           element &root)
+{
+    if (const simdjson::error_code error = parser.allocate(json.size(), depth))
+        return error;
+    return parser.parse(json.data(), json.size()).get(root);
+}
+
+/// The parser gives a whole text up where one value, under whatever key, nests deeper than it was told or is
+/// a number beyond 64 bits or a double. Such texts are rare, and are read once more with what they need.
+simdjson::error_code parseWhatever(simdjson::dom::parser &parser, std::string_view json, element &root)
+{
+    simdjson::error_code error = parse(parser, json, usualDepth, root);
+    if (error == simdjson::DEPTH_ERROR)
+        error = parse(parser, json, depthLimit(json), root);
+    if (error == simdjson::NUMBER_ERROR) {
+        const std::string fitting = fittingNumbers(json);
+        error = parse(parser, fitting, depthLimit(fitting), root);
+    }
+    return error;
+}
+
 } // namespace
 
 template <class T>
@@ -222,9 +229,7 @@ T decode(std::string_view json)
     // A parser of its own for each text: its buffers hold tokens and must not outlive the reply.
     simdjson::dom::parser parser;
     element root;
-    if (const simdjson::error_code error = parser.allocate(json.size(), maxDepth))
-        fail(simdjson::error_message(error));
-    if (const simdjson::error_code error = parser.parse(json.data(), json.size()).get(root))
+    if (const simdjson::error_code error = parseWhatever(parser, json, root))
         fail(simdjson::error_message(error));
     T result{};
     read(root, result);

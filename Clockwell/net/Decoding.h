@@ -13,8 +13,10 @@ namespace clockwell {
 ///
 /// Keys are the member names exactly; a member is optional when its type is std::optional, else required;
 /// unknown keys are ignored; of a key given twice the first counts. An integer member takes any number whose
-/// value is integral and fits 64 bits signed, so also 5.0 and 5e0. Defined for the types of WireRecords.h and
-/// their optionals, and for QList<AttendanceRecord>; callable from any thread.
+/// value is integral and fits 64 bits signed, so also 5.0 and 5e0. A number that fits neither 64 bits nor a
+/// double fails only a member that has to hold it; one too small for a double is zero. Texts nest as deep as
+/// they like. Defined for the types of WireRecords.h and their optionals, and for QList<AttendanceRecord>;
+/// callable from any thread.
 template <class T>
 T decode(std::string_view json);
 

@@ -154,6 +154,19 @@ TEST_F(BadReply, NumberBeyond64BitsIsUnexpected)
     expectUsable();
 }
 
+TEST_F(BadReply, BigNumberBesideAnErrorLeavesItsMessageAndCode)
+{
+    server.expect("GET", "/api/thing")
+        .reply(409, R"({"message":"No.","error":"CLOSED","traceId":123456789012345678901234567890})");
+    const APIError error = awaitError<APIError>(get());
+    EXPECT_EQ(error.message, QStringLiteral("No."));
+    EXPECT_EQ(error.code, QStringLiteral("CLOSED"));
+    server.expect("GET", "/api/thing")
+        .reply(200, R"({"inside":true,"distanceMeters":100000000000000000000,"radiusMeters":150})");
+    EXPECT_EQ(await(get<DistanceResponse>()).distanceMeters, 1e20);
+    expectUsable();
+}
+
 TEST_F(BadReply, EscapedNulIsAnOrdinaryCharacter)
 {
     server.expect("GET", "/api/thing").reply(200, R"({"message":"a\u0000b"})");

@@ -403,16 +403,6 @@ TEST(Decoding, BrokenTextsFail)
         EXPECT_THROW(decode<MessageResponse>(json), DecodingError) << json.toHex().toStdString();
 }
 
-TEST(Decoding, DepthIsLimited)
-{
-    const auto nested = [](int depth) {
-        return "{\"other\":" + QByteArray(depth, '[') + QByteArray(depth, ']') + "}";
-    };
-    EXPECT_NO_THROW(decode<MessageResponse>(nested(20)));
-    EXPECT_THROW(decode<MessageResponse>(nested(200)), DecodingError);
-    EXPECT_THROW(decode<MessageResponse>(nested(1'000'000)), DecodingError);
-}
-
 TEST(Decoding, EveryTruncationFails)
 {
     const QByteArray whole = "{" + day + ",\"office\":" + office + ",\"record\":" + recordHead + "}}";

@@ -110,6 +110,20 @@ TEST_F(Renewal, RenewalRequestHasItsBodyAndNeitherAcceptNorBearer)
     EXPECT_FALSE(sent.has("Accept"));
 }
 
+TEST_F(Renewal, NumberThatNobodyReadsDoesNotFailIt)
+{
+    for (const char *number : {"123456789012345678901234567890", "1e400", "-1e400"}) {
+        SCOPED_TRACE(number);
+        expectStaleToken("thing");
+        server.expect("POST", "/api/auth/refresh")
+            .reply(200, R"({"issued":)" + QByteArray(number) + R"(,"accessToken":"a2","refreshToken":"r2"})");
+        EXPECT_EQ(await(get()).message, QStringLiteral("new"));
+        EXPECT_EQ(tokens.refresh(), QStringLiteral("r2"));
+        EXPECT_EQ(expiries, 0);
+        saveTokens(tokens, QStringLiteral("a1"), QStringLiteral("r1"));
+    }
+}
+
 TEST_F(Renewal, StoresTheAccessTokenFirst)
 {
     expectStaleToken("thing");
