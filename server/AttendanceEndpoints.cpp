@@ -4,6 +4,7 @@
 #include "server/AttendanceJson.h"
 #include "server/BearerGuard.h"
 #include "server/BodyReader.h"
+#include "server/DeviceMonth.h"
 #include "server/NumberText.h"
 
 #include <nlohmann/json.hpp>
@@ -124,8 +125,14 @@ Response AttendanceEndpoints::summary(const Request &request)
     const auto days = m_database.read([&](Connection &connection) {
         const Office office = requireOffice(connection, employee.officeId);
         const Day today = office.timeZone().dayOf(m_clock());
-        return historyOfMonth(connection, employee, office, *month, today);
+        const auto range = daysOfDeviceMonth(*month, today);
+        if (!range)
+            throw ApiError{
+                400, "VALIDATION_FAILED",
+                "month must be near today in the Gregorian, Buddhist, Persian or Umm al-Qura calendar."};
+        return historyBetween(connection, employee, office, range->first, range->last, today);
     });
+    // The month's own numbers go back: the device reads them in its calendar, too.
     return jsonReply(summaryJson(*month, totalsOf(days)));
 }
 

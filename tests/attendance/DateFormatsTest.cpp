@@ -180,6 +180,13 @@ TEST_F(DateFormatsTest, OtherCalendarsReadTheServersNumbersAsTheirOwn)
     EXPECT_EQ(thai.month(QStringLiteral("2025-03")).toStdString(), "มีนาคม 2025");
     EXPECT_EQ(thai.monthKey(march3).toStdString(), "2568-03");
     EXPECT_EQ(DateFormats("fa_IR", "Asia/Tehran").monthKey(march3).toStdString(), "۱۴۰۳-۱۲");
+    // The server answers with the numbers that it was asked for, in ASCII digits.
+    EXPECT_EQ(thai.month(QStringLiteral("2568-03")).toStdString(), "มีนาคม 2568");
+    EXPECT_EQ(DateFormats("fa_IR", "Asia/Tehran").month(QStringLiteral("1403-12")).toStdString(),
+              "اسفند ۱۴۰۳");
+    const DateFormats saudi("ar_SA", "Asia/Riyadh");
+    EXPECT_EQ(saudi.monthKey(march3).toStdString(), "١٤٤٦-٠٩");
+    EXPECT_EQ(saudi.month(QStringLiteral("1446-09")), saudi.month(saudi.monthKey(march3)));
 }
 
 TEST_F(DateFormatsTest, LeapDayIsRead)
