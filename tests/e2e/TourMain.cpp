@@ -2,9 +2,11 @@
 #include "ClockwellApp.h"
 #include "ServerProcess.h"
 #include "Tour.h"
+#include "attendance/DateFormats.h"
 #include "attendance/LocationSource.h"
 #include "net/SecretServiceTokenStore.h"
 
+#include <QCalendar>
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QTextStream>
@@ -62,6 +64,38 @@ void walkDay(Tour &tour, const ServerProcess::Demo &demo)
     }
 }
 
+/// How many days of the calendar's present month the employee was present on, by the server's own table.
+QString presentDays(const ServerProcess &server, const QString &email, const QCalendar &calendar)
+{
+    const QDate today = QDate::currentDate();
+    const QCalendar::YearMonthDay parts = calendar.partsFromDate(today);
+    const QDate first = calendar.dateFromParts(parts.year, parts.month, 1);
+    const auto rows = server.rows(
+        u"SELECT count(*) FROM attendance a JOIN employees e ON e.id = a.employee_id WHERE e.email = '%1'"
+        " AND a.work_date BETWEEN '%2' AND '%3'"_s.arg(email, first.toString(Qt::ISODate),
+                                                       today.toString(Qt::ISODate)));
+    return rows.value(0).value(0);
+}
+
+/// The summary as a phone with the usual calendar of a locale asks for it and shows it.
+void readSummaryIn(Tour &tour, const ServerProcess &server, const QString &email, const QByteArray &locale,
+                   const QCalendar &calendar)
+{
+    const clockwell::DateFormats formats(locale, {});
+    const QString title = formats.month(formats.monthKey(clockwell::DateFormats::systemNow()));
+    const QByteArray before = qgetenv("LC_ALL");
+    tour.step(
+        u"The month in the locale %1"_s.arg(QString::fromLatin1(locale)),
+        [&](ScreenDriver &screen) {
+            qputenv("LC_ALL", locale + ".UTF-8");
+            const bool shown = screen.click(u"Summary"_s, QAccessible::PageTab) && screen.waitUntilStill();
+            screen.key(Qt::Key_F5);
+            return shown && screen.waitFor(title);
+        },
+        u"Present, "_s + presentDays(server, email, calendar));
+    before.isNull() ? qunsetenv("LC_ALL") : qputenv("LC_ALL", before);
+}
+
 bool printRow(const ServerProcess &server, const QString &email)
 {
     const auto rows = server.rows(
@@ -110,5 +144,7 @@ int main(int argc, char **argv)
     start(tour);
     walkAccountJourney(tour, server);
     walkDay(tour, demo);
+    readSummaryIn(tour, server, demo.email, "th_TH", QCalendar(QCalendar::System::Gregorian));
+    readSummaryIn(tour, server, demo.email, "fa_IR", QCalendar(QCalendar::System::Jalali));
     return !tour.failed() && printRow(server, demo.email) ? 0 : 1;
 }
