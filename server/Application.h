@@ -24,7 +24,8 @@ struct Settings
     ThrottleLimits loginLimits;
     CodeLimits codes;
     SessionLifetimes sessions;
-    std::chrono::seconds repeatWindow{5}; ///< a punch of the same device this soon is the last one again
+    /// A punch of the same device this soon is the last one again: longer than the app waits for an answer.
+    std::chrono::seconds repeatWindow{90};
 };
 
 /// The server's services and its table of endpoints, put together once. `handle` is safe on several threads.

@@ -98,7 +98,7 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
         ->add_option("--repeat-window", options.repeatWindowSeconds,
                      "Seconds within which a device's next punch is the last one again")
         ->check(CLI::Range(0, 300))
-        ->capture_default_str();
+        ->default_str("90 (demonstration: 5)");
     addCodes(*serve, options);
     serve->callback([&] { run = [&] { return runServe(options); }; });
 }

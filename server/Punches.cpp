@@ -146,7 +146,7 @@ std::optional<PunchAnswer> Punches::repeated(const Office &office, Connection &c
         return answerFor(office, newest, last->type, last->distance);
     if (last->type == "IN")
         throw ApiError{409, "TOO_SOON",
-                       "You have just checked in on another device. Please wait a few seconds to check out."};
+                       "You have just checked in on another device. Please wait a moment to check out."};
     return std::nullopt;
 }
 

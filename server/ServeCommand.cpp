@@ -1,6 +1,7 @@
 #include "server/ServeCommand.h"
 
 #include "server/Application.h"
+#include "server/DemoData.h"
 #include "server/ListenAddress.h"
 #include "server/http/HttpServer.h"
 #include "server/http/StopSignal.h"
@@ -27,14 +28,19 @@ HttpServer::Options httpOptions(const ServeCommandOptions &options)
     return http;
 }
 
-Settings settingsOf(const ServeCommandOptions &options)
+Settings settingsOf(const ServeCommandOptions &options, Database &database)
 {
     Settings settings;
     settings.loginLimits.attempts = options.loginAttempts;
     settings.loginLimits.window = std::chrono::seconds{options.loginWindowSeconds};
     settings.codes.perNetwork.attempts = options.codeRequests;
     settings.codes.perAddress.attempts = options.codesPerAddress;
-    settings.repeatWindow = std::chrono::seconds{options.repeatWindowSeconds};
+    // Whoever tries the demonstration wants to check out right after checking in.
+    constexpr std::chrono::seconds DemoRepeatWindow{5};
+    if (options.repeatWindowSeconds)
+        settings.repeatWindow = std::chrono::seconds{*options.repeatWindowSeconds};
+    else if (findDemoFacts(database))
+        settings.repeatWindow = DemoRepeatWindow;
     return settings;
 }
 
@@ -67,13 +73,14 @@ int runServe(const ServeCommandOptions &options)
     StopSignal stopSignal; // before any thread is started
     Database database{options.database, databaseOptions(options)};
     MailQueue mail{openMail(options.mail, options.database)};
-    Application application{database, systemClock(), settingsOf(options),
+    const Settings settings = settingsOf(options, database);
+    Application application{database, systemClock(), settings,
                             [&mail](Mail message) { mail.post(std::move(message)); }};
     HttpServer server{http, [&application](const Request &request) { return application.handle(request); }};
     server.start();
     const bool encrypted = !http.certificateFile.empty();
-    spdlog::info("event=listening address={} port={} scheme={}", http.address, server.port(),
-                 encrypted ? "https" : "http");
+    spdlog::info("event=listening address={} port={} scheme={} repeat_window={}s", http.address,
+                 server.port(), encrypted ? "https" : "http", settings.repeatWindow.count());
     if (!encrypted && !isLoopback(http.address))
         spdlog::warn(
             "event=unencrypted advice=\"give --certificate and --private-key, or listen on 127.0.0.1 behind"

@@ -2,6 +2,7 @@
 
 #include "server/mail/MailSettings.h"
 
+#include <optional>
 #include <string>
 
 namespace clockwell::server {
@@ -16,9 +17,9 @@ struct ServeCommandOptions
     unsigned databaseLimitMegabytes = 0; ///< 0: no limit
     unsigned loginAttempts = 5;
     unsigned loginWindowSeconds = 900;
-    unsigned repeatWindowSeconds = 5;
-    unsigned codeRequests = 30;   ///< from one network address within 15 minutes
-    unsigned codesPerAddress = 5; ///< within an hour
+    std::optional<unsigned> repeatWindowSeconds; ///< none: 90, and 5 for the demonstration
+    unsigned codeRequests = 30;                  ///< from one network address within 15 minutes
+    unsigned codesPerAddress = 5;                ///< within an hour
     MailSettings mail;
 };
 

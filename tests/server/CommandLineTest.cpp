@@ -129,6 +129,34 @@ TEST(CommandLineTest, RepeatWindowCanBeSwitchedOff)
               "OUT");
 }
 
+TEST(CommandLineTest, RepeatWindowIsNinetySecondsAndFiveForTheDemonstration)
+{
+    const TempFolder folder;
+    EXPECT_TRUE(contains(runServer({"serve", "--help"}).output, "=90 (demonstration: 5)"));
+    EXPECT_TRUE(contains(ServerProcess{folder.file("empty.db")}.log(), "repeat_window=90s"));
+    runServer({"demo", "--database", folder.file("demo.db")});
+    EXPECT_TRUE(contains(ServerProcess{folder.file("demo.db")}.log(), "repeat_window=5s"));
+    EXPECT_TRUE(contains(ServerProcess(folder.file("demo.db"), {"--repeat-window", "90"}).log(),
+                         "repeat_window=90s"));
+    EXPECT_TRUE(
+        contains(ServerProcess(folder.file("empty.db"), {"--repeat-window", "7"}).log(), "repeat_window=7s"));
+}
+
+TEST(CommandLineTest, DemonstrationChecksOutAfterFiveSeconds)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db")});
+    const ServerProcess server{folder.file("a.db")};
+    const std::string token = signIn(server.port());
+    const auto punch = [&] {
+        return send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type");
+    };
+    EXPECT_EQ(punch(), "IN");
+    EXPECT_EQ(punch(), "IN");
+    std::this_thread::sleep_for(std::chrono::milliseconds{5100});
+    EXPECT_EQ(punch(), "OUT");
+}
+
 TEST(CommandLineTest, DatabaseMayComeFromTheEnvironment)
 {
     const TempFolder folder;
