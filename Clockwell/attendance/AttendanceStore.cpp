@@ -2,7 +2,7 @@
 
 #include "attendance/LocationManager.h"
 #include "attendance/PunchBody.h"
-#include "attendance/PunchTexts.h"
+#include "attendance/PunchText.h"
 #include "net/APIClient.h"
 #include "net/DeviceFacts.h"
 #include "net/Liveness.h"
@@ -14,7 +14,7 @@ namespace {
 const QString get = QStringLiteral("GET");
 const QString post = QStringLiteral("POST");
 
-/// A manager that is gone unwinds the operation, like one that goes while it is awaited.
+/// Throws Abandoned when the manager has been destroyed, as when it is destroyed while it is awaited.
 QCoro::Task<Fix> fixFrom(QPointer<LocationManager> location)
 {
     if (!location)
@@ -22,8 +22,8 @@ QCoro::Task<Fix> fixFrom(QPointer<LocationManager> location)
     co_return co_await location->currentFix(AttendanceStore::fixTimeout);
 }
 
-/// A punch never ends in silence: when another request takes its place at the location service, it fails like
-/// one whose position is unavailable.
+/// A punch always ends with a banner: when another request replaces its request for a position, it fails as
+/// if the position were unavailable.
 QCoro::Task<Fix> fixForPunch(QPointer<LocationManager> location)
 {
     try {
@@ -33,8 +33,8 @@ QCoro::Task<Fix> fixForPunch(QPointer<LocationManager> location)
     throw LocationError(LocationError::Kind::Unavailable);
 }
 
-/// One position for several who wait for it.
-QCoro::Task<Fix> shared(std::shared_ptr<QCoro::Task<Fix>> fix)
+/// Lets several coroutines await the same position.
+QCoro::Task<Fix> awaitShared(std::shared_ptr<QCoro::Task<Fix>> fix)
 {
     co_return co_await *fix;
 }
@@ -50,11 +50,11 @@ QMap<QString, QString> monthQuery(const QString &month)
     return {{QStringLiteral("month"), month}};
 }
 
-/// Whether the count went from or to zero.
-bool count(int &running, bool begins)
+/// Returns whether the count changed from zero or to zero.
+bool updateCount(int &count, bool begins)
 {
-    running += begins ? 1 : -1;
-    return running == (begins ? 1 : 0);
+    count += begins ? 1 : -1;
+    return count == (begins ? 1 : 0);
 }
 
 } // namespace
@@ -119,16 +119,16 @@ QCoro::Task<Fix> AttendanceStore::fixForCheck(QPointer<LocationManager> location
     if (!m_punchFix || m_punchFix->isReady())
         co_return co_await fixFrom(location);
     try {
-        co_return co_await shared(m_punchFix);
+        co_return co_await awaitShared(m_punchFix);
     } catch (...) {
     }
-    throw Abandoned{}; // the banner of the punch says why
+    throw Abandoned{}; // the punch's banner reports the error
 }
 
 QCoro::Task<> AttendanceStore::sendPunch(QPointer<LocationManager> location)
 {
     m_punchFix = std::make_shared<QCoro::Task<Fix>>(fixForPunch(location));
-    const Fix fix = co_await whileAlive(this, shared(m_punchFix));
+    const Fix fix = co_await whileAlive(this, awaitShared(m_punchFix));
     const auto answer = co_await whileAlive(
         this, m_api.request<PunchResponse, PunchBody>(QStringLiteral("attendance/punch"), post, {},
                                                       punchBody(fix, m_deviceId()), true));
@@ -143,7 +143,7 @@ QCoro::Task<> AttendanceStore::loadHistory()
                                                                              get, {}, std::nullopt, true));
         Q_EMIT historyChanged();
     } catch (const std::exception &) {
-        // The list keeps what it showed.
+        // The list keeps the days that it shows.
     }
 }
 
@@ -155,25 +155,25 @@ QCoro::Task<> AttendanceStore::loadSummary(QString month)
                                                                monthQuery(month), std::nullopt, true));
         Q_EMIT summaryChanged();
     } catch (const std::exception &) {
-        // The screen keeps what it showed.
+        // The screen keeps the month that it shows.
     }
 }
 
 void AttendanceStore::countLoadingToday(bool begins)
 {
-    if (count(m_loadingToday, begins))
+    if (updateCount(m_loadingToday, begins))
         Q_EMIT loadingTodayChanged();
 }
 
 void AttendanceStore::countPunching(bool begins)
 {
-    if (count(m_punching, begins))
+    if (updateCount(m_punching, begins))
         Q_EMIT punchingChanged();
 }
 
 void AttendanceStore::countCheckingDistance(bool begins)
 {
-    if (count(m_checkingDistance, begins))
+    if (updateCount(m_checkingDistance, begins))
         Q_EMIT checkingDistanceChanged();
 }
 

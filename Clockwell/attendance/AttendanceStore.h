@@ -19,12 +19,13 @@ namespace clockwell {
 class APIClient;
 class LocationManager;
 
-/// What the attendance screens show: the last answers of the server, what is under way, and the current
-/// banner. Knows no rule of attendance; every decision is the server's. Main thread only.
+/// The data of the attendance screens: the server's latest responses, flags for the running operations, and
+/// the current banner. Contains no attendance rules; the server makes every decision. Main thread only.
 ///
-/// The operations never throw a failure: it becomes a banner, or is dropped. Awaiting one may throw
-/// Abandoned, when the store died meanwhile, and for a check of the distance also when the location manager
-/// died, another request for a position took its place, or the punch whose position it shared got none.
+/// The operations do not throw errors: an error is shown as a banner or ignored. Awaiting an operation throws
+/// Abandoned when the store is destroyed meanwhile. checkDistance() also throws it when the location manager
+/// is destroyed, when another request for a position replaces its own, or when it shares the position of a
+/// punch that gets none.
 class AttendanceStore : public QObject
 {
     Q_OBJECT
@@ -40,7 +41,7 @@ public:
 
     /// The client must outlive the store.
     explicit AttendanceStore(APIClient &api, QObject *parent = nullptr);
-    /// `deviceId` takes the place of this device's own id; it is asked anew for each punch.
+    /// `deviceId` returns the id to send in place of this device's own; it is called for each punch.
     AttendanceStore(APIClient &api, std::function<QString()> deviceId, QObject *parent = nullptr);
 
     const std::optional<TodayResponse> &today() const { return m_today; }
@@ -54,14 +55,14 @@ public:
     void setBanner(std::optional<Banner> banner);
 
     QCoro::Task<> loadToday();
-    /// While a punch waits for its position, the check waits for the same one and asks for none of its own:
-    /// the location service has one request at a time, and the punch's would be lost.
+    /// While a punch waits for its position, this waits for the same position: the location manager handles
+    /// one request at a time, so a second request would replace the one of the punch.
     QCoro::Task<> checkDistance(QPointer<LocationManager> location);
-    /// Sends one punch, then reloads the day and the distance. Ends with a banner in any case.
+    /// Sends one punch, then reloads the day and the distance. Always ends with a banner.
     QCoro::Task<> punch(QPointer<LocationManager> location);
-    /// In the server's order. A failure is silent.
+    /// Loads the history in the server's order. Errors are ignored.
     QCoro::Task<> loadHistory();
-    /// `month` is "yyyy-MM". A failure is silent.
+    /// `month` is "yyyy-MM". Errors are ignored.
     QCoro::Task<> loadSummary(QString month);
 
 Q_SIGNALS:
@@ -75,7 +76,7 @@ Q_SIGNALS:
     void bannerChanged();
 
 private:
-    // A count, so that of two overlapping runs the first to end does not clear the flag of the other.
+    // Counts rather than flags: when two runs overlap, the first to end must not clear the flag of the other.
     void countLoadingToday(bool begins);
     void countPunching(bool begins);
     void countCheckingDistance(bool begins);
@@ -85,7 +86,7 @@ private:
 
     APIClient &m_api;
     std::function<QString()> m_deviceId;
-    std::shared_ptr<QCoro::Task<Fix>> m_punchFix; // of the latest punch, which several may await
+    std::shared_ptr<QCoro::Task<Fix>> m_punchFix; // of the latest punch; several coroutines may await it
     std::optional<TodayResponse> m_today;
     std::optional<DistanceResponse> m_live;
     QList<AttendanceRecord> m_history;

@@ -5,7 +5,7 @@
 
 namespace clockwell {
 
-/// A short message for the person.
+/// A short message to the user.
 struct Banner
 {
     enum class Kind {
@@ -14,7 +14,7 @@ struct Banner
         Info,
     };
 
-    /// Fresh for every banner: the same text again is a new banner.
+    /// New for every banner, so that a second banner with the same text differs from the first.
     QUuid id = QUuid::createUuid();
     QString text;
     Kind kind = Kind::Info;

@@ -2,17 +2,17 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The store's banner, over the top of its parent. It slides in and is announced; a new one in its place slides in anew.
+// The store's banner, at the top of its parent. It slides in and is announced, also when it replaces another banner.
 ContinuousRectangle {
     id: view
 
     required property AttendanceStore attendance
-    // Whether the screen is in front; the banner's time runs only then.
+    // Whether the screen is in front; the banner's timer runs only then.
     required property bool shown
     property alias interval: model.interval
-    // Off for a moment when a banner comes: assistive technology announces an alert when it turns visible, and one that
-    // takes the place of another has to be announced as well.
-    property bool renewing: false
+    // True for a moment when a banner appears: assistive technology announces an alert when it becomes visible, and a
+    // banner that replaces another has to be announced as well.
+    property bool hiddenForAnnouncement: false
 
     anchors.horizontalCenter: parent.horizontalCenter
     height: Math.max(text.height + 2 * 16, 52)
@@ -21,7 +21,7 @@ ContinuousRectangle {
     color: Theme.surface
     borderColor: model.color
     borderWidth: 1
-    visible: (model.present || leaving.running) && !renewing
+    visible: (model.present || leaving.running) && !hiddenForAnnouncement
 
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text.text
@@ -38,12 +38,12 @@ ContinuousRectangle {
         id: arriving
         PropertyAction {
             target: view
-            property: "renewing"
+            property: "hiddenForAnnouncement"
             value: true
         }
         PropertyAction {
             target: view
-            property: "renewing"
+            property: "hiddenForAnnouncement"
             value: false
         }
         NumberAnimation {

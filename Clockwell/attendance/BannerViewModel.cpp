@@ -22,16 +22,16 @@ void BannerViewModel::setAttendance(AttendanceStore *attendance)
         m_attendance->disconnect(this);
     m_attendance = attendance;
     if (attendance)
-        connect(attendance, &AttendanceStore::bannerChanged, this, &BannerViewModel::follow);
+        connect(attendance, &AttendanceStore::bannerChanged, this, &BannerViewModel::updateBanner);
     Q_EMIT attendanceChanged();
-    follow();
+    updateBanner();
 }
 
 void BannerViewModel::setShown(bool shown)
 {
     if (std::exchange(m_shown, shown) == shown)
         return;
-    count();
+    updateTimer();
     Q_EMIT shownChanged();
 }
 
@@ -43,21 +43,21 @@ void BannerViewModel::setInterval(int interval)
     Q_EMIT intervalChanged();
 }
 
-void BannerViewModel::follow()
+void BannerViewModel::updateBanner()
 {
     const bool present = isPresent();
     if (present)
         m_last = *m_attendance->banner();
-    count();
+    updateTimer();
     Q_EMIT bannerChanged();
-    // Only a banner that was there can leave: at the start there is nothing to slide away.
+    // Signal changes only: without a banner at the start there is nothing to slide out.
     if (std::exchange(m_present, present) != present)
         Q_EMIT presentChanged();
     if (present)
         Q_EMIT appeared();
 }
 
-void BannerViewModel::count()
+void BannerViewModel::updateTimer()
 {
     if (isPresent() && m_shown)
         m_timer.start();

@@ -10,9 +10,9 @@
 
 namespace clockwell {
 
-/// The store's banner as it is shown, and the time it stays: each one is dismissed after `interval`, counted
-/// from its own appearance, and anew each time that its screen comes back to the front: no time runs while
-/// nobody can see it. Lives as long as the banner's place on the screen does. Main thread only.
+/// Shows the store's banner and dismisses it after `interval`. The timer starts when the banner appears,
+/// stops while its screen is hidden, and restarts when the screen is shown again. Lives as long as the
+/// screen. Main thread only.
 class BannerViewModel : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ public:
     void setInterval(int interval);
 
     bool isPresent() const { return m_attendance && m_attendance->banner(); }
-    // While a banner leaves the screen it still shows what it said.
+    // Those of the last banner are kept, because it still shows them while it slides out.
     QString text() const { return m_last.text; }
     QString symbol() const;
     QColor color() const;
@@ -56,12 +56,12 @@ Q_SIGNALS:
     void intervalChanged();
     void bannerChanged();
     void presentChanged();
-    /// A banner came, be it in the place of another with the same text.
+    /// A banner appeared; also emitted when it replaces another with the same text.
     void appeared();
 
 private:
-    void follow();
-    void count();
+    void updateBanner();
+    void updateTimer();
 
     QPointer<AttendanceStore> m_attendance;
     Banner m_last;

@@ -16,13 +16,13 @@ namespace clockwell {
 namespace {
 
 const QString dash = QStringLiteral("—");
-// A day of the calendar is the same text in every zone. Read and written in this one it is never lost to a
-// clock change: where clocks go forward at midnight the day's first moment does not exist.
+// A calendar day is the same text in every time zone. It is parsed and formatted in UTC, because in zones
+// where clocks go forward at midnight the first moment of that day does not exist.
 const QByteArray dayZone = "UTC";
 
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN) && !defined(Q_OS_ANDROID)
-/// A POSIX locale name, language[_REGION][.charset][@modifier]; of the modifiers those count that name a
-/// script.
+/// Converts a POSIX locale name, language[_REGION][.charset][@modifier]. Modifiers that do not name a script
+/// are ignored.
 icu::Locale fromPosix(const QByteArray &name)
 {
     static const QHash<QByteArray, QByteArray> scripts = {
@@ -35,8 +35,8 @@ icu::Locale fromPosix(const QByteArray &name)
     return icu::Locale::createCanonical((language + script + place.mid(language.size())).constData());
 }
 
-/// How the device writes dates: POSIX systems say so in a category of its own, which may differ from the
-/// language of the texts.
+/// The locale in which the device formats dates: POSIX systems have a separate category for it, LC_TIME,
+/// which may differ from the language of messages.
 icu::Locale deviceLocale()
 {
     for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"}) {
@@ -62,11 +62,11 @@ std::unique_ptr<icu::TimeZone> namedZone(const QByteArray &name)
 }
 
 /// A zone with the device's offset from UTC at one moment. The offset comes from the C library, which
-/// understands everything that TZ may hold; ICU takes a POSIX rule like "CET-1CEST,M3.5.0,M10.5.0/3" for UTC.
+/// supports every form of TZ; ICU interprets a POSIX rule like "CET-1CEST,M3.5.0,M10.5.0/3" as UTC.
 std::unique_ptr<icu::TimeZone> deviceZone(UDate moment)
 {
     const auto seconds = static_cast<std::time_t>(std::floor(moment / U_MILLIS_PER_SECOND));
-    tzset(); // localtime_r() alone would not notice that the setting has changed
+    tzset(); // localtime_r() alone would not notice a changed setting
     std::tm local{};
     const bool known = localtime_r(&seconds, &local) != nullptr;
     const auto ahead = static_cast<int32_t>(known ? local.tm_gmtoff : 0);
@@ -94,7 +94,7 @@ QString fromIcu(const icu::UnicodeString &text)
     return QString::fromUtf16(text.getBuffer(), text.length());
 }
 
-/// Null when ICU has no data at all.
+/// Null when ICU has no locale data at all.
 std::unique_ptr<icu::SimpleDateFormat> formatter(const char16_t *pattern, const icu::Locale &locale,
                                                  std::unique_ptr<icu::TimeZone> zone)
 {
@@ -116,7 +116,7 @@ QString write(const char16_t *pattern, UDate moment, const QByteArray &locale, c
     return fromIcu(format->format(moment, text));
 }
 
-/// The whole text has to match.
+/// The pattern has to match the whole text.
 std::optional<UDate> readDate(const char16_t *pattern, const QString &text, const QByteArray &locale)
 {
     const auto format = formatter(pattern, localeOf(locale), namedZone(dayZone));

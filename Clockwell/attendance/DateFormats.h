@@ -9,12 +9,11 @@
 
 namespace clockwell {
 
-/// Dates and times for people, by fixed Unicode patterns in one locale, its calendar and its digits, and one
+/// Formats dates and times with fixed Unicode patterns, in the calendar and digits of one locale and in one
 /// time zone.
 ///
-/// Every call makes its own formatter, so that a change of the device's settings shows at once; loading the
-/// locale data makes the first call expensive (milliseconds), so nothing here should run before the first
-/// frame.
+/// Every call creates its own formatter, so that changed device settings apply at once. The first call loads
+/// the locale data, which takes milliseconds, so nothing here should be called before the first frame.
 class DateFormats
 {
 public:
@@ -24,14 +23,14 @@ public:
     /// The device's clock.
     static Instant systemNow();
 
-    /// The device's locale and time zone, read anew on each call.
+    /// The device's locale and time zone, read at each call.
     DateFormats() = default;
     /// For example "de_DE" and "Europe/Berlin".
     DateFormats(QByteArray locale, QByteArray timeZone);
 
-    /// "2025-03-03" as "Mon, 3 Mar 2025"; what cannot be read as such is returned as it is.
+    /// Formats "2025-03-03" as "Mon, 3 Mar 2025"; returns text that is no such date unchanged.
     QString day(const QString &workDate) const;
-    /// "2025-03" as "March 2025"; what cannot be read as such is returned as it is.
+    /// Formats "2025-03" as "March 2025"; returns text that is no such month unchanged.
     QString month(const QString &month) const;
     /// "2025-03".
     QString monthKey(Instant now) const;
@@ -47,9 +46,9 @@ private:
     QByteArray m_timeZone; // empty: the device's
 };
 
-/// "8h 5m"; "—" for none and for anything below one minute.
+/// "8h 5m"; "—" for no duration and for less than one minute.
 QString durationText(std::optional<qint64> minutes);
-/// "8h 5m" in any case, "0h 0m" included.
+/// "8h 5m"; "0h 0m" for zero.
 QString hoursAndMinutes(qint64 minutes);
 
 } // namespace clockwell

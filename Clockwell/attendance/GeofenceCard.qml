@@ -9,18 +9,18 @@ Card {
 
     Column {
         width: parent.width
-        bottomPadding: -10 // the button brings room of its own
+        bottomPadding: -10 // the button has padding of its own
         spacing: 8
 
         Item {
             id: row
 
             readonly property bool stacked: 42 + distance.width + 12 + pill.width > width
-            // The number's line is kept while there is none.
-            readonly property real line: Math.max(icon.height, numberLine.height)
+            // Reserves the height of the distance while there is none.
+            readonly property real lineHeight: Math.max(icon.height, numberLine.height)
 
             width: parent.width
-            height: stacked && pill.visible ? pill.y + pill.height : line
+            height: stacked && pill.visible ? pill.y + pill.height : lineHeight
 
             TextLabel {
                 id: numberLine
@@ -30,7 +30,7 @@ Card {
 
             Symbol {
                 id: icon
-                y: Math.round((row.line - height) / 2)
+                y: Math.round((row.lineHeight - height) / 2)
                 name: card.home.geofenceSymbol
                 size: 30
                 color: card.home.geofenceColor
@@ -38,7 +38,7 @@ Card {
             TabularLabel {
                 id: distance
                 x: 42
-                y: Math.round((row.line - height) / 2)
+                y: Math.round((row.lineHeight - height) / 2)
                 text: card.home.distanceText
                 size: 22
                 weight: Font.Bold
@@ -57,7 +57,7 @@ Card {
             ContinuousRectangle {
                 id: pill
                 x: row.stacked ? distance.x : row.width - width
-                y: row.stacked ? row.line + 8 : Math.round((row.line - height) / 2)
+                y: row.stacked ? row.lineHeight + 8 : Math.round((row.lineHeight - height) / 2)
                 width: pillText.implicitWidth + 24
                 height: pillText.height + 8
                 radius: height / 2
@@ -76,7 +76,7 @@ Card {
             }
         }
 
-        // Holds its line before the first answer too, unless the hint takes its place.
+        // Reserves its line before the first response too, unless the hint replaces it.
         TextLabel {
             width: parent.width
             text: card.home.nearestLine

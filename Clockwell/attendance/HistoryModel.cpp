@@ -15,18 +15,18 @@ HistoryModel::HistoryModel(DateFormats formats, QObject *parent)
 void HistoryModel::setRecords(const QList<AttendanceRecord> &records)
 {
     const RowChanges changes = rowChanges(m_records, records);
-    take(changes.removed);
-    put(changes.inserted, records);
-    const auto changed = repoint(records);
-    m_known = nullptr;
+    removeRanges(changes.removed);
+    insertRanges(changes.inserted, records);
+    const auto changed = assignRecords(records);
+    m_textsRow = nullptr;
     m_records = records;
     for (const RowRange &range : changed)
         Q_EMIT dataChanged(index(static_cast<int>(range.first)),
                            index(static_cast<int>(range.first + range.count - 1)));
 }
 
-// From the end, so that the rows to come keep their numbers.
-void HistoryModel::take(const std::vector<RowRange> &ranges)
+// From the end, so that the numbers of the remaining ranges stay valid.
+void HistoryModel::removeRanges(const std::vector<RowRange> &ranges)
 {
     for (const RowRange &range : std::views::reverse(ranges)) {
         beginRemoveRows({}, static_cast<int>(range.first), static_cast<int>(range.first + range.count - 1));
@@ -35,7 +35,7 @@ void HistoryModel::take(const std::vector<RowRange> &ranges)
     }
 }
 
-void HistoryModel::put(const std::vector<RowRange> &ranges, const QList<AttendanceRecord> &records)
+void HistoryModel::insertRanges(const std::vector<RowRange> &ranges, const QList<AttendanceRecord> &records)
 {
     for (const RowRange &range : ranges) {
         beginInsertRows({}, static_cast<int>(range.first), static_cast<int>(range.first + range.count - 1));
@@ -47,7 +47,7 @@ void HistoryModel::put(const std::vector<RowRange> &ranges, const QList<Attendan
     }
 }
 
-std::vector<RowRange> HistoryModel::repoint(const QList<AttendanceRecord> &records)
+std::vector<RowRange> HistoryModel::assignRecords(const QList<AttendanceRecord> &records)
 {
     std::vector<RowRange> changed;
     for (qsizetype row = 0; row < records.size(); ++row) {
@@ -63,9 +63,9 @@ std::vector<RowRange> HistoryModel::repoint(const QList<AttendanceRecord> &recor
     return changed;
 }
 
-void HistoryModel::renewTexts()
+void HistoryModel::updateTexts()
 {
-    m_known = nullptr;
+    m_textsRow = nullptr;
     if (!m_rows.empty())
         Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }
@@ -79,7 +79,7 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || index.row() >= rowCount())
         return {};
-    const history::RowTexts &texts = textsOf(m_rows.at(static_cast<std::size_t>(index.row())));
+    const HistoryRowTexts &texts = textsOf(m_rows.at(static_cast<std::size_t>(index.row())));
     switch (role) {
     case DayRole:
         return texts.day;
@@ -107,11 +107,11 @@ QHash<int, QByteArray> HistoryModel::roleNames() const
             {SpokenRole, "spoken"}};
 }
 
-const history::RowTexts &HistoryModel::textsOf(Row row) const
+const HistoryRowTexts &HistoryModel::textsOf(Row row) const
 {
-    if (m_known != row) {
-        m_texts = history::rowTexts(*row, m_formats);
-        m_known = row;
+    if (m_textsRow != row) {
+        m_texts = historyRowTexts(*row, m_formats);
+        m_textsRow = row;
     }
     return m_texts;
 }

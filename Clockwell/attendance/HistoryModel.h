@@ -1,7 +1,7 @@
 #pragma once
 
 #include "attendance/DateFormats.h"
-#include "attendance/HistoryTexts.h"
+#include "attendance/HistoryRowTexts.h"
 #include "attendance/RowChanges.h"
 
 #include <QAbstractListModel>
@@ -11,8 +11,9 @@
 
 namespace clockwell {
 
-/// The days of the history as rows of finished texts. Texts are made when a row is asked for, so that a long
-/// history costs what is shown of it. A new answer changes only the rows that differ. Main thread.
+/// The days of the history as rows of formatted texts. Texts are formatted when a row is requested, so that
+/// the cost depends on the visible rows, not on the length of the history. A new response changes only the
+/// rows that differ. Main thread only.
 class HistoryModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -33,8 +34,8 @@ public:
     explicit HistoryModel(DateFormats formats, QObject *parent = nullptr);
 
     void setRecords(const QList<AttendanceRecord> &records);
-    /// Has the rows that are shown asked for again: the device's locale or time zone may have changed.
-    void renewTexts();
+    /// Makes views request their rows again, after a possible change of the device's locale or time zone.
+    void updateTexts();
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -43,18 +44,18 @@ public:
 private:
     using Row = const AttendanceRecord *;
 
-    void take(const std::vector<RowRange> &ranges);
-    void put(const std::vector<RowRange> &ranges, const QList<AttendanceRecord> &records);
-    /// Points every row at its record of the new answer; the rows that changed by that.
-    std::vector<RowRange> repoint(const QList<AttendanceRecord> &records);
-    const history::RowTexts &textsOf(Row row) const;
+    void removeRanges(const std::vector<RowRange> &ranges);
+    void insertRanges(const std::vector<RowRange> &ranges, const QList<AttendanceRecord> &records);
+    /// Points every row at its record in the new response and returns the rows whose content changed.
+    std::vector<RowRange> assignRecords(const QList<AttendanceRecord> &records);
+    const HistoryRowTexts &textsOf(Row row) const;
 
     DateFormats m_formats;
-    QList<AttendanceRecord> m_records; // what the rows point at, between two answers
+    QList<AttendanceRecord> m_records; // m_rows points into it
     std::vector<Row> m_rows;
-    // Those of the row that was asked for last: a delegate asks for all of them in turn.
-    mutable Row m_known = nullptr;
-    mutable history::RowTexts m_texts;
+    // The texts of the row requested last are cached: a delegate requests all of them one after the other.
+    mutable Row m_textsRow = nullptr;
+    mutable HistoryRowTexts m_texts;
 };
 
 } // namespace clockwell

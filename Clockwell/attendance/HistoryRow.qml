@@ -2,8 +2,8 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// One day of the history, read out in one go.
-ReadAsOne {
+// One day of the history; a single element for screen readers.
+AccessibleElement {
     id: row
 
     required property string day
@@ -20,7 +20,7 @@ ReadAsOne {
     width: Math.min(space, 600) - 2 * Theme.margin
     height: card.height
 
-    // One that is kept for reuse still stands where it was: nobody is to read it there.
+    // A pooled row keeps its old position; screen readers must not find it there.
     ListView.onPooled: visible = false
     ListView.onReused: visible = true
 
@@ -49,7 +49,7 @@ ReadAsOne {
                     y: header.stacked ? 0 : Math.round((header.height - height) / 2)
                     width: header.stacked ? header.width : implicitWidth
                     text: row.day
-                    horizontalAlignment: Text.AlignLeft // in every script, as the row is laid out
+                    horizontalAlignment: Text.AlignLeft // also for right-to-left scripts, like the layout of the row
                     size: 15
                     weight: Font.DemiBold
                     color: Theme.white
@@ -67,27 +67,27 @@ ReadAsOne {
             Grid {
                 id: times
 
-                // Two times side by side need some 120 points each at the normal text size, in every row alike.
-                readonly property bool stacked: width < 240 * Theme.textScale || entered.implicitWidth + 16 > width / 2 || left.implicitWidth > width / 2
+                // Two times side by side need about 120 points each at the normal text size; the same limit in every row.
+                readonly property bool stacked: width < 240 * Theme.textScale || checkInTime.implicitWidth + 16 > width / 2 || checkOutTime.implicitWidth > width / 2
 
-                // Scripts differ in height, and a dash is of none: both stand on one line.
-                readonly property real line: Math.max(entered.implicitHeight, left.implicitHeight)
+                // Scripts differ in line height, and a dash belongs to none: aligns both texts vertically.
+                readonly property real lineHeight: Math.max(checkInTime.implicitHeight, checkOutTime.implicitHeight)
 
                 width: parent.width
                 columns: stacked ? 1 : 2
                 rowSpacing: 8
 
                 SymbolTime {
-                    id: entered
+                    id: checkInTime
                     width: Math.round(times.width / times.columns)
-                    height: times.line
+                    height: times.lineHeight
                     symbol: "arrow.down.right.circle"
                     text: row.checkIn
                 }
                 SymbolTime {
-                    id: left
+                    id: checkOutTime
                     width: Math.round(times.width / times.columns)
-                    height: times.line
+                    height: times.lineHeight
                     symbol: "arrow.up.right.circle"
                     text: row.checkOut
                 }

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// A row like those of the history, for nobody to see: with it all is loaded that rows need.
+// A hidden row like those of the history. Building it loads everything that history rows need.
 HistoryRow {
     width: 350
     day: texts.sampleDay

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// Above the days; scrolls with them.
+// The title above the days; scrolls with them.
 Item {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The days, in the server's order.
+// The history's days, in the server's order.
 FocusScope {
     id: view
 
@@ -27,7 +27,7 @@ FocusScope {
         focus: true
         model: sample.status === Loader.Ready ? history.days : null
         reuseItems: true
-        cacheBuffer: 160 // a row is built in a millisecond: more of them ahead cost every frame more than they save
+        cacheBuffer: 160 // building a row takes a millisecond; a larger buffer costs more in every frame than it saves
         spacing: 10
         bottomMargin: 24
         pixelAligned: true
@@ -43,8 +43,8 @@ FocusScope {
         delegate: HistoryRow {}
     }
 
-    // The first row of all loads fonts, the locale's date formats and its own type: this one does so, unseen and piece
-    // by piece between frames, while the first answer is on its way. Those of the list are quick then.
+    // Building the first row is slow, because it loads fonts, the locale's date formats and the row's type. This hidden
+    // row loads them between frames while the first request is running, so that the rows of the list are built quickly.
     Loader {
         id: sample
         asynchronous: true

@@ -11,19 +11,19 @@ HistoryViewModel::HistoryViewModel(DateFormats formats, QObject *parent)
 void HistoryViewModel::appeared()
 {
     if (loadOnce())
-        renew();
+        updateTexts();
 }
 
-void HistoryViewModel::attend()
+void HistoryViewModel::observeStore()
 {
     if (attendance())
-        connect(attendance(), &AttendanceStore::historyChanged, this, &HistoryViewModel::takeHistory);
-    takeHistory();
+        connect(attendance(), &AttendanceStore::historyChanged, this, &HistoryViewModel::updateDays);
+    updateDays();
 }
 
-void HistoryViewModel::renew()
+void HistoryViewModel::updateTexts()
 {
-    m_days.renewTexts();
+    m_days.updateTexts();
 }
 
 QCoro::Task<> HistoryViewModel::request()
@@ -36,7 +36,7 @@ QString HistoryViewModel::sampleDay() const
     return m_formats.day(QStringLiteral("2025-03-03"));
 }
 
-void HistoryViewModel::takeHistory()
+void HistoryViewModel::updateDays()
 {
     const bool wasEmpty = isEmpty();
     m_days.setRecords(attendance() ? attendance()->history() : QList<AttendanceRecord>());

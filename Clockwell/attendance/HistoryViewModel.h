@@ -5,15 +5,16 @@
 
 namespace clockwell {
 
-/// What the history shows and when it is loaded: the first time that it comes to the front, and whenever it
-/// is asked for. Main thread only.
-class HistoryViewModel : public clockwell::TabViewModel // in full: Qt 6.4's type registrar takes it literally
+/// The state of the history screen. Loads the history when the screen is first shown and on each refresh.
+/// Main thread only.
+class HistoryViewModel
+    : public clockwell::TabViewModel // qualified: Qt 6.4's type registrar needs the full name
 {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(clockwell::HistoryModel *days READ days CONSTANT)
     Q_PROPERTY(bool empty READ isEmpty NOTIFY emptyChanged)
-    /// A day in the device's locale, whichever: what stands for those to come.
+    /// An arbitrary day in the device's locale, for the sample row.
     Q_PROPERTY(QString sampleDay READ sampleDay CONSTANT)
 
 public:
@@ -29,12 +30,12 @@ Q_SIGNALS:
 
 protected:
     void appeared() override;
-    void attend() override;
-    void renew() override;
+    void observeStore() override;
+    void updateTexts() override;
     QCoro::Task<> request() override;
 
 private:
-    void takeHistory();
+    void updateDays();
 
     DateFormats m_formats;
     HistoryModel m_days;

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace clockwell::home {
+namespace clockwell::home_texts {
 
 namespace {
 
@@ -41,7 +41,7 @@ QString hoursLine(const TodayResponse *today)
 
 QString distance(double metres)
 {
-    // Adding zero turns a negative zero into the plain one.
+    // Adding zero turns negative zero into positive zero.
     return QString::number(std::trunc(metres) + 0.0, 'f', 0) + QStringLiteral("m");
 }
 
@@ -51,13 +51,13 @@ QString nearestLine(const DistanceResponse &live)
            QString::number(live.radiusMeters) + QStringLiteral("m");
 }
 
-Punch punch(const TodayResponse *today)
+PunchOffer punchOffer(const TodayResponse *today)
 {
     if (!today)
-        return Punch::CheckIn;
+        return PunchOffer::CheckIn;
     if (today->canCheckOut)
-        return Punch::CheckOut;
-    return today->canCheckIn ? Punch::CheckIn : Punch::Complete;
+        return PunchOffer::CheckOut;
+    return today->canCheckIn ? PunchOffer::CheckIn : PunchOffer::Complete;
 }
 
-} // namespace clockwell::home
+} // namespace clockwell::home_texts

@@ -6,29 +6,29 @@
 
 namespace clockwell {
 
-/// The texts that the home screen composes.
-namespace home {
+/// The texts of the home screen.
+namespace home_texts {
 
-/// `hour` is 0 to 23. The first name is the first piece between spaces of the full name; without one the
-/// greeting stands alone.
+/// `hour` is 0 to 23. The greeting is followed by the first word of the full name, if there is one. Only
+/// spaces separate words.
 QString greeting(int hour, const QString &fullName);
 QString officeName(const TodayResponse *today);
-/// Empty before the first answer. The two times stand as the server wrote them.
+/// Empty before the first response. Shows the two times exactly as the server sends them.
 QString hoursLine(const TodayResponse *today);
-/// Whole metres, cut off, not rounded.
+/// Whole metres, truncated, not rounded.
 QString distance(double metres);
 QString nearestLine(const DistanceResponse &live);
 
-/// What the screen offers at its foot.
-enum class Punch {
+/// The action offered at the bottom of the screen.
+enum class PunchOffer {
     CheckIn,
     CheckOut,
     Complete, // nothing left to do
 };
-/// `today` is null before the first answer: a check-in is offered then. Where the server allows both, the
-/// check-out is.
-Punch punch(const TodayResponse *today);
+/// `today` is null before the first response; a check-in is offered then. When the server allows both, the
+/// check-out is offered.
+PunchOffer punchOffer(const TodayResponse *today);
 
-} // namespace home
+} // namespace home_texts
 
 } // namespace clockwell

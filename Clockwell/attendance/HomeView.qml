@@ -2,14 +2,14 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The first tab: the day at a glance, and the punch within the thumb's reach below it.
+// The first tab: the current day, with the button for the punch at the bottom, within reach of the thumb.
 FocusScope {
     id: view
 
     required property AttendanceStore attendance
     required property LocationManager location
     required property string fullName
-    // How long a banner stays, in milliseconds.
+    // How long a banner is shown, in milliseconds.
     property alias bannerInterval: banner.interval
 
     readonly property real contentWidth: Math.min(width, 600) - 2 * Theme.margin
@@ -59,7 +59,7 @@ FocusScope {
                 TextLabel {
                     width: parent.width
                     text: home.dateLine
-                    horizontalAlignment: Text.AlignLeft // in every script, as the page is laid out
+                    horizontalAlignment: Text.AlignLeft // also for right-to-left scripts, like the layout of the page
                     size: 14
                     color: Theme.textSecondary
                 }

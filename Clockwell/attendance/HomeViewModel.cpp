@@ -12,14 +12,14 @@ HomeViewModel::HomeViewModel(QObject *parent) : HomeViewModel(DateFormats::syste
 HomeViewModel::HomeViewModel(DateFormats::Clock clock, DateFormats formats, QObject *parent)
     : TabViewModel(parent), m_clock(std::move(clock)), m_formats(std::move(formats))
 {
-    // The clock signals nothing: greeting and date are made anew whenever anything else on the screen
+    // The clock has no change signal, so greeting and date are updated whenever anything else on the screen
     // changes.
     for (const auto change : {&HomeViewModel::todayChanged, &HomeViewModel::liveChanged,
                               &HomeViewModel::busyChanged, &HomeViewModel::hintChanged})
-        connect(this, change, this, &HomeViewModel::momentChanged);
+        connect(this, change, this, &HomeViewModel::headerChanged);
 }
 
-void HomeViewModel::attend()
+void HomeViewModel::observeStore()
 {
     if (AttendanceStore *store = attendance()) {
         connect(store, &AttendanceStore::todayChanged, this, &HomeViewModel::todayChanged);
@@ -27,7 +27,7 @@ void HomeViewModel::attend()
         connect(store, &AttendanceStore::loadingTodayChanged, this, &HomeViewModel::busyChanged);
         connect(store, &AttendanceStore::checkingDistanceChanged, this, &HomeViewModel::busyChanged);
         connect(store, &AttendanceStore::punchingChanged, this, &HomeViewModel::busyChanged);
-        connect(store, &AttendanceStore::bannerChanged, this, &HomeViewModel::momentChanged);
+        connect(store, &AttendanceStore::bannerChanged, this, &HomeViewModel::headerChanged);
     }
     Q_EMIT todayChanged();
     Q_EMIT liveChanged();
@@ -50,19 +50,19 @@ void HomeViewModel::setLocation(LocationManager *location)
 void HomeViewModel::setFullName(const QString &fullName)
 {
     if (std::exchange(m_fullName, fullName) != fullName)
-        Q_EMIT momentChanged();
+        Q_EMIT headerChanged();
 }
 
 void HomeViewModel::appeared()
 {
-    renew();
+    updateTexts();
     if (attendance())
         loadAll();
 }
 
-void HomeViewModel::renew()
+void HomeViewModel::updateTexts()
 {
-    Q_EMIT momentChanged();
+    Q_EMIT headerChanged();
 }
 
 QCoro::Task<> HomeViewModel::request()
@@ -91,7 +91,7 @@ void HomeViewModel::punch()
 
 QString HomeViewModel::greeting() const
 {
-    return home::greeting(m_formats.hour(m_clock()), m_fullName);
+    return home_texts::greeting(m_formats.hour(m_clock()), m_fullName);
 }
 
 QString HomeViewModel::dateLine() const
@@ -101,12 +101,12 @@ QString HomeViewModel::dateLine() const
 
 QString HomeViewModel::officeName() const
 {
-    return home::officeName(today());
+    return home_texts::officeName(today());
 }
 
 QString HomeViewModel::hoursLine() const
 {
-    return home::hoursLine(today());
+    return home_texts::hoursLine(today());
 }
 
 QString HomeViewModel::recordStatus() const
@@ -131,19 +131,20 @@ QString HomeViewModel::workedText() const
 
 bool HomeViewModel::isDayComplete() const
 {
-    return home::punch(today()) == home::Punch::Complete;
+    return home_texts::punchOffer(today()) == home_texts::PunchOffer::Complete;
 }
 
 QString HomeViewModel::punchTitle() const
 {
-    return home::punch(today()) == home::Punch::CheckOut ? QStringLiteral("Check Out")
-                                                         : QStringLiteral("Check In");
+    return home_texts::punchOffer(today()) == home_texts::PunchOffer::CheckOut ? QStringLiteral("Check Out")
+                                                                               : QStringLiteral("Check In");
 }
 
 QColor HomeViewModel::punchColor() const
 {
-    return QColor::fromRgb(home::punch(today()) == home::Punch::CheckOut ? palette::warning
-                                                                         : palette::success);
+    return QColor::fromRgb(home_texts::punchOffer(today()) == home_texts::PunchOffer::CheckOut
+                               ? palette::warning
+                               : palette::success);
 }
 
 bool HomeViewModel::isLocated() const
@@ -166,7 +167,7 @@ QColor HomeViewModel::geofenceColor() const
 
 QString HomeViewModel::distanceText() const
 {
-    return live() ? home::distance(live()->distanceMeters) : QString();
+    return live() ? home_texts::distance(live()->distanceMeters) : QString();
 }
 
 QString HomeViewModel::insideText() const
@@ -178,7 +179,7 @@ QString HomeViewModel::insideText() const
 
 QString HomeViewModel::nearestLine() const
 {
-    return live() ? home::nearestLine(*live()) : QString();
+    return live() ? home_texts::nearestLine(*live()) : QString();
 }
 
 QString HomeViewModel::locatingText() const

@@ -9,18 +9,18 @@
 
 namespace clockwell {
 
-/// Everything that the home screen shows, as finished texts, symbols and colours, and what its controls do.
-/// Holds no rule of attendance: what is offered follows from the server's answers. Each time that the screen
-/// comes to the front, the day and the distance are loaded anew. Main thread only.
-class HomeViewModel : public clockwell::TabViewModel // in full: Qt 6.4's type registrar takes it literally
+/// The state of the home screen as formatted texts, symbols and colours, and the actions of its controls.
+/// Contains no attendance rules: the server's responses decide which punch is offered. Loads the day and the
+/// distance each time the screen is shown. Main thread only.
+class HomeViewModel : public clockwell::TabViewModel // qualified: Qt 6.4's type registrar needs the full name
 {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(clockwell::LocationManager *location READ location WRITE setLocation NOTIFY locationChanged)
-    Q_PROPERTY(QString fullName READ fullName WRITE setFullName NOTIFY momentChanged)
+    Q_PROPERTY(QString fullName READ fullName WRITE setFullName NOTIFY headerChanged)
 
-    Q_PROPERTY(QString greeting READ greeting NOTIFY momentChanged)
-    Q_PROPERTY(QString dateLine READ dateLine NOTIFY momentChanged)
+    Q_PROPERTY(QString greeting READ greeting NOTIFY headerChanged)
+    Q_PROPERTY(QString dateLine READ dateLine NOTIFY headerChanged)
 
     Q_PROPERTY(QString officeName READ officeName NOTIFY todayChanged)
     Q_PROPERTY(QString hoursLine READ hoursLine NOTIFY todayChanged)
@@ -85,7 +85,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void locationChanged();
-    void momentChanged();
+    void headerChanged();
     void todayChanged();
     void liveChanged();
     void hintChanged();
@@ -93,8 +93,8 @@ Q_SIGNALS:
 
 protected:
     void appeared() override;
-    void attend() override;
-    void renew() override;
+    void observeStore() override;
+    void updateTexts() override;
     QCoro::Task<> request() override;
 
 private:

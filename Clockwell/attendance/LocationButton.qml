@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// Takes a new position. Stays pressable while it works.
+// Requests a new position. Stays enabled while the request is running.
 Pressable {
     id: root
 
@@ -22,7 +22,7 @@ Pressable {
         opacity: root.pressed ? 0.5 : 1
 
         Item {
-            id: mark
+            id: iconBox
             anchors.verticalCenter: parent.verticalCenter
             width: Math.round(20 * Theme.textScale)
             height: width
@@ -30,7 +30,7 @@ Pressable {
             Symbol {
                 anchors.centerIn: parent
                 name: "location.circle"
-                size: mark.width
+                size: iconBox.width
                 color: Theme.brand
                 visible: !root.busy
             }
@@ -45,7 +45,7 @@ Pressable {
         TextLabel {
             id: label
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, root.width - mark.width - 8)
+            width: Math.min(implicitWidth, root.width - iconBox.width - 8)
             text: root.text
             size: 14
             weight: Font.Medium

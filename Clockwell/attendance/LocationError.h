@@ -4,7 +4,7 @@
 
 namespace clockwell {
 
-/// Why there is no position, in words for the person who waits for it.
+/// Why there is no position, with a message for the user.
 class LocationError final : public UserFacingError
 {
 public:

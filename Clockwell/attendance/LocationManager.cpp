@@ -10,7 +10,8 @@ namespace clockwell {
 
 namespace {
 
-/// A time limit is whole nanoseconds in 64 bits; anything else is a programming error. A timer holds 24 days.
+/// A time limit must fit into 64 bits as nanoseconds; anything else is a programming error. A QTimer is
+/// limited to 24 days.
 std::chrono::milliseconds timerInterval(double seconds)
 {
     const double nanoseconds = seconds * 1e9;
@@ -32,12 +33,12 @@ void abandon(std::shared_ptr<OneShotWaiter<T>> waiter)
 LocationManager::LocationManager(std::unique_ptr<LocationSource> source, QObject *parent)
     : QObject(parent), m_source(std::move(source)), m_authorization(m_source->authorizationStatus())
 {
-    // Queued: a platform that answers inside a call must not resume the coroutine that is making this call.
-    connect(m_source.get(), &LocationSource::authorizationChanged, this, &LocationManager::readAuthorization,
+    // Queued: when the platform answers within a call, it must not resume the coroutine that makes the call.
+    connect(m_source.get(), &LocationSource::authorizationChanged, this,
+            &LocationManager::updateAuthorization, Qt::QueuedConnection);
+    connect(m_source.get(), &LocationSource::locationsUpdated, this, &LocationManager::handleFixes,
             Qt::QueuedConnection);
-    connect(m_source.get(), &LocationSource::locationsUpdated, this, &LocationManager::takeFixes,
-            Qt::QueuedConnection);
-    connect(m_source.get(), &LocationSource::failed, this, &LocationManager::takeFailure,
+    connect(m_source.get(), &LocationSource::failed, this, &LocationManager::handleFailure,
             Qt::QueuedConnection);
     m_source->setDesiredAccuracy(LocationSource::Accuracy::Best);
 }
@@ -105,7 +106,7 @@ void LocationManager::cancelTimer()
     if (!m_timer)
         return;
     m_timer->stop();
-    m_timer->deleteLater(); // not at once: this may be the timer that is firing
+    m_timer->deleteLater(); // deferred: this may be the timer that is firing
     m_timer.clear();
 }
 
@@ -116,7 +117,7 @@ void LocationManager::fail(LocationError::Kind kind)
         waiter->fail(std::make_exception_ptr(LocationError(kind)));
 }
 
-void LocationManager::readAuthorization()
+void LocationManager::updateAuthorization()
 {
     const AuthorizationStatus status = m_source->authorizationStatus();
     const QPointer<LocationManager> self(this);
@@ -128,7 +129,7 @@ void LocationManager::readAuthorization()
         waiter->resume(status);
 }
 
-void LocationManager::takeFixes(const QList<Fix> &fixes)
+void LocationManager::handleFixes(const QList<Fix> &fixes)
 {
     if (fixes.isEmpty())
         return;
@@ -143,7 +144,7 @@ void LocationManager::takeFixes(const QList<Fix> &fixes)
         waiter->resume(newest);
 }
 
-void LocationManager::takeFailure(LocationSource::Failure failure)
+void LocationManager::handleFailure(LocationSource::Failure failure)
 {
     if (failure == LocationSource::Failure::Denied)
         fail(LocationError::Kind::Denied);

@@ -16,13 +16,13 @@
 
 namespace clockwell {
 
-/// The app's one contact with the platform's location service: asks once for permission and delivers one
-/// position on demand within a time limit. Whether a position is good enough is the server's business. Main
+/// The app's only access to the platform's location service: asks once for permission and delivers one
+/// position on demand within a time limit. The server decides whether a position is accurate enough. Main
 /// thread only.
 ///
-/// One request at a time: a second one takes the place of the first, whose coroutine then never continues. It
-/// is unwound instead with Abandoned (destructors run, handlers of errors do not), and so is every coroutine
-/// that still waits when the manager dies.
+/// Handles one request at a time. A second request replaces the first, whose coroutine is unwound with
+/// Abandoned: destructors run, handlers for std::exception do not. The same happens to every coroutine that
+/// is waiting when the manager is destroyed.
 class LocationManager : public QObject
 {
     Q_OBJECT
@@ -36,13 +36,13 @@ public:
     ~LocationManager() override;
 
     AuthorizationStatus authorization() const { return m_authorization; }
-    /// The latest position that the platform delivered, whoever asked for it.
+    /// The latest position that the platform delivered, also without a request.
     const std::optional<Fix> &lastFix() const { return m_lastFix; }
 
-    /// Shows the platform's question unless it has been answered before. No time limit: a person may take
-    /// their time.
+    /// Shows the platform's permission prompt unless it has been answered before. Has no time limit, because
+    /// the user may take any time to answer.
     QCoro::Task<AuthorizationStatus> requestPermission();
-    /// Throws LocationError. `timeout` is in seconds and counts from the permission on.
+    /// Throws LocationError. `timeout` is in seconds and starts when permission is granted.
     QCoro::Task<Fix> currentFix(double timeout);
 
 Q_SIGNALS:
@@ -53,13 +53,14 @@ private:
     template <class T>
     using Waiter = std::shared_ptr<OneShotWaiter<T>>;
 
-    void readAuthorization();
-    void takeFixes(const QList<clockwell::Fix> &fixes);
-    void takeFailure(clockwell::LocationSource::Failure failure);
+    void updateAuthorization();
+    void handleFixes(const QList<clockwell::Fix> &fixes);
+    void handleFailure(clockwell::LocationSource::Failure failure);
 
     template <class T>
     Waiter<T> replace(Waiter<T> &waiter);
-    /// Runs from the event loop, so that whoever makes a new request is not entered from within it.
+    /// Runs from the event loop, so that the replaced coroutines do not run inside the call that replaces
+    /// them.
     void unwindReplaced();
     void startTimer(double timeout);
     void cancelTimer();
@@ -71,7 +72,7 @@ private:
     Waiter<AuthorizationStatus> m_permissionWaiter;
     Waiter<Fix> m_fixWaiter;
     std::vector<std::function<void()>> m_replaced;
-    QPointer<QTimer> m_timer; // a child; one that was replaced runs on by itself
+    QPointer<QTimer> m_timer; // a child; the timer of a replaced request keeps running
 };
 
 } // namespace clockwell

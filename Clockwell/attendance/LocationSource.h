@@ -18,15 +18,15 @@ struct Fix
     bool operator==(const Fix &) const = default;
 };
 
-/// What LocationManager needs of a platform's location service: ask for permission, ask for one position, and
-/// hear the answers. Main thread only; an answer may come before the call that asked for it returns.
+/// A platform's location service as LocationManager uses it: requests permission and single positions, and
+/// signals the results. Main thread only. A result may be signalled before the request returns.
 class LocationSource : public QObject
 {
     Q_OBJECT
     QML_ANONYMOUS
 
 public:
-    /// The numbers are the platforms' own.
+    /// With the numeric values of the platforms.
     enum class AuthorizationStatus {
         NotDetermined = 0,
         Restricted = 1,
@@ -51,10 +51,10 @@ public:
 
     virtual AuthorizationStatus authorizationStatus() const = 0;
     virtual void setDesiredAccuracy(Accuracy accuracy) = 0;
-    /// Lets the platform put its question; the answer is authorizationChanged(). Nothing happens once it is
-    /// answered.
+    /// Makes the platform show its permission prompt, which results in authorizationChanged(). Does nothing
+    /// once the prompt has been answered.
     virtual void requestWhenInUseAuthorization() = 0;
-    /// Asks for one position; the answer is locationsUpdated() or failed(), or none at all.
+    /// Requests one position, which results in locationsUpdated(), failed() or no signal at all.
     virtual void requestLocation() = 0;
 
 Q_SIGNALS:
@@ -66,9 +66,9 @@ Q_SIGNALS:
 
 using AuthorizationStatus = LocationSource::AuthorizationStatus;
 
-/// The location service of this device. A build with the simulation in it takes the simulated one when the
-/// environment variable CLOCKWELL_SIMULATED_LOCATION is set and not empty; a text there that it does not
-/// understand is reported on stderr and gives a service that only fails, never the real one.
+/// The location service of this device. A build that includes the simulation uses the simulated service when
+/// the environment variable CLOCKWELL_SIMULATED_LOCATION is set and not empty. An invalid value is reported
+/// on stderr and results in a service that always fails, never in the real one.
 std::unique_ptr<LocationSource> makeLocationSource();
 
 } // namespace clockwell

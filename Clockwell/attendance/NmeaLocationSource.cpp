@@ -10,10 +10,10 @@ namespace clockwell {
 
 namespace {
 
-// NMEA states a dilution of precision, not metres; this is the usual range error of a civilian receiver, in
-// metres.
+// NMEA reports a dilution of precision, not metres. This is the usual range error of a civilian receiver in
+// metres, by which it is multiplied.
 constexpr double rangeError = 5.0;
-// Receivers state one position a second.
+// Receivers report one position a second.
 constexpr std::chrono::milliseconds longestGap{1500};
 
 } // namespace
@@ -27,13 +27,13 @@ NmeaLocationSource::NmeaLocationSource(const QString &where, QObject *parent) : 
         openFile(where);
     if (!m_device)
         return;
-    m_silence.setSingleShot(true);
-    m_silence.setInterval(longestGap);
-    connect(&m_silence, &QTimer::timeout, this, &NmeaLocationSource::answer);
+    m_gapTimer.setSingleShot(true);
+    m_gapTimer.setInterval(longestGap);
+    connect(&m_gapTimer, &QTimer::timeout, this, &NmeaLocationSource::answerRequest);
     m_receiver->setUserEquivalentRangeError(rangeError);
     m_receiver->setDevice(m_device.get());
     connect(m_receiver.get(), &QGeoPositionInfoSource::positionUpdated, this,
-            &NmeaLocationSource::takePosition);
+            &NmeaLocationSource::handlePosition);
 }
 
 NmeaLocationSource::~NmeaLocationSource() = default;
@@ -65,23 +65,23 @@ void NmeaLocationSource::requestLocation()
         Q_EMIT failed(Failure::Other);
         return;
     }
-    m_wanted = true;
+    m_requestPending = true;
     m_receiver->startUpdates();
     if (m_last && !m_device->isSequential())
-        m_silence.start();
+        m_gapTimer.start();
 }
 
-void NmeaLocationSource::answer()
+void NmeaLocationSource::answerRequest()
 {
-    if (std::exchange(m_wanted, false))
+    if (std::exchange(m_requestPending, false))
         Q_EMIT locationsUpdated({*m_last});
 }
 
-void NmeaLocationSource::takePosition(const QGeoPositionInfo &position)
+void NmeaLocationSource::handlePosition(const QGeoPositionInfo &position)
 {
     m_last = toFix(position);
-    m_silence.stop();
-    answer();
+    m_gapTimer.stop();
+    answerRequest();
 }
 
 } // namespace clockwell

@@ -14,8 +14,8 @@ class QNmeaPositionInfoSource;
 
 namespace clockwell {
 
-/// Positions from a receiver that speaks NMEA 0183: a recording, played at its own pace from the first
-/// request on, or a live one. Part of the simulation, so compiled in only with it.
+/// Positions from an NMEA 0183 receiver: a live one, or a recording that is played in real time from the
+/// first request on. Part of the simulation and compiled only with it.
 class NmeaLocationSource final : public LocationSource
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ public:
     explicit NmeaLocationSource(const QString &where, QObject *parent = nullptr);
     ~NmeaLocationSource() override;
 
-    /// False when the recording cannot be read or the address is none; every request then fails.
+    /// False when the recording cannot be read or the address is invalid; every request then fails.
     bool isUsable() const { return m_device != nullptr; }
 
     AuthorizationStatus authorizationStatus() const override
@@ -34,20 +34,20 @@ public:
     }
     void setDesiredAccuracy(Accuracy) override {}
     void requestWhenInUseAuthorization() override {}
-    /// Answered with the next position, or, of a recording that has none any more, with its last one.
+    /// Delivers the next position, or the last one of a recording that has ended.
     void requestLocation() override;
 
 private:
-    void takePosition(const QGeoPositionInfo &position);
+    void handlePosition(const QGeoPositionInfo &position);
     void openFile(const QString &path);
-    void answer();
+    void answerRequest();
     void openSocket(const QString &address);
 
     std::unique_ptr<QIODevice> m_device; // outlives m_receiver, which reads it
     std::unique_ptr<QNmeaPositionInfoSource> m_receiver;
     std::optional<Fix> m_last;
-    bool m_wanted = false;
-    QTimer m_silence; // of a recording: how long to wait for its next position
+    bool m_requestPending = false;
+    QTimer m_gapTimer; // detects the end of a recording
 };
 
 } // namespace clockwell

@@ -51,7 +51,7 @@ Card {
                 color: Theme.white
                 maximumLineCount: 4
             }
-            // Holds its line before the first answer too, so that nothing moves when it comes.
+            // Reserves its line before the first response too, so that nothing moves when it arrives.
             TextLabel {
                 width: parent.width
                 text: card.home.hoursLine

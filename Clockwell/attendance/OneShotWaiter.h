@@ -7,13 +7,13 @@
 
 namespace clockwell {
 
-/// Suspends one coroutine until somebody has a value or an error for it. Single-threaded, used once.
+/// Suspends one coroutine until it is resumed with a value or an error. Single-threaded, for one use.
 ///
-///     auto waiter = std::make_shared<OneShotWaiter<int>>();   // kept by the one who will resume it
+///     auto waiter = std::make_shared<OneShotWaiter<int>>();   // kept by the code that resumes it
 ///     const int value = co_await waiter->wait();
 ///
-/// resume() and fail() run the coroutine up to its next suspension before they return: everything that the
-/// caller needs must be settled by then, and the caller itself may be gone afterwards.
+/// resume() and fail() run the coroutine up to its next suspension before they return. The caller must have
+/// finished its own changes before the call, and may have been destroyed after it.
 template <class T>
 class OneShotWaiter
 {
@@ -33,8 +33,8 @@ public:
         wake();
     }
 
-    /// What to co_await. It refers to the waiter and may be copied, which some compilers do with an awaited
-    /// object.
+    /// Returns the object to co_await. It refers to the waiter and may be copied: some compilers copy awaited
+    /// objects.
     auto wait() { return Awaiter{*this}; }
 
 private:

@@ -16,7 +16,7 @@ namespace clockwell {
 namespace {
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) && (defined(Q_OS_IOS) || defined(Q_OS_ANDROID))
-constexpr bool asksByItself = false;
+constexpr bool servicePrompts = false;
 
 QLocationPermission permission()
 {
@@ -44,9 +44,9 @@ AuthorizationStatus currentStatus()
     return statusOf(qApp->checkPermission(permission()));
 }
 #else
-// The desktop's location service asks the person by itself when a position is first wanted and cannot be
-// asked before; until it refuses, the app counts as permitted.
-constexpr bool asksByItself = true;
+// The desktop's location service prompts the user itself at the first request for a position and cannot be
+// queried before; the app counts as authorized until the service refuses.
+constexpr bool servicePrompts = true;
 
 AuthorizationStatus currentStatus()
 {
@@ -54,9 +54,9 @@ AuthorizationStatus currentStatus()
 }
 #endif
 
-/// Qt reports a missing GeoClue as a refusal. The difference matters: nobody can switch on what is not
-/// installed.
-bool isServiceThere()
+/// Qt reports a missing GeoClue as denied access. It has to be told apart: the user cannot enable a service
+/// that is not installed.
+bool isServiceInstalled()
 {
 #if defined(Q_OS_LINUX) && !defined(Q_OS_ANDROID)
     QDBusConnectionInterface *bus = QDBusConnection::systemBus().interface();
@@ -84,13 +84,13 @@ PositioningLocationSource::PositioningLocationSource(QObject *parent)
 {
     if (auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
         connect(application, &QGuiApplication::applicationStateChanged, this,
-                &PositioningLocationSource::reconsider);
+                &PositioningLocationSource::handleApplicationState);
 }
 
 void PositioningLocationSource::setDesiredAccuracy(Accuracy)
 {
-    // The best accuracy is every positioning method, which is also what a new source starts with (see
-    // load()).
+    // Best accuracy means all positioning methods. A source created later starts with them, too (see
+    // loadPlugin()).
     if (m_source)
         m_source->setPreferredPositioningMethods(QGeoPositionInfoSource::AllPositioningMethods);
 }
@@ -107,18 +107,18 @@ void PositioningLocationSource::requestWhenInUseAuthorization()
 
 void PositioningLocationSource::requestLocation()
 {
-    if (load() && isServiceThere())
+    if (loadPlugin() && isServiceInstalled())
         m_source->requestUpdate(0);
     else
         Q_EMIT failed(Failure::Other);
 }
 
-bool PositioningLocationSource::load()
+bool PositioningLocationSource::loadPlugin()
 {
     if (m_source)
         return true;
     QVariantMap parameters;
-    // GeoClue names the app to the person by its desktop entry.
+    // GeoClue takes the name of the app that it shows to the user from the desktop entry.
     if (const QString entry = QGuiApplication::desktopFileName(); !entry.isEmpty())
         parameters.insert(QStringLiteral("desktopId"), entry);
     m_source = QGeoPositionInfoSource::createDefaultSource(parameters, this);
@@ -126,8 +126,8 @@ bool PositioningLocationSource::load()
         return false;
     setDesiredAccuracy(Accuracy::Best);
     connect(m_source, &QGeoPositionInfoSource::positionUpdated, this,
-            &PositioningLocationSource::takePosition);
-    connect(m_source, &QGeoPositionInfoSource::errorOccurred, this, &PositioningLocationSource::takeError);
+            &PositioningLocationSource::handlePosition);
+    connect(m_source, &QGeoPositionInfoSource::errorOccurred, this, &PositioningLocationSource::handleError);
     return true;
 }
 
@@ -137,17 +137,17 @@ void PositioningLocationSource::setStatus(AuthorizationStatus status)
         Q_EMIT authorizationChanged();
 }
 
-void PositioningLocationSource::takePosition(const QGeoPositionInfo &position)
+void PositioningLocationSource::handlePosition(const QGeoPositionInfo &position)
 {
     if (position.coordinate().isValid())
         Q_EMIT locationsUpdated({toFix(position)});
 }
 
-void PositioningLocationSource::takeError(QGeoPositionInfoSource::Error error)
+void PositioningLocationSource::handleError(QGeoPositionInfoSource::Error error)
 {
     switch (error) {
     case QGeoPositionInfoSource::NoError:
-    case QGeoPositionInfoSource::UpdateTimeoutError: // whoever waits has a time limit of its own
+    case QGeoPositionInfoSource::UpdateTimeoutError: // LocationManager has its own time limit
         return;
     case QGeoPositionInfoSource::AccessError:
         setStatus(AuthorizationStatus::Denied);
@@ -160,11 +160,11 @@ void PositioningLocationSource::takeError(QGeoPositionInfoSource::Error error)
     Q_EMIT failed(Failure::Other);
 }
 
-void PositioningLocationSource::reconsider(Qt::ApplicationState state)
+void PositioningLocationSource::handleApplicationState(Qt::ApplicationState state)
 {
-    // A person who comes back to the app may have been to the settings. Where the service asks by itself the
-    // only way to know is to try again.
-    if (state == Qt::ApplicationActive && (!asksByItself || m_status == AuthorizationStatus::Denied))
+    // The user may have changed the permission in the settings. Where the service prompts itself, the only
+    // way to find out is to try again.
+    if (state == Qt::ApplicationActive && (!servicePrompts || m_status == AuthorizationStatus::Denied))
         setStatus(currentStatus());
 }
 

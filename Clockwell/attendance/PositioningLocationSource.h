@@ -9,7 +9,7 @@ namespace clockwell {
 
 /// The platform's location service through Qt Positioning: GeoClue on Linux, the system's own elsewhere.
 ///
-/// The plug-in is loaded with the first request, not before: starting the app pays nothing for it.
+/// The plug-in is loaded at the first request, so that it does not slow down the start of the app.
 class PositioningLocationSource final : public LocationSource
 {
     Q_OBJECT
@@ -25,17 +25,17 @@ public:
     bool isPluginLoaded() const { return m_source != nullptr; }
 
 private:
-    bool load();
+    bool loadPlugin();
     void setStatus(AuthorizationStatus status);
-    void takePosition(const QGeoPositionInfo &position);
-    void takeError(QGeoPositionInfoSource::Error error);
-    void reconsider(Qt::ApplicationState state);
+    void handlePosition(const QGeoPositionInfo &position);
+    void handleError(QGeoPositionInfoSource::Error error);
+    void handleApplicationState(Qt::ApplicationState state);
 
     AuthorizationStatus m_status;
     QGeoPositionInfoSource *m_source = nullptr; // a child
 };
 
-/// A position in the app's own terms; an accuracy that the receiver does not state is -1.
+/// Converts a position; an unknown accuracy becomes -1.
 Fix toFix(const QGeoPositionInfo &position);
 
 } // namespace clockwell

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The foot of the screen: the day's one thing to do, or that nothing is left to do.
+// The bar at the bottom of the screen: the button for the next punch, or the message that the day is complete.
 Rectangle {
     id: bar
 

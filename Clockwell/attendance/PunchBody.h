@@ -8,7 +8,8 @@ namespace clockwell {
 
 struct Fix;
 
-/// What a punch tells the server. Which punch is due is the server's decision, so it does not say.
+/// The request body of a punch. It does not contain the kind of punch, because the server decides which is
+/// due.
 struct PunchBody
 {
     double lat = 0;      // degrees
@@ -19,6 +20,7 @@ struct PunchBody
 };
 BOOST_DESCRIBE_STRUCT(PunchBody, (), (lat, lng, accuracy, deviceId, isMockLocation))
 
+/// An invalid accuracy becomes 0.
 PunchBody punchBody(const Fix &fix, QString deviceId);
 
 } // namespace clockwell

@@ -11,12 +11,12 @@ namespace {
 
 using Records = QList<AttendanceRecord>;
 
-/// A record's id and which of the records with that id it is.
+/// The id of a record and its number among the records with the same id.
 using Identity = std::pair<QString, qsizetype>;
 
-constexpr qsizetype gone = -1;
+constexpr qsizetype noOrigin = -1;
 
-/// Identities of the records from `first` to before `last`.
+/// Identities of the records in the range [first, last).
 std::vector<Identity> identities(const Records &records, qsizetype first, qsizetype last)
 {
     QHash<QString, qsizetype> seen;
@@ -28,7 +28,8 @@ std::vector<Identity> identities(const Records &records, qsizetype first, qsizet
     return result;
 }
 
-/// For each row from `first` to before `last` afterwards, its row before, or `gone`.
+/// For each identity of `after` its row in the old list, or `noOrigin`. `first` is the first row of both
+/// ranges.
 std::vector<qsizetype> origins(const std::vector<Identity> &before, const std::vector<Identity> &after,
                                qsizetype first)
 {
@@ -39,18 +40,19 @@ std::vector<qsizetype> origins(const std::vector<Identity> &before, const std::v
     std::vector<qsizetype> result;
     result.reserve(after.size());
     for (const Identity &identity : after)
-        result.push_back(rows.value(identity, gone));
+        result.push_back(rows.value(identity, noOrigin));
     return result;
 }
 
-/// Keeps the longest rising sequence of the origins and makes all others `gone`: what is kept never changes
-/// places.
-void keepRising(std::vector<qsizetype> &origins)
+/// Keeps the longest increasing subsequence of the origins and sets all others to `noOrigin`, so that the
+/// kept rows do not change their order.
+void keepLongestIncreasing(std::vector<qsizetype> &origins)
 {
-    std::vector<std::size_t> tails;                                    // of the best sequence of each length
-    std::vector<std::size_t> previous(origins.size(), origins.size()); // in the sequence that ends there
+    std::vector<std::size_t> tails; // of the best subsequence of each length
+    std::vector<std::size_t> previous(origins.size(),
+                                      origins.size()); // predecessor in the subsequence that ends there
     for (std::size_t i = 0; i < origins.size(); ++i) {
-        if (origins[i] == gone)
+        if (origins[i] == noOrigin)
             continue;
         const auto place =
             std::ranges::lower_bound(tails, origins[i], {}, [&](auto at) { return origins[at]; });
@@ -65,10 +67,10 @@ void keepRising(std::vector<qsizetype> &origins)
     for (std::size_t i = tails.empty() ? origins.size() : tails.back(); i < origins.size(); i = previous[i])
         kept[i] = true;
     for (std::size_t i = 0; i < origins.size(); ++i)
-        origins[i] = kept[i] ? origins[i] : gone;
+        origins[i] = kept[i] ? origins[i] : noOrigin;
 }
 
-void add(std::vector<RowRange> &ranges, qsizetype first, qsizetype count)
+void appendRange(std::vector<RowRange> &ranges, qsizetype first, qsizetype count)
 {
     if (count <= 0)
         return;
@@ -78,30 +80,30 @@ void add(std::vector<RowRange> &ranges, qsizetype first, qsizetype count)
         ranges.push_back({first, count});
 }
 
-/// `origins` are those of the rows from `first` on, whose rows before end at `lastBefore`.
-RowChanges between(const std::vector<qsizetype> &origins, qsizetype first, qsizetype lastBefore)
+/// `origins` belongs to the new rows from `first` on; the old rows are those in [first, lastBefore).
+RowChanges changesFrom(const std::vector<qsizetype> &origins, qsizetype first, qsizetype lastBefore)
 {
     RowChanges changes;
-    qsizetype next = first; // row before that is not accounted for yet
+    qsizetype next = first; // first old row that is not handled yet
     qsizetype row = first;
     for (const qsizetype origin : origins) {
-        if (origin == gone) {
-            add(changes.inserted, row, 1);
+        if (origin == noOrigin) {
+            appendRange(changes.inserted, row, 1);
         } else {
-            add(changes.removed, next, origin - next);
+            appendRange(changes.removed, next, origin - next);
             next = origin + 1;
         }
         ++row;
     }
-    add(changes.removed, next, lastBefore - next);
+    appendRange(changes.removed, next, lastBefore - next);
     return changes;
 }
 
-RowChanges placeByPlace(qsizetype before, qsizetype after)
+RowChanges changesByPosition(qsizetype before, qsizetype after)
 {
     RowChanges changes;
-    add(changes.removed, after, before - after);
-    add(changes.inserted, before, after - before);
+    appendRange(changes.removed, after, before - after);
+    appendRange(changes.inserted, before, after - before);
     return changes;
 }
 
@@ -125,22 +127,22 @@ bool sameRecord(const AttendanceRecord &left, const AttendanceRecord &right)
            distance(left.checkOutDistanceMeters) == distance(right.checkOutDistanceMeters);
 }
 
-RowChanges rowChanges(const Records &before, const Records &after, std::size_t mostRanges)
+RowChanges rowChanges(const Records &before, const Records &after, std::size_t maxRanges)
 {
     const qsizetype shorter = std::min(before.size(), after.size());
-    qsizetype first = 0; // the rows above have the same ids
+    qsizetype first = 0; // number of leading rows with equal ids
     while (first < shorter && before.at(first).id == after.at(first).id)
         ++first;
-    qsizetype below = 0; // and so many at the end
+    qsizetype below = 0; // number of trailing rows with equal ids
     while (below < shorter - first &&
            before.at(before.size() - 1 - below).id == after.at(after.size() - 1 - below).id)
         ++below;
     auto from = origins(identities(before, first, before.size() - below),
                         identities(after, first, after.size() - below), first);
-    keepRising(from);
-    auto changes = between(from, first, before.size() - below);
-    if (changes.removed.size() + changes.inserted.size() > mostRanges)
-        return placeByPlace(before.size(), after.size());
+    keepLongestIncreasing(from);
+    auto changes = changesFrom(from, first, before.size() - below);
+    if (changes.removed.size() + changes.inserted.size() > maxRanges)
+        return changesByPosition(before.size(), after.size());
     return changes;
 }
 

@@ -9,7 +9,7 @@
 
 namespace clockwell {
 
-/// A run of rows, `count` of them from `first` on.
+/// `count` consecutive rows, beginning with `first`.
 struct RowRange
 {
     qsizetype first = 0;
@@ -18,20 +18,20 @@ struct RowRange
     friend bool operator==(const RowRange &, const RowRange &) = default;
 };
 
-/// How a list of records becomes another one: first the rows to take out, as numbered before, then the rows
-/// to put in, as numbered afterwards. All others stay, in their order.
+/// The changes that turn one list of records into another: first the rows to remove, numbered as in the old
+/// list, then the rows to insert, numbered as in the new list. All other rows stay in their order.
 struct RowChanges
 {
     std::vector<RowRange> removed;
     std::vector<RowRange> inserted;
 };
 
-/// The least changes between two answers, with records told apart by their `id`; those that share one, by
-/// their order. A record that moved is taken out and put in. When that needs more than `mostRanges` ranges
-/// the rows are taken for the same ones at the same places instead, and only the end grows or shrinks: a
-/// reader then sees texts change, but is not thrown about. O(n log n); 10,000 rows take a few milliseconds.
+/// The minimal changes between two responses. Records are identified by their `id`, and those with equal ids
+/// by their order. A moved record is removed and inserted. When more than `maxRanges` ranges result, rows at
+/// the same position are treated as the same rows instead, and rows are only added or removed at the end:
+/// texts change then, but the scroll position stays. O(n log n); 10,000 rows take a few milliseconds.
 RowChanges rowChanges(const QList<AttendanceRecord> &before, const QList<AttendanceRecord> &after,
-                      std::size_t mostRanges = 64);
+                      std::size_t maxRanges = 64);
 
 bool sameRecord(const AttendanceRecord &left, const AttendanceRecord &right);
 

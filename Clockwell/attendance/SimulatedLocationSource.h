@@ -10,8 +10,8 @@
 
 namespace clockwell {
 
-/// A location service that does what it is told, for development and tests. Compiled in only with the CMake
-/// option CLOCKWELL_SIMULATED_LOCATION: a build that can fake its position must not reach employees.
+/// A location service that follows a script, for development and tests. Compiled only with the CMake option
+/// CLOCKWELL_SIMULATED_LOCATION: a build that can fake its position must not reach employees.
 class SimulatedLocationSource final : public LocationSource
 {
     Q_OBJECT
@@ -23,14 +23,15 @@ public:
     struct Script
     {
         AuthorizationStatus status = AuthorizationStatus::AuthorizedWhenInUse;
-        /// What the person answers, one second after being asked.
+        /// The user's answer, one second after the prompt.
         AuthorizationStatus answer = AuthorizationStatus::NotDetermined;
-        std::optional<Fix> fix = {}; ///< arrives 0.3 seconds after it is asked for
-        bool fails = false;          ///< an error arrives in its place
+        std::optional<Fix> fix = {}; ///< delivered 0.3 seconds after the request
+        bool fails = false;          ///< an error is reported instead
     };
 
-    /// Reads `LAT,LNG,ACCURACY`, `denied`, `restricted`, `silent` (granted, never a fix), `failing` (granted,
-    /// the platform reports an error), `ask-grant:LAT,LNG,ACCURACY` or `ask-deny`; none for anything else.
+    /// Parses `LAT,LNG,ACCURACY`, `denied`, `restricted`, `silent` (granted, never a fix), `failing`
+    /// (granted, the platform reports an error), `ask-grant:LAT,LNG,ACCURACY` or `ask-deny`; empty for
+    /// anything else.
     static std::optional<Script> parse(const QByteArray &text);
 
     explicit SimulatedLocationSource(Script script, QObject *parent = nullptr);

@@ -2,8 +2,8 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// One counter of the month; a quiet bar stands where its count will be. Read out in one go.
-ReadAsOne {
+// One counter of the month, with a placeholder before the first response. A single element for screen readers.
+AccessibleElement {
     id: tile
 
     required property string label
@@ -32,7 +32,7 @@ ReadAsOne {
                 color: tile.tint
                 opacity: tile.count.length > 0 ? 1 : 0.4
             }
-            CountOrBar {
+            CountOrPlaceholder {
                 width: parent.width
                 text: tile.count
                 size: 28

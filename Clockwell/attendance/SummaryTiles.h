@@ -9,8 +9,8 @@
 
 namespace clockwell {
 
-/// The six counters of a month, in their fixed order. Before the first answer they have no count. Main
-/// thread.
+/// The six counters of a month, in a fixed order. Before the first response their counts are empty. Main
+/// thread only.
 class SummaryTiles : public QAbstractListModel
 {
     Q_OBJECT

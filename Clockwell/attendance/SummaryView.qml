@@ -4,7 +4,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The current month in numbers. Until the first answer the same shapes stand there without them.
+// The current month in numbers, with placeholders before the first response.
 FocusScope {
     id: view
 
@@ -56,18 +56,18 @@ FocusScope {
                     weight: Font.Bold
                     color: Theme.white
                 }
-                CountOrBar {
+                CountOrPlaceholder {
                     width: parent.width
                     text: ""
                     size: 17
-                    barWidth: 96 * Theme.textScale
+                    placeholderWidth: 96 * Theme.textScale
                     visible: !summary.present
                 }
                 TextLabel {
                     width: parent.width
                     visible: summary.present
                     text: summary.monthTitle
-                    horizontalAlignment: Text.AlignLeft // in every script, as the page is laid out
+                    horizontalAlignment: Text.AlignLeft // also for right-to-left scripts, like the layout of the page
                     size: 17
                     weight: Font.DemiBold
                     color: Theme.textSecondary
@@ -77,7 +77,7 @@ FocusScope {
             Grid {
                 id: grid
 
-                // A tile needs some 112 points at the normal text size.
+                // A tile needs about 112 points at the normal text size.
                 readonly property int fitting: width < 2 * 112 * Theme.textScale + columnSpacing ? 1 : 2
 
                 width: parent.width

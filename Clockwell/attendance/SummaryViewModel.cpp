@@ -13,19 +13,19 @@ SummaryViewModel::SummaryViewModel(DateFormats::Clock clock, DateFormats formats
 void SummaryViewModel::appeared()
 {
     if (loadOnce())
-        renew();
+        updateTexts();
 }
 
-void SummaryViewModel::attend()
+void SummaryViewModel::observeStore()
 {
     if (attendance())
-        connect(attendance(), &AttendanceStore::summaryChanged, this, &SummaryViewModel::takeSummary);
-    takeSummary();
+        connect(attendance(), &AttendanceStore::summaryChanged, this, &SummaryViewModel::updateSummary);
+    updateSummary();
 }
 
-void SummaryViewModel::renew()
+void SummaryViewModel::updateTexts()
 {
-    Q_EMIT summaryChanged(); // in the settings of now
+    Q_EMIT summaryChanged(); // the texts depend on the device's settings
 }
 
 QCoro::Task<> SummaryViewModel::request()
@@ -53,7 +53,7 @@ const MonthlySummary *SummaryViewModel::summary() const
     return attendance() && attendance()->summary() ? &*attendance()->summary() : nullptr;
 }
 
-void SummaryViewModel::takeSummary()
+void SummaryViewModel::updateSummary()
 {
     m_tiles.setSummary(summary() ? attendance()->summary() : std::nullopt);
     Q_EMIT summaryChanged();

@@ -6,18 +6,19 @@
 
 namespace clockwell {
 
-/// What the summary shows and when the current month is loaded: the first time that it comes to the front,
-/// and whenever it is asked for. Main thread only.
-class SummaryViewModel : public clockwell::TabViewModel // in full: Qt 6.4's type registrar takes it literally
+/// The state of the summary screen. Loads the current month when the screen is first shown and on each
+/// refresh. Main thread only.
+class SummaryViewModel
+    : public clockwell::TabViewModel // qualified: Qt 6.4's type registrar needs the full name
 {
     Q_OBJECT
     QML_ELEMENT
-    /// Before the first answer there is nothing to say: the texts are empty.
+    /// Whether there is a summary; the texts are empty otherwise.
     Q_PROPERTY(bool present READ isPresent NOTIFY summaryChanged)
     Q_PROPERTY(QString monthTitle READ monthTitle NOTIFY summaryChanged)
     Q_PROPERTY(clockwell::SummaryTiles *tiles READ tiles CONSTANT)
     Q_PROPERTY(QString totalWorked READ totalWorked NOTIFY summaryChanged)
-    /// The card of the total as a screen reader says it.
+    /// The text of the total for screen readers.
     Q_PROPERTY(QString totalSpoken READ totalSpoken NOTIFY summaryChanged)
 
 public:
@@ -35,13 +36,13 @@ Q_SIGNALS:
 
 protected:
     void appeared() override;
-    void attend() override;
-    void renew() override;
+    void observeStore() override;
+    void updateTexts() override;
     QCoro::Task<> request() override;
 
 private:
     const MonthlySummary *summary() const;
-    void takeSummary();
+    void updateSummary();
 
     DateFormats::Clock m_clock;
     DateFormats m_formats;

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// A time behind the symbol that says which one it is.
+// A time after the symbol that tells check-in from check-out.
 Item {
     id: root
 
@@ -25,7 +25,7 @@ Item {
         y: Math.round((root.height - height) / 2)
         width: root.width - x
         text: root.text
-        horizontalAlignment: Text.AlignLeft // in every script: beside its symbol
+        horizontalAlignment: Text.AlignLeft // next to its symbol, also for right-to-left scripts
         size: 14
     }
 }

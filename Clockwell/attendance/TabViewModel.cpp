@@ -11,7 +11,7 @@ namespace clockwell {
 TabViewModel::TabViewModel(QObject *parent) : QObject(parent)
 {
     if (auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
-        connect(application, &QGuiApplication::applicationStateChanged, this, [this] { renew(); });
+        connect(application, &QGuiApplication::applicationStateChanged, this, [this] { updateTexts(); });
 }
 
 void TabViewModel::setAttendance(AttendanceStore *attendance)
@@ -21,7 +21,7 @@ void TabViewModel::setAttendance(AttendanceStore *attendance)
     if (m_attendance)
         m_attendance->disconnect(this);
     m_attendance = attendance;
-    attend();
+    observeStore();
     Q_EMIT attendanceChanged();
 }
 

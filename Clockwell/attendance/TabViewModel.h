@@ -10,9 +10,8 @@
 
 namespace clockwell {
 
-/// What the tabs of attendance have in common: a store that they show, that they know when they come to the
-/// front, and loads. A load that fails leaves what was shown, silently. Main thread only; the store is not
-/// owned.
+/// Base of the view models of the attendance tabs: holds the store, knows whether the screen is in front, and
+/// loads data. After a failed load the screen keeps its content. Main thread only; the store is not owned.
 class TabViewModel : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
@@ -22,7 +21,7 @@ class TabViewModel : public QObject, public QQmlParserStatus
         clockwell::AttendanceStore *attendance READ attendance WRITE setAttendance NOTIFY attendanceChanged)
     /// Whether the screen is in front.
     Q_PROPERTY(bool shown READ isShown WRITE setShown NOTIFY shownChanged)
-    /// A load is under way; one that was asked for, rather than one that comes with the screen.
+    /// Whether a load is running. `refreshing`: whether the user requested it.
     Q_PROPERTY(bool loading READ isLoading NOTIFY loadingChanged)
     Q_PROPERTY(bool refreshing READ isRefreshing NOTIFY loadingChanged)
 
@@ -38,7 +37,7 @@ public:
     void componentComplete() override;
 
 public Q_SLOTS:
-    /// Loads because somebody asks for it.
+    /// Loads at the user's request.
     void refresh();
 
 Q_SIGNALS:
@@ -49,17 +48,18 @@ Q_SIGNALS:
 protected:
     explicit TabViewModel(QObject *parent);
 
-    /// The screen comes to the front, with all properties set.
+    /// The screen was shown; all properties are set.
     virtual void appeared() = 0;
-    /// There is another store, or none any more: to connect to its signals and to take what it holds.
-    virtual void attend() = 0;
-    /// The device's settings or the day may have changed while the app was behind others.
-    virtual void renew() = 0;
-    /// The request behind a load; asked for only while there is a store.
+    /// The store has changed or is null: connects to its signals and shows its data.
+    virtual void observeStore() = 0;
+    /// Updates texts that depend on the day or on the device's settings, which may have changed while the app
+    /// was in the background.
+    virtual void updateTexts() = 0;
+    /// Sends the request of a load. Called only while there is a store.
     virtual QCoro::Task<> request() = 0;
 
     QCoro::Task<> load();
-    /// Loads when this screen has never done so, whatever came of it. Whether it has done so before.
+    /// Loads unless this screen has loaded before, successfully or not. Returns whether it has loaded before.
     bool loadOnce();
 
 private:
@@ -72,7 +72,7 @@ private:
     int m_refreshes = 0;
     bool m_loaded = false;
     bool m_shown = false;
-    bool m_complete = true; // false while QML sets the properties one by one
+    bool m_complete = true; // false while QML is setting the properties
 };
 
 } // namespace clockwell

@@ -2,8 +2,8 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// A caption and its value: the value below, or at the other end of the line where the column has the whole width and
-// both fit. A value that is too wide all the same is drawn smaller.
+// A caption with its value below it, or at the other end of the line if `wide` is set and both fit. A value that is
+// still too wide is scaled down.
 Item {
     id: root
 
@@ -11,16 +11,16 @@ Item {
     required property string value
     required property real valueSize
     property bool wide: false
-    // Of the tallest value of its row: scripts differ in height, and all stand on one line.
-    property real line: valueHeight
+    // The height of the tallest value in the row: scripts differ in line height, and all values have to be aligned.
+    property real minValueHeight: valueHeight
     readonly property real valueHeight: number.implicitHeight
-    // The room that the value needs at that size.
+    // Font size for which narrowWidth, the width of the value, is computed.
     property real narrowSize: valueSize
     readonly property real narrowWidth: Theme.tabularWidth(value, narrow.font)
 
     readonly property bool beside: wide && label.implicitWidth + 8 + number.implicitWidth <= width
 
-    height: beside ? Math.max(label.height, number.height) : label.height + 4 + Math.max(line, number.height)
+    height: beside ? Math.max(label.height, number.height) : label.height + 4 + Math.max(minValueHeight, number.height)
 
     TextLabel {
         id: narrow

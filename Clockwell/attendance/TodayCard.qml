@@ -17,7 +17,7 @@ Card {
             readonly property bool stacked: badge.visible && caption.width + 12 + badge.implicitWidth > width
 
             width: parent.width
-            // The badge is the taller one: it has its place before it is there.
+            // The badge is taller than the caption; its height is reserved before it is visible.
             height: stacked ? badge.y + badge.height : badge.implicitHeight
 
             TextLabel {
@@ -42,16 +42,16 @@ Card {
         Grid {
             id: grid
 
-            // Three times side by side need some 70 points each at the normal text size, in some scripts more.
+            // Three times side by side need about 70 points each at the normal text size, in some scripts more.
             readonly property real third: (width - 2 * columnSpacing) / 3
-            readonly property real widest: Math.max(entered.narrowWidth, left.narrowWidth, worked.narrowWidth)
-            // Nobody sees a time that is drawn a twentieth smaller: that rather than another layout at ten o'clock.
+            readonly property real widest: Math.max(checkInColumn.narrowWidth, checkOutColumn.narrowWidth, workedColumn.narrowWidth)
+            // Values may be scaled down by up to 5 %, which is not noticeable, so that the layout does not change at ten o'clock.
             readonly property bool stacked: width < 226 * Theme.textScale || widest > 1.05 * third
             readonly property real cell: stacked ? width : third
 
             readonly property real narrowSize: sizeIn(third)
             readonly property real valueSize: sizeIn(cell)
-            readonly property real line: stacked ? 0 : Math.max(entered.valueHeight, left.valueHeight, worked.valueHeight)
+            readonly property real minValueHeight: stacked ? 0 : Math.max(checkInColumn.valueHeight, checkOutColumn.valueHeight, workedColumn.valueHeight)
 
             function sizeIn(space: real): real {
                 return space < 88 * Theme.textScale ? 16 : 18;
@@ -63,30 +63,30 @@ Card {
             rowSpacing: 12
 
             TimeColumn {
-                id: entered
+                id: checkInColumn
                 width: grid.cell
                 wide: grid.stacked
-                line: grid.line
+                minValueHeight: grid.minValueHeight
                 narrowSize: grid.narrowSize
                 valueSize: grid.valueSize
                 caption: "Check-in"
                 value: card.home.checkInText
             }
             TimeColumn {
-                id: left
+                id: checkOutColumn
                 width: grid.cell
                 wide: grid.stacked
-                line: grid.line
+                minValueHeight: grid.minValueHeight
                 narrowSize: grid.narrowSize
                 valueSize: grid.valueSize
                 caption: "Check-out"
                 value: card.home.checkOutText
             }
             TimeColumn {
-                id: worked
+                id: workedColumn
                 width: grid.cell
                 wide: grid.stacked
-                line: grid.line
+                minValueHeight: grid.minValueHeight
                 narrowSize: grid.narrowSize
                 valueSize: grid.valueSize
                 caption: "Worked"

@@ -2,8 +2,8 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The month's worked time. Read out in one go.
-ReadAsOne {
+// The month's worked time; a single element for screen readers.
+AccessibleElement {
     id: root
 
     required property string total
@@ -31,11 +31,11 @@ ReadAsOne {
                 font.letterSpacing: 0.6
                 color: Theme.textMuted
             }
-            CountOrBar {
+            CountOrPlaceholder {
                 width: parent.width
                 text: root.total
                 size: 34
-                barWidth: 144 * Theme.textScale
+                placeholderWidth: 144 * Theme.textScale
             }
             TextLabel {
                 width: parent.width

@@ -1,4 +1,4 @@
-#include "AttendanceReplies.h"
+#include "Replies.h"
 #include "ScriptedLocationSource.h"
 
 #include "attendance/AttendanceStore.h"
@@ -96,7 +96,7 @@ TEST_F(AttendanceStoreTest, NullTodayIsStoredAsEmpty)
     EXPECT_FALSE(store->banner());
 }
 
-TEST_F(AttendanceStoreTest, FailedTodayKeepsTheOldOneAndShowsTheServersMessage)
+TEST_F(AttendanceStoreTest, FailedLoadOfTodayKeepsTheOldDayAndShowsTheServersMessage)
 {
     server.expect("GET", todayPath).reply(200, atWork);
     server.expect("GET", todayPath).reply(403, R"({"message":"Not today","error":"X"})");
@@ -108,7 +108,7 @@ TEST_F(AttendanceStoreTest, FailedTodayKeepsTheOldOneAndShowsTheServersMessage)
     EXPECT_TRUE(isIdle());
 }
 
-TEST_F(AttendanceStoreTest, TransportFailureShowsThePlatformsWords)
+TEST_F(AttendanceStoreTest, TransportErrorShowsThePlatformsMessage)
 {
     server.goDown();
     await(store->loadToday());
@@ -116,7 +116,7 @@ TEST_F(AttendanceStoreTest, TransportFailureShowsThePlatformsWords)
     EXPECT_TRUE(isIdle());
 }
 
-TEST_F(AttendanceStoreTest, ChecksTheDistanceWithTheShortestTextOfThePosition)
+TEST_F(AttendanceStoreTest, ChecksTheDistanceWithTheShortestDecimalsOfThePosition)
 {
     server.expect("GET", distancePath).reply(200, inside);
     const auto outcome = observe<void>(store->checkDistance(location.get()));
@@ -138,7 +138,7 @@ TEST_F(AttendanceStoreTest, NullDistanceIsStoredAsEmpty)
     EXPECT_FALSE(store->live());
 }
 
-TEST_F(AttendanceStoreTest, FailedDistanceKeepsTheOldOne)
+TEST_F(AttendanceStoreTest, FailedCheckKeepsTheOldDistance)
 {
     server.expect("GET", distancePath).reply(200, inside);
     server.expect("GET", distancePath).reply(500, "<html>");
@@ -192,7 +192,7 @@ TEST_F(AttendanceStoreTest, PunchSendsItsBodyAndThenReloadsInOrder)
     EXPECT_TRUE(isIdle());
 }
 
-TEST_F(AttendanceStoreTest, PunchingLastsUntilTheReloadsAreOver)
+TEST_F(AttendanceStoreTest, PunchingLastsUntilTheReloadsEnd)
 {
     server.expect("POST", punchPath).reply(200, checkedOut);
     server.expect("GET", todayPath).reply(200, complete);
@@ -200,7 +200,7 @@ TEST_F(AttendanceStoreTest, PunchingLastsUntilTheReloadsAreOver)
     const auto outcome = observe<void>(store->punch(location.get()));
     ASSERT_TRUE(server.waitForRequests(3));
     EXPECT_TRUE(store->punching());
-    EXPECT_EQ(bannerText(), "Checked out · worked 8h 5m"); // not held back by the reloads
+    EXPECT_EQ(bannerText(), "Checked out · worked 8h 5m"); // shown before the reloads end
     ASSERT_TRUE(spinUntil([&] { return outcome->done; }));
     EXPECT_FALSE(store->punching());
 }
@@ -261,7 +261,7 @@ TEST_F(AttendanceStoreTest, HistoryKeepsTheServersOrder)
     EXPECT_EQ(store->history().at(0).id + store->history().at(1).id + store->history().at(2).id, u"bca"_s);
 }
 
-TEST_F(AttendanceStoreTest, SummaryAsksForItsMonth)
+TEST_F(AttendanceStoreTest, SummaryRequestsItsMonth)
 {
     server.expect("GET", summaryPath)
         .reply(200, R"({"month":"2025-03","presentDays":1,"lateDays":2,"totalLateMinutes":3,"absentDays":4,)"
@@ -288,7 +288,7 @@ TEST_F(AttendanceStoreTest, HistoryAndSummaryFailSilently)
     EXPECT_FALSE(store->banner());
 }
 
-TEST_F(AttendanceStoreTest, OfTwoOverlappingLoadsTheFirstToEndDoesNotStopTheSpinner)
+TEST_F(AttendanceStoreTest, FirstOfTwoOverlappingLoadsDoesNotStopTheSpinner)
 {
     server.expect("GET", todayPath).reply(200, atWork);
     server.expect("GET", todayPath).after(150ms).reply(200, complete);
@@ -300,7 +300,7 @@ TEST_F(AttendanceStoreTest, OfTwoOverlappingLoadsTheFirstToEndDoesNotStopTheSpin
     EXPECT_FALSE(store->loadingToday());
 }
 
-TEST_F(AttendanceStoreTest, ACheckThatAPunchReplacesLeavesNoSpinnerOn)
+TEST_F(AttendanceStoreTest, CheckReplacedByAPunchLeavesNoSpinnerOn)
 {
     source->immediate.reset();
     const auto check = observe<void>(store->checkDistance(location.get()));
@@ -312,7 +312,7 @@ TEST_F(AttendanceStoreTest, ACheckThatAPunchReplacesLeavesNoSpinnerOn)
     EXPECT_TRUE(server.requests().isEmpty());
 }
 
-TEST_F(AttendanceStoreTest, AReloadThatACheckReplacesEndsThePunch)
+TEST_F(AttendanceStoreTest, ReloadReplacedByACheckEndsThePunch)
 {
     server.expect("POST", punchPath).reply(200, checkedIn);
     server.expect("GET", todayPath).reply(200, atWork);
@@ -329,7 +329,7 @@ TEST_F(AttendanceStoreTest, AReloadThatACheckReplacesEndsThePunch)
     EXPECT_TRUE(isIdle());
 }
 
-TEST_F(AttendanceStoreTest, StoreThatDiesMidFlightIsLeftAlone)
+TEST_F(AttendanceStoreTest, DestroyedStoreEndsItsOperations)
 {
     server.expect("GET", todayPath).after(100ms).reply(200, atWork);
     server.expect("POST", punchPath).after(100ms).reply(200, checkedIn);
@@ -339,10 +339,10 @@ TEST_F(AttendanceStoreTest, StoreThatDiesMidFlightIsLeftAlone)
     store.reset();
     ASSERT_TRUE(spinUntil([&] { return today->done && punch->done; }));
     EXPECT_TRUE(today->error && punch->error);
-    EXPECT_EQ(server.requests().size(), 2); // no reloads for nobody
+    EXPECT_EQ(server.requests().size(), 2); // no reloads
 }
 
-TEST_F(AttendanceStoreTest, LocationManagerThatDiesMidFlightStopsTheSpinner)
+TEST_F(AttendanceStoreTest, DestroyedLocationManagerStopsTheSpinner)
 {
     source->immediate.reset();
     const auto punch = observe<void>(store->punch(location.get()));
@@ -359,7 +359,7 @@ TEST_F(AttendanceStoreTest, LocationManagerThatDiesMidFlightStopsTheSpinner)
     EXPECT_EQ(bannerText(), "Location is unavailable right now.");
 }
 
-TEST_F(AttendanceStoreTest, APunchWhosePositionIsTakenAwaySaysSo)
+TEST_F(AttendanceStoreTest, PunchWhosePositionRequestIsReplacedShowsAnError)
 {
     source->immediate.reset();
     const auto punch = observe<void>(store->punch(location.get()));
@@ -371,7 +371,7 @@ TEST_F(AttendanceStoreTest, APunchWhosePositionIsTakenAwaySaysSo)
     EXPECT_FALSE(other->done);
 }
 
-TEST_F(AttendanceStoreTest, OfTwoPunchesTheOneThatIsReplacedSaysSo)
+TEST_F(AttendanceStoreTest, FirstOfTwoPunchesIsReplacedAndShowsAnError)
 {
     source->immediate.reset();
     server.expect("POST", punchPath).reply(403, R"({"message":"Outside"})");
@@ -385,7 +385,7 @@ TEST_F(AttendanceStoreTest, OfTwoPunchesTheOneThatIsReplacedSaysSo)
     EXPECT_TRUE(isIdle());
 }
 
-TEST_F(AttendanceStoreTest, ACheckThatSharesThePunchsPositionEndsWithTheStore)
+TEST_F(AttendanceStoreTest, CheckThatSharesThePunchsPositionEndsWithTheStore)
 {
     source->immediate.reset();
     const auto punch = observe<void>(store->punch(location.get()));
@@ -397,7 +397,7 @@ TEST_F(AttendanceStoreTest, ACheckThatSharesThePunchsPositionEndsWithTheStore)
     EXPECT_TRUE(server.requests().isEmpty());
 }
 
-TEST_F(AttendanceStoreTest, WithoutAnIdOfItsOwnItSendsTheDevices)
+TEST_F(AttendanceStoreTest, SendsTheDevicesIdByDefault)
 {
     AttendanceStore plain(api);
     server.expect("POST", punchPath).reply(500);

@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "attendance/BannerViewModel.h"
 #include "ui/Palette.h"
@@ -47,7 +47,7 @@ TEST_F(BannerViewModelTest, EachKindHasItsSymbolAndColour)
     EXPECT_EQ(model.text(), QStringLiteral("c"));
 }
 
-TEST_F(BannerViewModelTest, LeavesByItselfAfterFourSeconds)
+TEST_F(BannerViewModelTest, IsDismissedAfterFourSeconds)
 {
     EXPECT_EQ(model.interval(), 4000);
     QElapsedTimer clock;
@@ -59,24 +59,24 @@ TEST_F(BannerViewModelTest, LeavesByItselfAfterFourSeconds)
     EXPECT_FALSE(model.isPresent());
 }
 
-TEST_F(BannerViewModelTest, DismissEmptiesTheStore)
+TEST_F(BannerViewModelTest, DismissClearsTheStoresBanner)
 {
     show("Outside");
     EXPECT_TRUE(model.isPresent());
     model.dismiss();
     EXPECT_FALSE(services.store->banner());
     EXPECT_FALSE(model.isPresent());
-    EXPECT_EQ(model.text(), QStringLiteral("Outside")); // for the way out
+    EXPECT_EQ(model.text(), QStringLiteral("Outside")); // shown while sliding out
 }
 
-TEST_F(BannerViewModelTest, ReplacementAppearsAnewAndHasItsOwnTime)
+TEST_F(BannerViewModelTest, ReplacementAppearsAgainAndRestartsTheTimer)
 {
     model.setInterval(300);
     show("Down");
     EXPECT_FALSE(spinUntil([&] { return !model.isPresent(); }, 200ms));
     show("Down");
     EXPECT_EQ(appearances, 2);
-    EXPECT_FALSE(spinUntil([&] { return !model.isPresent(); }, 200ms)); // the first one's time is over by now
+    EXPECT_FALSE(spinUntil([&] { return !model.isPresent(); }, 200ms)); // the first interval is over
     EXPECT_TRUE(spinUntil([&] { return !model.isPresent(); }, 1s));
 }
 

@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "support/screen/QmlStage.h"
 
@@ -28,7 +28,7 @@ protected:
         services.store->setBanner(Banner{.text = text, .kind = Banner::Kind::Error});
     }
 
-    void comeBack()
+    void showAgain()
     {
         services.expectToday(test::replies::beforeCheckIn);
         services.expectDistance(test::replies::inside);
@@ -39,12 +39,12 @@ protected:
     std::unique_ptr<test::QmlStage> stage;
 };
 
-TEST_F(BannerViewTest, WithoutABannerNothingSlidesAwayAtTheStart)
+TEST_F(BannerViewTest, NothingSlidesOutAtTheStart)
 {
     EXPECT_FALSE(stage->screen().shows(u"Close"_s)) << stage->screen().dump().toStdString();
 }
 
-TEST_F(BannerViewTest, IsAnAlertOverTheTopOfTheScreen)
+TEST_F(BannerViewTest, IsAnAlertAtTheTopOfTheScreen)
 {
     show(u"You are outside"_s);
     ASSERT_TRUE(stage->screen().waitFor(u"You are outside"_s)) << stage->screen().dump().toStdString();
@@ -76,7 +76,7 @@ TEST_F(BannerViewTest, CloseWorksForAssistiveTechnology)
     EXPECT_FALSE(services.store->banner());
 }
 
-TEST_F(BannerViewTest, LeavesWhenItsTimeIsOver)
+TEST_F(BannerViewTest, DisappearsAfterItsInterval)
 {
     ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 200));
     show(u"You are outside"_s);
@@ -85,32 +85,32 @@ TEST_F(BannerViewTest, LeavesWhenItsTimeIsOver)
     EXPECT_FALSE(services.store->banner());
 }
 
-TEST_F(BannerViewTest, WhatComesWhileAnotherTabIsInFrontIsShownForItsWholeTimeOnTheReturn)
+TEST_F(BannerViewTest, BannerForAHiddenTabIsShownForItsWholeIntervalOnReturn)
 {
     ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 400));
     stage->root()->setVisible(false);
     show(u"You are outside"_s);
     EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 700ms));
-    comeBack();
+    showAgain();
     EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 350ms));
     EXPECT_TRUE(stage->screen().shows(u"You are outside"_s));
     EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s, 2s));
     EXPECT_FALSE(services.store->banner());
 }
 
-TEST_F(BannerViewTest, LeavingTheTabStopsItsTimeAndTheReturnBeginsItAnew)
+TEST_F(BannerViewTest, LeavingTheTabStopsTheTimerAndReturningRestartsIt)
 {
     ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 400));
     show(u"You are outside"_s);
     EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 200ms));
     stage->root()->setVisible(false);
     EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 500ms));
-    comeBack();
+    showAgain();
     EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 350ms));
     EXPECT_TRUE(spinUntil([&] { return !services.store->banner(); }, 2s));
 }
 
-TEST_F(BannerViewTest, TheSameTextAgainIsShownAndAnnouncedAnew)
+TEST_F(BannerViewTest, RepeatedTextIsShownAndAnnouncedAgain)
 {
     const auto isInPlace = [&] {
         const auto alert = stage->screen().find(u"Down"_s);
@@ -118,7 +118,7 @@ TEST_F(BannerViewTest, TheSameTextAgainIsShownAndAnnouncedAnew)
     };
     show(u"Down"_s);
     ASSERT_TRUE(spinUntil(isInPlace));
-    // Assistive technology announces an alert when it turns visible.
+    // Assistive technology announces an alert when it becomes visible.
     auto *alert =
         qobject_cast<QQuickItem *>(stage->screen().find(u"Down"_s, QAccessible::AlertMessage)->object);
     ASSERT_NE(alert, nullptr);
@@ -126,7 +126,7 @@ TEST_F(BannerViewTest, TheSameTextAgainIsShownAndAnnouncedAnew)
     QObject::connect(alert, &QQuickItem::visibleChanged, [&] { visible.append(alert->isVisible()); });
     show(u"Down"_s);
     EXPECT_EQ(visible, (QList{false, true}));
-    EXPECT_FALSE(isInPlace()); // slides in from above once more
+    EXPECT_FALSE(isInPlace()); // slides in again
     EXPECT_TRUE(spinUntil(isInPlace));
 }
 

@@ -33,7 +33,7 @@ constexpr std::array places{
     Place{"en_NZ", "Pacific/Chatham"},
 };
 
-/// ICU's own answer, through its C interface.
+/// The expected result, from ICU's C API.
 class Reference
 {
 public:
@@ -77,22 +77,22 @@ protected:
     DateFormats formats{GetParam().locale, GetParam().zone};
 };
 
-TEST_P(EveryPlace, DayIsReadAndWrittenByItsPatterns)
+TEST_P(EveryPlace, DayIsParsedAndFormattedByItsPatterns)
 {
     const UDate day = Reference(GetParam(), u"yyyy-MM-dd").read(QStringLiteral("2025-03-03"));
     EXPECT_EQ(formats.day(QStringLiteral("2025-03-03")),
               Reference(GetParam(), u"EEE, d MMM yyyy").write(day));
 }
 
-TEST_P(EveryPlace, MonthIsReadAndWrittenByItsPatterns)
+TEST_P(EveryPlace, MonthIsParsedAndFormattedByItsPatterns)
 {
     const UDate month = Reference(GetParam(), u"yyyy-MM").read(QStringLiteral("2025-03"));
     EXPECT_EQ(formats.month(QStringLiteral("2025-03")), Reference(GetParam(), u"MMMM yyyy").write(month));
 }
 
-TEST_P(EveryPlace, MomentsAreWrittenByTheirPatterns)
+TEST_P(EveryPlace, MomentsAreFormattedByTheirPatterns)
 {
-    // Around midnight and noon, and across the year, daylight saving included.
+    // Around midnight and noon, and over a year with daylight saving time.
     for (const auto offset : {0h, 3h, 9h, 14h, 15h, 15h + 24h * 120, 20h + 24h * 302}) {
         const Instant moment = march3 + offset;
         EXPECT_EQ(formats.longDate(moment), Reference(GetParam(), u"EEEE, d MMM yyyy").write(toIcu(moment)));
@@ -103,9 +103,9 @@ TEST_P(EveryPlace, MomentsAreWrittenByTheirPatterns)
     }
 }
 
-TEST_P(EveryPlace, TheCurrentMonthsKeyIsTitledAsTheCurrentMonth)
+TEST_P(EveryPlace, CurrentMonthsKeyHasTheTitleOfTheCurrentMonth)
 {
-    // Whatever the device's calendar and digits: what it writes it reads as the same month.
+    // A month key in any calendar and digits is parsed as the same month.
     for (const auto offset : {0h, 24h * 27 + 14h, 24h * 120, 24h * 302}) {
         const Instant moment = march3 + offset;
         EXPECT_EQ(formats.month(formats.monthKey(moment)),
@@ -155,7 +155,7 @@ TEST_F(DateFormatsTest, EnglishExamples)
     EXPECT_EQ(english().monthKey(march3).toStdString(), "2025-03");
     EXPECT_EQ(english().longDate(march3).toStdString(), "Monday, 3 Mar 2025");
     EXPECT_EQ(english().hour(march3), 9);
-    // The space before AM is the one of the locale data, which newer versions narrow.
+    // The space before AM comes from the locale data; newer versions have a narrow one.
     const std::string time = english().time(march3).toStdString();
     EXPECT_TRUE(time == "9:04 AM" || time == "9:04\u202fAM") << time;
 }
@@ -173,9 +173,10 @@ TEST_F(DateFormatsTest, UnreadableMonthIsShownAsReceived)
         EXPECT_EQ(month(text), text);
 }
 
-TEST_F(DateFormatsTest, OtherCalendarsReadTheServersNumbersAsTheirOwn)
+TEST_F(DateFormatsTest, ServersDatesAreInterpretedInTheLocalesCalendar)
 {
-    // Read and written in one calendar a date keeps its numbers: the year 2025 of the Buddhist calendar here.
+    // Parsed and formatted in the same calendar, a date keeps its numbers: here the year 2025 of the Buddhist
+    // calendar.
     const DateFormats thai("th_TH", "Asia/Bangkok");
     EXPECT_EQ(thai.month(QStringLiteral("2025-03")).toStdString(), "มีนาคม 2025");
     EXPECT_EQ(thai.monthKey(march3).toStdString(), "2568-03");
@@ -189,7 +190,7 @@ TEST_F(DateFormatsTest, OtherCalendarsReadTheServersNumbersAsTheirOwn)
     EXPECT_EQ(saudi.month(QStringLiteral("1446-09")), saudi.month(saudi.monthKey(march3)));
 }
 
-TEST_F(DateFormatsTest, LeapDayIsRead)
+TEST_F(DateFormatsTest, LeapDayIsAccepted)
 {
     EXPECT_EQ(day("2024-02-29"), "Thu, 29 Feb 2024");
     EXPECT_EQ(day("2025-02-29"), "2025-02-29");
@@ -200,7 +201,7 @@ TEST_F(DateFormatsTest, AbsentTimeIsADash)
     EXPECT_EQ(english().time(std::nullopt).toStdString(), "—");
 }
 
-TEST_F(DateFormatsTest, HalfHourZonesCount)
+TEST_F(DateFormatsTest, HalfHourOffsetsAreApplied)
 {
     EXPECT_EQ(DateFormats("en_GB", "Asia/Kolkata").time(march3),
               DateFormats("en_GB", "UTC").time(march3 + 5h + 30min));
@@ -208,9 +209,9 @@ TEST_F(DateFormatsTest, HalfHourZonesCount)
     EXPECT_EQ(DateFormats("en_GB", "Asia/Kathmandu").hour(sys_days(2025y / March / 3) + 18h + 15min), 0);
 }
 
-TEST_F(DateFormatsTest, AMidnightThatDoesNotExistStillHasItsDay)
+TEST_F(DateFormatsTest, DayWithoutMidnightIsFormatted)
 {
-    // Clocks go from 23:59:59 to 01:00:00 here.
+    // Clocks go forward from 24:00 to 01:00 here.
     EXPECT_EQ(DateFormats("en_US", "America/Santiago").day(QStringLiteral("2024-09-08")).toStdString(),
               DateFormats("en_US", "UTC").day(QStringLiteral("2024-09-08")).toStdString());
 }
@@ -245,7 +246,7 @@ TEST_F(DateFormatsTest, DevicesZoneFollowsTheEnvironmentAtEachCall)
     qunsetenv("TZ");
 }
 
-/// What TZ may hold beside a plain name, and the hours that come of it in winter and in summer.
+/// A value of TZ and the expected times in winter and in summer.
 struct DeviceZone
 {
     const char *tz;
@@ -270,7 +271,7 @@ private:
     const QByteArray m_before = qgetenv("TZ");
 };
 
-TEST_P(DevicesZone, IsTheOneOfTheCLibraryAtEachMoment)
+TEST_P(DevicesZone, IsThatOfTheCLibraryAtEachMoment)
 {
     const Instant winter = sys_days(2025y / January / 15) + 9h + 4min;
     const Instant summer = sys_days(2025y / July / 15) + 9h + 4min;
@@ -295,7 +296,7 @@ INSTANTIATE_TEST_SUITE_P(NoZone, DevicesZone,
                                            DeviceZone{"Nowhere/Land", "9:04 AM", "9:04 AM"},
                                            DeviceZone{"5", "9:04 AM", "9:04 AM"}));
 
-TEST_F(DateFormatsTest, DevicesZoneWithoutAVariableIsTheMachines)
+TEST_F(DateFormatsTest, DevicesZoneWithoutTheVariableIsTheSystems)
 {
     const DateFormats device("en_US", {});
     const QByteArray before = qgetenv("TZ");
@@ -311,7 +312,7 @@ TEST_F(DateFormatsTest, DevicesZoneWithoutAVariableIsTheMachines)
         qputenv("TZ", before);
 }
 
-TEST_F(DateFormatsTest, ARuleOfTheDevicesZoneTurnsTheDayAndTheMonth)
+TEST_F(DateFormatsTest, PosixRuleDeterminesTheDayAndTheMonth)
 {
     const DateFormats device("en_US", {});
     const QByteArray before = qgetenv("TZ");

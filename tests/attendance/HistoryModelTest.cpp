@@ -30,10 +30,10 @@ AttendanceRecord record(const QString &id, std::optional<qint64> worked = {}, st
 
 std::string line(std::optional<qint64> worked, std::optional<qint64> late)
 {
-    return history::summaryLine(record(u"1"_s, worked, late)).text.toStdString();
+    return historySummaryLine(record(u"1"_s, worked, late)).text.toStdString();
 }
 
-TEST(HistorySummaryLine, SaysWhatWasWorkedAndHowLate)
+TEST(HistorySummaryLine, ShowsWorkedTimeAndLateness)
 {
     EXPECT_EQ(line(492, 7), "Worked 8h 12m · late 7m");
     EXPECT_EQ(line(61, {}), "Worked 1h 1m");
@@ -41,14 +41,14 @@ TEST(HistorySummaryLine, SaysWhatWasWorkedAndHowLate)
     EXPECT_EQ(line(60, -4), "Worked 1h 0m");
 }
 
-TEST(HistorySummaryLine, LateStandsAloneWithACapital)
+TEST(HistorySummaryLine, LatenessAloneIsCapitalized)
 {
     EXPECT_EQ(line(0, 15), "Late 15m");
     EXPECT_EQ(line({}, 7), "Late 7m");
     EXPECT_EQ(line(-5, 1), "Late 1m");
 }
 
-TEST(HistorySummaryLine, IsMissingWithNeither)
+TEST(HistorySummaryLine, IsEmptyWithoutWorkAndLateness)
 {
     EXPECT_EQ(line({}, {}), "");
     EXPECT_EQ(line(0, 0), "");
@@ -78,7 +78,7 @@ protected:
     QSignalSpy reset{&model, &QAbstractItemModel::modelReset};
 };
 
-TEST_F(HistoryModelTest, ARowIsFinishedTexts)
+TEST_F(HistoryModelTest, RowHasFormattedTexts)
 {
     model.setRecords({record(u"1"_s, 485, 4)});
     EXPECT_EQ(text(0, HistoryModel::DayRole), u"Mon, 3 Mar 2025"_s);
@@ -99,7 +99,7 @@ TEST_F(HistoryModelTest, LatenessAloneIsAWarning)
               palette::warning);
 }
 
-TEST_F(HistoryModelTest, AnUnreadableDateAndAbsentTimesAreShownAsSuch)
+TEST_F(HistoryModelTest, ShowsAnInvalidDateUnchangedAndMissingTimesAsDashes)
 {
     AttendanceRecord day;
     day.workDate = u"2025-13-01"_s;
@@ -109,7 +109,7 @@ TEST_F(HistoryModelTest, AnUnreadableDateAndAbsentTimesAreShownAsSuch)
     EXPECT_EQ(text(0, HistoryModel::SummaryRole), QString());
 }
 
-TEST_F(HistoryModelTest, TheSameAnswerAgainSaysNothing)
+TEST_F(HistoryModelTest, RepeatedResponseEmitsNoSignals)
 {
     model.setRecords({record(u"1"_s, 1), record(u"2"_s, 2)});
     inserted.clear();
@@ -117,7 +117,7 @@ TEST_F(HistoryModelTest, TheSameAnswerAgainSaysNothing)
     EXPECT_EQ(inserted.size() + removed.size() + changed.size() + reset.size(), 0);
 }
 
-TEST_F(HistoryModelTest, OnlyTheRowsThatDifferChange)
+TEST_F(HistoryModelTest, OnlyRowsThatDifferChange)
 {
     model.setRecords({record(u"1"_s, 1), record(u"2"_s, 2), record(u"3"_s, 3)});
     inserted.clear();
@@ -129,7 +129,7 @@ TEST_F(HistoryModelTest, OnlyTheRowsThatDifferChange)
     EXPECT_EQ(text(1, HistoryModel::SummaryRole), u"Worked 0h 20m"_s);
 }
 
-TEST_F(HistoryModelTest, ANewDayIsOneInsertedRow)
+TEST_F(HistoryModelTest, NewDayIsOneInsertedRow)
 {
     model.setRecords({record(u"1"_s, 1), record(u"2"_s, 2)});
     inserted.clear();
@@ -141,7 +141,7 @@ TEST_F(HistoryModelTest, ANewDayIsOneInsertedRow)
     EXPECT_EQ(days(), QStringList({u"Worked 0h 9m"_s, u"Worked 0h 1m"_s, u"Worked 0h 2m"_s}));
 }
 
-TEST_F(HistoryModelTest, AnyAnswerFollowsAnyOtherWithoutALostRow)
+TEST_F(HistoryModelTest, RowsMatchTheResponseAfterAnyOtherResponse)
 {
     const QList<QList<AttendanceRecord>> answers{
         {},
@@ -156,14 +156,14 @@ TEST_F(HistoryModelTest, AnyAnswerFollowsAnyOtherWithoutALostRow)
             model.setRecords(after);
             QStringList expected;
             for (const auto &one : after)
-                expected.append(history::summaryLine(one).text);
+                expected.append(historySummaryLine(one).text);
             ASSERT_EQ(days(), expected);
         }
     }
     EXPECT_EQ(reset.size(), 0);
 }
 
-TEST_F(HistoryModelTest, ARowThatIsNotThereHasNoTexts)
+TEST_F(HistoryModelTest, RowOutOfRangeHasNoTexts)
 {
     model.setRecords({record(u"1"_s)});
     EXPECT_FALSE(model.data(model.index(1), HistoryModel::DayRole).isValid());
@@ -171,7 +171,7 @@ TEST_F(HistoryModelTest, ARowThatIsNotThereHasNoTexts)
     EXPECT_FALSE(model.data(model.index(0), Qt::DisplayRole).isValid());
 }
 
-TEST(HistoryModelSettings, RenewedTextsFollowTheDevicesZone)
+TEST(HistoryModelSettings, UpdatedTextsUseTheDevicesZone)
 {
     HistoryModel model(DateFormats("en_US", {}));
     qputenv("TZ", "UTC");
@@ -179,7 +179,7 @@ TEST(HistoryModelSettings, RenewedTextsFollowTheDevicesZone)
     EXPECT_EQ(model.data(model.index(0), HistoryModel::CheckInRole).toString(), u"9:04 AM"_s);
     qputenv("TZ", "Asia/Kathmandu");
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    model.renewTexts();
+    model.updateTexts();
     EXPECT_EQ(changed.size(), 1);
     EXPECT_EQ(model.data(model.index(0), HistoryModel::CheckInRole).toString(), u"2:49 PM"_s);
     qunsetenv("TZ");

@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "attendance/DateFormats.h"
 #include "support/screen/QmlStage.h"
@@ -23,7 +23,7 @@ QByteArray day(int number, const QByteArray &rest = R"("status":"ON_TIME")")
            QByteArray::number(number).rightJustified(2, '0') + R"(",)" + rest + "}";
 }
 
-/// Days from the last to the first, as the server has them.
+/// Days from the last to the first, in the order of the server.
 QByteArray days(int last, int first = 1)
 {
     QByteArrayList list;
@@ -52,9 +52,9 @@ protected:
         open(size);
         ASSERT_TRUE(spinUntil([&] { return isIdle(1) && listed() == services.store->history().size(); }));
     }
-    /// Rows that the list has, wherever it is scrolled.
+    /// Number of rows in the list, visible or not.
     int listed() const { return list->property("count").toInt(); }
-    /// That many requests have come, and none is under way.
+    /// Whether that many requests have arrived and none is running.
     bool isIdle(int requests) const
     {
         return services.server.requests().size() >= requests &&
@@ -78,7 +78,7 @@ protected:
             names.append(row.name.section(u", "_s, 1, 1));
         return names;
     }
-    /// The texts that are drawn in the rows, from top to bottom, with their colours.
+    /// The visible text items of the rows, from top to bottom.
     QList<QQuickItem *> labels() const
     {
         QList<QQuickItem *> found;
@@ -138,7 +138,7 @@ TEST_F(HistoryViewTest, ShowsTheDaysInTheServersOrder)
     EXPECT_FALSE(screen().shows(emptyText));
 }
 
-TEST_F(HistoryViewTest, ARowIsOneElementThatSaysEverything)
+TEST_F(HistoryViewTest, RowIsOneElementWithAllTexts)
 {
     open("[" + day(3, R"("status":"MISSING_CHECK_OUT","checkInAt":"2025-03-03T09:04:00Z","lateMinutes":4)") +
          "]");
@@ -151,7 +151,7 @@ TEST_F(HistoryViewTest, ARowIsOneElementThatSaysEverything)
     EXPECT_FALSE(screen().shows(u"MISSING CHECK OUT"_s));
 }
 
-TEST_F(HistoryViewTest, NoWorkButLatenessShowsTheLatenessAsAWarning)
+TEST_F(HistoryViewTest, LatenessWithoutWorkIsShownAsAWarning)
 {
     openDay(R"("status":"LATE","workingMinutes":0,"lateMinutes":15)");
     EXPECT_TRUE(drawn().contains(u"Late 15m"_s)) << drawn().join(u'|').toStdString();
@@ -173,7 +173,7 @@ TEST_F(HistoryViewTest, WorkAndLatenessShareALine)
     EXPECT_EQ(colorOf(line), Theme::of(*stage->view().engine())->textMuted());
 }
 
-TEST_F(HistoryViewTest, NeitherWorkNorLatenessHasNoLine)
+TEST_F(HistoryViewTest, WithoutWorkAndLatenessThereIsNoLine)
 {
     openDay(R"("status":"ABSENT")");
     QStringList texts = drawn();
@@ -182,7 +182,7 @@ TEST_F(HistoryViewTest, NeitherWorkNorLatenessHasNoLine)
     EXPECT_EQ(colorOf(u"Mon, 3 Mar 2025"_s), QColor(Qt::white));
 }
 
-TEST_F(HistoryViewTest, AnUnreadableDateIsShownAsReceived)
+TEST_F(HistoryViewTest, InvalidDateIsShownAsReceived)
 {
     open(R"([{"id":"1","workDate":"2025-13-01","status":"on_time"}])");
     ASSERT_TRUE(spinUntil([&] { return !rows().isEmpty(); }));
@@ -191,14 +191,14 @@ TEST_F(HistoryViewTest, AnUnreadableDateIsShownAsReceived)
     EXPECT_EQ(colorOf(u"on time"_s), Theme::of(*stage->view().engine())->textMuted());
 }
 
-TEST_F(HistoryViewTest, AnEmptyAnswerSaysSo)
+TEST_F(HistoryViewTest, EmptyResponseShowsTheEmptyState)
 {
     open("[]");
     EXPECT_TRUE(screen().waitFor(emptyText));
     EXPECT_TRUE(rows().isEmpty());
 }
 
-TEST_F(HistoryViewTest, AFailedFirstLoadShowsTheEmptyState)
+TEST_F(HistoryViewTest, FailedFirstLoadShowsTheEmptyState)
 {
     expect(R"({"message":"Down"})", 500);
     open();
@@ -208,7 +208,7 @@ TEST_F(HistoryViewTest, AFailedFirstLoadShowsTheEmptyState)
     EXPECT_FALSE(services.store->banner());
 }
 
-TEST_F(HistoryViewTest, TheFirstLoadSpinsQuietlyAndMovesNothing)
+TEST_F(HistoryViewTest, FirstLoadShowsASpinnerAndMovesNothing)
 {
     services.server.expect("GET", path).after(1s).reply(200, days(3));
     open();
@@ -221,13 +221,13 @@ TEST_F(HistoryViewTest, TheFirstLoadSpinsQuietlyAndMovesNothing)
     EXPECT_EQ(screen().find(u"History"_s, QAccessible::StaticText)->rect, title);
 }
 
-TEST_F(HistoryViewTest, TheRowThatIsBuiltAheadIsNeitherSeenNorReadAndLoadsNothing)
+TEST_F(HistoryViewTest, SampleRowIsInvisibleAndSendsNoRequest)
 {
     services.server.expect("GET", path).after(300ms).reply(200, days(2));
     open();
     ASSERT_TRUE(spinUntil([&] { return list->property("model").value<QObject *>() != nullptr; }));
     const QImage blank = stage->view().grabWindow().copy(0, 80, 390, 300);
-    EXPECT_EQ(blank, QImage(blank).copy().mirrored(true, false)) << "something stands there";
+    EXPECT_EQ(blank, QImage(blank).copy().mirrored(true, false)) << "something is visible";
     EXPECT_EQ(rows().size(), 0) << dump();
     ASSERT_TRUE(settle(1));
     EXPECT_TRUE(spinUntil([&] { return rows().size() == 2; })) << dump();
@@ -254,7 +254,7 @@ TEST_F(HistoryViewTest, ReturningAfterAFailedLoadDoesNotReloadEither)
     EXPECT_EQ(services.server.requests().size(), 1);
 }
 
-TEST_F(HistoryViewTest, PullingReloadsAlways)
+TEST_F(HistoryViewTest, PullingReloadsEachTime)
 {
     open(days(3));
     expect(days(4));
@@ -277,7 +277,7 @@ TEST_F(HistoryViewTest, PullingAnEmptyListReloads)
     EXPECT_FALSE(screen().shows(emptyText));
 }
 
-TEST_F(HistoryViewTest, AFailedReloadKeepsTheDays)
+TEST_F(HistoryViewTest, FailedReloadKeepsTheDays)
 {
     open(days(3));
     expect("{}", 503);
@@ -286,7 +286,7 @@ TEST_F(HistoryViewTest, AFailedReloadKeepsTheDays)
     EXPECT_EQ(rows().size(), 3);
 }
 
-TEST_F(HistoryViewTest, AReloadKeepsTheScrollPositionAndTheRows)
+TEST_F(HistoryViewTest, ReloadKeepsTheScrollPositionAndTheRows)
 {
     open(days(31, 2));
     list->setProperty("contentY", 900);
@@ -301,7 +301,7 @@ TEST_F(HistoryViewTest, AReloadKeepsTheScrollPositionAndTheRows)
     EXPECT_EQ(rows(), before);
 }
 
-TEST_F(HistoryViewTest, ANewDayAppearsAtTheTop)
+TEST_F(HistoryViewTest, NewDayAppearsAtTheTop)
 {
     open(days(30));
     ASSERT_TRUE(spinUntil([&] { return !rows().isEmpty(); }));
@@ -314,19 +314,19 @@ TEST_F(HistoryViewTest, ANewDayAppearsAtTheTop)
     EXPECT_TRUE(screen().shows(u"History"_s));
 }
 
-TEST_F(HistoryViewTest, TheSameIdTwiceIsTwoRows)
+TEST_F(HistoryViewTest, RecordsWithEqualIdsAreSeparateRows)
 {
     open("[" + day(1) + "," + day(1) + "," + day(1) + "]");
     EXPECT_TRUE(spinUntil([&] { return rows().size() == 3; })) << dump();
 }
 
-TEST_F(HistoryViewTest, AnEmptyIdIsARowLikeAnyOther)
+TEST_F(HistoryViewTest, RecordsWithoutAnIdAreShown)
 {
     open(R"([{"id":"","workDate":"2025-03-09","status":""},{"id":"","workDate":"x","status":"LATE"}])");
     EXPECT_TRUE(spinUntil([&] { return rows().size() == 2; })) << dump();
 }
 
-TEST_F(HistoryViewTest, ThatGoesEmptyAgainSaysSo)
+TEST_F(HistoryViewTest, EmptyResponseAfterOthersShowsTheEmptyState)
 {
     open(days(20));
     expect("[]");
@@ -336,7 +336,7 @@ TEST_F(HistoryViewTest, ThatGoesEmptyAgainSaysSo)
     EXPECT_TRUE(spinUntil([&] { return rows().isEmpty(); })) << dump();
 }
 
-TEST_F(HistoryViewTest, RowsThatAreKeptForReuseAreNotRead)
+TEST_F(HistoryViewTest, PooledRowsAreHiddenFromScreenReaders)
 {
     open(days(31));
     ASSERT_TRUE(spinUntil([&] { return rows().size() > 5; })) << dump();
@@ -351,14 +351,14 @@ TEST_F(HistoryViewTest, RowsThatAreKeptForReuseAreNotRead)
     EXPECT_EQ(once, rows());
 }
 
-TEST_F(HistoryViewTest, RowsOfAScriptThatRunsLeftwardsKeepTheirLayout)
+TEST_F(HistoryViewTest, RightToLeftScriptsKeepTheLayoutOfRows)
 {
     const QByteArray locale = qgetenv("LC_ALL");
     qputenv("LC_ALL", "ar_EG.UTF-8");
     open(days(1));
     EXPECT_TRUE(spinUntil([&] { return !rows().isEmpty(); }));
     qputenv("LC_ALL", locale);
-    int leftwards = 0;
+    int rightToLeft = 0;
     QList<QQuickItem *> items{list};
     while (!items.isEmpty()) {
         const auto *item = items.takeFirst();
@@ -367,15 +367,15 @@ TEST_F(HistoryViewTest, RowsOfAScriptThatRunsLeftwardsKeepTheirLayout)
                                  ? item->property("text").toString()
                                  : QString();
         if (text.isRightToLeft()) {
-            ++leftwards;
+            ++rightToLeft;
             EXPECT_EQ(item->property("effectiveHorizontalAlignment").toInt(), Qt::AlignLeft)
                 << text.toStdString();
         }
     }
-    EXPECT_GT(leftwards, 0);
+    EXPECT_GT(rightToLeft, 0);
 }
 
-TEST_F(HistoryViewTest, ATimeAndADashStandOnOneLineInEveryScript)
+TEST_F(HistoryViewTest, TimeAndDashAreAlignedInEveryScript)
 {
     const QByteArray locale = qgetenv("LC_ALL");
     qputenv("LC_ALL", "th_TH.UTF-8");
@@ -400,7 +400,7 @@ TEST_F(HistoryViewTest, KeysScroll)
     EXPECT_TRUE(spinUntil([&] { return contentY() > top + 50; }));
 }
 
-TEST_F(HistoryViewTest, ScreenThatDiesMidFlightIsHarmless)
+TEST_F(HistoryViewTest, DestroyingTheScreenDuringARequestIsHarmless)
 {
     services.server.expect("GET", path).after(100ms).reply(200, days(3));
     open();
@@ -418,7 +418,7 @@ struct Format
 class HistoryViewFormats : public HistoryViewTest, public ::testing::WithParamInterface<Format>
 {};
 
-TEST_P(HistoryViewFormats, RowsStayWithinTheScreenAndApart)
+TEST_P(HistoryViewFormats, RowsFitTheScreenAndDoNotOverlap)
 {
     open("[" +
              day(3, R"("status":"MISSING_CHECK_OUT","checkInAt":"2025-03-03T12:42:00Z","lateMinutes":1200)") +

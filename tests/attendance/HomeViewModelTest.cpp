@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "attendance/HomeViewModel.h"
 #include "ui/Palette.h"
@@ -62,16 +62,16 @@ TEST_F(HomeViewModelTest, GreetsByTheClock)
     EXPECT_EQ(model->greeting(), u"Good evening"_s);
 }
 
-TEST_F(HomeViewModelTest, GreetingAndDateAreMadeAnewWithWhateverElseChanges)
+TEST_F(HomeViewModelTest, GreetingAndDateAreUpdatedWithEveryOtherChange)
 {
     services.server.expect("GET", "/api/attendance/today").reply(500, R"({"message":"Down"})");
     services.server.expect("GET", "/api/attendance/distance").reply(500, R"({"message":"Down"})");
     const QList<std::pair<const char *, std::function<void()>>> changes{
         {"a position", [this] { locate(inside); }},
-        {"a check that fails", [this] { await(services.store->checkDistance(services.location.get())); }},
-        {"a load that fails", [this] { await(services.store->loadToday()); }},
-        {"a banner that goes", [this] { services.store->setBanner({}); }},
-        {"a banner that comes", [this] { services.store->setBanner(Banner{.text = u"Down"_s}); }},
+        {"a failed check", [this] { await(services.store->checkDistance(services.location.get())); }},
+        {"a failed load", [this] { await(services.store->loadToday()); }},
+        {"a dismissed banner", [this] { services.store->setBanner({}); }},
+        {"a new banner", [this] { services.store->setBanner(Banner{.text = u"Down"_s}); }},
         {"a punch", [this] { QMetaObject::invokeMethod(services.store.get(), "punchingChanged"); }},
         {"a permission",
          [this] {
@@ -80,7 +80,7 @@ TEST_F(HomeViewModelTest, GreetingAndDateAreMadeAnewWithWhateverElseChanges)
          }},
     };
     QString shown; // as a binding would
-    QObject::connect(model.get(), &HomeViewModel::momentChanged,
+    QObject::connect(model.get(), &HomeViewModel::headerChanged,
                      [&] { shown = model->greeting() + u' ' + model->dateLine(); });
     for (const auto &[name, change] : changes) {
         now += 27h;
@@ -90,7 +90,7 @@ TEST_F(HomeViewModelTest, GreetingAndDateAreMadeAnewWithWhateverElseChanges)
     }
 }
 
-TEST_F(HomeViewModelTest, BeforeTheFirstAnswer)
+TEST_F(HomeViewModelTest, BeforeTheFirstResponse)
 {
     EXPECT_EQ(model->officeName(), u"—"_s);
     EXPECT_EQ(model->hoursLine(), QString());
@@ -127,7 +127,7 @@ TEST_F(HomeViewModelTest, AfterTheDay)
     EXPECT_EQ(model->workedText(), u"8h 5m"_s);
 }
 
-TEST_F(HomeViewModelTest, BothPunchesAllowedOffersTheCheckOut)
+TEST_F(HomeViewModelTest, CheckOutIsOfferedWhenBothPunchesAreAllowed)
 {
     load(today("null", true, true));
     EXPECT_EQ(model->punchTitle(), u"Check Out"_s);
@@ -135,7 +135,7 @@ TEST_F(HomeViewModelTest, BothPunchesAllowedOffersTheCheckOut)
     EXPECT_FALSE(model->hasRecord());
 }
 
-TEST_F(HomeViewModelTest, InsideAndOutside)
+TEST_F(HomeViewModelTest, ShowsInsideAndOutside)
 {
     locate(inside);
     EXPECT_TRUE(model->isLocated());
@@ -152,7 +152,7 @@ TEST_F(HomeViewModelTest, InsideAndOutside)
     EXPECT_EQ(model->nearestLine(), u"Nearest: — · radius 150m"_s);
 }
 
-TEST_F(HomeViewModelTest, SaysThatItIsLocating)
+TEST_F(HomeViewModelTest, ShowsThatItIsLocating)
 {
     services.source->immediate.reset();
     QSignalSpy busy(model.get(), &HomeViewModel::busyChanged);
@@ -188,7 +188,7 @@ TEST_F(HomeViewModelTest, EachAppearanceLoadsTodayAndThenTheDistance)
     for (int i = 1; i <= 2; ++i) {
         services.expectToday(beforeCheckIn);
         services.expectDistance(inside);
-        QSignalSpy moment(model.get(), &HomeViewModel::momentChanged);
+        QSignalSpy moment(model.get(), &HomeViewModel::headerChanged);
         model->setShown(true);
         EXPECT_GE(moment.count(), 1);
         ASSERT_TRUE(services.settle(2 * i));
@@ -197,7 +197,7 @@ TEST_F(HomeViewModelTest, EachAppearanceLoadsTodayAndThenTheDistance)
     EXPECT_EQ(requestedPaths(), (QStringList{u"today"_s, u"distance"_s, u"today"_s, u"distance"_s}));
 }
 
-TEST_F(HomeViewModelTest, StayingShownLoadsNothingMore)
+TEST_F(HomeViewModelTest, SettingShownAgainLoadsNothing)
 {
     services.expectToday(beforeCheckIn);
     services.expectDistance(inside);
@@ -207,7 +207,7 @@ TEST_F(HomeViewModelTest, StayingShownLoadsNothingMore)
     EXPECT_EQ(services.server.requests().size(), 2);
 }
 
-TEST_F(HomeViewModelTest, FailedTodayStillChecksTheDistance)
+TEST_F(HomeViewModelTest, ChecksTheDistanceAfterAFailedLoadOfToday)
 {
     services.server.expect("GET", "/api/attendance/today").reply(500);
     services.expectDistance(inside);
@@ -216,18 +216,18 @@ TEST_F(HomeViewModelTest, FailedTodayStillChecksTheDistance)
     EXPECT_TRUE(model->isLocated());
 }
 
-TEST_F(HomeViewModelTest, DestroyedMidFlightItAsksNothingMore)
+TEST_F(HomeViewModelTest, SendsNoRequestAfterItsDestruction)
 {
     services.server.expect("GET", "/api/attendance/today").after(100ms).reply(200, beforeCheckIn);
     model->setShown(true);
     ASSERT_TRUE(services.server.waitForRequests(1));
     model.reset();
     ASSERT_TRUE(services.settle(1));
-    EXPECT_TRUE(services.store->today()); // the store lives on
+    EXPECT_TRUE(services.store->today()); // the store still exists
     EXPECT_EQ(services.source->locationRequests, 0);
 }
 
-TEST_F(HomeViewModelTest, WithoutServicesItIsHarmless)
+TEST_F(HomeViewModelTest, WorksWithoutServices)
 {
     HomeViewModel empty;
     empty.setShown(true);

@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "attendance/DateFormats.h"
 #include "support/screen/QmlStage.h"
@@ -81,13 +81,13 @@ TEST_F(HomeViewTest, ShowsThatTheDayIsComplete)
     EXPECT_FALSE(screen().shows(u"Check In"_s) || screen().shows(u"Check Out"_s));
 }
 
-TEST_F(HomeViewTest, AClosedDayOffersNothing)
+TEST_F(HomeViewTest, ClosedDayOffersNoPunch)
 {
     open(today("null", false, false, false), inside);
     EXPECT_TRUE(showsAll({u"Attendance complete for today"_s}));
 }
 
-TEST_F(HomeViewTest, BeforeTheFirstAnswerItOffersTheCheckIn)
+TEST_F(HomeViewTest, OffersTheCheckInBeforeTheFirstResponse)
 {
     services.server.expect("GET", "/api/attendance/today").never();
     openOnly();
@@ -95,7 +95,7 @@ TEST_F(HomeViewTest, BeforeTheFirstAnswerItOffersTheCheckIn)
     EXPECT_TRUE(screen().isEnabled(u"Check In"_s));
 }
 
-TEST_F(HomeViewTest, NothingMovesWhenTheFirstAnswerComes)
+TEST_F(HomeViewTest, NothingMovesWhenTheFirstResponseArrives)
 {
     services.server.expect("GET", "/api/attendance/today").after(400ms).reply(200, atWork);
     services.expectDistance(inside);
@@ -113,7 +113,7 @@ TEST_F(HomeViewTest, NothingMovesWhenTheFirstAnswerComes)
     EXPECT_EQ(screen().find(u"Check Out"_s)->rect, button);
 }
 
-TEST_F(HomeViewTest, PunchGoesThroughToTheServerAndBack)
+TEST_F(HomeViewTest, PunchIsSentAndItsResultShown)
 {
     open(beforeCheckIn, inside);
     services.server.expect("POST", "/api/attendance/punch").reply(200, checkedIn);
@@ -145,7 +145,7 @@ TEST_F(HomeViewTest, PunchWorksForAssistiveTechnologyAndTheKeyboard)
     EXPECT_EQ(punches(), 2);
 }
 
-TEST_F(HomeViewTest, SixTapsWithinHalfASecondAreOnePunch)
+TEST_F(HomeViewTest, SixTapsWithinHalfASecondSendOnePunch)
 {
     open(beforeCheckIn, inside);
     services.server.expect("POST", "/api/attendance/punch").after(700ms).reply(200, checkedIn);
@@ -165,7 +165,7 @@ TEST_F(HomeViewTest, SixTapsWithinHalfASecondAreOnePunch)
     EXPECT_EQ(services.server.requests().size(), 5);
 }
 
-TEST_F(HomeViewTest, RefreshLocationSpinsAndStaysPressable)
+TEST_F(HomeViewTest, RefreshLocationShowsASpinnerAndStaysEnabled)
 {
     open(beforeCheckIn, inside);
     services.source->immediate.reset();
@@ -173,32 +173,32 @@ TEST_F(HomeViewTest, RefreshLocationSpinsAndStaysPressable)
     ASSERT_TRUE(screen().click(u"Refresh my location"_s, QAccessible::Button));
     EXPECT_TRUE(services.store->checkingDistance());
     EXPECT_TRUE(screen().isEnabled(u"Refresh my location"_s));
-    EXPECT_TRUE(screen().shows(u"37m"_s)); // the last answer stays until the next one
+    EXPECT_TRUE(screen().shows(u"37m"_s)); // the last distance stays until the next response
     services.source->deliver({Fix{1, 2, 3}});
     EXPECT_TRUE(showsAll({u"1240m"_s}));
     EXPECT_TRUE(services.settle(3));
 }
 
-TEST_F(HomeViewTest, TheDateIsMadeAnewWithThePositionABannerAndAFailedLoad)
+TEST_F(HomeViewTest, DateIsUpdatedWithThePositionABannerAndAFailedLoad)
 {
     const QByteArray before = qgetenv("TZ");
-    // Zones between which the date always differs. The device's zone is read anew each time, and stands for
-    // the day here that has gone on.
-    int moves = 0;
-    const auto moveOn = [&] { qputenv("TZ", moves++ % 2 == 0 ? "Etc/GMT+12" : "Etc/GMT-14"); };
+    // Simulates the next day: the two zones always have different dates, and the device's zone is read each
+    // time that the date is formatted.
+    int days = 0;
+    const auto advanceDay = [&] { qputenv("TZ", days++ % 2 == 0 ? "Etc/GMT+12" : "Etc/GMT-14"); };
     const auto date = [] { return DateFormats().longDate(DateFormats::systemNow()); };
-    moveOn();
+    advanceDay();
     open(beforeCheckIn, inside);
     EXPECT_TRUE(showsAll({date()}));
-    moveOn();
+    advanceDay();
     services.expectDistance(inside);
     ASSERT_TRUE(screen().click(u"Refresh my location"_s, QAccessible::Button));
     EXPECT_TRUE(showsAll({date()}));
     ASSERT_TRUE(services.settle(3));
-    moveOn();
+    advanceDay();
     services.store->setBanner(Banner{.text = u"Outside"_s});
     EXPECT_TRUE(showsAll({date()}));
-    moveOn();
+    advanceDay();
     services.server.expect("GET", "/api/attendance/today").reply(500);
     screen().key(Qt::Key_F5);
     EXPECT_TRUE(showsAll({date()}));
@@ -206,7 +206,7 @@ TEST_F(HomeViewTest, TheDateIsMadeAnewWithThePositionABannerAndAFailedLoad)
     before.isNull() ? qunsetenv("TZ") : qputenv("TZ", before);
 }
 
-TEST_F(HomeViewTest, SaysThatItIsLocating)
+TEST_F(HomeViewTest, ShowsThatItIsLocating)
 {
     services.source->immediate.reset();
     services.expectToday(beforeCheckIn);
@@ -216,7 +216,7 @@ TEST_F(HomeViewTest, SaysThatItIsLocating)
     EXPECT_TRUE(showsAll({u"Tap refresh"_s, u"Location is unavailable right now."_s}));
 }
 
-TEST_F(HomeViewTest, SaysThatLocationIsOff)
+TEST_F(HomeViewTest, ShowsThatLocationIsOff)
 {
     services.source->answer(AuthorizationStatus::Denied);
     services.expectToday(beforeCheckIn);
@@ -226,7 +226,7 @@ TEST_F(HomeViewTest, SaysThatLocationIsOff)
     EXPECT_TRUE(services.settle(1));
 }
 
-TEST_F(HomeViewTest, EachReturnToTheTabLoadsAnew)
+TEST_F(HomeViewTest, EachReturnToTheTabReloads)
 {
     open(beforeCheckIn, inside);
     stage->root()->setVisible(false);
@@ -237,7 +237,7 @@ TEST_F(HomeViewTest, EachReturnToTheTabLoadsAnew)
     EXPECT_TRUE(showsAll({u"Check Out"_s, u"1240m"_s}));
 }
 
-TEST_F(HomeViewTest, KeysRefreshTheDayOnly)
+TEST_F(HomeViewTest, KeysRefreshOnlyTheDay)
 {
     open(beforeCheckIn, inside);
     services.expectToday(atWork);
@@ -249,10 +249,10 @@ TEST_F(HomeViewTest, KeysRefreshTheDayOnly)
     EXPECT_EQ(services.server.requests().size(), 4);
 }
 
-TEST_F(HomeViewTest, PullingFarEnoughRefreshesTheDayOnly)
+TEST_F(HomeViewTest, PullingFarEnoughRefreshesOnlyTheDay)
 {
     open(beforeCheckIn, inside);
-    drag({195, 200}, {195, 260}); // half resisted, so not far enough
+    drag({195, 200}, {195, 260}); // the resistance halves it, so not far enough
     QTest::qWait(100);
     EXPECT_EQ(services.server.requests().size(), 2);
     services.expectToday(atWork);
@@ -262,7 +262,7 @@ TEST_F(HomeViewTest, PullingFarEnoughRefreshesTheDayOnly)
     EXPECT_EQ(services.server.requests().size(), 3);
 }
 
-TEST_F(HomeViewTest, ScreenThatDiesMidFlightIsHarmless)
+TEST_F(HomeViewTest, DestroyingTheScreenDuringARequestIsHarmless)
 {
     services.server.expect("GET", "/api/attendance/today").after(100ms).reply(200, beforeCheckIn);
     openOnly();
@@ -272,7 +272,7 @@ TEST_F(HomeViewTest, ScreenThatDiesMidFlightIsHarmless)
     EXPECT_EQ(services.source->locationRequests, 0);
 }
 
-/// Everything drawn below `item` that is a text.
+/// The visible text items below `item`.
 QList<const QQuickItem *> textsBelow(const QQuickItem *item)
 {
     QList<const QQuickItem *> found;
@@ -299,21 +299,21 @@ protected:
     }
 };
 
-TEST_F(HomeViewInLocale, ADateThatRunsLeftwardsBeginsBelowTheGreeting)
+TEST_F(HomeViewInLocale, RightToLeftDateIsAlignedWithTheGreeting)
 {
     openIn("ar_EG.UTF-8", {390, 844});
-    int leftwards = 0;
+    int rightToLeft = 0;
     for (const auto *text : textsBelow(stage->view().rootObject())) {
         if (text->property("text").toString().isRightToLeft() && text->width() > text->implicitWidth()) {
-            ++leftwards;
+            ++rightToLeft;
             EXPECT_EQ(text->property("effectiveHorizontalAlignment").toInt(), Qt::AlignLeft)
                 << text->property("text").toString().toStdString();
         }
     }
-    EXPECT_GT(leftwards, 0);
+    EXPECT_GT(rightToLeft, 0);
 }
 
-TEST_F(HomeViewInLocale, TimesOfManyLettersStayClearOfEachOther)
+TEST_F(HomeViewInLocale, LongTimesDoNotOverlap)
 {
     for (const QSize size : {QSize(320, 568), QSize(390, 844), QSize(768, 1024)}) {
         openIn("th_TH.UTF-8", size);
@@ -334,7 +334,7 @@ TEST_F(HomeViewInLocale, TimesOfManyLettersStayClearOfEachOther)
     }
 }
 
-TEST_F(HomeViewTest, TimesOfFourDigitsStandBesideEachOtherOnTheSmallestScreenToo)
+TEST_F(HomeViewTest, FourDigitTimesAreSideBySideOnTheSmallestScreenToo)
 {
     QByteArray late = complete;
     late.replace("T09:04", "T10:48").replace("T17:09", "T22:48");
@@ -348,7 +348,7 @@ TEST_F(HomeViewTest, TimesOfFourDigitsStandBesideEachOtherOnTheSmallestScreenToo
     EXPECT_LT(in->rect.left(), out->rect.left());
 }
 
-TEST_F(HomeViewTest, TheSymbolOfALargeTextStandsBesideIt)
+TEST_F(HomeViewTest, SymbolOfALargeTextIsBesideIt)
 {
     open(beforeCheckIn, inside, {320, 568});
     auto *theme =
@@ -387,7 +387,7 @@ struct Format
 class HomeViewFormats : public HomeViewTest, public ::testing::WithParamInterface<Format>
 {};
 
-TEST_P(HomeViewFormats, EverythingIsWithinReach)
+TEST_P(HomeViewFormats, AllContentCanBeReached)
 {
     const QString office =
         u"Directorate of Wide Area Infrastructure Services, Northern Regional Headquarters"_s;
@@ -409,7 +409,7 @@ TEST_P(HomeViewFormats, EverythingIsWithinReach)
     EXPECT_TRUE(window.contains(button));
     EXPECT_GE(button.height(), 44);
     EXPECT_LE(window.bottom() - button.bottom(), 24);
-    // Through the content from top to bottom: everything comes by, and nothing sticks out at the sides.
+    // Scrolls through the content: everything becomes visible, and nothing extends beyond the sides.
     QSet<QString> seen;
     for (int page = 0; page < 12; ++page) {
         for (const auto &element : screen().elements()) {

@@ -68,7 +68,7 @@ protected:
     int changes = 0;
 };
 
-TEST_F(LocationManagerTest, ReadsThePermissionAndWantsTheBestAccuracyFromTheStart)
+TEST_F(LocationManagerTest, ReadsThePermissionAndRequestsTheBestAccuracyAtTheStart)
 {
     make(Restricted);
     EXPECT_EQ(manager->authorization(), Restricted);
@@ -77,7 +77,7 @@ TEST_F(LocationManagerTest, ReadsThePermissionAndWantsTheBestAccuracyFromTheStar
     EXPECT_EQ(source->permissionRequests + source->locationRequests, 0);
 }
 
-TEST_F(LocationManagerTest, StatusNumbersAreThePlatforms)
+TEST_F(LocationManagerTest, StatusValuesAreThoseOfThePlatforms)
 {
     EXPECT_EQ(static_cast<int>(NotDetermined), 0);
     EXPECT_EQ(static_cast<int>(Restricted), 1);
@@ -86,7 +86,7 @@ TEST_F(LocationManagerTest, StatusNumbersAreThePlatforms)
     EXPECT_EQ(static_cast<int>(AuthorizedWhenInUse), 4);
 }
 
-TEST_F(LocationManagerTest, ErrorTextsAreTheOnesShown)
+TEST_F(LocationManagerTest, ErrorsHaveTheirMessages)
 {
     using Kind = LocationError::Kind;
     const auto text = [](Kind kind) { return errorText(LocationError(kind)).toStdString(); };
@@ -106,7 +106,7 @@ TEST_F(LocationManagerTest, DecidedPermissionIsReturnedWithoutAsking)
     }
 }
 
-TEST_F(LocationManagerTest, PermissionWaitsUntilItIsDecided)
+TEST_F(LocationManagerTest, PermissionRequestWaitsForADecision)
 {
     make(NotDetermined);
     const auto outcome = observe<AuthorizationStatus>(manager->requestPermission());
@@ -125,7 +125,7 @@ TEST_F(LocationManagerTest, PermissionWaitsUntilItIsDecided)
     EXPECT_EQ(changes, 1);
 }
 
-TEST_F(LocationManagerTest, RestrictedFailsAsDeniedDoes)
+TEST_F(LocationManagerTest, RestrictedFailsLikeDenied)
 {
     for (const auto status : {Restricted, Denied}) {
         make(status);
@@ -135,7 +135,7 @@ TEST_F(LocationManagerTest, RestrictedFailsAsDeniedDoes)
     }
 }
 
-TEST_F(LocationManagerTest, FirstFixAsksForPermissionAndThenForThePosition)
+TEST_F(LocationManagerTest, FirstFixRequestsPermissionAndThenThePosition)
 {
     make(NotDetermined);
     const auto outcome = observe<Fix>(manager->currentFix(15));
@@ -149,7 +149,7 @@ TEST_F(LocationManagerTest, FirstFixAsksForPermissionAndThenForThePosition)
     EXPECT_EQ(*outcome->value, office);
 }
 
-TEST_F(LocationManagerTest, RefusedQuestionFailsTheFix)
+TEST_F(LocationManagerTest, RefusedPermissionFailsTheFix)
 {
     make(NotDetermined);
     const auto outcome = observe<Fix>(manager->currentFix(15));
@@ -159,7 +159,7 @@ TEST_F(LocationManagerTest, RefusedQuestionFailsTheFix)
     EXPECT_EQ(source->locationRequests, 0);
 }
 
-TEST_F(LocationManagerTest, OfSeveralPositionsTheLastCounts)
+TEST_F(LocationManagerTest, LastOfSeveralPositionsIsUsed)
 {
     make();
     const auto outcome = observe<Fix>(manager->currentFix(15));
@@ -191,7 +191,7 @@ TEST_F(LocationManagerTest, AnyAccuracyIsAccepted)
     EXPECT_EQ(outcome->value->horizontalAccuracy, -1);
 }
 
-TEST_F(LocationManagerTest, PositionAfterTheAnswerOnlyReplacesTheLastOne)
+TEST_F(LocationManagerTest, LaterPositionOnlyReplacesTheLastFix)
 {
     make();
     const auto outcome = observe<Fix>(manager->currentFix(15));
@@ -203,7 +203,7 @@ TEST_F(LocationManagerTest, PositionAfterTheAnswerOnlyReplacesTheLastOne)
     EXPECT_EQ(manager->lastFix(), office);
 }
 
-TEST_F(LocationManagerTest, PositionThatComesWithinTheRequestIsTaken)
+TEST_F(LocationManagerTest, PositionDeliveredDuringTheRequestIsUsed)
 {
     make();
     source->immediate = office;
@@ -214,7 +214,7 @@ TEST_F(LocationManagerTest, PositionThatComesWithinTheRequestIsTaken)
     EXPECT_EQ(*outcome->value, office);
 }
 
-TEST_F(LocationManagerTest, NoPositionInTimeIsATimeout)
+TEST_F(LocationManagerTest, MissingPositionIsATimeout)
 {
     make();
     const auto outcome = observe<Fix>(manager->currentFix(0.05));
@@ -225,7 +225,7 @@ TEST_F(LocationManagerTest, NoPositionInTimeIsATimeout)
     EXPECT_EQ(manager->lastFix(), office);
 }
 
-TEST_F(LocationManagerTest, WaitingForPermissionDoesNotCount)
+TEST_F(LocationManagerTest, TimeLimitStartsAfterThePermission)
 {
     make(NotDetermined);
     const auto outcome = observe<Fix>(manager->currentFix(0.05));
@@ -235,7 +235,7 @@ TEST_F(LocationManagerTest, WaitingForPermissionDoesNotCount)
     EXPECT_EQ(errorOf(outcome), LocationError::Kind::Timeout);
 }
 
-TEST_F(LocationManagerTest, AnswerStopsTheTimer)
+TEST_F(LocationManagerTest, PositionStopsTheTimer)
 {
     make();
     const auto first = observe<Fix>(manager->currentFix(0.05));
@@ -264,7 +264,7 @@ TEST_F(LocationManagerTest, OtherFailureIsUnavailable)
     EXPECT_EQ(errorOf(outcome), LocationError::Kind::Unavailable);
 }
 
-TEST_F(LocationManagerTest, FailureWithNobodyWaitingDoesNothing)
+TEST_F(LocationManagerTest, FailureWithoutARequestDoesNothing)
 {
     make();
     source->fail(LocationSource::Failure::Denied);
@@ -276,12 +276,12 @@ TEST_F(LocationManagerTest, FailureWithNobodyWaitingDoesNothing)
     EXPECT_EQ(manager->authorization(), AuthorizedWhenInUse);
 }
 
-TEST_F(LocationManagerTest, SecondRequestTakesThePlaceOfTheFirstWhichNeverContinues)
+TEST_F(LocationManagerTest, SecondRequestReplacesTheFirstWhichNeverContinues)
 {
     make();
     const auto first = observe<Fix>(manager->currentFix(15));
     const auto second = observe<Fix>(manager->currentFix(15));
-    EXPECT_FALSE(first->done); // not entered from within the second call
+    EXPECT_FALSE(first->done); // does not run inside the second call
     source->deliver({office});
     settle();
     EXPECT_TRUE(wasAbandoned(first));
@@ -289,7 +289,7 @@ TEST_F(LocationManagerTest, SecondRequestTakesThePlaceOfTheFirstWhichNeverContin
     EXPECT_EQ(*second->value, office);
 }
 
-TEST_F(LocationManagerTest, TimerOfAReplacedRequestRunsOnAndEndsTheNextOne)
+TEST_F(LocationManagerTest, TimerOfAReplacedRequestKeepsRunningAndEndsTheNextRequest)
 {
     make();
     const auto first = observe<Fix>(manager->currentFix(0.05));
@@ -299,7 +299,7 @@ TEST_F(LocationManagerTest, TimerOfAReplacedRequestRunsOnAndEndsTheNextOne)
     EXPECT_TRUE(wasAbandoned(first));
 }
 
-TEST_F(LocationManagerTest, WaitersOfADeadManagerAreUnwound)
+TEST_F(LocationManagerTest, WaitersOfADestroyedManagerAreUnwound)
 {
     make();
     const auto replaced = observe<Fix>(manager->currentFix(15));
@@ -317,7 +317,7 @@ TEST_F(LocationManagerTest, WaitersOfADeadManagerAreUnwound)
     EXPECT_TRUE(wasAbandoned(fix));
 }
 
-TEST_F(LocationManagerTest, TimerAfterTheManagersEndDoesNothing)
+TEST_F(LocationManagerTest, TimerAfterTheManagersDestructionDoesNothing)
 {
     make();
     const auto outcome = observe<Fix>(manager->currentFix(0.02));
@@ -326,7 +326,7 @@ TEST_F(LocationManagerTest, TimerAfterTheManagersEndDoesNothing)
     EXPECT_FALSE(spinUntil([&] { return !wasAbandoned(outcome); }, 80ms));
 }
 
-TEST_F(LocationManagerTest, ManagerMayDieInItsOwnNotifications)
+TEST_F(LocationManagerTest, ManagerMayBeDestroyedByItsOwnSignals)
 {
     make(NotDetermined);
     const auto asking = observe<AuthorizationStatus>(manager->requestPermission());
@@ -345,7 +345,7 @@ TEST_F(LocationManagerTest, ManagerMayDieInItsOwnNotifications)
 
 using LocationManagerDeathTest = LocationManagerTest;
 
-TEST_F(LocationManagerDeathTest, ImpossibleTimeLimitsEndTheProgram)
+TEST_F(LocationManagerDeathTest, InvalidTimeLimitsEndTheProgram)
 {
     for (const double seconds :
          {-1.0, std::numeric_limits<double>::infinity(), 1e11, std::numeric_limits<double>::quiet_NaN()}) {

@@ -14,20 +14,20 @@ QByteArray contentOf(const char *path)
     return file.readAll();
 }
 
-TEST(NoSimulation, TheVariableIsIgnored)
+TEST(NoSimulation, VariableIsIgnored)
 {
     qputenv("CLOCKWELL_SIMULATED_LOCATION", "12.9,77.5,8");
     const auto source = makeLocationSource();
     EXPECT_STREQ(source->metaObject()->className(), "clockwell::PositioningLocationSource");
 }
 
-TEST(NoSimulation, NothingOfItIsInTheLibrary)
+TEST(NoSimulation, LibraryContainsNoSimulation)
 {
     const QByteArray plain = contentOf(PLAIN_LIBRARY);
     const QByteArray simulated = contentOf(SIMULATED_LIBRARY);
     for (const char *trace :
          {"CLOCKWELL_SIMULATED_LOCATION", "SimulatedLocationSource", "NmeaLocationSource", "ask-grant"}) {
-        EXPECT_TRUE(simulated.contains(trace)) << trace; // else its absence would prove nothing
+        EXPECT_TRUE(simulated.contains(trace)) << trace; // otherwise its absence below would prove nothing
         EXPECT_FALSE(plain.contains(trace)) << trace;
     }
 }

@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "support/screen/QmlStage.h"
 
@@ -15,7 +15,8 @@ using test::spinUntil;
 
 const Fix office{12.9715987, 77.5945627, 8.5};
 
-/// A punch that waits for its position, on the home screen, while something else wants to know the position.
+/// A punch on the home screen that waits for its position while a check of the distance needs the position,
+/// too.
 class PunchPositionTest : public ::testing::Test
 {
 protected:
@@ -26,7 +27,7 @@ protected:
                                                  services.properties(u"Ada Lovelace"_s));
         QObject::connect(services.store.get(), &AttendanceStore::bannerChanged, [this] { ++banners; });
     }
-    /// With the first answers there.
+    /// Opens the screen and waits for the first responses.
     void openAndSettle()
     {
         services.expectToday(beforeCheckIn);
@@ -47,7 +48,8 @@ protected:
         ASSERT_TRUE(stage->screen().click(u"Refresh my location"_s, QAccessible::Button));
         ASSERT_TRUE(services.store->checkingDistance());
     }
-    /// The punch, the day, and the distance twice: of the check beside it and of the one that follows it.
+    /// The punch, the day, and the distance twice: for the concurrent check and for the check after the
+    /// punch.
     void expectCheckIn()
     {
         services.server.expect("POST", "/api/attendance/punch").reply(200, checkedIn);
@@ -56,7 +58,7 @@ protected:
     }
     void deliver()
     {
-        services.source->immediate = office; // for the check that follows the punch
+        services.source->immediate = office; // for the check after the punch
         services.source->deliver({office});
     }
     bool shows(const QString &text)
@@ -71,7 +73,7 @@ protected:
     int banners = 0;
 };
 
-TEST_F(PunchPositionTest, TheCheckAfterTheFirstAnswerAsksForNoPositionBeside)
+TEST_F(PunchPositionTest, CheckAfterTheFirstResponseSharesThePosition)
 {
     services.server.expect("GET", "/api/attendance/today").after(300ms).reply(200, beforeCheckIn);
     open();
@@ -85,7 +87,7 @@ TEST_F(PunchPositionTest, TheCheckAfterTheFirstAnswerAsksForNoPositionBeside)
     EXPECT_EQ(punches(), 1);
 }
 
-TEST_F(PunchPositionTest, RefreshMyLocationAsksForNoPositionBeside)
+TEST_F(PunchPositionTest, RefreshMyLocationSharesThePosition)
 {
     openAndSettle();
     tapCheckIn();
@@ -98,7 +100,7 @@ TEST_F(PunchPositionTest, RefreshMyLocationAsksForNoPositionBeside)
     EXPECT_EQ(punches(), 1);
 }
 
-TEST_F(PunchPositionTest, ComingBackToTheTabAsksForNoPositionBeside)
+TEST_F(PunchPositionTest, ReturningToTheTabSharesThePosition)
 {
     openAndSettle();
     tapCheckIn();
@@ -114,7 +116,7 @@ TEST_F(PunchPositionTest, ComingBackToTheTabAsksForNoPositionBeside)
     EXPECT_EQ(punches(), 1);
 }
 
-TEST_F(PunchPositionTest, ARefusedPunchStillShowsTheDistanceThatWasAskedForMeanwhile)
+TEST_F(PunchPositionTest, RefusedPunchStillShowsTheRequestedDistance)
 {
     openAndSettle();
     tapCheckIn();
@@ -128,7 +130,7 @@ TEST_F(PunchPositionTest, ARefusedPunchStillShowsTheDistanceThatWasAskedForMeanw
     EXPECT_EQ(services.source->locationRequests, 1);
 }
 
-TEST_F(PunchPositionTest, WithoutAPositionItSaysSoOnce)
+TEST_F(PunchPositionTest, MissingPositionShowsOneBanner)
 {
     openAndSettle();
     tapCheckIn();
@@ -140,7 +142,7 @@ TEST_F(PunchPositionTest, WithoutAPositionItSaysSoOnce)
     EXPECT_EQ(punches(), 0);
 }
 
-TEST_F(PunchPositionTest, PermissionThatIsWithdrawnMeanwhileEndsItWithABanner)
+TEST_F(PunchPositionTest, WithdrawnPermissionShowsOneBanner)
 {
     openAndSettle();
     tapCheckIn();
@@ -156,7 +158,7 @@ TEST_F(PunchPositionTest, PermissionThatIsWithdrawnMeanwhileEndsItWithABanner)
 class PunchPermissionTest : public PunchPositionTest
 {
 protected:
-    /// The platform's question is open, and both a punch and a check depend on its answer.
+    /// Opens the screen with the permission prompt pending, for which both a punch and a check are waiting.
     void openAndAsk()
     {
         services.source->status = AuthorizationStatus::NotDetermined;
@@ -168,7 +170,7 @@ protected:
     }
 };
 
-TEST_F(PunchPermissionTest, GrantedAtLastItGoesOn)
+TEST_F(PunchPermissionTest, GrantedPermissionContinuesThePunch)
 {
     openAndAsk();
     services.source->answer(AuthorizationStatus::AuthorizedWhenInUse);
@@ -180,7 +182,7 @@ TEST_F(PunchPermissionTest, GrantedAtLastItGoesOn)
     EXPECT_EQ(punches(), 1);
 }
 
-TEST_F(PunchPermissionTest, RefusedItSaysSoOnce)
+TEST_F(PunchPermissionTest, RefusedPermissionShowsOneBanner)
 {
     openAndAsk();
     services.source->answer(AuthorizationStatus::Denied);

@@ -38,8 +38,8 @@ RowChanges changes(const char *before, const char *after)
     return rowChanges(recordsOf(before), recordsOf(after));
 }
 
-/// The ids after the changes, the way that a view follows them.
-QStringList followed(const Records &before, const Records &after, const RowChanges &changes)
+/// The ids after applying the changes as a view does.
+QStringList applied(const Records &before, const Records &after, const RowChanges &changes)
 {
     QStringList rows;
     for (const AttendanceRecord &record : before)
@@ -61,7 +61,7 @@ QStringList ids(const Records &records)
     return result;
 }
 
-TEST(RowChanges, TheSameIdsChangeNothing)
+TEST(RowChanges, EqualIdsChangeNothing)
 {
     const RowChanges none = changes("abcde", "abcde");
     EXPECT_TRUE(none.removed.empty() && none.inserted.empty());
@@ -69,7 +69,7 @@ TEST(RowChanges, TheSameIdsChangeNothing)
     EXPECT_TRUE(empty.removed.empty() && empty.inserted.empty());
 }
 
-TEST(RowChanges, ANewDayIsOneRow)
+TEST(RowChanges, NewDayIsOneInsertedRow)
 {
     EXPECT_EQ(changes("abc", "xabc").inserted, (Ranges{{0, 1}}));
     EXPECT_EQ(changes("abc", "abcx").inserted, (Ranges{{3, 1}}));
@@ -77,27 +77,27 @@ TEST(RowChanges, ANewDayIsOneRow)
     EXPECT_TRUE(changes("abc", "xabc").removed.empty());
 }
 
-TEST(RowChanges, FirstAnswerIsOneRangeAndSoIsTheLast)
+TEST(RowChanges, FillingAndClearingAreOneRange)
 {
     EXPECT_EQ(changes("", "abcde").inserted, (Ranges{{0, 5}}));
     EXPECT_EQ(changes("abcde", "").removed, (Ranges{{0, 5}}));
 }
 
-TEST(RowChanges, RowsThatGoAndComeInSeveralPlaces)
+TEST(RowChanges, RowsAreRemovedAndInsertedInSeveralPlaces)
 {
     const RowChanges both = changes("abcdefg", "xbcyfgz");
     EXPECT_EQ(both.removed, (Ranges{{0, 1}, {3, 2}}));
     EXPECT_EQ(both.inserted, (Ranges{{0, 1}, {3, 1}, {6, 1}}));
 }
 
-TEST(RowChanges, ARowThatMovedIsTakenOutAndPutIn)
+TEST(RowChanges, MovedRowIsRemovedAndInserted)
 {
     const RowChanges moved = changes("abcde", "acdeb");
     EXPECT_EQ(moved.removed, (Ranges{{1, 1}}));
     EXPECT_EQ(moved.inserted, (Ranges{{4, 1}}));
 }
 
-TEST(RowChanges, EqualAndEmptyIdsAreToldApartByTheirOrder)
+TEST(RowChanges, EqualAndEmptyIdsAreDistinguishedByTheirOrder)
 {
     EXPECT_TRUE(changes("aaa", "aaa").removed.empty());
     EXPECT_EQ(changes("aab", "aaab").inserted.size(), 1U);
@@ -105,7 +105,7 @@ TEST(RowChanges, EqualAndEmptyIdsAreToldApartByTheirOrder)
     EXPECT_EQ(changes("--", "-").removed, (Ranges{{1, 1}}));
 }
 
-TEST(RowChanges, BeyondTheMostRangesRowsKeepTheirPlaces)
+TEST(RowChanges, WithTooManyRangesRowsKeepTheirPositions)
 {
     Records before;
     for (int i = 0; i < 200; ++i)
@@ -119,7 +119,7 @@ TEST(RowChanges, BeyondTheMostRangesRowsKeepTheirPlaces)
     EXPECT_EQ(rowChanges(after, before.first(50), 8).removed, (Ranges{{50, 151}}));
 }
 
-TEST(RowChanges, AnyListBecomesAnyOther)
+TEST(RowChanges, ChangesTurnAnyListIntoAnyOther)
 {
     std::mt19937 random(1);
     for (int round = 0; round < 3000; ++round) {
@@ -133,12 +133,12 @@ TEST(RowChanges, AnyListBecomesAnyOther)
         const Records before = any();
         const Records after = any();
         const RowChanges made = rowChanges(before, after);
-        ASSERT_EQ(followed(before, after, made), ids(after))
+        ASSERT_EQ(applied(before, after, made), ids(after))
             << ids(before).join(u' ').toStdString() << " -> " << ids(after).join(u' ').toStdString();
     }
 }
 
-TEST(SameRecord, EveryFieldCounts)
+TEST(SameRecord, ComparesEveryField)
 {
     AttendanceRecord plain = withId(QStringLiteral("1"));
     plain.workDate = QStringLiteral("d");

@@ -6,7 +6,7 @@
 
 namespace clockwell::test {
 
-/// A location service in the hands of the test: it counts what it is asked and answers when the test says so.
+/// A location service controlled by the test: it counts requests and answers when the test tells it to.
 class ScriptedLocationSource final : public LocationSource
 {
 public:
@@ -33,7 +33,7 @@ public:
     void fail(Failure failure) { Q_EMIT failed(failure); }
 
     AuthorizationStatus status;
-    std::optional<Fix> immediate; // answered within the request itself
+    std::optional<Fix> immediate; // delivered during the request itself
     QList<Accuracy> accuracies;
     int permissionRequests = 0;
     int locationRequests = 0;

@@ -1,4 +1,4 @@
-#include "HomeStage.h"
+#include "HomeServices.h"
 
 #include "attendance/SummaryViewModel.h"
 #include "support/screen/QmlStage.h"
@@ -56,7 +56,7 @@ protected:
     std::unique_ptr<SummaryViewModel> model = make("en_US", "UTC");
 };
 
-TEST_F(SummaryViewModelTest, AsksForTheCurrentMonthOnceAndAgainOnRequest)
+TEST_F(SummaryViewModelTest, LoadsTheCurrentMonthOnceAndOnEachRefresh)
 {
     ASSERT_TRUE(load(month("2025-03")));
     EXPECT_EQ(askedMonth(), u"2025-03"_s);
@@ -70,14 +70,14 @@ TEST_F(SummaryViewModelTest, AsksForTheCurrentMonthOnceAndAgainOnRequest)
     EXPECT_EQ(services.server.requests().size(), 2);
 }
 
-TEST_F(SummaryViewModelTest, TheCurrentMonthIsTheOneOfTheDevicesZone)
+TEST_F(SummaryViewModelTest, CurrentMonthIsThatOfTheDevicesZone)
 {
     model = make("en_NZ", "Pacific/Chatham"); // 13:45 ahead of UTC
     ASSERT_TRUE(load(month("2025-04")));
     EXPECT_EQ(askedMonth(), u"2025-04"_s);
 }
 
-TEST_F(SummaryViewModelTest, TheMonthIsWrittenInTheDevicesCalendar)
+TEST_F(SummaryViewModelTest, MonthIsFormattedInTheDevicesCalendar)
 {
     model = make("th_TH", "Asia/Bangkok");
     ASSERT_TRUE(load(month("2025-03")));
@@ -85,13 +85,13 @@ TEST_F(SummaryViewModelTest, TheMonthIsWrittenInTheDevicesCalendar)
     EXPECT_EQ(model->monthTitle(), DateFormats("th_TH", "Asia/Bangkok").month(u"2025-03"_s));
 }
 
-TEST_F(SummaryViewModelTest, AMalformedMonthIsShownAsItIs)
+TEST_F(SummaryViewModelTest, InvalidMonthIsShownAsReceived)
 {
     ASSERT_TRUE(load(month("03/2025")));
     EXPECT_EQ(model->monthTitle(), u"03/2025"_s);
 }
 
-TEST_F(SummaryViewModelTest, TotalIsHoursAndMinutesAlsoForNone)
+TEST_F(SummaryViewModelTest, TotalIsHoursAndMinutesAlsoForZero)
 {
     ASSERT_TRUE(load(month("2025-03")));
     EXPECT_EQ(model->totalWorked(), u"152h 40m"_s);
@@ -100,7 +100,7 @@ TEST_F(SummaryViewModelTest, TotalIsHoursAndMinutesAlsoForNone)
     EXPECT_EQ(model->totalWorked(), u"0h 0m"_s);
 }
 
-TEST_F(SummaryViewModelTest, TilesAreInTheirOrder)
+TEST_F(SummaryViewModelTest, TilesAreInTheirFixedOrder)
 {
     ASSERT_TRUE(load(month("2025-03")));
     const QStringList spoken{u"Present, 18"_s, u"Late, 3"_s,      u"Absent, 1"_s,
@@ -118,7 +118,7 @@ TEST_F(SummaryViewModelTest, TilesAreInTheirOrder)
     }
 }
 
-TEST_F(SummaryViewModelTest, AFailedLoadLeavesWhatWasShown)
+TEST_F(SummaryViewModelTest, FailedLoadKeepsTheContent)
 {
     ASSERT_TRUE(load("{}", 500));
     EXPECT_FALSE(model->isPresent());
@@ -130,7 +130,7 @@ TEST_F(SummaryViewModelTest, AFailedLoadLeavesWhatWasShown)
     EXPECT_FALSE(services.store->banner());
 }
 
-TEST_F(SummaryViewModelTest, ANullAnswerIsThePlaceholderAgain)
+TEST_F(SummaryViewModelTest, NullResponseShowsThePlaceholder)
 {
     ASSERT_TRUE(load(month("2025-03")));
     ASSERT_TRUE(load("null"));
@@ -154,7 +154,7 @@ protected:
         ASSERT_FALSE(screen().waitForPrefix(u"Present, "_s).isEmpty()) << screen().dump().toStdString();
     }
     test::ScreenDriver &screen() { return stage->screen(); }
-    /// Nothing is read but the title and how to refresh.
+    /// Whether screen readers find only the title and the refresh control.
     bool isPlaceholder()
     {
         return std::ranges::all_of(screen().elements(), [](const auto &element) {
@@ -185,7 +185,7 @@ TEST_F(SummaryViewTest, ShowsTheMonthItsTilesAndItsTotal)
     EXPECT_FALSE(screen().shows(u"TOTAL WORKED"_s));
 }
 
-TEST_F(SummaryViewTest, TilesStandTwoInARow)
+TEST_F(SummaryViewTest, TwoTilesAreInARow)
 {
     open(month("2025-03"));
     const QRect present = screen().find(u"Present, 18"_s)->rect;
@@ -197,7 +197,7 @@ TEST_F(SummaryViewTest, TilesStandTwoInARow)
     EXPECT_EQ(present.size(), late.size());
 }
 
-TEST_F(SummaryViewTest, BeforeTheFirstAnswerItsShapesStandThereUnread)
+TEST_F(SummaryViewTest, PlaceholderBeforeTheFirstResponseIsHiddenFromScreenReaders)
 {
     services.server.expect("GET", path).after(400ms).reply(200, month("2025-03"));
     open();
@@ -211,20 +211,20 @@ TEST_F(SummaryViewTest, BeforeTheFirstAnswerItsShapesStandThereUnread)
     EXPECT_EQ(stage->root()->findChild<QQuickItem *>(u"page"_s)->property("contentHeight").toReal(), height);
 }
 
-TEST_F(SummaryViewTest, AMalformedMonthIsTitledAsItIs)
+TEST_F(SummaryViewTest, TitleOfAnInvalidMonthIsShownAsReceived)
 {
     open(month("03/2025"));
     EXPECT_TRUE(screen().shows(u"03/2025"_s)) << screen().dump().toStdString();
 }
 
-TEST_F(SummaryViewTest, NoWorkIsZeroHoursAndMinutes)
+TEST_F(SummaryViewTest, TotalWithoutWorkIsZeroHoursAndMinutes)
 {
     open(month("2025-03", 0, 0));
     EXPECT_TRUE(screen().shows(u"Total worked, 0h 0m this month"_s)) << screen().dump().toStdString();
     EXPECT_TRUE(screen().shows(u"Present, 0"_s));
 }
 
-TEST_F(SummaryViewTest, AFailedFirstLoadLeavesThePlaceholderAndSaysNothing)
+TEST_F(SummaryViewTest, FailedFirstLoadKeepsThePlaceholderWithoutABanner)
 {
     services.server.expect("GET", path).after(1s).reply(500, R"({"message":"Down"})");
     open();
@@ -235,7 +235,7 @@ TEST_F(SummaryViewTest, AFailedFirstLoadLeavesThePlaceholderAndSaysNothing)
     EXPECT_FALSE(services.store->banner());
 }
 
-TEST_F(SummaryViewTest, AFailedReloadKeepsTheNumbers)
+TEST_F(SummaryViewTest, FailedReloadKeepsTheNumbers)
 {
     open(month("2025-03"));
     services.server.expect("GET", path).after(1s).reply(503, "{}");
@@ -246,7 +246,7 @@ TEST_F(SummaryViewTest, AFailedReloadKeepsTheNumbers)
     EXPECT_TRUE(screen().shows(u"Present, 18"_s));
 }
 
-TEST_F(SummaryViewTest, PullingReloadsAndReturningDoesNot)
+TEST_F(SummaryViewTest, PullingReloadsButReturningDoesNot)
 {
     open(month("2025-03"));
     stage->root()->setVisible(false);
@@ -257,7 +257,7 @@ TEST_F(SummaryViewTest, PullingReloadsAndReturningDoesNot)
     EXPECT_EQ(services.server.requests().size(), 2);
 }
 
-TEST_F(SummaryViewTest, LargeTextStandsInOneColumn)
+TEST_F(SummaryViewTest, LargeTextUsesOneColumn)
 {
     open(month("2025-03", 18000, 1999999), QSize(320, 568), 2);
     QTest::qWait(50);
@@ -268,7 +268,7 @@ TEST_F(SummaryViewTest, LargeTextStandsInOneColumn)
     EXPECT_TRUE(screen().waitFor(u"Total worked, 33333h 19m this month"_s)) << screen().dump().toStdString();
 }
 
-TEST_F(SummaryViewTest, WhateverTabLeadsToHasAName)
+TEST_F(SummaryViewTest, EveryTabStopHasAName)
 {
     open(month("2025-03"));
     for (int i = 0; i < 3; ++i) {
@@ -281,7 +281,7 @@ TEST_F(SummaryViewTest, WhateverTabLeadsToHasAName)
     }
 }
 
-TEST_F(SummaryViewTest, ScreenThatDiesMidFlightIsHarmless)
+TEST_F(SummaryViewTest, DestroyingTheScreenDuringARequestIsHarmless)
 {
     services.server.expect("GET", path).after(100ms).reply(200, month("2025-03"));
     open();

@@ -2,13 +2,13 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// A number that does not jump, smaller where it does not fit; a quiet bar in its place while there is none.
+// A number in digits of equal width, scaled down where it does not fit. A placeholder bar while the text is empty.
 Item {
     id: root
 
     required property string text
     required property real size
-    property real barWidth: 1.5 * size * Theme.textScale
+    property real placeholderWidth: 1.5 * size * Theme.textScale
 
     height: Math.round(probe.height)
 
@@ -32,7 +32,7 @@ Item {
     }
     ContinuousRectangle {
         y: Math.round((root.height - height) / 2)
-        width: Math.round(Math.min(root.width, root.barWidth))
+        width: Math.round(Math.min(root.width, root.placeholderWidth))
         height: Math.round(root.size * Theme.textScale * 0.6)
         radius: 4
         color: Theme.surface

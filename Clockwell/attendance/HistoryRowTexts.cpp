@@ -1,10 +1,10 @@
-#include "attendance/HistoryTexts.h"
+#include "attendance/HistoryRowTexts.h"
 
 #include "ui/StatusVocabulary.h"
 
 #include <QStringList>
 
-namespace clockwell::history {
+namespace clockwell {
 
 namespace {
 
@@ -13,7 +13,7 @@ QString minutes(qint64 count)
     return QString::number(count) + QStringLiteral("m");
 }
 
-QString spoken(const RowTexts &texts)
+QString spoken(const HistoryRowTexts &texts)
 {
     QStringList parts{texts.day};
     if (!texts.status.isEmpty())
@@ -27,7 +27,7 @@ QString spoken(const RowTexts &texts)
 
 } // namespace
 
-SummaryLine summaryLine(const AttendanceRecord &record)
+HistorySummaryLine historySummaryLine(const AttendanceRecord &record)
 {
     const qint64 worked = record.workingMinutes.value_or(0);
     const qint64 late = record.lateMinutes.value_or(0);
@@ -40,16 +40,16 @@ SummaryLine summaryLine(const AttendanceRecord &record)
     return {};
 }
 
-RowTexts rowTexts(const AttendanceRecord &record, const DateFormats &formats)
+HistoryRowTexts historyRowTexts(const AttendanceRecord &record, const DateFormats &formats)
 {
-    RowTexts texts{.day = formats.day(record.workDate),
-                   .status = record.status,
-                   .checkIn = formats.time(record.checkInAt),
-                   .checkOut = formats.time(record.checkOutAt),
-                   .summary = summaryLine(record),
-                   .spoken = {}};
+    HistoryRowTexts texts{.day = formats.day(record.workDate),
+                          .status = record.status,
+                          .checkIn = formats.time(record.checkInAt),
+                          .checkOut = formats.time(record.checkOutAt),
+                          .summary = historySummaryLine(record),
+                          .spoken = {}};
     texts.spoken = spoken(texts);
     return texts;
 }
 
-} // namespace clockwell::history
+} // namespace clockwell

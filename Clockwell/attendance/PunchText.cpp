@@ -1,8 +1,6 @@
-#include "attendance/PunchTexts.h"
+#include "attendance/PunchText.h"
 
 #include "attendance/DateFormats.h"
-#include "attendance/LocationSource.h"
-#include "attendance/PunchBody.h"
 
 namespace clockwell {
 
@@ -15,14 +13,6 @@ QString punchText(const PunchResponse &punch)
     if (punch.lateMinutes && *punch.lateMinutes > 0)
         text += QStringLiteral(" · ") + QString::number(*punch.lateMinutes) + QStringLiteral("m late");
     return text;
-}
-
-PunchBody punchBody(const Fix &fix, QString deviceId)
-{
-    return PunchBody{.lat = fix.latitude,
-                     .lng = fix.longitude,
-                     .accuracy = fix.horizontalAccuracy > 0 ? fix.horizontalAccuracy : 0,
-                     .deviceId = std::move(deviceId)};
 }
 
 } // namespace clockwell

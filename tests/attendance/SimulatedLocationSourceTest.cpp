@@ -1,7 +1,7 @@
+#include "attendance/SimulatedLocationSource.h"
 #include "attendance/LocationManager.h"
 #include "attendance/NmeaLocationSource.h"
 #include "attendance/PositioningLocationSource.h"
-#include "attendance/SimulatedLocationSource.h"
 #include "support/Await.h"
 
 #include <QElapsedTimer>
@@ -19,7 +19,7 @@ using enum AuthorizationStatus;
 
 const char *const variable = "CLOCKWELL_SIMULATED_LOCATION";
 
-class SimulatedLocationTest : public ::testing::Test
+class SimulatedLocationSourceTest : public ::testing::Test
 {
 protected:
     void TearDown() override { qunsetenv(variable); }
@@ -34,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(SimulatedLocationTest, PositionArrivesAfterAThirdOfASecond)
+TEST_F(SimulatedLocationSourceTest, PositionIsDeliveredAfterAThirdOfASecond)
 {
     const auto manager = managerFor("12.9715987,77.5945627,8.5");
     EXPECT_EQ(manager->authorization(), AuthorizedWhenInUse);
@@ -45,14 +45,14 @@ TEST_F(SimulatedLocationTest, PositionArrivesAfterAThirdOfASecond)
     EXPECT_LT(clock.elapsed(), 3000);
 }
 
-TEST_F(SimulatedLocationTest, PositionCanBeAskedForAgain)
+TEST_F(SimulatedLocationSourceTest, PositionCanBeRequestedAgain)
 {
     const auto manager = managerFor("-33.5,-70.25,-1");
     await(manager->currentFix(15));
     EXPECT_EQ(await(manager->currentFix(15)), (Fix{-33.5, -70.25, -1}));
 }
 
-TEST_F(SimulatedLocationTest, DeniedAndRestrictedFailAtOnce)
+TEST_F(SimulatedLocationSourceTest, DeniedAndRestrictedFailAtOnce)
 {
     const auto denied = managerFor("denied");
     EXPECT_EQ(denied->authorization(), Denied);
@@ -62,21 +62,21 @@ TEST_F(SimulatedLocationTest, DeniedAndRestrictedFailAtOnce)
     EXPECT_EQ(failure(*restricted), LocationError::Kind::Denied);
 }
 
-TEST_F(SimulatedLocationTest, SilentNeverAnswers)
+TEST_F(SimulatedLocationSourceTest, SilentNeverAnswers)
 {
     const auto manager = managerFor("silent");
     EXPECT_EQ(manager->authorization(), AuthorizedWhenInUse);
     EXPECT_EQ(failure(*manager, 0.5), LocationError::Kind::Timeout);
 }
 
-TEST_F(SimulatedLocationTest, FailingReportsAnError)
+TEST_F(SimulatedLocationSourceTest, FailingReportsAnError)
 {
     const auto manager = managerFor("failing");
     EXPECT_EQ(manager->authorization(), AuthorizedWhenInUse);
     EXPECT_EQ(failure(*manager), LocationError::Kind::Unavailable);
 }
 
-TEST_F(SimulatedLocationTest, QuestionIsGrantedOneSecondAfterItIsAsked)
+TEST_F(SimulatedLocationSourceTest, PermissionIsGrantedOneSecondAfterThePrompt)
 {
     const auto manager = managerFor("ask-grant:1.5,2.5,3");
     EXPECT_EQ(manager->authorization(), NotDetermined);
@@ -87,7 +87,7 @@ TEST_F(SimulatedLocationTest, QuestionIsGrantedOneSecondAfterItIsAsked)
     EXPECT_EQ(manager->authorization(), AuthorizedWhenInUse);
 }
 
-TEST_F(SimulatedLocationTest, QuestionIsRefusedOneSecondAfterItIsAsked)
+TEST_F(SimulatedLocationSourceTest, PermissionIsRefusedOneSecondAfterThePrompt)
 {
     const auto manager = managerFor("ask-deny");
     EXPECT_EQ(manager->authorization(), NotDetermined);
@@ -98,7 +98,7 @@ TEST_F(SimulatedLocationTest, QuestionIsRefusedOneSecondAfterItIsAsked)
     EXPECT_EQ(manager->authorization(), Denied);
 }
 
-TEST_F(SimulatedLocationTest, WhatIsNotUnderstoodIsNoScript)
+TEST_F(SimulatedLocationSourceTest, InvalidTextIsNotParsed)
 {
     for (const char *text : {"", "12.9,77.5", "12.9,77.5,8,1", "12.9;77.5;8", "91,0,5", "0,180.5,5",
                              "nan,0,5", "0,0,inf", "a,b,c", ",,", "Denied", "denied ", "ask-grant",
@@ -106,7 +106,7 @@ TEST_F(SimulatedLocationTest, WhatIsNotUnderstoodIsNoScript)
         EXPECT_FALSE(SimulatedLocationSource::parse(text)) << text;
 }
 
-TEST_F(SimulatedLocationTest, WhatIsNotUnderstoodFailsAloudAndIsNeverTheRealService)
+TEST_F(SimulatedLocationSourceTest, InvalidTextIsReportedAndNeverUsesTheRealService)
 {
     ::testing::internal::CaptureStderr();
     const auto manager = managerFor("12.9716 77.5946");
@@ -117,7 +117,7 @@ TEST_F(SimulatedLocationTest, WhatIsNotUnderstoodFailsAloudAndIsNeverTheRealServ
     EXPECT_EQ(failure(*manager), LocationError::Kind::Unavailable);
 }
 
-TEST_F(SimulatedLocationTest, WithoutTheVariableTheServiceIsTheRealOne)
+TEST_F(SimulatedLocationSourceTest, RealServiceIsUsedWithoutTheVariable)
 {
     qunsetenv(variable);
     EXPECT_NE(qobject_cast<PositioningLocationSource *>(makeLocationSource().get()), nullptr);

@@ -6,7 +6,7 @@
 
 namespace clockwell {
 
-/// What the banner says about a recorded punch. The status stands as the server wrote it.
+/// The text of the banner for a recorded punch. Shows the status exactly as the server sends it.
 QString punchText(const PunchResponse &punch);
 
 } // namespace clockwell

@@ -1,4 +1,4 @@
-#include "attendance/ReadAsOne.h"
+#include "attendance/AccessibleElement.h"
 
 #include "ui/ItemAccessible.h"
 
@@ -8,14 +8,14 @@ namespace {
 
 QAccessibleInterface *createInterface(const QString &className, QObject *object)
 {
-    if (className != u"clockwell::ReadAsOne")
+    if (className != u"clockwell::AccessibleElement")
         return nullptr;
     return new ItemAccessible(static_cast<QQuickItem *>(object));
 }
 
 } // namespace
 
-ReadAsOne::ReadAsOne(QQuickItem *parent) : QQuickItem(parent)
+AccessibleElement::AccessibleElement(QQuickItem *parent) : QQuickItem(parent)
 {
     [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createInterface), true);
 }

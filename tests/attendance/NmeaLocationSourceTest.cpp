@@ -1,5 +1,5 @@
-#include "attendance/LocationManager.h"
 #include "attendance/NmeaLocationSource.h"
+#include "attendance/LocationManager.h"
 #include "support/Await.h"
 
 #include <QTcpServer>
@@ -32,7 +32,7 @@ QByteArray recording()
            sentence("GPGGA,091531.00,1258.3500,N,07735.6700,E,1,08,1.2,900.0,M,0.0,M,,");
 }
 
-class NmeaLocationTest : public ::testing::Test
+class NmeaLocationSourceTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -51,7 +51,7 @@ protected:
     QTemporaryFile file;
 };
 
-TEST_F(NmeaLocationTest, PlaysARecording)
+TEST_F(NmeaLocationSourceTest, PlaysARecording)
 {
     const auto manager = managerFor(file.fileName().toLocal8Bit());
     EXPECT_EQ(manager->authorization(), AuthorizationStatus::AuthorizedWhenInUse);
@@ -60,7 +60,7 @@ TEST_F(NmeaLocationTest, PlaysARecording)
     EXPECT_NEAR(fix.longitude, 77.5945, 1e-6);
 }
 
-TEST_F(NmeaLocationTest, ARecordingThatHasEndedStillAnswers)
+TEST_F(NmeaLocationSourceTest, EndedRecordingDeliversItsLastPosition)
 {
     const auto manager = managerFor(file.fileName().toLocal8Bit());
     Fix fix;
@@ -69,7 +69,7 @@ TEST_F(NmeaLocationTest, ARecordingThatHasEndedStillAnswers)
     EXPECT_NEAR(fix.latitude, 12.9725, 1e-6);
 }
 
-TEST_F(NmeaLocationTest, TakesPositionsFromALiveReceiver)
+TEST_F(NmeaLocationSourceTest, DeliversPositionsOfALiveReceiver)
 {
     QTcpServer receiver;
     ASSERT_TRUE(receiver.listen(QHostAddress::LocalHost));
@@ -85,7 +85,7 @@ TEST_F(NmeaLocationTest, TakesPositionsFromALiveReceiver)
     EXPECT_NEAR(fix.longitude, 77.5945, 1e-6);
 }
 
-TEST_F(NmeaLocationTest, WhatCannotBeOpenedFailsAloud)
+TEST_F(NmeaLocationSourceTest, InvalidSourceIsReportedAndFails)
 {
     for (const QByteArray where :
          {"/nonexistent/track.nmea", "socket:", "socket:127.0.0.1", "socket:127.0.0.1:0", ""}) {

@@ -15,8 +15,8 @@ bool isPositionPluginMapped()
     return maps.readAll().contains("/position/libqtposition_");
 }
 
-// First in the file: the plug-ins stay in the process once they are loaded.
-TEST(PositioningLocation, ThePluginIsLoadedByTheFirstRequestOnly)
+// Has to be the first test: loaded plug-ins stay in the process.
+TEST(PositioningLocationSource, PluginIsLoadedAtTheFirstRequest)
 {
     PositioningLocationSource source;
     source.setDesiredAccuracy(LocationSource::Accuracy::Best);
@@ -27,9 +27,9 @@ TEST(PositioningLocation, ThePluginIsLoadedByTheFirstRequestOnly)
     EXPECT_TRUE(isPositionPluginMapped());
 }
 
-TEST(PositioningLocation, AMissingServiceIsUnavailableNotDenied)
+TEST(PositioningLocationSource, MissingServiceIsUnavailableNotDenied)
 {
-    // A bus address that leads nowhere: no location service, whatever the machine at hand has.
+    // With an invalid bus address there is no location service, also on machines that have one.
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus");
     PositioningLocationSource source;
     std::optional<LocationSource::Failure> failure;
@@ -40,7 +40,7 @@ TEST(PositioningLocation, AMissingServiceIsUnavailableNotDenied)
     EXPECT_EQ(source.authorizationStatus(), AuthorizationStatus::AuthorizedWhenInUse);
 }
 
-TEST(PositioningLocation, AnUnknownAccuracyIsMinusOne)
+TEST(PositioningLocationSource, UnknownAccuracyIsMinusOne)
 {
     QGeoPositionInfo position(QGeoCoordinate(12.5, 77.25), QDateTime::currentDateTimeUtc());
     EXPECT_EQ(toFix(position), (Fix{12.5, 77.25, -1}));

@@ -1,7 +1,4 @@
-#include "attendance/PunchTexts.h"
-#include "attendance/LocationSource.h"
-#include "attendance/PunchBody.h"
-#include "net/Encoding.h"
+#include "attendance/PunchText.h"
 
 #include <gtest/gtest.h>
 
@@ -20,21 +17,21 @@ PunchResponse in()
     return punch;
 }
 
-TEST(PunchText, CheckInNamesOfficeStatusAndLateness)
+TEST(PunchText, CheckInShowsOfficeStatusAndLateness)
 {
     PunchResponse punch = in();
     punch.office = QStringLiteral("Head Office");
     punch.status = QStringLiteral("LATE");
     punch.lateMinutes = 12;
     EXPECT_EQ(text(punch), "Checked in at Head Office · LATE · 12m late");
-    punch.status = QStringLiteral("ON_TIME"); // as the server wrote it
+    punch.status = QStringLiteral("ON_TIME"); // exactly as received
     punch.lateMinutes = 0;
     EXPECT_EQ(text(punch), "Checked in at Head Office · ON_TIME");
     punch.lateMinutes = -3;
     EXPECT_EQ(text(punch), "Checked in at Head Office · ON_TIME");
 }
 
-TEST(PunchText, CheckInWithNothingKnownEndsInASpace)
+TEST(PunchText, CheckInWithoutDetailsEndsInASpace)
 {
     PunchResponse punch = in();
     punch.lateMinutes = 0;
@@ -54,26 +51,12 @@ TEST(PunchText, AnyOtherTypeIsACheckOut)
     }
 }
 
-TEST(PunchText, PercentSignsOfTheServerAreLeftAlone)
+TEST(PunchText, PercentSignsOfTheServerAreNotPlaceholders)
 {
     PunchResponse punch = in();
     punch.office = QStringLiteral("%1 %2");
     punch.status = QStringLiteral("%1");
     EXPECT_EQ(text(punch), "Checked in at %1 %2 · %1");
-}
-
-TEST(PunchBody, HasItsKeysInOrder)
-{
-    EXPECT_EQ(
-        encodeBody(punchBody(Fix{12.9715987, 77.5945627, 8.5}, QStringLiteral("D-1"))),
-        R"({"lat":12.9715987,"lng":77.5945627,"accuracy":8.5,"deviceId":"D-1","isMockLocation":false})");
-}
-
-TEST(PunchBody, InvalidAccuracyIsSentAsZero)
-{
-    EXPECT_EQ(punchBody(Fix{1, 2, -1}, {}).accuracy, 0);
-    EXPECT_EQ(punchBody(Fix{1, 2, 0}, {}).accuracy, 0);
-    EXPECT_EQ(punchBody(Fix{1, 2, 0.5}, {}).accuracy, 0.5);
 }
 
 } // namespace

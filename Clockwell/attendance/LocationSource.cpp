@@ -14,8 +14,8 @@ namespace clockwell {
 #ifdef CLOCKWELL_SIMULATED_LOCATION
 namespace {
 
-/// What was given stays out of the message: it may hold coordinates.
-void complain()
+/// The message does not include the value, which may contain coordinates.
+void reportInvalidValue()
 {
     std::fputs(
         "CLOCKWELL_SIMULATED_LOCATION: expected LAT,LNG,ACCURACY | denied | restricted | silent | failing | "
@@ -29,12 +29,12 @@ std::unique_ptr<LocationSource> makeSimulatedSource(const QByteArray &text)
     if (text.startsWith(nmea)) {
         auto source = std::make_unique<NmeaLocationSource>(QFile::decodeName(text.mid(nmea.size())));
         if (!source->isUsable())
-            complain();
+            reportInvalidValue();
         return source;
     }
     const auto script = SimulatedLocationSource::parse(text);
     if (!script)
-        complain();
+        reportInvalidValue();
     return std::make_unique<SimulatedLocationSource>(
         script.value_or(SimulatedLocationSource::Script{.fails = true}));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AttendanceReplies.h"
+#include "Replies.h"
 #include "ScriptedLocationSource.h"
 
 #include "attendance/AttendanceStore.h"
@@ -15,8 +15,8 @@
 
 namespace clockwell::test {
 
-/// What the home screen stands on: the real store and client against a scripted server, and a location
-/// service in the hands of the test, which answers at once unless told otherwise.
+/// The services that the attendance screens need: the real store and client with a scripted server, and a
+/// location service controlled by the test, which answers at once unless told otherwise.
 struct HomeServices
 {
     HomeServices()
@@ -41,7 +41,7 @@ struct HomeServices
         server.expect("GET", "/api/attendance/distance").reply(200, reply);
     }
     bool isIdle() const { return !store->loadingToday() && !store->punching() && !store->checkingDistance(); }
-    /// Until that many requests have come and everything is over.
+    /// Waits until that many requests have arrived and no operation is running.
     bool settle(int requests)
     {
         return spinUntil([&] { return server.requests().size() >= requests && isIdle(); });

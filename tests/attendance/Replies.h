@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-/// Replies of the server as the tests script them.
+/// Scripted replies of the server.
 namespace clockwell::test::replies {
 
 inline QByteArray today(const QByteArray &record, bool canCheckIn, bool canCheckOut, bool open = true,
