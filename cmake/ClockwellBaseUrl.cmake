@@ -1,5 +1,5 @@
-# Tokens and coordinates travel over this URL, so anything but TLS is refused at configuration time, except to the
-# machine itself: the whole of 127.0.0.0/8, [::1] and localhost.
+# Tokens and coordinates are sent to this URL, so configuration fails for URLs without TLS, except for loopback hosts:
+# 127.0.0.0/8, [::1] and localhost.
 function(clockwell_check_base_url url)
     set(octet "(25[0-5]|2[0-4][0-9]|1[0-9][0-9]|[1-9]?[0-9])")
     set(loopback "(localhost|127\\.${octet}\\.${octet}\\.${octet}|\\[::1\\])")

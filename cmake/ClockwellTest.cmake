@@ -1,12 +1,12 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# A program of tests, one a module wherever its tests can share a process:
+# Adds a test program; one for each module whose tests can share a process:
 #   clockwell_test(NAME SOURCES a.cpp ... LIBRARIES target ... [NO_MAIN] [PRECOMPILE header ...]
 #                  [SECRET_SERVICE | WHOLE] [TIMEOUT seconds])
-# ctest lists every case of it and runs each in a process of its own. With WHOLE it lists and runs the program as one, and
-# with SECRET_SERVICE likewise, on a session bus of its own with an unlocked secret service behind it. NO_MAIN: one of the
-# libraries brings the main function. What most of the sources include is worth naming after PRECOMPILE.
+# ctest lists each test case and runs it in a separate process. With WHOLE it runs the whole program as a single test, and
+# with SECRET_SERVICE, too, in a separate session bus with an unlocked Secret Service. NO_MAIN: one of the libraries has
+# the main function. PRECOMPILE: headers that most of the sources include.
 function(clockwell_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "SECRET_SERVICE;NO_MAIN;WHOLE" "TIMEOUT" "SOURCES;LIBRARIES;PRECOMPILE")
     add_executable(${name} ${test_SOURCES})
@@ -32,7 +32,7 @@ function(clockwell_test name)
         set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
     else()
         string(REPLACE ";" "\\;" environment "${environment}")
-        # Listed when ctest starts, so that a build alone runs nothing.
+        # Tests are discovered when ctest starts, so that building does not run the program.
         gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
             PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
     endif()
