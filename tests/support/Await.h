@@ -16,7 +16,7 @@
 
 namespace clockwell::test {
 
-/// Runs the calling thread's events until `condition` holds; false after the limit.
+/// Processes the calling thread's events until `condition` holds. Returns false after the limit.
 inline bool spinUntil(const std::function<bool()> &condition,
                       std::chrono::milliseconds limit = std::chrono::seconds(10))
 {
@@ -41,9 +41,9 @@ struct Outcome
     std::exception_ptr error;
 };
 
-/// Starts following a task; the outcome fills up when it ends, and outlives the test's own scope if it must.
+/// Runs a task and stores its result in `outcome`, which may outlive the test's scope.
 template <class T>
-QCoro::Task<> follow(QCoro::Task<T> task, std::shared_ptr<Outcome<T>> outcome)
+QCoro::Task<> storeOutcome(QCoro::Task<T> task, std::shared_ptr<Outcome<T>> outcome)
 {
     try {
         if constexpr (std::is_void_v<T>) {
@@ -62,12 +62,12 @@ template <class T>
 std::shared_ptr<Outcome<T>> observe(QCoro::Task<T> task)
 {
     auto outcome = std::make_shared<Outcome<T>>();
-    follow<T>(std::move(task), outcome);
+    storeOutcome<T>(std::move(task), outcome);
     return outcome;
 }
 
-/// Waits for a task with the event loop running and hands on its value or exception; throws after the limit,
-/// where QCoro::waitFor would hang for ever on an exception.
+/// Waits for a task while processing events, and returns its value or rethrows its exception. Throws after
+/// the limit. Replaces QCoro::waitFor, which never returns when the task throws.
 template <class T>
 T await(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seconds(10))
 {
@@ -80,7 +80,7 @@ T await(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seco
         return std::move(*outcome->value);
 }
 
-/// The exception of type E that a task ends with; throws when it ends in any other way.
+/// Returns the exception of type E with which a task ends. Throws when it ends in any other way.
 template <class E, class T>
 E awaitError(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seconds(10))
 {

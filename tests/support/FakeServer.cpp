@@ -30,7 +30,7 @@ QByteArray FakeServer::Request::header(const QByteArray &name) const
 
 struct FakeServer::State
 {
-    FakeServerBook book;
+    FakeServerJournal journal;
     QThread thread;
     std::unique_ptr<Listener> listener; // lives in the thread
     quint16 port = 0;
@@ -40,7 +40,8 @@ struct FakeServer::State
 class FakeServer::Listener final : public QTcpServer
 {
 public:
-    Listener(FakeServerBook &book, std::optional<QSslConfiguration> tls) : m_book(book), m_tls(std::move(tls))
+    Listener(FakeServerJournal &journal, std::optional<QSslConfiguration> tls)
+        : m_journal(journal), m_tls(std::move(tls))
     {}
 
 protected:
@@ -52,11 +53,11 @@ protected:
             socket->setSslConfiguration(*m_tls);
             socket->startServerEncryption();
         }
-        new FakeServerConnection(socket, m_book);
+        new FakeServerConnection(socket, m_journal);
     }
 
 private:
-    FakeServerBook &m_book;
+    FakeServerJournal &m_journal;
     const std::optional<QSslConfiguration> m_tls;
 };
 
@@ -64,7 +65,7 @@ FakeServer::FakeServer(std::optional<QSslConfiguration> tls) : m_state(std::make
 {
     m_state->tls = tls.has_value();
     m_state->thread.setObjectName(QStringLiteral("FakeServer"));
-    m_state->listener = std::make_unique<Listener>(m_state->book, std::move(tls));
+    m_state->listener = std::make_unique<Listener>(m_state->journal, std::move(tls));
     if (!m_state->listener->listen(QHostAddress::LocalHost))
         qFatal("FakeServer cannot listen");
     m_state->port = m_state->listener->serverPort();
@@ -103,7 +104,7 @@ FakeServer::Expectation FakeServer::expect(const QByteArray &method, const char 
 
 QList<FakeServer::Request> FakeServer::requests() const
 {
-    return m_state->book.requests();
+    return m_state->journal.requests();
 }
 
 int FakeServer::count(const QString &path) const
@@ -115,7 +116,7 @@ int FakeServer::count(const QString &path) const
 
 int FakeServer::connections() const
 {
-    return m_state->book.connections();
+    return m_state->journal.connections();
 }
 
 bool FakeServer::waitForRequests(int count, std::chrono::milliseconds limit)
@@ -133,8 +134,8 @@ void FakeServer::goDown()
 
 void FakeServer::verify()
 {
-    for (const QString &complaint : m_state->book.takeComplaints())
-        ADD_FAILURE() << complaint.toStdString();
+    for (const QString &failure : m_state->journal.takeFailures())
+        ADD_FAILURE() << failure.toStdString();
 }
 
 FakeServer::Expectation::Expectation(FakeServer &server, QByteArray method, const QString &path)
@@ -146,7 +147,7 @@ FakeServer::Expectation::Expectation(FakeServer &server, QByteArray method, cons
 
 FakeServer::Expectation::~Expectation()
 {
-    m_server.m_state->book.add(m_script);
+    m_server.m_state->journal.add(m_script);
 }
 
 FakeServer::Expectation &FakeServer::Expectation::times(int count)

@@ -14,22 +14,21 @@
 
 namespace clockwell::test {
 
-/// A real HTTP/1.1 server on loopback, scripted by the test, running in a thread of its own.
+/// A real HTTP/1.1 server on loopback, scripted by the test, running in a separate thread.
 ///
 ///     FakeServer server;
 ///     server.expect("GET", "/api/attendance/me").withHeader("Authorization", "Bearer a1").reply(200, "[]");
-///     server.expect("POST", "/api/auth/refresh").after(1s).reply(200,
-///     R"({"accessToken":"a2","refreshToken":"r2"})"); server.expect("GET",
-///     "/api/attendance/today").times(3).reply(401, "{}"); server.expect("GET", "/api/auth/me").never(); //
-///     reads the request, then says nothing APIClient client({.baseURL = server.url("/api")}, tokens,
-///     events);
+///     server.expect("POST", "/api/auth/refresh").after(1s).reply(401, "{}");
+///     server.expect("GET", "/api/attendance/today").times(3).reply(401, "{}");
+///     server.expect("GET", "/api/auth/me").never(); // reads the request, then sends nothing
+///     APIClient client({.baseURL = server.url("/api")}, tokens, events);
 ///     ...
 ///     EXPECT_EQ(server.requests().at(0).body, R"({"email":"a@b"})");
 ///
-/// Each expectation stands for one request (or times(n), or anyNumber()) with that method and path, in any
-/// order between different paths; those of one path are used up in the order given. A request nobody expects
-/// is answered 599 and fails the test, and so does, when the server goes or at verify(), an expectation that
-/// no request came for.
+/// Each expectation matches one request (or times(n), or anyNumber()) with that method and path. Requests to
+/// different paths may arrive in any order; expectations for the same path are used in the order given. An
+/// unexpected request is answered with 599 and fails the test. So does an expectation without a request, when
+/// verify() is called or the server is destroyed.
 class FakeServer
 {
 public:
@@ -59,7 +58,7 @@ public:
 
     struct Script;
 
-    /// What happens to one expected request. Takes effect at the end of the statement.
+    /// How one expected request is answered. Takes effect at the end of the statement.
     class Expectation
     {
     public:
@@ -70,8 +69,8 @@ public:
 
         Expectation &times(int count);
         Expectation &anyNumber();
-        /// Takes only requests whose header has this value; an empty value: only requests without that
-        /// header.
+        /// Matches only requests whose header has this value, or with an empty value only requests without
+        /// that header.
         Expectation &withHeader(const QByteArray &name, const QByteArray &value);
         Expectation &after(std::chrono::milliseconds delay);
         Expectation &reply(int status, const QByteArray &body = {});
@@ -106,12 +105,13 @@ public:
     QList<Request> requests() const;
     int count(const QString &path) const;
     int connections() const;
-    /// Runs the calling thread's events until that many requests have come; false after the limit.
+    /// Processes the calling thread's events until that many requests have arrived. Returns false after the
+    /// limit.
     bool waitForRequests(int count, std::chrono::milliseconds limit = std::chrono::seconds(5));
 
-    /// Stops listening and drops all connections, as a server that goes down; the script stays.
+    /// Stops listening and drops all connections, like a server that shuts down. The expectations are kept.
     void goDown();
-    /// Fails the test for everything that came unexpectedly or did not come, and forgets about it.
+    /// Fails the test for unexpected and missing requests, and clears them and the expectations.
     void verify();
 
 private:

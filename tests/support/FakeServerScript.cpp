@@ -10,7 +10,7 @@ namespace clockwell::test {
 
 namespace {
 
-bool fits(const FakeServer::Script &script, const FakeServer::Request &request)
+bool matches(const FakeServer::Script &script, const FakeServer::Request &request)
 {
     if (script.remaining == 0 || script.method != request.method || script.path != request.path)
         return false;
@@ -20,7 +20,7 @@ bool fits(const FakeServer::Script &script, const FakeServer::Request &request)
     });
 }
 
-QByteArray asBytes(const FakeServer::Reply &reply, bool closing)
+QByteArray toBytes(const FakeServer::Reply &reply, bool closing)
 {
     QByteArray bytes = "HTTP/1.1 " + QByteArray::number(reply.status) + " Scripted\r\n";
     for (const auto &[name, value] : reply.headers)
@@ -50,62 +50,62 @@ void parseHead(const QByteArray &head, FakeServer::Request &request)
 
 } // namespace
 
-void FakeServerBook::add(std::shared_ptr<FakeServer::Script> script)
+void FakeServerJournal::add(std::shared_ptr<FakeServer::Script> script)
 {
     const std::scoped_lock lock(m_mutex);
     m_scripts.append(std::move(script));
 }
 
-int FakeServerBook::countConnection()
+int FakeServerJournal::countConnection()
 {
     const std::scoped_lock lock(m_mutex);
     return ++m_connections;
 }
 
-int FakeServerBook::connections() const
+int FakeServerJournal::connections() const
 {
     const std::scoped_lock lock(m_mutex);
     return m_connections;
 }
 
-std::shared_ptr<FakeServer::Script> FakeServerBook::arrive(const FakeServer::Request &request)
+std::shared_ptr<FakeServer::Script> FakeServerJournal::record(const FakeServer::Request &request)
 {
     const std::scoped_lock lock(m_mutex);
     m_requests.append(request);
     for (const auto &script : std::as_const(m_scripts)) {
-        if (!fits(*script, request))
+        if (!matches(*script, request))
             continue;
         if (script->remaining > 0)
             --script->remaining;
         return script;
     }
-    m_complaints.append(QStringLiteral("unexpected request: %1 %2")
-                            .arg(QString::fromUtf8(request.method), QString::fromUtf8(request.target)));
+    m_failures.append(QStringLiteral("unexpected request: %1 %2")
+                          .arg(QString::fromUtf8(request.method), QString::fromUtf8(request.target)));
     return nullptr;
 }
 
-QList<FakeServer::Request> FakeServerBook::requests() const
+QList<FakeServer::Request> FakeServerJournal::requests() const
 {
     const std::scoped_lock lock(m_mutex);
     return m_requests;
 }
 
-QStringList FakeServerBook::takeComplaints()
+QStringList FakeServerJournal::takeFailures()
 {
     const std::scoped_lock lock(m_mutex);
     for (const auto &script : std::as_const(m_scripts)) {
         if (script->remaining > 0) {
-            m_complaints.append(QStringLiteral("%1 expected request(s) never came: %2 %3")
-                                    .arg(script->remaining)
-                                    .arg(QString::fromUtf8(script->method), script->path));
+            m_failures.append(QStringLiteral("%1 expected request(s) never came: %2 %3")
+                                  .arg(script->remaining)
+                                  .arg(QString::fromUtf8(script->method), script->path));
         }
     }
     m_scripts.clear();
-    return std::exchange(m_complaints, {});
+    return std::exchange(m_failures, {});
 }
 
-FakeServerConnection::FakeServerConnection(QSslSocket *socket, FakeServerBook &book)
-    : QObject(socket), m_socket(socket), m_book(book), m_number(book.countConnection())
+FakeServerConnection::FakeServerConnection(QSslSocket *socket, FakeServerJournal &journal)
+    : QObject(socket), m_socket(socket), m_journal(journal), m_number(journal.countConnection())
 {
     connect(socket, &QIODevice::readyRead, this, [this] { read(); });
     connect(socket, &QAbstractSocket::disconnected, socket, &QObject::deleteLater);
@@ -116,14 +116,14 @@ void FakeServerConnection::read()
     m_input += m_socket->readAll();
     FakeServer::Request request;
     while (takeRequest(request)) {
-        const std::shared_ptr<FakeServer::Script> script = m_book.arrive(request);
+        const std::shared_ptr<FakeServer::Script> script = m_journal.record(request);
         FakeServer::Script unexpected;
         unexpected.reply = {599, "unexpected", {}};
         const FakeServer::Script chosen = script ? *script : unexpected;
         if (chosen.delay.count() == 0)
-            play(chosen, request);
+            execute(chosen, request);
         else
-            QTimer::singleShot(chosen.delay, this, [this, chosen, request] { play(chosen, request); });
+            QTimer::singleShot(chosen.delay, this, [this, chosen, request] { execute(chosen, request); });
         request = {};
     }
 }
@@ -144,11 +144,11 @@ bool FakeServerConnection::takeRequest(FakeServer::Request &request)
     return true;
 }
 
-void FakeServerConnection::play(const FakeServer::Script &script, const FakeServer::Request &request)
+void FakeServerConnection::execute(const FakeServer::Script &script, const FakeServer::Request &request)
 {
     const bool closing = script.ending != FakeServer::Script::Ending::KeepAlive;
     const FakeServer::Reply reply = script.make ? script.make(request) : script.reply;
-    send(script.raw ? *script.raw : asBytes(reply, closing), script);
+    send(script.raw ? *script.raw : toBytes(reply, closing), script);
 }
 
 void FakeServerConnection::send(QByteArray bytes, FakeServer::Script script)

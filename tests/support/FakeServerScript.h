@@ -11,6 +11,7 @@ class QSslSocket;
 
 namespace clockwell::test {
 
+/// The answer to one expected request.
 struct FakeServer::Script
 {
     enum class Ending { KeepAlive, Close, Reset };
@@ -29,42 +30,42 @@ struct FakeServer::Script
     Ending ending = Ending::KeepAlive;
 };
 
-/// What was expected and what came; shared between the test's thread and the server's.
-class FakeServerBook
+/// The expectations and the received requests, shared between the test's thread and the server's.
+class FakeServerJournal
 {
 public:
     void add(std::shared_ptr<FakeServer::Script> script);
     int countConnection();
     int connections() const;
-    /// Writes the request down and finds its script; none when nobody expects it.
-    std::shared_ptr<FakeServer::Script> arrive(const FakeServer::Request &request);
+    /// Records the request and returns its script; null when the request is unexpected.
+    std::shared_ptr<FakeServer::Script> record(const FakeServer::Request &request);
     QList<FakeServer::Request> requests() const;
-    QStringList takeComplaints();
+    QStringList takeFailures();
 
 private:
     mutable std::mutex m_mutex;
     QList<std::shared_ptr<FakeServer::Script>> m_scripts;
     QList<FakeServer::Request> m_requests;
-    QStringList m_complaints;
+    QStringList m_failures;
     int m_connections = 0;
 };
 
-/// One accepted connection, in the server's thread: reads requests one after the other and plays their
+/// One accepted connection, in the server's thread: reads requests one after the other and executes their
 /// scripts.
 class FakeServerConnection final : public QObject
 {
 public:
-    FakeServerConnection(QSslSocket *socket, FakeServerBook &book);
+    FakeServerConnection(QSslSocket *socket, FakeServerJournal &journal);
 
 private:
     void read();
     bool takeRequest(FakeServer::Request &request);
-    void play(const FakeServer::Script &script, const FakeServer::Request &request);
+    void execute(const FakeServer::Script &script, const FakeServer::Request &request);
     void send(QByteArray bytes, FakeServer::Script script);
     void end(FakeServer::Script::Ending ending);
 
     QSslSocket *m_socket;
-    FakeServerBook &m_book;
+    FakeServerJournal &m_journal;
     QByteArray m_input;
     int m_number;
 };

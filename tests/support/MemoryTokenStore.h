@@ -9,7 +9,7 @@
 
 namespace clockwell::test {
 
-/// Tokens in memory, with a record of every write, for tests whose subject is not the secure store.
+/// Keeps tokens in memory and records every write, for tests that do not test the secure store.
 class MemoryTokenStore final : public TokenStore
 {
 public:

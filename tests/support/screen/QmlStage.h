@@ -11,7 +11,7 @@
 
 namespace clockwell::test {
 
-/// Shows one screen of the app's QML modules in a window of its own.
+/// Shows one screen of the app's QML modules in a separate window.
 class QmlStage
 {
 public:

@@ -173,7 +173,8 @@ void ScreenDriver::key(Qt::Key key, Qt::KeyboardModifiers modifiers)
 
 void ScreenDriver::typeText(const QString &text)
 {
-    // Characters beyond Latin-1 have no Qt::Key of their own: they arrive as text, as from a compose key.
+    // Characters beyond Latin-1 have no Qt::Key value, so all are sent as text, like those from a compose
+    // key.
     for (const QChar character : text) {
         for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
             QKeyEvent event(type, Qt::Key_unknown, Qt::NoModifier, QString(character));

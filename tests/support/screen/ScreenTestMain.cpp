@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-// Screens need a GUI application for the whole run; GoogleTest's own main has none.
+// Tests of screens need a QGuiApplication, which GoogleTest's own main() does not create.
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
