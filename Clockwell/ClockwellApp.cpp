@@ -1,6 +1,6 @@
 #include "ClockwellApp.h"
 
-#include "Configuration.h"
+#include "ConfiguredBaseUrl.h"
 #include "attendance/LocationSource.h"
 #include "net/SecretServiceTokenStore.h"
 #include "ui/DesktopPreferences.h"
@@ -14,24 +14,23 @@ using namespace Qt::StringLiterals;
 
 namespace clockwell {
 
-ClockwellApp::Parts ClockwellApp::platformParts()
+ClockwellApp::Dependencies ClockwellApp::platformDependencies()
 {
-    Parts parts;
-    parts.client.baseURL = QUrl(QString::fromLatin1(configuredBaseUrl));
-    parts.tokens = std::make_unique<SecretServiceTokenStore>();
-    parts.makeLocationSource = makeLocationSource;
-    return parts;
+    Dependencies dependencies;
+    dependencies.client.baseURL = QUrl(QString::fromLatin1(configuredBaseUrl));
+    dependencies.tokens = std::make_unique<SecretServiceTokenStore>();
+    dependencies.makeLocationSource = makeLocationSource;
+    return dependencies;
 }
 
-ClockwellApp::ClockwellApp(Parts parts)
-    : m_tokens(std::move(parts.tokens)),
-      m_makeLocationSource(std::move(parts.makeLocationSource)),
-      m_timing(parts.timing ? std::move(parts.timing) : std::make_unique<Timing>()),
-      m_api(std::move(parts.client), *m_tokens, m_sessionEvents),
+ClockwellApp::ClockwellApp(Dependencies dependencies)
+    : m_tokens(std::move(dependencies.tokens)),
+      m_makeLocationSource(std::move(dependencies.makeLocationSource)),
+      m_timing(dependencies.timing ? std::move(dependencies.timing) : std::make_unique<Timing>()),
+      m_api(std::move(dependencies.client), *m_tokens, m_sessionEvents),
       m_auth(m_api, *m_tokens)
 {
-    // Every announcement signs out, also a repeated one: it is the assignment that counts, not the time in
-    // it.
+    // Every assignment signs out, also of an equal time.
     connect(&m_sessionEvents, &SessionEvents::expiredAtChanged, this, [this] {
         if (m_sessionEvents.expiredAt())
             m_auth.logout();
@@ -42,8 +41,8 @@ ClockwellApp::~ClockwellApp() = default;
 
 bool ClockwellApp::show()
 {
-    // Asking the token store takes about as long as loading the interface, on another thread. The answer is
-    // taken by the event loop, so never before the interface stands.
+    // Started first, because reading the token store, on another thread, takes about as long as loading the
+    // interface. The event loop handles the result, so always after the interface has been loaded.
     m_auth.bootstrap();
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(u"qrc:/qt/qml"_s);
@@ -58,8 +57,7 @@ bool ClockwellApp::show()
 void ClockwellApp::followDesktop()
 {
     m_preferences = std::make_unique<DesktopPreferences>(*Theme::of(*m_engine));
-    // After the first frame with something to do in it, which need not wait for a D-Bus connection or an
-    // icon.
+    // After the first frame of a usable screen, so that it does not wait for a D-Bus connection and an icon.
     const auto start = [this] {
         if (m_auth.phase() == AuthStore::Phase::Loading || !disconnect(m_frames))
             return;

@@ -22,8 +22,8 @@ namespace clockwell {
 class DesktopPreferences;
 class LocationSource;
 
-/// The composition root: builds the object graph of the process once, shows the window, starts the restoring
-/// of the session and reacts to its expiry. Main thread only; needs a QGuiApplication that outlives it.
+/// The composition root: builds the object graph of the process once, shows the window, restores the session
+/// and signs out when it expires. Main thread only; needs a QGuiApplication that outlives it.
 class ClockwellApp : public QObject
 {
     Q_OBJECT
@@ -33,24 +33,24 @@ class ClockwellApp : public QObject
     Q_PROPERTY(clockwell::Timing *timing READ timing CONSTANT)
 
 public:
-    /// What differs between a phone, a desktop and a test.
-    struct Parts
+    /// The components that differ between a phone, a desktop and a test.
+    struct Dependencies
     {
         APIClient::Options client;
         std::unique_ptr<TokenStore> tokens;
-        /// Called for each signed-in stretch, on first need.
+        /// Called after each sign-in, when the location is first needed.
         std::function<std::unique_ptr<LocationSource>()> makeLocationSource;
         /// Null: the real time.
         std::unique_ptr<Timing> timing;
     };
-    /// The parts of this platform, with the base URL that was configured.
-    static Parts platformParts();
+    /// Those of this platform, with the configured base URL.
+    static Dependencies platformDependencies();
 
-    explicit ClockwellApp(Parts parts);
+    explicit ClockwellApp(Dependencies dependencies);
     ~ClockwellApp() override;
 
-    /// Loads the interface, shows it and starts to restore the session. False when the interface does not
-    /// load.
+    /// Loads and shows the interface and starts to restore the session. Returns false when the interface
+    /// cannot be loaded.
     bool show();
     /// The app's window; null before show(). Owned by this object.
     QQuickWindow *window() const;
@@ -59,14 +59,14 @@ public:
     Timing *timing() { return m_timing.get(); }
     SessionEvents &sessionEvents() { return m_sessionEvents; }
 
-    /// New services for one signed-in stretch; they live as long as `owner`.
+    /// Creates a service for one signed-in session, owned by `owner`.
     Q_INVOKABLE clockwell::AttendanceStore *newAttendanceStore(QObject *owner);
     Q_INVOKABLE clockwell::LocationManager *newLocationManager(QObject *owner);
 
 private:
     void followDesktop();
 
-    // In the order of dependence: what is declared later goes first.
+    // In the order of their dependencies: destroyed in reverse.
     std::unique_ptr<TokenStore> m_tokens;
     std::function<std::unique_ptr<LocationSource>()> m_makeLocationSource;
     std::unique_ptr<Timing> m_timing;

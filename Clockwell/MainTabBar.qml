@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Clockwell.Ui
 
-// The four tabs in their order.
+// The bar with the four tabs.
 Rectangle {
     id: bar
 

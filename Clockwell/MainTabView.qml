@@ -6,7 +6,7 @@ import Clockwell.Account
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// The signed-in interface. It owns the attendance store of this signed-in stretch.
+// The interface after sign-in. Owns the attendance store and the location manager of the session.
 Item {
     id: tabs
 

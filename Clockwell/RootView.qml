@@ -18,7 +18,7 @@ Window {
     title: "Clockwell"
     color: Theme.background
 
-    // Contents are named by file: the signed-in ones cost nothing until somebody signs in.
+    // Contents are loaded by file name, so that those for signed-in users cost nothing before the sign-in.
     RootViewModel {
         auth: root.app.auth
         onSignedOut: animated => contents.replace(Qt.resolvedUrl("Account/AccountStack.qml"), {auth: root.app.auth, timing: root.app.timing}, animated)

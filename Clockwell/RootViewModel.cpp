@@ -18,7 +18,7 @@ void RootViewModel::followPhase()
     const auto previous = std::exchange(m_shown, m_auth->phase());
     if (m_shown == previous)
         return;
-    // Only the way into and out of the signed-in state is animated, not the one from the spinner to the
+    // Only transitions into and out of the signed-in state are animated, not the one from the spinner to the
     // sign-in.
     if (m_shown == Phase::SignedIn)
         Q_EMIT signedIn(true);

@@ -8,8 +8,8 @@
 
 namespace clockwell {
 
-/// Tells the root view which content to build as the session's phase changes. A content is built anew each
-/// time, so nothing of a former session stays behind. Main thread only; `auth` is not owned.
+/// Tells the root view which content to build when the session's phase changes. The content is built again
+/// each time, so that nothing of an earlier session remains. Main thread only; `auth` is not owned.
 class RootViewModel : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     void componentComplete() override;
 
 Q_SIGNALS:
-    /// Build the signed-out interface, at its root. Animated when somebody has just signed out.
+    /// Build the interface for signed-out users, at its first screen. Animated after a sign-out.
     void signedOut(bool animated);
     /// Build the main tabs.
     void signedIn(bool animated);

@@ -7,8 +7,8 @@
 
 namespace clockwell {
 
-/// One page of the main tabs: its content is built on the first visit, kept and hidden afterwards. Main
-/// thread.
+/// One page of the main tabs. Its content is built when the page is first selected, and only hidden
+/// afterwards. Main thread only.
 class TabPage : public QQuickItem
 {
     Q_OBJECT

@@ -26,6 +26,6 @@ int main(int argc, char **argv)
     QGuiApplication::setApplicationDisplayName(u"Clockwell"_s);
     QGuiApplication::setDesktopFileName(u"io.clockwell.app"_s);
 
-    clockwell::ClockwellApp app(clockwell::ClockwellApp::platformParts());
+    clockwell::ClockwellApp app(clockwell::ClockwellApp::platformDependencies());
     return app.show() ? QGuiApplication::exec() : 1;
 }

@@ -7,7 +7,7 @@
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
-    clockwell::ClockwellApp app(clockwell::ClockwellApp::platformParts());
+    clockwell::ClockwellApp app(clockwell::ClockwellApp::platformDependencies());
     if (!app.show())
         return 1;
     clockwell::bench::reportFirstFrame(

@@ -62,10 +62,10 @@ bool ServerProcess::fillDatabase(QString *error)
     QProcess demo;
     demo.start(m_binary, {u"demo"_s, u"--database"_s, database()});
     if (!demo.waitForFinished(startLimitMs) || demo.exitCode() != 0) {
-        *error = u"The demo database could not be made: "_s + textOf(demo.readAllStandardError());
+        *error = u"The demo database could not be created: "_s + textOf(demo.readAllStandardError());
         return false;
     }
-    // One fact a line: "  e-mail       ada@..."
+    // One fact per line: "  e-mail       ada@..."
     static const QRegularExpression fact(u"^  (\\S+) {2,}(.+)$"_s, QRegularExpression::MultilineOption);
     QMap<QString, QString> facts;
     const QString said = QString::fromUtf8(demo.readAllStandardOutput());
@@ -75,7 +75,7 @@ bool ServerProcess::fillDatabase(QString *error)
     }
     m_demo = {facts.value(u"e-mail"_s), facts.value(u"password"_s), facts.value(u"coordinates"_s)};
     if (m_demo.email.isEmpty() || m_demo.coordinates.isEmpty())
-        *error = u"The demo command did not say whom to sign in as:\n"_s + said;
+        *error = u"The demo command did not print the account to sign in with:\n"_s + said;
     return error->isEmpty();
 }
 

@@ -8,12 +8,12 @@
 
 namespace clockwell::test {
 
-/// The real `clockwell-server` with the demo organisation in a fresh database, on a free loopback port, for
-/// as long as the object lives.
+/// Runs the real `clockwell-server` with the demo organisation in a new database on a free loopback port,
+/// until the object is destroyed.
 class ServerProcess
 {
 public:
-    /// What the `demo` command says about the employee who is ready to sign in.
+    /// The account of the demo employee, as printed by the `demo` command.
     struct Demo
     {
         QString email;
@@ -27,22 +27,23 @@ public:
     ServerProcess &operator=(const ServerProcess &) = delete;
     ~ServerProcess();
 
-    /// Fills the database and starts to serve; `error` says why when this is false. Waits at most 30 seconds.
+    /// Fills the database and starts the server. Returns false and sets `error` on failure. Each of the two
+    /// steps may take 30 seconds.
     bool start(QString *error);
-    /// Stops serving, gracefully, within 10 seconds; the database stays.
+    /// Stops the server gracefully, or kills it after 10 seconds; the database is kept.
     void stop();
 
     QUrl baseUrl() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/api").arg(m_port)); }
     const Demo &demo() const { return m_demo; }
     QString database() const;
-    /// Where the server's e-mail goes.
+    /// The folder for the server's e-mail.
     QString outbox() const;
 
     /// Runs `clockwell-server admin` on the database and returns what it printed; empty, with `error` set,
     /// when it failed or took longer than 30 seconds.
     QString admin(const QStringList &arguments, QString *error) const;
 
-    /// One query on the database file itself: rows of columns as texts. For looking, not for writing.
+    /// Runs a query on the database file, read-only, and returns the rows with their columns as texts.
     QList<QStringList> rows(const QString &sql) const;
 
 private:

@@ -10,15 +10,14 @@ class QQuickWindow;
 
 namespace clockwell::test {
 
-/// Walks through the app step by step, printing what the screen says after each step and keeping a picture of
-/// it.
+/// Walks through the app step by step. Prints the texts of the screen after each step and saves a screenshot.
 class Tour
 {
 public:
     Tour(QQuickWindow *window, QString directory);
 
-    /// Does `act`, then waits for `expected` to begin some text on the screen. Once a step has failed the
-    /// later ones are skipped. `act` returns false when it could not be done.
+    /// Calls `act`, which returns false when it fails, then waits until a text on the screen begins with
+    /// `expected`. After a failed step all later ones are skipped.
     void step(const QString &title, const std::function<bool(ScreenDriver &)> &act, const QString &expected);
     bool failed() const { return m_failed; }
 

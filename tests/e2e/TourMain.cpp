@@ -1,7 +1,7 @@
-#include "AccountJourney.h"
 #include "ClockwellApp.h"
 #include "ServerProcess.h"
 #include "Tour.h"
+#include "WalkAccountJourney.h"
 #include "attendance/DateFormats.h"
 #include "attendance/LocationSource.h"
 #include "net/SecretServiceTokenStore.h"
@@ -116,7 +116,7 @@ bool printRow(const ServerProcess &server, const QString &email)
 
 } // namespace
 
-// clockwell_tour SERVER DIRECTORY: the real app against the real server, driven by real input events.
+// clockwell_tour SERVER DIRECTORY: operates the real app with the real server through real input events.
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
@@ -135,9 +135,9 @@ int main(int argc, char **argv)
                         << Qt::endl;
     const auto &demo = server.demo();
     qputenv("CLOCKWELL_SIMULATED_LOCATION", (demo.coordinates + u",8"_s).toUtf8());
-    ClockwellApp::Parts parts = ClockwellApp::platformParts();
-    parts.client.baseURL = server.baseUrl();
-    ClockwellApp app(std::move(parts));
+    ClockwellApp::Dependencies dependencies = ClockwellApp::platformDependencies();
+    dependencies.client.baseURL = server.baseUrl();
+    ClockwellApp app(std::move(dependencies));
     if (!app.show())
         return 1;
     Tour tour(app.window(), arguments[2]);

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""The real app binary under a real X server, used through assistive technology alone.
+"""Tests the real app binary on a real X server, operated only through assistive technology.
 
 accessibility.py APP SERVER PORT DIRECTORY
 
-Starts what it needs (an X server, the accessibility bus, the reference server on PORT, the app) on the session bus it is
-given, signs in and checks in by accessible names and actions, and ends only what it started. Exit status 0 when
-everything was found and worked.
+Starts an X server, the accessibility bus, the reference server on PORT and the app on the current session bus, signs in
+and checks in by accessible names and actions, and stops only the processes that it started. The exit status is 0 when
+all checks pass.
 """
 
 import os
@@ -72,7 +72,7 @@ class Tree:
         return None
 
     def showing(self):
-        """Every element that is showing, in tree order."""
+        """All visible elements, in tree order."""
         found = []
 
         def visit(element, depth):
@@ -84,7 +84,7 @@ class Tree:
                     found.append(element)
                 for index in range(element.get_child_count()):
                     visit(element.get_child_at_index(index), depth + 1)
-            except Exception:  # an element that goes away while it is looked at
+            except Exception:  # an element that was destroyed meanwhile
                 pass
 
         visit(self.application(), 0)
@@ -176,10 +176,10 @@ def sign_out(tree, facts):
     tree.press(tree.wait("Sign out", button))
     dialog = tree.wait("Sign out of Qor?", (roles.DIALOG,))
     if not dialog.get_state_set().contains(tree.atspi.StateType.MODAL):
-        fail("the dialog does not say that it is modal")
+        fail("the dialog is not marked as modal")
     for hidden in ("Change password", "History"):
         if tree.find(hidden):
-            fail(f"{hidden!r} is offered below the dialog")
+            fail(f"{hidden!r} can be reached below the dialog")
     tree.press(tree.wait("Cancel", button))
     tree.wait("Change password", button)
     tree.press(tree.wait("Sign out", button))
@@ -223,7 +223,7 @@ def main():
         gi.require_version("Atspi", "2.0")
         from gi.repository import Atspi
         Atspi.init()
-        # Without a window manager the window under the pointer has the keyboard.
+        # Without a window manager the window under the pointer has the keyboard focus.
         Atspi.generate_mouse_event(195, 700, "abs")
         walk(Tree(Atspi, "clockwell"), facts)
         with open(printed, encoding="utf-8", errors="replace") as output:

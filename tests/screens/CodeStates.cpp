@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

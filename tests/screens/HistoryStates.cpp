@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 #include <QTest>
 
@@ -55,7 +55,7 @@ QByteArray many()
     return "[" + days.join(',') + "]";
 }
 
-/// The tab, with the first load's answer scripted before.
+/// Opens the tab. The response to the first load has to be scripted before.
 bool open(Stage &stage)
 {
     stage.server().expect("GET", "/api/attendance/today").anyNumber().reply(404, "{}");
@@ -91,7 +91,7 @@ bool refreshing(Stage &stage)
     return stage.screen().waitFor(u"Refreshing"_s);
 }
 
-/// In the device's settings of this language and region; put back at the next start of a picture.
+/// Opens the tab with the device set to this locale, and restores the setting.
 bool inLocale(Stage &stage, const char *locale)
 {
     const QByteArray before = qgetenv("LC_ALL");

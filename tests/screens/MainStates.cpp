@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 #include <QTest>
 
@@ -38,7 +38,7 @@ const QByteArray complete = today(record(R"("status":"ON_TIME","checkInAt":"2026
                                          R"("checkOutAt":"2026-03-02T18:09:00.000Z","workingMinutes":545)") +
                                   R"("canCheckIn":false,"canCheckOut":false)");
 
-/// Signed in, the day and the distance answered.
+/// Opens the signed-in app with these responses for the day and the distance.
 bool home(Stage &stage, const QByteArray &day, const QByteArray &place, const QString &expected,
           const QByteArray &name = "Ada Byron")
 {
@@ -80,7 +80,7 @@ bool longNames(Stage &stage)
            QTest::qWaitFor([&] { return stage.server().count(u"/api/attendance/distance"_s) == 1; });
 }
 
-bool beforeTheFirstAnswer(Stage &stage)
+bool beforeTheFirstResponse(Stage &stage)
 {
     stage.server().expect("GET", "/api/attendance/today").never();
     return stage.startAs("Ada Byron") && stage.screen().waitFor(u"Check In"_s) &&
@@ -150,7 +150,7 @@ QList<State> mainStates()
             {"home-checked-in", checkedIn},
             {"home-complete", dayComplete},
             {"home-long-names", longNames},
-            {"home-before-the-first-answer", beforeTheFirstAnswer},
+            {"home-before-the-first-answer", beforeTheFirstResponse},
             {"home-locating", locating},
             {"home-failed", failed},
             {"home-location-off", locationOff, denied},

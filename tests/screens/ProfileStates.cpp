@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 #include <QGuiApplication>
 #include <QTextStream>
@@ -19,7 +19,7 @@ constexpr Format formats[] = {
     {"390x844-text-200", {390, 844}, 2},
 };
 
-bool take(const State &state, const Format &format, const QString &directory)
+bool takeScreenshot(const State &state, const Format &format, const QString &directory)
 {
     Stage stage(format, state.device);
     const QString name = u"%1-%2"_s.arg(QString::fromLatin1(state.name), QString::fromLatin1(format.name));
@@ -33,7 +33,8 @@ bool take(const State &state, const Format &format, const QString &directory)
 
 } // namespace
 
-// clockwell_screens DIRECTORY [NAME]: a picture of every state (whose name contains NAME) of every screen.
+// clockwell_screens DIRECTORY [NAME]: takes a screenshot of every state (whose name contains NAME) of every
+// screen.
 int main(int argc, char **argv)
 {
     ::testing::InitGoogleTest(&argc, argv);
@@ -50,7 +51,7 @@ int main(int argc, char **argv)
         if (!QString::fromLatin1(state.name).contains(wanted))
             continue;
         for (const auto &format : formats)
-            ++(take(state, format, directory) ? taken : missed);
+            ++(takeScreenshot(state, format, directory) ? taken : missed);
     }
     QTextStream(stdout) << taken << " pictures in " << directory << ", " << missed << " missed" << Qt::endl;
     return missed == 0 && taken > 0 && !::testing::UnitTest::GetInstance()->Failed() ? 0 : 1;

@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -68,7 +68,7 @@ bool focused(Stage &stage)
 {
     if (!idle(stage) || !stage.screen().click(u"Email"_s, QAccessible::EditableText))
         return false;
-    for (int step = 0; step < 3; ++step) // over the password and its eye to the link
+    for (int step = 0; step < 3; ++step) // past the password and the button that shows it to the link
         stage.screen().key(Qt::Key_Tab);
     return true;
 }

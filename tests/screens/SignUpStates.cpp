@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,7 +13,7 @@ bool empty(Stage &stage)
            stage.screen().waitUntilGone(u"New here?"_s);
 }
 
-/// Enter moves on from field to field, and scrolls where there is no room for all of them.
+/// Moves between the fields with Enter, which also scrolls where not all of them fit.
 bool filled(Stage &stage)
 {
     if (!empty(stage) || !stage.screen().click(u"Full name"_s, QAccessible::EditableText))
@@ -63,7 +63,7 @@ bool lastField(Stage &stage)
 {
     if (!filled(stage))
         return false;
-    stage.screen().key(Qt::Key_Tab); // to the eye
+    stage.screen().key(Qt::Key_Tab); // to the button that shows the password
     stage.screen().key(Qt::Key_Space);
     stage.screen().key(Qt::Key_Tab);
     return true;

@@ -14,10 +14,10 @@ namespace clockwell::test {
 
 namespace {
 
-class PicturedLocation final : public LocationSource
+class FixedLocation final : public LocationSource
 {
 public:
-    explicit PicturedLocation(Device device) : m_device(device) {}
+    explicit FixedLocation(Device device) : m_device(device) {}
 
     AuthorizationStatus authorizationStatus() const override { return m_device.authorization; }
     void setDesiredAccuracy(Accuracy) override {}
@@ -75,11 +75,11 @@ bool Stage::show(bool signedIn)
     auto tokens = std::make_unique<MemoryTokenStore>();
     if (signedIn)
         saveTokens(*tokens, u"a"_s, u"r"_s);
-    ClockwellApp::Parts parts;
-    parts.client.baseURL = m_server.url(u"/api"_s);
-    parts.tokens = std::move(tokens);
-    parts.makeLocationSource = [device = m_device] { return std::make_unique<PicturedLocation>(device); };
-    m_app = std::make_unique<ClockwellApp>(std::move(parts));
+    ClockwellApp::Dependencies dependencies;
+    dependencies.client.baseURL = m_server.url(u"/api"_s);
+    dependencies.tokens = std::move(tokens);
+    dependencies.makeLocationSource = [device = m_device] { return std::make_unique<FixedLocation>(device); };
+    m_app = std::make_unique<ClockwellApp>(std::move(dependencies));
     if (!m_app->show())
         return false;
     auto *window = m_app->window();

@@ -11,14 +11,14 @@
 
 namespace clockwell::test {
 
-/// The device of a picture: whether positions are allowed, and whether one ever arrives.
+/// The simulated device of a screenshot: the location permission, and whether it delivers positions.
 struct Device
 {
     AuthorizationStatus authorization = AuthorizationStatus::AuthorizedWhenInUse;
     bool hasFix = true;
 };
 
-/// How large everything is.
+/// The window size and text scale of a screenshot.
 struct Format
 {
     const char *name;
@@ -26,7 +26,7 @@ struct Format
     double textScale;
 };
 
-/// The whole app in one window against a scripted server, brought into one state for one picture.
+/// The whole app in one window with a scripted server, for the screenshot of one state.
 class Stage
 {
 public:
@@ -39,9 +39,9 @@ public:
 
     /// Shows the app signed out.
     bool start();
-    /// Shows the app signed in as this person; what the tabs ask for has to be scripted before.
+    /// Shows the app signed in as this user; the requests of the tabs have to be scripted before.
     bool startAs(const QByteArray &fullName);
-    /// The same as the user of this JSON object.
+    /// The same, with the user as a JSON object.
     bool startAsUser(const QByteArray &user);
     /// Shows what there is in another size, all of it in its place.
     void resize(Format format);

@@ -1,4 +1,4 @@
-#include "States.h"
+#include "State.h"
 
 #include <QTest>
 
@@ -30,7 +30,7 @@ bool filled(Stage &stage)
                           R"("absentDays":1,"leaveDays":2,"halfDays":0,"totalWorkingMinutes":9160})");
 }
 
-/// In the device's settings of this language and region.
+/// With the device set to Persian.
 bool inPersian(Stage &stage)
 {
     const QByteArray before = qgetenv("LC_ALL");

@@ -1,4 +1,4 @@
-# cmake -DCASE="accepts|refuses URL" -P BaseUrlTest.cmake: what configuring with this base URL does.
+# cmake -DCASE="accepts|refuses URL" -P BaseUrlTest.cmake: tests whether configuration accepts or refuses the base URL.
 string(REPLACE " " ";" words "${CASE}")
 list(GET words 0 expected)
 list(GET words 1 url)

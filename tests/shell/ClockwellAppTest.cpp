@@ -26,7 +26,7 @@ using test::MemoryTokenStore;
 using test::ScreenDriver;
 using test::spinUntil;
 
-/// A device on which the location is switched off, as most tests here want it.
+/// A device with denied location permission, the default of these tests.
 class NoLocation final : public LocationSource
 {
 public:
@@ -36,7 +36,7 @@ public:
     void requestLocation() override {}
 };
 
-/// A device that always knows at once where it is.
+/// A device that delivers its position at once.
 class KnownLocation final : public LocationSource
 {
 public:
@@ -49,7 +49,7 @@ public:
     void requestLocation() override { Q_EMIT locationsUpdated({Fix{12.97, 77.59, 8}}); }
 };
 
-/// A secret service that takes its time.
+/// A token store that takes 200 ms to answer.
 class SlowTokenStore final : public TokenStore
 {
 public:
@@ -88,11 +88,11 @@ protected:
 
     void startWith(std::unique_ptr<TokenStore> store)
     {
-        ClockwellApp::Parts parts;
-        parts.client.baseURL = server.url(u"/api"_s);
-        parts.tokens = std::move(store);
-        parts.makeLocationSource = makeLocationSource;
-        app = std::make_unique<ClockwellApp>(std::move(parts));
+        ClockwellApp::Dependencies dependencies;
+        dependencies.client.baseURL = server.url(u"/api"_s);
+        dependencies.tokens = std::move(store);
+        dependencies.makeLocationSource = makeLocationSource;
+        app = std::make_unique<ClockwellApp>(std::move(dependencies));
         ASSERT_TRUE(app->show());
         ASSERT_TRUE(QTest::qWaitForWindowExposed(app->window()));
         screen = std::make_unique<ScreenDriver>(app->window());
@@ -109,7 +109,7 @@ protected:
         ASSERT_TRUE(settled());
     }
 
-    /// The change of content has come to its end; until then taps are not taken.
+    /// Waits until the transition to the new content has ended; taps are ignored before.
     bool settled() const
     {
         const auto *contents = app->window()->findChild<QQuickItem *>(u"contents"_s);
@@ -131,7 +131,7 @@ protected:
     std::unique_ptr<ScreenDriver> screen;
 };
 
-TEST_F(ClockwellAppTest, WithoutTokensTheSpinnerGivesWayToTheSignIn)
+TEST_F(ClockwellAppTest, WithoutTokensTheSignInFollowsTheSpinner)
 {
     startWith(std::make_unique<SlowTokenStore>());
     EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::Loading);
@@ -149,7 +149,7 @@ TEST_F(ClockwellAppTest, WithValidTokensTheMainScreenShowsItsFirstTab)
     EXPECT_TRUE(screen->waitUntilGone(u"Sign in"_s));
 }
 
-TEST_F(ClockwellAppTest, TheTabsStandInTheirOrder)
+TEST_F(ClockwellAppTest, TabsAreInTheirOrder)
 {
     startSignedIn();
     QStringList tabs;
@@ -160,7 +160,7 @@ TEST_F(ClockwellAppTest, TheTabsStandInTheirOrder)
     EXPECT_EQ(tabs, (QStringList{u"Attendance"_s, u"History"_s, u"Summary"_s, u"Profile"_s}));
 }
 
-TEST_F(ClockwellAppTest, OnlyTheSelectedTabIsShowing)
+TEST_F(ClockwellAppTest, OnlyTheSelectedTabIsVisible)
 {
     startSignedIn();
     ASSERT_TRUE(screen->waitFor(u"North Tower"_s));
@@ -177,7 +177,7 @@ TEST_F(ClockwellAppTest, OnlyTheSelectedTabIsShowing)
     EXPECT_TRUE(screen->waitFor(u"North Tower"_s));
 }
 
-TEST_F(ClockwellAppTest, ComingBackToTheFirstTabLoadsTheDayAgain)
+TEST_F(ClockwellAppTest, ReturningToTheFirstTabReloadsTheDay)
 {
     startSignedIn();
     ASSERT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 1; }));
@@ -186,7 +186,7 @@ TEST_F(ClockwellAppTest, ComingBackToTheFirstTabLoadsTheDayAgain)
     EXPECT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 2; }));
 }
 
-TEST_F(ClockwellAppTest, ARefusalThatComesWhileAnotherTabIsInFrontIsSeenOnTheReturn)
+TEST_F(ClockwellAppTest, RefusalDuringAnotherTabIsShownOnReturn)
 {
     makeLocationSource = [] { return std::make_unique<KnownLocation>(); };
     server.expect("GET", "/api/attendance/distance").anyNumber().reply(200, "null");
@@ -206,14 +206,14 @@ TEST_F(ClockwellAppTest, ARefusalThatComesWhileAnotherTabIsInFrontIsSeenOnTheRet
     EXPECT_GE(clock.elapsed(), 4000);
 }
 
-TEST_F(ClockwellAppTest, TheEmptyExpiryAtTheStartSignsNobodyOut)
+TEST_F(ClockwellAppTest, EmptyExpiryAtTheStartDoesNotSignOut)
 {
     startSignedIn();
     EXPECT_FALSE(app->sessionEvents().expiredAt());
     EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::SignedIn);
 }
 
-TEST_F(ClockwellAppTest, TwoExpiriesInARowEndAtTheSameSignIn)
+TEST_F(ClockwellAppTest, TwoExpiriesInARowEndAtOneSignIn)
 {
     startSignedIn();
     const auto now = QDateTime::currentDateTimeUtc();
@@ -226,7 +226,7 @@ TEST_F(ClockwellAppTest, TwoExpiriesInARowEndAtTheSameSignIn)
     EXPECT_TRUE(screen->waitUntilGone(u"Attendance"_s));
 }
 
-/// What a session that expires must leave nothing of.
+/// Open sheets and dialogs, which have to be closed when the session expires.
 class OpenDialogTest : public ClockwellAppTest
 {
 protected:
@@ -250,14 +250,14 @@ protected:
         screen->typeText(u"new"_s);
         screen->key(Qt::Key_Return);
     }
-    /// Within the next second, in which whatever moves comes to rest.
+    /// Whether the text appears within the next second, in which all animations end.
     bool everShows(const QString &text)
     {
         return spinUntil([&] { return screen->shows(text); }, 1s) || screen->shows(text);
     }
     void expire() { app->sessionEvents().setExpiredAt(QDateTime::currentDateTimeUtc()); }
 
-    /// The sign-in works at once, and nothing of what was open is left when all is still.
+    /// The sign-in is usable at once, and no sheet or dialog is left when the transitions have ended.
     void expectSignInOnly()
     {
         EXPECT_EQ(app->auth()->phase(), AuthStore::Phase::SignedOut);
@@ -271,7 +271,7 @@ protected:
         screen->typeText(u"secret"_s);
         EXPECT_TRUE(screen->isEnabled(u"Sign in"_s));
     }
-    /// All that exist in the window, open or not.
+    /// All modals in the window, open or not.
     QList<const QQuickItem *> modals() const
     {
         QList<const QQuickItem *> found;
@@ -298,7 +298,7 @@ TEST_F(OpenDialogTest, CoversTheTabBarToo)
     EXPECT_TRUE(screen->find(u"History"_s, QAccessible::PageTab));
 }
 
-TEST_F(OpenDialogTest, SigningOutLeadsToTheSignInAtOnce)
+TEST_F(OpenDialogTest, SigningOutShowsTheSignInAtOnce)
 {
     openProfile();
     open(u"Sign out"_s, u"Sign out of Qor?"_s);
@@ -309,7 +309,7 @@ TEST_F(OpenDialogTest, SigningOutLeadsToTheSignInAtOnce)
     EXPECT_FALSE(tokens->access());
 }
 
-TEST_F(OpenDialogTest, AnExpiryTakesTheConfirmationAway)
+TEST_F(OpenDialogTest, ExpiryClosesTheConfirmation)
 {
     openProfile();
     open(u"Sign out"_s, u"Sign out of Qor?"_s);
@@ -317,7 +317,7 @@ TEST_F(OpenDialogTest, AnExpiryTakesTheConfirmationAway)
     expectSignInOnly();
 }
 
-TEST_F(OpenDialogTest, AnExpiryTakesADialogAwayThatIsJustOpening)
+TEST_F(OpenDialogTest, ExpiryClosesAnOpeningDialog)
 {
     openProfile();
     ASSERT_TRUE(screen->click(u"Sign out"_s, QAccessible::Button));
@@ -325,7 +325,7 @@ TEST_F(OpenDialogTest, AnExpiryTakesADialogAwayThatIsJustOpening)
     expectSignInOnly();
 }
 
-TEST_F(OpenDialogTest, AnExpiryTakesADialogAwayThatIsJustClosing)
+TEST_F(OpenDialogTest, ExpiryRemovesAClosingDialog)
 {
     openProfile();
     open(u"Sign out"_s, u"Sign out of Qor?"_s);
@@ -334,7 +334,7 @@ TEST_F(OpenDialogTest, AnExpiryTakesADialogAwayThatIsJustClosing)
     expectSignInOnly();
 }
 
-TEST_F(OpenDialogTest, AnExpiryTakesTheSheetAway)
+TEST_F(OpenDialogTest, ExpiryClosesTheSheet)
 {
     openProfile();
     open(u"Change password"_s, u"Update password"_s);
@@ -343,7 +343,7 @@ TEST_F(OpenDialogTest, AnExpiryTakesTheSheetAway)
     expectSignInOnly();
 }
 
-TEST_F(OpenDialogTest, AnExpiryTakesTheAlertAndTheSheetAway)
+TEST_F(OpenDialogTest, ExpiryClosesTheAlertAndTheSheet)
 {
     server.expect("POST", "/api/auth/change-password").reply(200, "{}");
     openProfile();
@@ -353,7 +353,7 @@ TEST_F(OpenDialogTest, AnExpiryTakesTheAlertAndTheSheetAway)
     expectSignInOnly();
 }
 
-TEST_F(OpenDialogTest, AnAnswerThatComesWhileTheSheetClosesOpensNothing)
+TEST_F(OpenDialogTest, ResponseDuringTheClosingOfTheSheetOpensNothing)
 {
     server.expect("POST", "/api/auth/change-password").after(120ms).reply(200, "{}");
     openProfile();
@@ -367,7 +367,7 @@ TEST_F(OpenDialogTest, AnAnswerThatComesWhileTheSheetClosesOpensNothing)
     EXPECT_EQ(app->window()->activeFocusItem(), focused);
 }
 
-TEST_F(OpenDialogTest, AnAnswerThatComesWhileTheScreenLeavesOpensNothing)
+TEST_F(OpenDialogTest, ResponseDuringTheWayBackOpensNothing)
 {
     server.expect("POST", "/api/auth/login").reply(403, R"({"error":"EMAIL_NOT_VERIFIED","message":"No."})");
     server.expect("POST", "/api/auth/verify-otp").after(120ms).reply(200, "{}");
@@ -387,7 +387,7 @@ TEST_F(OpenDialogTest, AnAnswerThatComesWhileTheScreenLeavesOpensNothing)
     EXPECT_TRUE(screen->isEnabled(u"Sign in"_s));
 }
 
-TEST_F(OpenDialogTest, ARefusedRefreshDuringTheChangeTakesTheSheetAway)
+TEST_F(OpenDialogTest, RefusedRefreshDuringTheChangeClosesTheSheet)
 {
     server.expect("POST", "/api/auth/change-password").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").reply(401, "{}");
@@ -397,7 +397,7 @@ TEST_F(OpenDialogTest, ARefusedRefreshDuringTheChangeTakesTheSheetAway)
     expectSignInOnly();
 }
 
-TEST_F(OpenDialogTest, ComingBackToTheProfileAsksForTheUserAgain)
+TEST_F(OpenDialogTest, ReturningToTheProfileReloadsTheUser)
 {
     openProfile();
     ASSERT_TRUE(spinUntil([&] { return server.count(u"/api/auth/me"_s) == 2; }));
@@ -406,7 +406,7 @@ TEST_F(OpenDialogTest, ComingBackToTheProfileAsksForTheUserAgain)
     EXPECT_TRUE(spinUntil([&] { return server.count(u"/api/auth/me"_s) == 3; }));
 }
 
-TEST_F(ClockwellAppTest, ARefusedRefreshLeadsBackToTheSignIn)
+TEST_F(ClockwellAppTest, RefusedRefreshShowsTheSignIn)
 {
     server.expect("GET", "/api/auth/me").reply(200, user("Ada"));
     server.expect("GET", "/api/attendance/today").reply(401, "{}");
@@ -418,7 +418,7 @@ TEST_F(ClockwellAppTest, ARefusedRefreshLeadsBackToTheSignIn)
     EXPECT_FALSE(app->auth()->user());
 }
 
-TEST_F(ClockwellAppTest, ANewSessionShowsNothingOfTheOneBefore)
+TEST_F(ClockwellAppTest, NewSessionShowsNothingOfTheLast)
 {
     server.expect("GET", "/api/auth/me").reply(200, user("Ada Byron"));
     server.expect("GET", "/api/attendance/today")
@@ -445,7 +445,7 @@ TEST_F(ClockwellAppTest, ANewSessionShowsNothingOfTheOneBefore)
     EXPECT_TRUE(isSelected(u"Attendance"_s));
 }
 
-TEST_F(ClockwellAppTest, SigningOutRebuildsTheSignInAtItsRootWithEmptyFields)
+TEST_F(ClockwellAppTest, SigningOutRebuildsTheSignInWithEmptyFields)
 {
     start();
     ASSERT_TRUE(screen->waitFor(u"Email"_s));
@@ -462,7 +462,7 @@ TEST_F(ClockwellAppTest, SigningOutRebuildsTheSignInAtItsRootWithEmptyFields)
     EXPECT_FALSE(screen->isEnabled(u"Sign in"_s));
 }
 
-TEST_F(ClockwellAppTest, ThePagesAreDarkWhateverTheDesktopPrefers)
+TEST_F(ClockwellAppTest, PagesAreDarkIndependentOfTheDesktop)
 {
     start();
     ASSERT_TRUE(screen->waitFor(u"Sign in"_s));
@@ -471,7 +471,7 @@ TEST_F(ClockwellAppTest, ThePagesAreDarkWhateverTheDesktopPrefers)
     EXPECT_EQ(picture.pixelColor(picture.width() - 4, picture.height() - 4), QColor(9, 21, 42));
 }
 
-TEST_F(ClockwellAppTest, QuittingInTheMiddleOfARequestIsHarmless)
+TEST_F(ClockwellAppTest, QuittingDuringARequestIsHarmless)
 {
     server.expect("GET", "/api/auth/me").reply(200, user("Ada"));
     server.expect("GET", "/api/attendance/today").never();

@@ -1,4 +1,4 @@
-#include "AccountJourney.h"
+#include "WalkAccountJourney.h"
 
 #include "Outbox.h"
 
@@ -39,7 +39,7 @@ bool approve(const ServerProcess &server)
 void signUp(Tour &tour, Outbox &outbox)
 {
     tour.step(
-        u"A newcomer goes to the sign-up"_s,
+        u"A new employee opens the sign-up"_s,
         [](ScreenDriver &screen) { return screen.click(u"Create an account"_s); },
         u"Create your employee account"_s);
     tour.step(
@@ -51,7 +51,7 @@ void signUp(Tour &tour, Outbox &outbox)
         },
         u"The password"_s);
     tour.step(
-        u"With a good one the code screen opens"_s,
+        u"A strong password opens the code screen"_s,
         [](ScreenDriver &screen) {
             return screen.retype(u"Password"_s, firstPassword) &&
                    screen.click(u"Create account"_s, QAccessible::Button);
@@ -64,7 +64,7 @@ void signUp(Tour &tour, Outbox &outbox)
         },
         u"All set"_s);
     tour.step(
-        u"OK leads back to the form"_s,
+        u"OK returns to the form"_s,
         [](ScreenDriver &screen) {
             return screen.click(u"OK"_s, QAccessible::Button) &&
                    screen.waitFor(u"Create your employee account"_s);
@@ -72,7 +72,7 @@ void signUp(Tour &tour, Outbox &outbox)
         u"Create your employee account"_s);
 }
 
-void beApproved(Tour &tour, const ServerProcess &server)
+void getApproval(Tour &tour, const ServerProcess &server)
 {
     tour.step(
         u"Back at the sign-in"_s,
@@ -83,7 +83,7 @@ void beApproved(Tour &tour, const ServerProcess &server)
         [](ScreenDriver &screen) { return signIn(screen, firstPassword); },
         u"Your account is waiting for an administrator's approval."_s);
     tour.step(
-        u"The administrator approves and the newcomer signs in"_s,
+        u"The administrator approves and the employee signs in"_s,
         [&](ScreenDriver &screen) {
             return approve(server) && screen.click(u"Sign in"_s, QAccessible::Button);
         },
@@ -93,11 +93,11 @@ void beApproved(Tour &tour, const ServerProcess &server)
 void changePassword(Tour &tour)
 {
     tour.step(
-        u"The profile of the newcomer"_s,
+        u"The profile of the employee"_s,
         [](ScreenDriver &screen) { return screen.click(u"Profile"_s, QAccessible::PageTab); },
         u"Ada Byron"_s);
     tour.step(
-        u"The sheet for the password"_s,
+        u"The sheet for changing the password"_s,
         [](ScreenDriver &screen) { return screen.click(u"Change password"_s, QAccessible::Button); },
         u"Min 8 chars"_s);
     tour.step(
@@ -131,14 +131,14 @@ void signOut(Tour &tour)
 void resetPassword(Tour &tour, Outbox &outbox)
 {
     tour.step(
-        u"The old password is dead"_s, [](ScreenDriver &screen) { return signIn(screen, firstPassword); },
+        u"The old password is refused"_s, [](ScreenDriver &screen) { return signIn(screen, firstPassword); },
         u"The e-mail address or the password is wrong."_s);
     tour.step(
         u"The password is forgotten"_s,
         [](ScreenDriver &screen) { return screen.click(u"Forgot password?"_s); },
         u"Enter your account email."_s);
     tour.step(
-        u"A code is asked for"_s,
+        u"A code is requested"_s,
         [](ScreenDriver &screen) { return screen.click(u"Send reset code"_s, QAccessible::Button); },
         u"We sent a 6-digit code to"_s);
     tour.step(
@@ -171,7 +171,7 @@ void walkAccountJourney(Tour &tour, const ServerProcess &server)
 {
     Outbox outbox(server.outbox());
     signUp(tour, outbox);
-    beApproved(tour, server);
+    getApproval(tour, server);
     changePassword(tour);
     signOut(tour);
     resetPassword(tour, outbox);

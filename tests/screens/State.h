@@ -8,8 +8,8 @@
 
 namespace clockwell::test {
 
-/// One picture: its name, the device it is taken on and how the app gets there. `reach` returns false when it
-/// did not.
+/// One screenshot: its name, the simulated device, and the function that brings the app into the state.
+/// `reach` returns false when it fails.
 struct State
 {
     const char *name;
