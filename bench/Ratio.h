@@ -37,8 +37,8 @@ inline double median(std::vector<double> values)
     return *middle;
 }
 
-/// The median time of `first` over that of `second`, of so many rounds of a full run. Their runs alternate, so
-/// that whatever else the machine does meets both.
+/// The median time of `first` over that of `second`, of so many rounds of a full run. Their runs alternate,
+/// so that whatever else the machine does meets both.
 inline double ratioOf(const std::function<void()> &first, const std::function<void()> &second, int fullRounds)
 {
     const int rounds = roundsOf(fullRounds);

@@ -10,7 +10,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestReason = 200;
+constexpr std::size_t longestReason = 200;
 
 SendMail orNowhere(SendMail sendMail)
 {
@@ -43,11 +43,11 @@ Response Application::handle(const Request &request) const
     } catch (const ApiError &error) {
         return errorReply(error);
     } catch (const DatabaseError &error) {
-        spdlog::error("event=databaseFailed what={} request={}", logValue(error.what(), LongestReason),
+        spdlog::error("event=databaseFailed what={} request={}", logValue(error.what(), longestReason),
                       request.requestId);
         return errorReply(toApiError(error));
     } catch (const std::exception &error) {
-        spdlog::error("event=requestFailed what={} request={}", logValue(error.what(), LongestReason),
+        spdlog::error("event=requestFailed what={} request={}", logValue(error.what(), longestReason),
                       request.requestId);
         return errorReply({500, "INTERNAL_ERROR", "Something went wrong on the server. Please try again."});
     }

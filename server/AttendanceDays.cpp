@@ -4,7 +4,7 @@ namespace clockwell::server {
 
 namespace {
 
-const std::string AttendanceSelect =
+const std::string attendanceSelect =
     "SELECT id, work_date, scheduled_start_at, scheduled_end_at, grace_minutes, full_day_minutes, "
     "check_in_at,"
     " check_in_distance, check_out_at, check_out_distance FROM attendance WHERE employee_id = :employee";
@@ -23,13 +23,13 @@ WorkedDay AttendanceRow::worked() const
 
 std::optional<AttendanceRow> findNewestAttendance(Connection &connection, const std::string &employeeId)
 {
-    return connection.first<AttendanceRow>(AttendanceSelect + " ORDER BY work_date DESC LIMIT 1", employeeId);
+    return connection.first<AttendanceRow>(attendanceSelect + " ORDER BY work_date DESC LIMIT 1", employeeId);
 }
 
 std::vector<AttendanceRow> findAttendance(Connection &connection, const std::string &employeeId, Day first,
                                           Day last)
 {
-    return connection.all<AttendanceRow>(AttendanceSelect +
+    return connection.all<AttendanceRow>(attendanceSelect +
                                              " AND work_date BETWEEN :first AND :last ORDER BY work_date",
                                          employeeId, toText(first), toText(last));
 }

@@ -17,9 +17,9 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr double LargestLatitude = 90;
-constexpr double LargestLongitude = 180;
-constexpr std::size_t LongestPunchDeviceId = 128;
+constexpr double largestLatitude = 90;
+constexpr double largestLongitude = 180;
+constexpr std::size_t longestPunchDeviceId = 128;
 
 /// The one value of a query parameter; empty when it is missing or given more than once.
 std::string queryValue(const Request &request, const std::string &key)
@@ -73,8 +73,8 @@ Response AttendanceEndpoints::distance(const Request &request)
 {
     const Employee employee = requireEmployee(m_sessions, request);
     std::vector<std::string> problems;
-    const double latitude = degrees(request, "lat", LargestLatitude, problems);
-    const double longitude = degrees(request, "lng", LargestLongitude, problems);
+    const double latitude = degrees(request, "lat", largestLatitude, problems);
+    const double longitude = degrees(request, "lng", largestLongitude, problems);
     if (!problems.empty())
         throw ApiError{400, "VALIDATION_FAILED", problems};
     const Office office =
@@ -91,10 +91,10 @@ Response AttendanceEndpoints::punch(const Request &request)
     const Employee employee = requireEmployee(m_sessions, request);
     BodyReader body{request};
     PunchClaim claim;
-    claim.latitude = body.number("lat", -LargestLatitude, LargestLatitude);
-    claim.longitude = body.number("lng", -LargestLongitude, LargestLongitude);
+    claim.latitude = body.number("lat", -largestLatitude, largestLatitude);
+    claim.longitude = body.number("lng", -largestLongitude, largestLongitude);
     claim.accuracy = body.number("accuracy", 0);
-    claim.deviceId = body.text("deviceId", LongestPunchDeviceId);
+    claim.deviceId = body.text("deviceId", longestPunchDeviceId);
     claim.mockLocation = body.boolean("isMockLocation");
     body.finish();
     const PunchAnswer answer = m_punches.punch(employee, claim);

@@ -12,8 +12,8 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestDeviceId = 128;
-constexpr std::size_t LongestToken = 256;
+constexpr std::size_t longestDeviceId = 128;
+constexpr std::size_t longestToken = 256;
 
 ApiError invalidCredentials()
 {
@@ -50,7 +50,7 @@ Response AuthEndpoints::login(const Request &request)
     BodyReader body{request};
     const std::string email = body.account("email");
     const std::string password = body.password("password");
-    const std::string deviceId = body.text("deviceId", LongestDeviceId);
+    const std::string deviceId = body.text("deviceId", longestDeviceId);
     body.finish();
     const Employee employee = checkedEmployee(email, password, request);
     const auto pair = m_sessions.start(employee, deviceId);
@@ -84,7 +84,7 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
 Response AuthEndpoints::refresh(const Request &request)
 {
     BodyReader body{request};
-    const std::string token = body.text("refreshToken", LongestToken);
+    const std::string token = body.text("refreshToken", longestToken);
     body.finish();
     const TokenPair pair = m_sessions.refresh(token);
     return jsonReply({{"accessToken", pair.accessToken}, {"refreshToken", pair.refreshToken}});

@@ -11,15 +11,15 @@ namespace {
 /// The token, or nothing when the header has another scheme; schemes are compared without regard to case.
 std::string_view bearerToken(std::string_view authorization)
 {
-    constexpr std::string_view Scheme = "bearer ";
-    if (authorization.size() <= Scheme.size())
+    constexpr std::string_view bearerScheme = "bearer ";
+    if (authorization.size() <= bearerScheme.size())
         return {};
-    for (std::size_t i = 0; i < Scheme.size(); ++i) {
+    for (std::size_t i = 0; i < bearerScheme.size(); ++i) {
         const char c = authorization[i];
-        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != Scheme[i])
+        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != bearerScheme[i])
             return {};
     }
-    authorization.remove_prefix(Scheme.size());
+    authorization.remove_prefix(bearerScheme.size());
     const auto first = authorization.find_first_not_of(' ');
     return first == std::string_view::npos ? std::string_view{} : authorization.substr(first);
 }

@@ -15,7 +15,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestCode = 64; // characters
+constexpr std::size_t longestCode = 64; // characters
 
 /// The media type without its parameters, in lower case.
 std::string mediaType(std::string_view contentType)
@@ -129,12 +129,12 @@ std::optional<std::string> BodyReader::optionalText(const char *key, std::size_t
 
 std::string BodyReader::account(const char *key)
 {
-    return name(key, LongestEmail);
+    return name(key, longestEmail);
 }
 
 std::string BodyReader::code(const char *key)
 {
-    return text(key, LongestCode);
+    return text(key, longestCode);
 }
 
 std::string BodyReader::emailAddress(const char *key)
@@ -149,9 +149,9 @@ std::string BodyReader::emailAddress(const char *key)
 std::string BodyReader::password(const char *key)
 {
     std::string password = text(key, std::numeric_limits<std::size_t>::max());
-    if (password.size() <= Passwords::LongestPassword)
+    if (password.size() <= Passwords::longestPassword)
         return password;
-    complain(key, "must not be longer than " + std::to_string(Passwords::LongestPassword) + " bytes.");
+    complain(key, "must not be longer than " + std::to_string(Passwords::longestPassword) + " bytes.");
     return {};
 }
 

@@ -12,8 +12,8 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t Digits = 6;
-constexpr std::uint32_t CodeCount = 1'000'000;
+constexpr std::size_t codeDigits = 6;
+constexpr std::uint32_t codeCount = 1'000'000;
 
 const char *nameOf(CodePurpose purpose)
 {
@@ -64,8 +64,8 @@ void Codes::countRequest(const std::string &emailKey, const std::string &remoteA
 Codes::Fresh Codes::make()
 {
     requireSodium();
-    std::string code = std::to_string(randombytes_uniform(CodeCount));
-    code.insert(0, Digits - code.size(), '0');
+    std::string code = std::to_string(randombytes_uniform(codeCount));
+    code.insert(0, codeDigits - code.size(), '0');
     std::string hash = m_passwords.hash(code);
     return {std::move(code), std::move(hash)};
 }

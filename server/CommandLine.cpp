@@ -32,12 +32,12 @@ std::string timeZoneProblem(const std::string &text)
 
 std::string passwordProblem(const std::string &text)
 {
-    return text.empty() || text.size() > Passwords::LongestPassword ? "the password has no usable length"
+    return text.empty() || text.size() > Passwords::longestPassword ? "the password has no usable length"
                                                                     : "";
 }
 
-constexpr int Failure = 1;
-constexpr int WrongUsage = 2;
+constexpr int failure = 1;
+constexpr int wrongUsage = 2;
 
 void addDatabase(CLI::App &command, std::string &file)
 {
@@ -134,14 +134,14 @@ int runCommandLine(int argc, const char *const *argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : WrongUsage;
+        return app.exit(error) == 0 ? 0 : wrongUsage;
     }
     spdlog::set_default_logger(spdlog::stderr_color_mt("clockwell-server"));
     try {
         return run();
     } catch (const std::exception &error) {
         std::fprintf(stderr, "clockwell-server: %s\n", error.what());
-        return Failure;
+        return failure;
     }
 }
 

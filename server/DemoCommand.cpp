@@ -13,7 +13,7 @@ void printFacts(const DemoFacts &facts, const std::string &password)
                 "  office       %s (%s), open every day\n"
                 "  coordinates  %.4f,%.4f\n"
                 "  radius       %lld m\n",
-                DemoEmail, password.c_str(), facts.officeName.c_str(), facts.timeZone.c_str(), facts.latitude,
+                demoEmail, password.c_str(), facts.officeName.c_str(), facts.timeZone.c_str(), facts.latitude,
                 facts.longitude, facts.radiusMeters);
 }
 

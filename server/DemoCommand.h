@@ -9,7 +9,7 @@ namespace clockwell::server {
 struct DemoCommandOptions
 {
     std::string database;
-    std::string password = DefaultDemoPassword;
+    std::string password = defaultDemoPassword;
     std::string timeZone; ///< a known name; empty: the machine's
     bool fresh = false;   ///< delete what is there first
 };

@@ -18,17 +18,17 @@ struct DemoPerson
     const char *role;
 };
 
-constexpr DemoPerson DemoEmployee{"Mira Solberg", DemoEmail, "+00 555 0100", "EMPLOYEE"};
-constexpr std::array DemoManagers{
+constexpr DemoPerson demoEmployee{"Mira Solberg", demoEmail, "+00 555 0100", "EMPLOYEE"};
+constexpr std::array demoManagers{
     DemoPerson{"Jonas Weld", "manager@clockwell.example", "+00 555 0101", "MANAGER"},
     DemoPerson{"Ada Lindqvist", "admin@clockwell.example", "+00 555 0102", "ADMIN"},
 };
 
 // A place in open fields: nobody's address.
-constexpr double DemoLatitude = 54.1234;
-constexpr double DemoLongitude = 9.5678;
-constexpr long long DemoRadius = 150;
-constexpr long long EveryWeekday = 127; // so that the demonstration works on any day
+constexpr double demoLatitude = 54.1234;
+constexpr double demoLongitude = 9.5678;
+constexpr long long demoRadius = 150;
+constexpr long long everyWeekday = 127; // so that the demonstration works on any day
 
 struct DemoIds
 {
@@ -46,8 +46,8 @@ void insertOrganisation(Connection &connection, const DemoIds &ids, const TimeZo
         " time_zone, check_in_minute, check_out_minute, grace_minutes, full_day_minutes, working_weekdays)"
         " VALUES (:id, :institute, :name, :lat, :lng, :radius, :accuracy, :zone, :in, :out, :grace, :full, "
         ":days)",
-        ids.office, ids.institute, "Head Office", DemoLatitude, DemoLongitude, DemoRadius, 100, zone.name(),
-        9 * 60 + 30, 18 * 60, 10, 5 * 60, EveryWeekday);
+        ids.office, ids.institute, "Head Office", demoLatitude, demoLongitude, demoRadius, 100, zone.name(),
+        9 * 60 + 30, 18 * 60, 10, 5 * 60, everyWeekday);
 }
 
 Employee insertPerson(Connection &connection, const DemoIds &ids, const DemoPerson &person,
@@ -69,7 +69,7 @@ Employee insertPerson(Connection &connection, const DemoIds &ids, const DemoPers
 bool fillWithDemoData(Database &database, Passwords &passwords, const Clock &clock, const TimeZone &zone,
                       const std::string &password)
 {
-    std::array<std::string, 1 + DemoManagers.size()> hashes;
+    std::array<std::string, 1 + demoManagers.size()> hashes;
     for (std::string &hash : hashes)
         hash = passwords.hash(password);
     return database.write([&](Connection &connection) {
@@ -77,12 +77,12 @@ bool fillWithDemoData(Database &database, Passwords &passwords, const Clock &clo
             return false;
         const Instant now = clock();
         const Day today = zone.dayOf(now);
-        const Day joinedOn = today - DemoHistoryLength;
+        const Day joinedOn = today - demoHistoryLength;
         const DemoIds ids;
         insertOrganisation(connection, ids, zone);
-        for (std::size_t i = 0; i < DemoManagers.size(); ++i)
-            insertPerson(connection, ids, DemoManagers.at(i), hashes.at(i + 1), joinedOn, now);
-        const Employee employee = insertPerson(connection, ids, DemoEmployee, hashes.front(), joinedOn, now);
+        for (std::size_t i = 0; i < demoManagers.size(); ++i)
+            insertPerson(connection, ids, demoManagers.at(i), hashes.at(i + 1), joinedOn, now);
+        const Employee employee = insertPerson(connection, ids, demoEmployee, hashes.front(), joinedOn, now);
         insertDemoHistory(connection, database, employee, today);
         return true;
     });
@@ -103,7 +103,7 @@ std::optional<DemoFacts> findDemoFacts(Database &database)
         return connection.first<DemoFacts>(
             "SELECT o.name, o.time_zone, o.latitude, o.longitude, o.radius_meters, e.password_hash"
             " FROM employees e JOIN offices o ON o.id = e.office_id WHERE e.email_key = :key",
-            DemoEmail);
+            demoEmail);
     });
 }
 

@@ -10,8 +10,8 @@
 
 namespace clockwell::server {
 
-inline constexpr const char *DemoEmail = "demo@clockwell.example";
-inline constexpr const char *DefaultDemoPassword = "Clockwell-2026";
+inline constexpr const char *demoEmail = "demo@clockwell.example";
+inline constexpr const char *defaultDemoPassword = "Clockwell-2026";
 
 /// What one needs to know to try the demonstration.
 struct DemoFacts

@@ -12,17 +12,17 @@ namespace {
 
 // One letter a day, counted back from yesterday and then from the start again: t on time, l late, h half day,
 // a absent, m missing check-out, v on leave (vacation).
-constexpr std::string_view DemoPattern = "tlthtmattvvtttlttttthtttlttttattt";
+constexpr std::string_view demoPattern = "tlthtmattvvtttlttttthtttlttttattt";
 
-constexpr int OnTimeMinute = 9 * 60 + 21;
-constexpr int LateMinute = 9 * 60 + 44;
-constexpr int LeaveMinute = 18 * 60 + 2;
-constexpr int NoonLeaveMinute = 13 * 60 + 5;
+constexpr int onTimeMinute = 9 * 60 + 21;
+constexpr int lateMinute = 9 * 60 + 44;
+constexpr int leaveMinute = 18 * 60 + 2;
+constexpr int noonLeaveMinute = 13 * 60 + 5;
 
 char kindOfDay(Day day, Day today)
 {
     const auto back = static_cast<std::size_t>((today - day).count() - 1);
-    return DemoPattern[back % DemoPattern.size()];
+    return demoPattern[back % demoPattern.size()];
 }
 
 /// A small number that differs from day to day but is the same on every run.
@@ -51,18 +51,18 @@ public:
                                  newId(), m_employee.id, toText(day), toText(day), "Vacation");
             return;
         }
-        punch(day, (kind == 'l' ? LateMinute : OnTimeMinute) + variation(day, 13));
+        punch(day, (kind == 'l' ? lateMinute : onTimeMinute) + variation(day, 13));
         if (kind != 'm')
-            punch(day, (kind == 'h' ? NoonLeaveMinute : LeaveMinute) + variation(day, 23));
+            punch(day, (kind == 'h' ? noonLeaveMinute : leaveMinute) + variation(day, 23));
     }
 
 private:
     void punch(Day day, int minute)
     {
-        constexpr double DegreesPerStep = 0.00001; // about a metre
+        constexpr double degreesPerStep = 0.00001; // about a metre
         PunchClaim claim;
-        claim.latitude = m_office.latitude + DegreesPerStep * variation(day, 29);
-        claim.longitude = m_office.longitude + DegreesPerStep * (minute % 31);
+        claim.latitude = m_office.latitude + degreesPerStep * variation(day, 29);
+        claim.longitude = m_office.longitude + degreesPerStep * (minute % 31);
         claim.accuracy = 5 + variation(day, 20);
         claim.deviceId = "demo-phone";
         const Instant at = m_office.timeZone().at(day, minute) + std::chrono::seconds{variation(day, 59)};
@@ -80,7 +80,7 @@ private:
 void insertDemoHistory(Connection &connection, Database &database, const Employee &employee, Day today)
 {
     DemoDays days{connection, database, employee};
-    for (Day day = today - DemoHistoryLength; day < today; day += std::chrono::days{1})
+    for (Day day = today - demoHistoryLength; day < today; day += std::chrono::days{1})
         days.add(day, kindOfDay(day, today));
 }
 

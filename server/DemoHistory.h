@@ -9,7 +9,7 @@
 namespace clockwell::server {
 
 /// How far the demonstration's history reaches back from today.
-inline constexpr std::chrono::days DemoHistoryLength{61};
+inline constexpr std::chrono::days demoHistoryLength{61};
 
 /// Gives the employee a plausible past with days of every status, up to yesterday; made by the same rules as
 /// real punches. A part of the caller's transaction.

@@ -13,7 +13,7 @@ namespace clockwell::server {
 namespace {
 
 // The calendars that are the usual ones of some region.
-constexpr std::array CalendarLocales{"@calendar=gregorian", "@calendar=buddhist", "@calendar=persian",
+constexpr std::array calendarLocales{"@calendar=gregorian", "@calendar=buddhist", "@calendar=persian",
                                      "@calendar=islamic-umalqura"};
 
 DayRange daysIn(const char *calendarLocale, Month month)
@@ -44,9 +44,9 @@ std::chrono::days distance(const DayRange &range, Day day)
 std::optional<DayRange> daysOfDeviceMonth(Month asked, Day today)
 {
     std::optional<DayRange> nearest;
-    for (const char *locale : CalendarLocales) {
+    for (const char *locale : calendarLocales) {
         const DayRange days = daysIn(locale, asked);
-        const auto limit = nearest ? distance(*nearest, today) : FurthestMonth;
+        const auto limit = nearest ? distance(*nearest, today) : furthestMonth;
         if (distance(days, today) < limit)
             nearest = days;
     }

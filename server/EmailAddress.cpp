@@ -7,8 +7,8 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestLocalPart = 64; // RFC 5321, section 4.5.3.1.1
-constexpr std::size_t LongestLabel = 63;     // RFC 1035, section 2.3.4
+constexpr std::size_t longestLocalPart = 64; // RFC 5321, section 4.5.3.1.1
+constexpr std::size_t longestLabel = 63;     // RFC 1035, section 2.3.4
 
 bool isLetterOrDigit(char c)
 {
@@ -29,12 +29,12 @@ bool isAtom(std::string_view text)
 
 bool isLabel(std::string_view text)
 {
-    return !text.empty() && text.size() <= LongestLabel && text.front() != '-' && text.back() != '-' &&
+    return !text.empty() && text.size() <= longestLabel && text.front() != '-' && text.back() != '-' &&
            std::ranges::all_of(text, [](char c) { return isLetterOrDigit(c) || c == '-'; });
 }
 
 // The tab, and Zs of Unicode 15. No encoding of a character is part of another's.
-constexpr std::string_view Blanks[] = {"\t",     " ",      "\u00a0", "\u1680", "\u2000", "\u2001",
+constexpr std::string_view blanks[] = {"\t",     " ",      "\u00a0", "\u1680", "\u2000", "\u2001",
                                        "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007",
                                        "\u2008", "\u2009", "\u200a", "\u202f", "\u205f", "\u3000"};
 
@@ -54,7 +54,7 @@ bool allBetweenDots(std::string_view text, Rule rule)
 bool isEmailAddress(std::string_view text)
 {
     const auto at = text.rfind('@');
-    if (at > LongestLocalPart || text.size() > LongestEmail) // no @ is further away than any
+    if (at > longestLocalPart || text.size() > longestEmail) // no @ is further away than any
         return false;
     const bool localPart = allBetweenDots(text.substr(0, at), isAtom);
     const bool domain = allBetweenDots(text.substr(at + 1), isLabel);
@@ -65,11 +65,11 @@ std::string trimmed(std::string_view text)
 {
     const auto atStart = [&](std::string_view blank) { return text.starts_with(blank); };
     const auto atEnd = [&](std::string_view blank) { return text.ends_with(blank); };
-    for (auto found = std::ranges::find_if(Blanks, atStart); found != std::end(Blanks);
-         found = std::ranges::find_if(Blanks, atStart))
+    for (auto found = std::ranges::find_if(blanks, atStart); found != std::end(blanks);
+         found = std::ranges::find_if(blanks, atStart))
         text.remove_prefix(found->size());
-    for (auto found = std::ranges::find_if(Blanks, atEnd); found != std::end(Blanks);
-         found = std::ranges::find_if(Blanks, atEnd))
+    for (auto found = std::ranges::find_if(blanks, atEnd); found != std::end(blanks);
+         found = std::ranges::find_if(blanks, atEnd))
         text.remove_suffix(found->size());
     return std::string{text};
 }

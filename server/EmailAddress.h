@@ -6,7 +6,7 @@
 
 namespace clockwell::server {
 
-inline constexpr std::size_t LongestEmail = 254; // RFC 5321 as read by erratum 1690 of RFC 3696
+inline constexpr std::size_t longestEmail = 254; // RFC 5321 as read by erratum 1690 of RFC 3696
 
 /// Whether a text is an address that mail can be sent to: Dot-string "@" Domain of RFC 5321, section 4.1.2,
 /// in ASCII. Nothing of that form can break out of a header or an SMTP command.

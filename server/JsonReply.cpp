@@ -6,8 +6,8 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds RetryBusy{2};
-constexpr std::chrono::seconds RetryStorage{60};
+constexpr std::chrono::seconds retryBusy{2};
+constexpr std::chrono::seconds retryStorage{60};
 
 } // namespace
 
@@ -40,16 +40,16 @@ ApiError toApiError(const DatabaseError &error)
     case Kind::Busy:
         return ApiError{503, "BUSY",
                         "The server is busy. Nothing was recorded; please try again in a moment."}
-            .retryAfter(RetryBusy);
+            .retryAfter(retryBusy);
     case Kind::Full:
         return ApiError{503, "STORAGE_FULL",
                         "The server's storage is full. Nothing was recorded; please tell your administrator."}
-            .retryAfter(RetryStorage);
+            .retryAfter(retryStorage);
     case Kind::ReadOnly:
         return ApiError{503, "STORAGE_READ_ONLY",
                         "The server cannot write to its storage. Nothing was recorded; please tell your"
                         " administrator."}
-            .retryAfter(RetryStorage);
+            .retryAfter(retryStorage);
     case Kind::Damaged:
         return ApiError{
             500, "STORAGE_DAMAGED",

@@ -13,7 +13,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr int FewestCharacters = 8;
+constexpr int fewestCharacters = 8;
 
 icu::UnicodeString composed(std::string_view utf8)
 {
@@ -54,11 +54,11 @@ std::string preparedPassword(std::string_view utf8)
 
 std::vector<std::string> passwordProblems(const std::string &utf8)
 {
-    if (utf8.size() > Passwords::LongestPassword)
+    if (utf8.size() > Passwords::longestPassword)
         return {"The password must not be longer than 1024 bytes."};
     const auto text = composed(utf8);
     std::vector<std::string> problems;
-    if (text.countChar32() < FewestCharacters)
+    if (text.countChar32() < fewestCharacters)
         problems.emplace_back("The password must have at least 8 characters.");
     if (!anyOf(text, [](UChar32 c) { return u_isUUppercase(c) != 0; }))
         problems.emplace_back("The password must contain an upper-case letter.");

@@ -14,7 +14,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds LongestQueue{10};
+constexpr std::chrono::seconds longestQueue{10};
 
 } // namespace
 
@@ -23,7 +23,7 @@ class Passwords::Turn
 public:
     explicit Turn(std::counting_semaphore<> &turns) : m_turns(turns)
     {
-        if (!m_turns.try_acquire_for(LongestQueue))
+        if (!m_turns.try_acquire_for(longestQueue))
             throw ApiError{503, "BUSY", "The server is busy. Please try again in a moment."}.retryAfter(
                 std::chrono::seconds{5});
     }

@@ -20,7 +20,7 @@ struct PasswordCost
 class Passwords
 {
 public:
-    static constexpr std::size_t LongestPassword = 1024; ///< bytes
+    static constexpr std::size_t longestPassword = 1024; ///< bytes
 
     explicit Passwords(PasswordCost cost = {}, std::ptrdiff_t atOnce = 2);
 

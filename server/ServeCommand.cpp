@@ -36,19 +36,19 @@ Settings settingsOf(const ServeCommandOptions &options, Database &database)
     settings.codes.perNetwork.attempts = options.codeRequests;
     settings.codes.perAddress.attempts = options.codesPerAddress;
     // Whoever tries the demonstration wants to check out right after checking in.
-    constexpr std::chrono::seconds DemoRepeatWindow{5};
+    constexpr std::chrono::seconds demoRepeatWindow{5};
     if (options.repeatWindowSeconds)
         settings.repeatWindow = std::chrono::seconds{*options.repeatWindowSeconds};
     else if (findDemoFacts(database))
-        settings.repeatWindow = DemoRepeatWindow;
+        settings.repeatWindow = demoRepeatWindow;
     return settings;
 }
 
 DatabaseOptions databaseOptions(const ServeCommandOptions &options)
 {
-    constexpr unsigned long long Megabyte = 1024ULL * 1024;
+    constexpr unsigned long long megabyte = 1024ULL * 1024;
     DatabaseOptions database;
-    database.maximumBytes = options.databaseLimitMegabytes * Megabyte;
+    database.maximumBytes = options.databaseLimitMegabytes * megabyte;
     return database;
 }
 

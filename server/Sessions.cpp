@@ -29,7 +29,7 @@ struct PresentedToken
     }
 };
 
-const char *const PresentedSql =
+const char *const presentedSql =
     "SELECT r.family_id, r.generation, r.expires_at, f.employee_id, f.generation, f.used_hash, f.used_at,"
     " f.revoked_at FROM refresh_tokens r JOIN token_families f ON f.id = r.family_id WHERE r.hash = :hash";
 
@@ -64,7 +64,7 @@ TokenPair Sessions::refresh(const std::string &refreshToken)
     auto outcome = m_database.write([&](Connection &connection) -> Outcome {
         forgetExpired(connection);
         const auto now = toMillis(m_clock());
-        const auto token = connection.first<PresentedToken>(PresentedSql, hash);
+        const auto token = connection.first<PresentedToken>(presentedSql, hash);
         if (!token || token->revokedAt || token->expiresAt <= now)
             return sessionEnded();
         requireUsable(findEmployeeById(connection, token->employeeId).value());

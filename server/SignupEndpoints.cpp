@@ -15,10 +15,10 @@ namespace clockwell::server {
 namespace {
 
 // Characters.
-constexpr std::size_t LongestName = 200;
-constexpr std::size_t LongestPhone = 64;
-constexpr std::size_t LongestDeviceText = 128;
-constexpr std::size_t LongestCompanyCode = 64;
+constexpr std::size_t longestFullName = 200;
+constexpr std::size_t longestPhone = 64;
+constexpr std::size_t longestDeviceText = 128;
+constexpr std::size_t longestCompanyCode = 64;
 
 Day utcDayOf(Instant instant)
 {
@@ -45,7 +45,7 @@ std::vector<Route> SignupEndpoints::routes()
 
 std::optional<std::string> SignupEndpoints::readInstitute(BodyReader &body)
 {
-    const auto code = body.optionalText("instituteCode", LongestCompanyCode);
+    const auto code = body.optionalText("instituteCode", longestCompanyCode);
     if (!code)
         return {};
     const auto id = m_database.read([&](Connection &connection) {
@@ -61,13 +61,13 @@ SignupEndpoints::Applicant SignupEndpoints::readApplicant(const Request &request
 {
     BodyReader body{request};
     Applicant applicant;
-    applicant.fullName = body.name("fullName", LongestName);
+    applicant.fullName = body.name("fullName", longestFullName);
     applicant.email = body.emailAddress("email");
-    applicant.phone = body.optionalText("phone", LongestPhone);
+    applicant.phone = body.optionalText("phone", longestPhone);
     applicant.password = body.newPassword("password");
-    body.text("deviceId", LongestDeviceText); // checked like the sign-in's; an account is bound to no device
-    body.optionalText("deviceModel", LongestDeviceText);
-    body.optionalText("osVersion", LongestDeviceText);
+    body.text("deviceId", longestDeviceText); // checked like the sign-in's; an account is bound to no device
+    body.optionalText("deviceModel", longestDeviceText);
+    body.optionalText("osVersion", longestDeviceText);
     applicant.instituteId = readInstitute(body);
     body.finish();
     return applicant;

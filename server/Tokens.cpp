@@ -25,9 +25,9 @@ std::string newToken()
     requireSodium();
     std::array<unsigned char, 32> bytes{};
     randombytes_buf(bytes.data(), bytes.size());
-    constexpr int Variant = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
-    std::array<char, sodium_base64_ENCODED_LEN(32, Variant)> text{};
-    sodium_bin2base64(text.data(), text.size(), bytes.data(), bytes.size(), Variant);
+    constexpr int variant = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
+    std::array<char, sodium_base64_ENCODED_LEN(32, variant)> text{};
+    sodium_bin2base64(text.data(), text.size(), bytes.data(), bytes.size(), variant);
     return text.data();
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QObject>
 #include <QPointer>
-
-#include <QCoro/QCoroTask>
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 #include "net/ReadDecimal.h"
 
+#include <locale.h>
+
 #include <charconv>
 #include <cstdlib>
 #include <string>
-
-#include <locale.h>
 
 namespace clockwell {
 

@@ -1,6 +1,5 @@
-#include "OpenEditMenu.h"
-
 #include "EditMenuKeys.h"
+#include "OpenEditMenu.h"
 
 #include <QKeyEvent>
 #include <QPointerEvent>

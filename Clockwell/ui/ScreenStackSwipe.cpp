@@ -1,6 +1,5 @@
-#include "ScreenStack.h"
-
 #include "Modal.h"
+#include "ScreenStack.h"
 
 #include <QMouseEvent>
 #include <QTouchEvent>

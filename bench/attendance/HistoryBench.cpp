@@ -1,5 +1,4 @@
 #include "Ratio.h"
-
 #include "attendance/HistoryModel.h"
 #include "net/Decoding.h"
 #include "support/FakeServer.h"

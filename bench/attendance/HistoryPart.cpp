@@ -1,5 +1,4 @@
 #include "Ratio.h"
-
 #include "attendance/AttendanceStore.h"
 #include "net/APIClient.h"
 #include "net/SessionEvents.h"

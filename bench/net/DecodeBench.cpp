@@ -1,5 +1,4 @@
 #include "Ratio.h"
-
 #include "net/Decoding.h"
 
 #include <QDateTime>

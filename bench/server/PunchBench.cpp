@@ -49,7 +49,7 @@ std::vector<std::string> signIn(Database &database, int count)
                 " password_hash, role, status, email_verified, joined_on, created_at)"
                 " SELECT :id, institute_id, office_id, :name, :email, :key, password_hash, role, status,"
                 " 1, joined_on, created_at FROM employees WHERE email_key = :demo",
-                id, id, id, id, std::string{DemoEmail});
+                id, id, id, id, std::string{demoEmail});
         }
     });
     Sessions sessions(database, systemClock());

@@ -8,7 +8,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr int BusySeconds = 5;
+constexpr int busySeconds = 5;
 
 DatabaseOptions oneReader()
 {
@@ -27,7 +27,7 @@ const std::string &requireDatabase(const std::string &file)
                                  ". Administration works on one that `serve` or `demo` has made."};
     long long tables = 0;
     try {
-        tables = Connection{file, BusySeconds}.value<long long>(
+        tables = Connection{file, busySeconds}.value<long long>(
             "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name = 'schema_migrations'");
     } catch (const DatabaseError &error) {
         throw std::runtime_error{"The database " + file + " cannot be used: " + error.what() + "."};

@@ -14,7 +14,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestCode = 64; // as in the schema
+constexpr std::size_t longestCode = 64; // as in the schema
 
 struct CompanyOptions
 {
@@ -84,11 +84,11 @@ void addCompanyGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &optio
     CLI::App *one = addCommand(*group, "add", "Add a company", " \"Sample Works\" --code SAMPLE");
     addField(
         *one, "NAME", "The company's name", own->name,
-        [](const std::string &text) { return parseLine(text); }, LineRule)
+        [](const std::string &text) { return parseLine(text); }, lineRule)
         ->required();
     addField(
         *one, "--code", "What its people enter when they sign up, e.g. SAMPLE", own->code,
-        [](const std::string &text) { return parseLine(text, LongestCode); },
+        [](const std::string &text) { return parseLine(text, longestCode); },
         "it has to be one line of at most 64 characters")
         ->required();
     one->callback([=] { choose([=] { add(*own); }); });

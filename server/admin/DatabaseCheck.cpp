@@ -12,7 +12,7 @@ namespace clockwell::server {
 namespace {
 
 // Tables and indexes as the text that made them: a table of another program may have the same name.
-constexpr const char *PartsSql = "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY sql";
+constexpr const char *partsSql = "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY sql";
 
 std::vector<std::string> partsOf(long long version)
 {
@@ -21,7 +21,7 @@ std::vector<std::string> partsOf(long long version)
         for (const std::string &statement : schemaSteps()[static_cast<std::size_t>(i)])
             model.execute(statement);
     }
-    return model.column(PartsSql);
+    return model.column(partsSql);
 }
 
 long long requireOwnSchema(SqliteFile &file, const std::string &name)
@@ -35,7 +35,7 @@ long long requireOwnSchema(SqliteFile &file, const std::string &name)
         throw refused(name + " was written by a newer version of clockwell-server (schema " +
                       std::to_string(version) + ", this program knows " + std::to_string(schemaVersion()) +
                       "). Update this program.");
-    const auto found = file.column(PartsSql);
+    const auto found = file.column(partsSql);
     const auto expected = partsOf(std::max(version, 0LL));
     if (version < 1 || !std::includes(found.begin(), found.end(), expected.begin(), expected.end()))
         throw foreign;

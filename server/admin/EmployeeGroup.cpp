@@ -12,7 +12,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestRole = 32; // as in the schema
+constexpr std::size_t longestRole = 32; // as in the schema
 
 struct EmployeeOptions
 {
@@ -29,7 +29,7 @@ std::string roleProblem(const std::string &text)
         std::all_of(text.begin(), text.end(), [](char c) { return (c >= 'A' && c <= 'Z') || c == '_'; });
     const bool words =
         !text.empty() && text.front() != '_' && text.back() != '_' && text.find("__") == std::string::npos;
-    return letters && words && text.size() <= LongestRole
+    return letters && words && text.size() <= longestRole
                ? ""
                : "\"" + text + "\" is not a role like EMPLOYEE or TEAM_LEAD";
 }

@@ -12,7 +12,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t MostSuggestions = 3;
+constexpr std::size_t mostSuggestions = 3;
 
 std::string employeeSql(const std::string &rest)
 {
@@ -50,7 +50,7 @@ std::string suggestion(Connection &connection, const std::string &key)
             close.emplace_back(distance, printable(employee.email));
     }
     std::sort(close.begin(), close.end());
-    close.resize(std::min(close.size(), MostSuggestions));
+    close.resize(std::min(close.size(), mostSuggestions));
     std::string text;
     for (const auto &candidate : close)
         text += (text.empty() ? " Did you mean " : " or ") + candidate.second;

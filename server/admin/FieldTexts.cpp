@@ -13,17 +13,17 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr long long EndOfDay = 24 * 60;
-constexpr std::size_t DaysOfWeek = WeekdayNames.size();
+constexpr long long endOfDay = 24 * 60;
+constexpr std::size_t daysOfWeek = weekdayNames.size();
 
 std::optional<std::size_t> parseWeekday(std::string_view text)
 {
     const std::string wanted = lowerAscii(trimmed(text));
-    const auto found = std::find_if(WeekdayNames.begin(), WeekdayNames.end(),
+    const auto found = std::find_if(weekdayNames.begin(), weekdayNames.end(),
                                     [&](const char *name) { return lowerAscii(name) == wanted; });
-    if (found == WeekdayNames.end())
+    if (found == weekdayNames.end())
         return std::nullopt;
-    return static_cast<std::size_t>(found - WeekdayNames.begin());
+    return static_cast<std::size_t>(found - weekdayNames.begin());
 }
 
 /// "Mon" or "Mon-Fri"; 0 when it is neither.
@@ -34,10 +34,10 @@ long long weekdaysOf(std::string_view part)
     const auto last = dash == std::string_view::npos ? first : parseWeekday(part.substr(dash + 1));
     if (!first || !last)
         return 0;
-    const std::size_t length = (*last + DaysOfWeek - *first) % DaysOfWeek + 1;
+    const std::size_t length = (*last + daysOfWeek - *first) % daysOfWeek + 1;
     long long days = 0;
     for (std::size_t i = 0; i < length; ++i)
-        days |= 1LL << ((*first + i) % DaysOfWeek);
+        days |= 1LL << ((*first + i) % daysOfWeek);
     return days;
 }
 
@@ -70,7 +70,7 @@ std::optional<long long> parseTimeOfDay(std::string_view text)
         return std::nullopt;
     const auto hours = parseWhole(text.substr(0, 2), 0, 24);
     const auto minutes = parseWhole(text.substr(3), 0, 59);
-    if (!hours || !minutes || *hours * 60 + *minutes > EndOfDay)
+    if (!hours || !minutes || *hours * 60 + *minutes > endOfDay)
         return std::nullopt;
     return *hours * 60 + *minutes;
 }
@@ -101,18 +101,18 @@ std::optional<long long> parseWeekdays(std::string_view text)
 std::string weekdaysText(long long weekdays)
 {
     const auto open = [weekdays](std::size_t day) {
-        return day < DaysOfWeek && ((weekdays >> day) & 1) != 0;
+        return day < daysOfWeek && ((weekdays >> day) & 1) != 0;
     };
     std::string text;
-    for (std::size_t day = 0; day < DaysOfWeek; ++day) {
+    for (std::size_t day = 0; day < daysOfWeek; ++day) {
         if (!open(day))
             continue;
-        text += (text.empty() ? "" : ",") + std::string{WeekdayNames.at(day)};
+        text += (text.empty() ? "" : ",") + std::string{weekdayNames.at(day)};
         std::size_t last = day;
         while (open(last + 1))
             ++last;
         if (last > day + 1) { // two days in a row are shorter to read as such
-            text += "-" + std::string{WeekdayNames.at(last)};
+            text += "-" + std::string{weekdayNames.at(last)};
             day = last;
         }
     }

@@ -11,9 +11,9 @@ namespace clockwell::server {
 // The texts of single values on the command line and in tables. What reads one returns nothing for a text
 // that is not of the form.
 
-inline constexpr std::size_t LongestName = 200; ///< characters of any name or reason, as in the schema
-inline constexpr const char *LineRule = "it has to be one line of at most 200 characters";
-inline constexpr const char *DayRule = "it has to be a day of the calendar, as yyyy-MM-dd";
+inline constexpr std::size_t longestName = 200; ///< characters of any name or reason, as in the schema
+inline constexpr const char *lineRule = "it has to be one line of at most 200 characters";
+inline constexpr const char *dayRule = "it has to be a day of the calendar, as yyyy-MM-dd";
 
 /// A whole number in decimal digits within the range; no sign, fraction or exponent.
 std::optional<long long> parseWhole(std::string_view text, long long smallest, long long largest);
@@ -25,7 +25,7 @@ std::optional<double> parseWithin(std::string_view text, double smallest, double
 std::optional<long long> parseTimeOfDay(std::string_view text);
 std::string timeOfDayText(long long minute);
 
-inline constexpr std::array<const char *, 7> WeekdayNames{"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
+inline constexpr std::array<const char *, 7> weekdayNames{"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
 
 /// "Mon-Fri", "mon,wed", "Sun-Tue,Fri" as bits, bit 0 for Monday; a range may run over Sunday. Never zero.
 std::optional<long long> parseWeekdays(std::string_view text);
@@ -34,6 +34,6 @@ std::string weekdaysText(long long weekdays);
 
 /// A text that people will see on one line, without the blanks around it: valid UTF-8, not empty, at most so
 /// many characters, none of which steers a terminal.
-std::optional<std::string> parseLine(std::string_view text, std::size_t longest = LongestName);
+std::optional<std::string> parseLine(std::string_view text, std::size_t longest = longestName);
 
 } // namespace clockwell::server

@@ -23,7 +23,7 @@ using SharedHolidayOptions = std::shared_ptr<HolidayOptions>;
 std::string weekdayOf(const std::string &day)
 {
     const auto date = parseDay(day);
-    return date ? WeekdayNames.at(weekdayIndex(*date)) : "-";
+    return date ? weekdayNames.at(weekdayIndex(*date)) : "-";
 }
 
 Json holidayJson(const HolidayEntry &holiday)
@@ -80,7 +80,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
 {
     CLI::App *command = addCommand(group, name, help, " \"Head Office\" 2027-01-01" + example);
     command->add_option("OFFICE", options->office, "The office's name or identifier")->required();
-    addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, DayRule)
+    addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, dayRule)
         ->required()
         ->type_name("DAY");
     command->callback([=] { choose([=] { change(*options, what); }); });
@@ -114,7 +114,7 @@ void addHolidayGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &optio
                               });
     addField(
         *add, "NAME", "What people read on that day", own->name,
-        [](const std::string &text) { return parseLine(text); }, LineRule)
+        [](const std::string &text) { return parseLine(text); }, lineRule)
         ->required();
     addChange(*group, "remove", "Open an office again on a day", "", own, choose,
               [](Connection &connection, const HolidayOptions &o) {

@@ -25,7 +25,7 @@ std::optional<HolidayEntry> findHoliday(Connection &connection, const OfficeEntr
 /// "2027-01-01 (Fri) for Head Office"
 std::string whenAndWhere(const OfficeEntry &office, Day day)
 {
-    return toText(day) + " (" + WeekdayNames.at(weekdayIndex(day)) + ") for " + printable(office.name);
+    return toText(day) + " (" + weekdayNames.at(weekdayIndex(day)) + ") for " + printable(office.name);
 }
 
 } // namespace

@@ -102,15 +102,15 @@ void addAdd(CLI::App &group, const SharedLeaveOptions &options, const ChooseComm
     CLI::App *one =
         addCommand(group, "add", "Give an employee leave", " kim@example.org 2026-12-21 2027-01-02");
     one->add_option("EMAIL", options->email, "The employee's e-mail address")->required();
-    addField(*one, "FROM", "The first day, yyyy-MM-dd", options->firstDay, parseDay, DayRule)
+    addField(*one, "FROM", "The first day, yyyy-MM-dd", options->firstDay, parseDay, dayRule)
         ->required()
         ->type_name("DAY");
-    addField(*one, "TO", "The last day, included", options->lastDay, parseDay, DayRule)
+    addField(*one, "TO", "The last day, included", options->lastDay, parseDay, dayRule)
         ->required()
         ->type_name("DAY");
     addField(
         *one, "--reason", "For the administrators' lists", options->reason,
-        [](const std::string &text) { return parseLine(text); }, LineRule);
+        [](const std::string &text) { return parseLine(text); }, lineRule);
     one->callback([=] { choose([=] { add(*options); }); });
 }
 
@@ -121,7 +121,7 @@ void addRemove(CLI::App &group, const SharedLeaveOptions &options, const ChooseC
     one->add_option("LEAVE", options->email, "The leave's identifier, or the employee's e-mail address")
         ->required();
     addField(*one, "FROM", "With an e-mail address: the leave's first day", options->firstDay, parseDay,
-             DayRule)
+             dayRule)
         ->type_name("DAY");
     one->callback([=] {
         if (!options->firstDay && options->email.find('@') != std::string::npos)

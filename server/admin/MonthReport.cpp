@@ -12,10 +12,10 @@ namespace clockwell::server {
 
 namespace {
 
-const std::vector<std::string> SummaryColumns{
+const std::vector<std::string> summaryColumns{
     "month",    "office",           "fullName",   "email",     "accountStatus", "presentDays",
     "lateDays", "totalLateMinutes", "absentDays", "leaveDays", "halfDays",      "totalWorkingMinutes"};
-const std::vector<std::string> DayColumns{
+const std::vector<std::string> dayColumns{
     "workDate", "office",      "timeZone",          "fullName",       "email",     "status",    "checkIn",
     "checkOut", "lateMinutes", "earlyLeaveMinutes", "workingMinutes", "checkInAt", "checkOutAt"};
 
@@ -88,8 +88,8 @@ std::vector<Employee> employeesOf(Connection &connection, const ReportWishes &wi
 
 void requireBegun(Month month, Instant now)
 {
-    constexpr std::chrono::hours EarliestZone{14}; // no place on earth is further ahead of UTC
-    if (firstDayOf(month).time_since_epoch() > (now + EarliestZone).time_since_epoch())
+    constexpr std::chrono::hours earliestZone{14}; // no place on earth is further ahead of UTC
+    if (firstDayOf(month).time_since_epoch() > (now + earliestZone).time_since_epoch())
         throw AdminError{AdminError::Kind::Refused, "The month " + toText(month) + " has not begun yet."};
 }
 
@@ -111,7 +111,7 @@ void addRows(ReportTable &table, Connection &connection, const ReportWishes &wis
 MonthReport reportOf(Connection &connection, const ReportWishes &wishes, Instant now)
 {
     requireBegun(wishes.month, now);
-    MonthReport report{{wishes.days ? DayColumns : SummaryColumns, {}}, {}};
+    MonthReport report{{wishes.days ? dayColumns : summaryColumns, {}}, {}};
     std::map<std::string, Office> offices;
     for (const Employee &employee : employeesOf(connection, wishes)) {
         if (!employee.officeId) {

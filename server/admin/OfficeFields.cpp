@@ -7,13 +7,13 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr long long LargestDistance = 100'000; // metres; more is a slip of the keys
-constexpr long long LongestZone = 64;          // as in the schema
-constexpr long long MinutesOfDay = 24 * 60;
+constexpr long long largestDistance = 100'000; // metres; more is a slip of the keys
+constexpr long long longestZone = 64;          // as in the schema
+constexpr long long minutesOfDay = 24 * 60;
 
 std::optional<std::string> parseZone(const std::string &text)
 {
-    const bool known = text.size() <= LongestZone && TimeZone::named(text);
+    const bool known = text.size() <= longestZone && TimeZone::named(text);
     return known ? std::optional{text} : std::nullopt;
 }
 
@@ -65,14 +65,14 @@ void addRules(CLI::App &command, OfficeWishes &wishes, bool defaults)
         return defaults ? text + " [" + value + "]" : text;
     };
     addWhole(command, "--radius", "METRES", help("Metres around the place that count as there", "150"),
-             wishes.radiusMeters, 1, LargestDistance);
+             wishes.radiusMeters, 1, largestDistance);
     addWhole(command, "--max-accuracy", "METRES",
              help("A position less precise than these metres is refused", "100"), wishes.maxAccuracyMeters, 1,
-             LargestDistance);
+             largestDistance);
     addWhole(command, "--grace", "MINUTES", help("Minutes after check-in time that are not late yet", "10"),
-             wishes.graceMinutes, 0, MinutesOfDay);
+             wishes.graceMinutes, 0, minutesOfDay);
     addWhole(command, "--full-day", "MINUTES", help("Minutes of work below which it is a half day", "300"),
-             wishes.fullDayMinutes, 0, MinutesOfDay);
+             wishes.fullDayMinutes, 0, minutesOfDay);
     addField(command, "--working-days", help("Mon-Fri or Mon,Wed,Sat and the like", "Mon-Fri"),
              wishes.workingWeekdays, parseWeekdays, "it has to name days, like Mon-Fri or Mon,Wed,Sat")
         ->type_name("DAYS");
@@ -84,16 +84,16 @@ CLI::Option *addOfficeName(CLI::App &command, const std::string &name, const std
                            OfficeWishes &wishes)
 {
     return addField(
-        command, name, help, wishes.name, [](const std::string &text) { return parseLine(text); }, LineRule);
+        command, name, help, wishes.name, [](const std::string &text) { return parseLine(text); }, lineRule);
 }
 
 void addOfficeFields(CLI::App &command, OfficeWishes &wishes, bool forNewOffice)
 {
     addPlace(command, wishes, forNewOffice);
     addTime(command, "--check-in", "Time of day HH:MM by which people are there", wishes.checkInMinute, 0,
-            MinutesOfDay - 1);
+            minutesOfDay - 1);
     addTime(command, "--check-out", "Time of day HH:MM at which they leave", wishes.checkOutMinute, 1,
-            MinutesOfDay);
+            minutesOfDay);
     for (const char *name : {"--check-in", "--check-out"})
         command.get_option(name)->required(forNewOffice);
     addRules(command, wishes, forNewOffice);

@@ -34,8 +34,8 @@ std::string textOf(const ReportTable &table, const ReportOptions &options)
 {
     if (options.common->json)
         return jsonText(toJson(table));
-    constexpr const char *ByteOrderMark = "\xEF\xBB\xBF";
-    return (options.mark ? ByteOrderMark : "") + csvText(table);
+    constexpr const char *byteOrderMark = "\xEF\xBB\xBF";
+    return (options.mark ? byteOrderMark : "") + csvText(table);
 }
 
 void print(const std::string &text)

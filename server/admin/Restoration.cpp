@@ -34,7 +34,7 @@ std::string stampOf(Instant now)
     return text;
 }
 
-constexpr const char *MoveAway = " Move it away, with its companions -wal and -shm, and restore again.";
+constexpr const char *moveAway = " Move it away, with its companions -wal and -shm, and restore again.";
 
 /// Only a database of this program is ever replaced.
 void requireReplaceable(const std::string &database)
@@ -42,7 +42,7 @@ void requireReplaceable(const std::string &database)
     try {
         requireDatabase(database);
     } catch (const std::runtime_error &error) {
-        throw refused(error.what() + std::string{MoveAway});
+        throw refused(error.what() + std::string{moveAway});
     }
 }
 
@@ -60,7 +60,7 @@ void takeAlone(SqliteFile &live, const std::string &database)
     } catch (const DatabaseError &error) {
         if (error.kind() == DatabaseError::Kind::Damaged)
             throw refused("The database " + database + " is too damaged to be replaced: " + error.what() +
-                          "." + MoveAway);
+                          "." + moveAway);
         if (error.kind() != DatabaseError::Kind::Busy)
             throw;
     }
@@ -72,8 +72,8 @@ void takeAlone(SqliteFile &live, const std::string &database)
 /// Brings an older schema up to date as well.
 void endSessionsAndCodes(const std::string &file)
 {
-    constexpr int BusySeconds = 5;
-    Connection connection{file, BusySeconds};
+    constexpr int busySeconds = 5;
+    Connection connection{file, busySeconds};
     connection.execute("BEGIN IMMEDIATE");
     migrate(connection);
     for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families"})

@@ -13,9 +13,9 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr int BusyMilliseconds = 2000;
-constexpr int CopyAttempts = 100;
-constexpr std::chrono::milliseconds CopyPause{50};
+constexpr int busyMilliseconds = 2000;
+constexpr int copyAttempts = 100;
+constexpr std::chrono::milliseconds copyPause{50};
 
 int addFirstColumn(void *rows, int count, char **values, char ** /*names*/)
 {
@@ -28,8 +28,8 @@ int copyAll(sqlite3_backup *copy)
 {
     // All pages in one step: with several, every commit of a server would make the copy start again.
     int result = sqlite3_backup_step(copy, -1);
-    for (int i = 1; i < CopyAttempts && (result == SQLITE_BUSY || result == SQLITE_LOCKED); ++i) {
-        std::this_thread::sleep_for(CopyPause);
+    for (int i = 1; i < copyAttempts && (result == SQLITE_BUSY || result == SQLITE_LOCKED); ++i) {
+        std::this_thread::sleep_for(copyPause);
         result = sqlite3_backup_step(copy, -1);
     }
     return result;
@@ -44,7 +44,7 @@ SqliteFile::SqliteFile(const std::string &file)
     m_handle.reset(handle); // also a failure gives a handle to close
     if (result != SQLITE_OK)
         throw sqliteError(result);
-    sqlite3_busy_timeout(handle, BusyMilliseconds);
+    sqlite3_busy_timeout(handle, busyMilliseconds);
 }
 
 void SqliteFile::Closer::operator()(sqlite3 *handle) const

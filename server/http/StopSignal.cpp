@@ -2,8 +2,9 @@
 
 #include "HttpServer.h"
 
-#include <cerrno>
 #include <pthread.h>
+
+#include <cerrno>
 #include <system_error>
 
 namespace clockwell::server {

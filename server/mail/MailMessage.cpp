@@ -1,17 +1,17 @@
 #include "server/mail/MailMessage.h"
 
-#include <algorithm>
-#include <array>
-
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
 
 namespace clockwell::server {
 
 namespace {
 
-constexpr std::size_t LongestLine = 76; // RFC 2045, section 6.7, rule 5
-constexpr std::size_t BytesOfEncodedWord =
+constexpr std::size_t longestLine = 76; // RFC 2045, section 6.7, rule 5
+constexpr std::size_t bytesOfEncodedWord =
     45; // 60 characters of base64; with its frame below the 75 of RFC 2047
 
 bool isAscii(std::string_view text)
@@ -26,7 +26,7 @@ bool isContinuation(char c)
 
 std::string base64(std::string_view bytes)
 {
-    constexpr std::string_view Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text;
     for (std::size_t i = 0; i < bytes.size(); i += 3) {
         const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
@@ -34,7 +34,7 @@ std::string base64(std::string_view bytes)
         for (std::size_t k = 0; k < 3; ++k)
             group = group << 8U | (k < count ? static_cast<unsigned char>(bytes[i + k]) : 0U);
         for (std::size_t k = 0; k < 4; ++k)
-            text += k <= count ? Digits[group >> (18U - 6U * k) & 63U] : '=';
+            text += k <= count ? digits[group >> (18U - 6U * k) & 63U] : '=';
     }
     return text;
 }
@@ -57,7 +57,7 @@ std::string headerValue(std::string_view utf8)
         return clean;
     std::string words;
     for (std::size_t begin = 0; begin < clean.size();) {
-        std::size_t end = std::min(begin + BytesOfEncodedWord, clean.size());
+        std::size_t end = std::min(begin + bytesOfEncodedWord, clean.size());
         while (end < clean.size() && isContinuation(clean[end])) // characters are not divided
             --end;
         words += (words.empty() ? "=?UTF-8?B?" : "\r\n =?UTF-8?B?") +
@@ -82,7 +82,7 @@ std::string quotedPrintable(std::string_view text)
         const bool plain = (c > ' ' && c <= '~' && c != '=') || (c == ' ' && !endsLine);
         const std::string piece =
             plain ? std::string(1, c) : fmt::format("={:02X}", static_cast<unsigned char>(c));
-        if (column + piece.size() + (endsLine ? 0 : 1) > LongestLine) {
+        if (column + piece.size() + (endsLine ? 0 : 1) > longestLine) {
             encoded += "=\r\n";
             column = 0;
         }

@@ -14,17 +14,17 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr const char *PasswordVariable = "CLOCKWELL_SMTP_PASSWORD";
+constexpr const char *passwordVariable = "CLOCKWELL_SMTP_PASSWORD";
 
 /// The first line of the file, or the variable, which is taken out of the environment: nothing that this
 /// process starts inherits it, and the system does not show it with the process.
 std::string readPassword(const MailSettings &settings)
 {
     std::string password;
-    if (char *value = std::getenv(PasswordVariable)) {
+    if (char *value = std::getenv(passwordVariable)) {
         password = value;
         ::sodium_memzero(value, password.size()); // unsetenv() only forgets where it is
-        ::unsetenv(PasswordVariable);
+        ::unsetenv(passwordVariable);
     }
     if (settings.smtpPasswordFile.empty())
         return password;

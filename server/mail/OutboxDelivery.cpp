@@ -15,8 +15,8 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr mode_t OwnerOnlyFolder = 0700;
-constexpr mode_t OwnerOnlyFile = 0600;
+constexpr mode_t ownerOnlyFolder = 0700;
+constexpr mode_t ownerOnlyFile = 0600;
 
 /// "20261121T081500.123Z"
 std::string compactTime(Instant instant)
@@ -35,7 +35,7 @@ class NewFile
 {
 public:
     explicit NewFile(const std::filesystem::path &path)
-        : m_descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, OwnerOnlyFile))
+        : m_descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnlyFile))
     {
         if (m_descriptor < 0)
             fail();
@@ -65,7 +65,7 @@ OutboxDelivery::OutboxDelivery(std::filesystem::path folder, std::string from, C
 {
     struct stat facts
     {};
-    const bool made = ::mkdir(m_folder.c_str(), OwnerOnlyFolder) == 0;
+    const bool made = ::mkdir(m_folder.c_str(), ownerOnlyFolder) == 0;
     if (!made && (errno != EEXIST || ::stat(m_folder.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode)))
         throw std::runtime_error{"The outbox folder " + m_folder.string() + " cannot be made."};
     if (!made && (facts.st_mode & 0077U) != 0)
@@ -78,7 +78,7 @@ void OutboxDelivery::deliver(const Mail &mail, const std::atomic<bool> & /*giveU
 {
     m_last = std::max(m_clock(), m_last + std::chrono::milliseconds{1});
     const std::string id = newId();
-    ::mkdir(m_folder.c_str(), OwnerOnlyFolder); // it may have been cleared away; a failure shows when writing
+    ::mkdir(m_folder.c_str(), ownerOnlyFolder); // it may have been cleared away; a failure shows when writing
     const auto unfinished = m_folder / (".new-" + id);
     try {
         NewFile{unfinished}.write(messageText(mail, m_from, m_last, id));

@@ -1,6 +1,5 @@
-#include "ProfileScreen.h"
-
 #include "AccountScreens.h"
+#include "ProfileScreen.h"
 #include "account/ChangePasswordViewModel.h"
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,4 @@
 #include "AccountScreens.h"
-
 #include "account/ForgotPasswordViewModel.h"
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,4 @@
 #include "AccountScreens.h"
-
 #include "account/OtpViewModel.h"
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,4 @@
 #include "ProfileScreen.h"
-
 #include "account/ProfileViewModel.h"
 
 #include <functional>

@@ -1,5 +1,4 @@
 #include "AccountScreens.h"
-
 #include "account/SignupViewModel.h"
 #include "net/DeviceFacts.h"
 #include "ui/FieldTraits.h"

@@ -1,7 +1,7 @@
+#include "attendance/AttendanceStore.h"
+
 #include "Replies.h"
 #include "ScriptedLocationSource.h"
-
-#include "attendance/AttendanceStore.h"
 #include "attendance/LocationManager.h"
 #include "net/APIClient.h"
 #include "net/DeviceFacts.h"

@@ -1,6 +1,6 @@
-#include "HomeServices.h"
-
 #include "attendance/BannerViewModel.h"
+
+#include "HomeServices.h"
 #include "ui/Palette.h"
 
 #include <QElapsedTimer>

@@ -1,5 +1,4 @@
 #include "HomeServices.h"
-
 #include "support/screen/QmlStage.h"
 
 #include <gtest/gtest.h>

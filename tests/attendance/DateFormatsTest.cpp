@@ -1,9 +1,8 @@
 #include "attendance/DateFormats.h"
 
+#include <gtest/gtest.h>
 #include <unicode/ucal.h>
 #include <unicode/udat.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>

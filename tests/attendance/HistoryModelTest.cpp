@@ -1,4 +1,5 @@
 #include "attendance/HistoryModel.h"
+
 #include "ui/Palette.h"
 
 #include <QAbstractItemModelTester>

@@ -2,7 +2,6 @@
 
 #include "Replies.h"
 #include "ScriptedLocationSource.h"
-
 #include "attendance/AttendanceStore.h"
 #include "attendance/LocationManager.h"
 #include "net/APIClient.h"

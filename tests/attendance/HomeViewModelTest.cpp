@@ -1,6 +1,6 @@
-#include "HomeServices.h"
-
 #include "attendance/HomeViewModel.h"
+
+#include "HomeServices.h"
 #include "ui/Palette.h"
 
 #include <QSignalSpy>

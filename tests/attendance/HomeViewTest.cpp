@@ -1,5 +1,4 @@
 #include "HomeServices.h"
-
 #include "attendance/DateFormats.h"
 #include "support/screen/QmlStage.h"
 #include "ui/Theme.h"

@@ -1,6 +1,6 @@
-#include "ScriptedLocationSource.h"
-
 #include "attendance/LocationManager.h"
+
+#include "ScriptedLocationSource.h"
 #include "net/Liveness.h"
 #include "support/Await.h"
 

@@ -1,4 +1,5 @@
 #include "attendance/NmeaLocationSource.h"
+
 #include "attendance/LocationManager.h"
 #include "support/Await.h"
 

@@ -1,4 +1,5 @@
 #include "attendance/PositioningLocationSource.h"
+
 #include "support/Await.h"
 
 #include <QFile>

@@ -1,4 +1,5 @@
 #include "attendance/PunchBody.h"
+
 #include "attendance/LocationSource.h"
 #include "net/Encoding.h"
 

@@ -1,4 +1,5 @@
 #include "attendance/SimulatedLocationSource.h"
+
 #include "attendance/LocationManager.h"
 #include "attendance/NmeaLocationSource.h"
 #include "attendance/PositioningLocationSource.h"

@@ -1,5 +1,4 @@
 #include "HomeServices.h"
-
 #include "attendance/SummaryViewModel.h"
 #include "support/screen/QmlStage.h"
 #include "ui/Theme.h"

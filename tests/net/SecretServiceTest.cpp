@@ -1,5 +1,4 @@
 #include "net/SecretServiceTokenStore.h"
-
 #include "support/Await.h"
 
 #include <QElapsedTimer>

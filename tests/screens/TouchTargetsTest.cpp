@@ -1,5 +1,4 @@
-#include "States.h"
-
+#include "State.h"
 #include "ui/Modal.h"
 #include "ui/Pressable.h"
 #include "ui/ScrollIntoView.h"

@@ -14,8 +14,8 @@ namespace clockwell::server::test {
 
 namespace {
 
-const std::string Application = R"({"fullName":"Kim","email":"kim@example.org","password":"Correct-Horse-7",)"
-                                R"("deviceId":"dev-1","deviceModel":"Phone","osVersion":"iOS 17"})";
+const std::string signupBody = R"({"fullName":"Kim","email":"kim@example.org","password":"Correct-Horse-7",)"
+                               R"("deviceId":"dev-1","deviceModel":"Phone","osVersion":"iOS 17"})";
 
 /// The code in the first message of an outbox, for which it waits at most ten seconds.
 std::string codeIn(const std::string &outbox)
@@ -49,7 +49,7 @@ TEST(AccountProcessTest, CodeOutlivesARestartAndTheOutboxIsBesideTheDatabase)
     const std::string database = folder.file("clockwell.db");
     {
         ServerProcess server{database};
-        ASSERT_EQ(send(server.port(), "POST", "/api/auth/signup", "", Application).status, 201);
+        ASSERT_EQ(send(server.port(), "POST", "/api/auth/signup", "", signupBody).status, 201);
         EXPECT_EQ(server.terminate(), 0); // the message is written before the end
     }
     const std::string code = codeIn(database + ".outbox");
@@ -63,7 +63,7 @@ TEST(AccountProcessTest, OutboxOptionNamesTheFolder)
 {
     const TempFolder folder;
     const ServerProcess server{folder.file("clockwell.db"), {"--outbox", folder.file("mail")}};
-    ASSERT_EQ(send(server.port(), "POST", "/api/auth/signup", "", Application).status, 201);
+    ASSERT_EQ(send(server.port(), "POST", "/api/auth/signup", "", signupBody).status, 201);
     EXPECT_EQ(codeIn(folder.file("mail")).size(), 6U);
 }
 

@@ -79,7 +79,7 @@ protected:
     /// comes twice: the second time the server might know it.
     Measured measure(const Request &prepare, const Request &request, int status)
     {
-        constexpr std::size_t Samples = 19;
+        constexpr std::size_t samples = 19;
         Series once;
         Series again;
         Series unknown;
@@ -89,7 +89,7 @@ protected:
             series.push_back(millisecondsOf([&] { reply = request(email); }));
             EXPECT_EQ(reply.status, status) << reply.body;
         };
-        for (std::size_t i = 0; i < Samples; ++i) {
+        for (std::size_t i = 0; i < samples; ++i) {
             for (std::size_t turn = i; turn < i + 3; ++turn) { // none of the three is always the first
                 if (turn % 3 == 0)
                     ask(once, "kim@example.org");
@@ -100,9 +100,9 @@ protected:
             }
         }
         double spread = 0;
-        constexpr std::array<double, 4> Parts{0.125, 0.25, 0.375, 0.5};
-        for (const double part : Parts)
-            spread += std::abs(quantile(once, part) - quantile(again, part)) / Parts.size();
+        constexpr std::array<double, 4> parts{0.125, 0.25, 0.375, 0.5};
+        for (const double part : parts)
+            spread += std::abs(quantile(once, part) - quantile(again, part)) / parts.size();
         Series known = once;
         known.insert(known.end(), again.begin(), again.end());
         return {std::abs(typical(unknown) - typical(known)), 3 * spread + hashTime() / 10};

@@ -112,10 +112,10 @@ TEST_F(BackupTest, WhatAKilledServerLeftInItsLogIsInTheBackup)
 
 TEST_F(BackupTest, EachCopyOfABusyServerIsOfOneMoment)
 {
-    constexpr int People = 60;
+    constexpr int people = 60;
     {
         Database database{file};
-        for (int i = 0; i < People; ++i)
+        for (int i = 0; i < people; ++i)
             addEmployee(database,
                         {.id = "e" + std::to_string(i), .email = std::to_string(i) + "@example.org"});
     }
@@ -123,7 +123,7 @@ TEST_F(BackupTest, EachCopyOfABusyServerIsOfOneMoment)
     std::atomic<long long> acknowledged = 0;
     std::atomic<int> failures = 0;
     std::thread client{[&] {
-        for (int i = 0; i < People; ++i) {
+        for (int i = 0; i < people; ++i) {
             const std::string email = std::to_string(i) + "@example.org";
             const Reply login = send(
                 server.port(), "POST", "/api/auth/login", "",
@@ -139,7 +139,7 @@ TEST_F(BackupTest, EachCopyOfABusyServerIsOfOneMoment)
     int copies = 0;
     for (bool more = true; more && copies < 200; ++copies) {
         const long long promised = acknowledged;
-        more = promised < People && failures == 0;
+        more = promised < people && failures == 0;
         ASSERT_EQ(admin({"backup", copy, "--force"}).exitCode, 0);
         const auto punches = std::stoll(query(copy, "SELECT CAST(COUNT(*) AS TEXT) FROM punches"));
         EXPECT_GE(punches, promised);
@@ -148,7 +148,7 @@ TEST_F(BackupTest, EachCopyOfABusyServerIsOfOneMoment)
     }
     client.join();
     EXPECT_EQ(failures, 0);
-    EXPECT_EQ(acknowledged, People);
+    EXPECT_EQ(acknowledged, people);
     EXPECT_GE(copies, 3);
 }
 

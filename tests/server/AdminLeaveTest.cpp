@@ -164,11 +164,11 @@ TEST_F(AdminLeaveTest, BadDatesAndReasonsAreWrongUsage)
 
 TEST_F(AdminLeaveTest, OfOverlappingLeaveAtOneTimeOnlyOneIsTaken)
 {
-    constexpr int Administrators = 6;
-    std::array<int, Administrators> exitCodes{};
+    constexpr int administrators = 6;
+    std::array<int, administrators> exitCodes{};
     std::vector<std::thread> threads;
-    threads.reserve(Administrators);
-    for (int i = 0; i < Administrators; ++i)
+    threads.reserve(administrators);
+    for (int i = 0; i < administrators; ++i)
         threads.emplace_back([&, i] {
             const std::string last = "2027-03-2" + std::to_string(i);
             exitCodes.at(static_cast<std::size_t>(i)) = admin(add("2027-03-10", last)).exitCode;
@@ -176,7 +176,7 @@ TEST_F(AdminLeaveTest, OfOverlappingLeaveAtOneTimeOnlyOneIsTaken)
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(std::count(exitCodes.begin(), exitCodes.end(), 0), 1);
-    EXPECT_EQ(std::count(exitCodes.begin(), exitCodes.end(), 1), Administrators - 1);
+    EXPECT_EQ(std::count(exitCodes.begin(), exitCodes.end(), 1), administrators - 1);
     EXPECT_EQ(listed().size(), 1U);
 }
 

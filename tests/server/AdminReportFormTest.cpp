@@ -1,7 +1,8 @@
 #include "ReportFixture.h"
 
-#include <filesystem>
 #include <sys/stat.h>
+
+#include <filesystem>
 
 namespace clockwell::server::test {
 
@@ -81,7 +82,7 @@ TEST_F(AdminReportTest, MonthIsChecked)
 
 TEST_F(AdminReportTest, NobodyIsAHeaderAndAnEmptyArray)
 {
-    EXPECT_EQ(report(world.databaseFile(), {"2019-12"}).output, SummaryHeader);
+    EXPECT_EQ(report(world.databaseFile(), {"2019-12"}).output, summaryHeader);
     EXPECT_EQ(nlohmann::json::parse(report(world.databaseFile(), {"2019-12", "--json"}).output),
               nlohmann::json::array());
 }

@@ -18,7 +18,7 @@ TEST_F(AdminReportTest, MonthIsOneRowForEachEmployee)
     const ProcessResult result = may();
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(result.output,
-              SummaryHeader +
+              summaryHeader +
                   "2026-05,Head Office,Kim Sample,kim@example.org,APPROVED,4,1,25,4,1,1,1104\r\n");
 }
 
@@ -97,7 +97,7 @@ TEST_F(AdminReportTest, OfficeIsFilteredAndEmployeesWithoutOneAreNamed)
     EXPECT_LT(all.output.find("Annex"), all.output.find("Head Office")); // by office
     EXPECT_TRUE(contains(all.errors, "c@example.org is left out")) << all.errors;
     const ProcessResult annex = may({"--office", "annex"});
-    EXPECT_EQ(annex.output, SummaryHeader + "2026-05,Annex,Bo,b@example.org,APPROVED,0,0,0,31,0,0,0\r\n");
+    EXPECT_EQ(annex.output, summaryHeader + "2026-05,Annex,Bo,b@example.org,APPROVED,0,0,0,31,0,0,0\r\n");
     EXPECT_EQ(may({"--office", "Nowhere"}).exitCode, 3);
 }
 

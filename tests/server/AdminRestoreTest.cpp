@@ -1,5 +1,4 @@
 #include "BackupFixture.h"
-
 #include "server/Migrations.h"
 #include "server/Schema.h"
 
@@ -208,8 +207,8 @@ TEST_F(RestoreTest, DatabaseWithDamagedTablesIsReplacedAndKeptAsItIs)
     EXPECT_EQ(restore(copy).exitCode, 0);
     EXPECT_EQ(nameIn(file), "Kim Sample");
     EXPECT_EQ(query(file, "PRAGMA integrity_check"), "ok");
-    constexpr std::size_t FirstPage = 4096; // holds counters of changes
-    EXPECT_EQ(readFile(keptFile()).substr(FirstPage), damagedBytes.substr(FirstPage));
+    constexpr std::size_t firstPage = 4096; // holds counters of changes
+    EXPECT_EQ(readFile(keptFile()).substr(firstPage), damagedBytes.substr(firstPage));
 }
 
 TEST_F(RestoreTest, SymbolicLinkToTheDatabaseStaysOne)

@@ -4,10 +4,10 @@
 #include "World.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <csignal>
 #include <fstream>
-#include <sys/resource.h>
 
 namespace clockwell::server::test {
 
@@ -64,10 +64,10 @@ protected:
         execute(name, "PRAGMA journal_mode = DELETE"); // nothing stays in a write-ahead log
         const auto page = std::stoll(
             query(name, "SELECT CAST(rootpage AS TEXT) FROM sqlite_master WHERE name = '" + table + "'"));
-        constexpr long long PageBytes = 4096;
+        constexpr long long pageBytes = 4096;
         std::fstream stream{name, std::ios::binary | std::ios::in | std::ios::out};
-        stream.seekp((page - 1) * PageBytes);
-        stream << std::string(PageBytes, '\xff');
+        stream.seekp((page - 1) * pageBytes);
+        stream << std::string(pageBytes, '\xff');
     }
 
     TempFolder folder;

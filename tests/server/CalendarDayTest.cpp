@@ -1,4 +1,5 @@
 #include "server/CalendarDay.h"
+
 #include "server/Instant.h"
 
 #include <gtest/gtest.h>

@@ -39,10 +39,10 @@ TEST_F(CodeLimitsTest, DailyCapSaysWhenTheFirstTryIsForgotten)
     const Reply refused = verify(world.code());
     EXPECT_EQ(refused.status, 429);
     EXPECT_EQ(refused.error(), "TOO_MANY_ATTEMPTS");
-    constexpr int Wait = (24 * 60 - 150) * 60; // the first try was made two and a half hours ago
-    EXPECT_EQ(refused.headers.at("retry-after"), std::to_string(Wait));
+    constexpr int waitSeconds = (24 * 60 - 150) * 60; // the first try was made two and a half hours ago
+    EXPECT_EQ(refused.headers.at("retry-after"), std::to_string(waitSeconds));
     EXPECT_EQ(refused.message(), "Too many wrong codes. Please try again in 22 hours.");
-    world.advance(std::chrono::seconds{Wait - 1});
+    world.advance(std::chrono::seconds{waitSeconds - 1});
     resend();
     EXPECT_EQ(verify(world.code()).headers.at("retry-after"), "1");
     world.advance(std::chrono::seconds{1});

@@ -14,7 +14,7 @@ namespace clockwell::server::test {
 
 namespace {
 
-constexpr const char *DemoPunch =
+constexpr const char *demoPunch =
     R"({"lat":54.1234,"lng":9.5678,"accuracy":8,"deviceId":"dev-1","isMockLocation":false})";
 
 std::string signIn(std::uint16_t port, const std::string &password = "Clockwell-2026",
@@ -108,7 +108,7 @@ TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)
     {
         ServerProcess server{folder.file("a.db")};
         token = signIn(server.port());
-        EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).status, 200);
+        EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).status, 200);
         EXPECT_EQ(server.terminate(), 0);
     }
     const ServerProcess server{folder.file("a.db")};
@@ -123,9 +123,9 @@ TEST(CommandLineTest, RepeatWindowCanBeSwitchedOff)
     runServer({"demo", "--database", folder.file("a.db")});
     const ServerProcess server{folder.file("a.db"), {"--repeat-window", "0"}};
     const std::string token = signIn(server.port());
-    EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type"), "IN");
+    EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).json().at("type"), "IN");
     std::this_thread::sleep_for(std::chrono::milliseconds{5}); // the next millisecond
-    EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type"),
+    EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).json().at("type"),
               "OUT");
 }
 
@@ -149,7 +149,7 @@ TEST(CommandLineTest, DemonstrationChecksOutAfterFiveSeconds)
     const ServerProcess server{folder.file("a.db")};
     const std::string token = signIn(server.port());
     const auto punch = [&] {
-        return send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type");
+        return send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).json().at("type");
     };
     EXPECT_EQ(punch(), "IN");
     EXPECT_EQ(punch(), "IN");
@@ -233,7 +233,7 @@ TEST(DemoTest, CoversEveryStatusAndLeavesTodayOpenAtAnyHour)
             ++count[record.at("status")];
         for (const char *status : {"ON_TIME", "LATE", "HALF_DAY", "ABSENT", "MISSING_CHECK_OUT", "ON_LEAVE"})
             EXPECT_GE(count[status], 2) << status;
-        EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, DemoPunch).json().at("type"),
+        EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).json().at("type"),
                   "IN");
     }
 }

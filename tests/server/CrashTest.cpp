@@ -11,7 +11,7 @@ namespace clockwell::server::test {
 
 TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
 {
-    constexpr int People = 100;
+    constexpr int people = 100;
     const TempFolder folder;
     const std::string file = folder.file("a.db");
     {
@@ -21,14 +21,14 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
                 "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Works', 'W')");
         });
         addOffice(database, {});
-        for (int i = 0; i < People; ++i)
+        for (int i = 0; i < people; ++i)
             addEmployee(database,
                         {.id = "e" + std::to_string(i), .email = std::to_string(i) + "@example.org"});
     }
     ServerProcess server{file};
     ASSERT_NE(server.port(), 0);
     std::vector<std::string> tokens;
-    for (int i = 0; i < People; ++i)
+    for (int i = 0; i < people; ++i)
         tokens.push_back(send(server.port(), "POST", "/api/auth/login", "",
                               nlohmann::json{{"email", std::to_string(i) + "@example.org"},
                                              {"password", "Correct-Horse-7"},
@@ -36,20 +36,20 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
                                   .dump())
                              .json()
                              .at("accessToken"));
-    std::vector<char> acknowledged(People, 0);
+    std::vector<char> acknowledged(people, 0);
     std::atomic<int> next = 0;
     std::atomic<int> answers = 0;
     std::vector<std::thread> clients;
     for (int client = 0; client < 4; ++client)
         clients.emplace_back([&] {
-            for (int i = next++; i < People; i = next++) {
+            for (int i = next++; i < people; i = next++) {
                 const Reply reply = send(server.port(), "POST", "/api/attendance/punch",
                                          tokens[static_cast<std::size_t>(i)], punchBody(48.0, 11.0, 5, "d"));
                 acknowledged[static_cast<std::size_t>(i)] = reply.status == 200 ? 1 : 0;
                 ++answers;
             }
         });
-    for (int waited = 0; answers < People / 8 && waited < 10'000; ++waited)
+    for (int waited = 0; answers < people / 8 && waited < 10'000; ++waited)
         std::this_thread::sleep_for(std::chrono::milliseconds{1});
     server.kill(); // in the middle of punches
     for (std::thread &client : clients)
@@ -60,7 +60,7 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
     }),
               "ok");
     int promised = 0;
-    for (int i = 0; i < People; ++i) {
+    for (int i = 0; i < people; ++i) {
         const auto punches = database.read([&](Connection &connection) {
             return connection.value<long long>(
                 "SELECT COUNT(*) FROM punches p JOIN attendance a ON a.id = p.attendance_id"
@@ -71,8 +71,8 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
         EXPECT_GE(punches, acknowledged[static_cast<std::size_t>(i)]) << i;
         EXPECT_LE(punches, 1) << i;
     }
-    EXPECT_GE(promised, People / 8 - 4);
-    EXPECT_LT(promised, People); // the kill came in time
+    EXPECT_GE(promised, people / 8 - 4);
+    EXPECT_LT(promised, people); // the kill came in time
 }
 
 } // namespace clockwell::server::test

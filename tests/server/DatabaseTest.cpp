@@ -1,5 +1,4 @@
 #include "World.h"
-
 #include "server/Migrations.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "World.h"
-
 #include "server/DeviceMonth.h"
+
+#include "World.h"
 
 #include <gtest/gtest.h>
 

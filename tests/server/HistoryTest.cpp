@@ -1,6 +1,6 @@
-#include "World.h"
-
 #include "server/History.h"
+
+#include "World.h"
 
 #include <gtest/gtest.h>
 

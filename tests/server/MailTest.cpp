@@ -7,7 +7,6 @@
 #include "server/mail/SmtpDelivery.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -22,7 +21,7 @@ namespace clockwell::server::test {
 
 namespace {
 
-const Instant Now = instantOf("2026-11-21T08:15:00.123Z");
+const Instant sendingTime = instantOf("2026-11-21T08:15:00.123Z");
 
 /// Fails as often as it is told, then keeps what it gets.
 class ScriptedDelivery : public MailDelivery
@@ -68,19 +67,20 @@ MailQueueOptions quick(std::size_t pauses)
 
 TEST(MailMessageTest, HeadersAndBodyAreOfTheStandardsForm)
 {
-    EXPECT_EQ(messageText({"kim@example.org", "Hello", "One\nTwo\n"}, "clock@example.com", Now, "id-1"),
-              "From: Clockwell <clock@example.com>\r\nTo: <kim@example.org>\r\nSubject: Hello\r\n"
-              "Date: Sat, 21 Nov 2026 08:15:00 +0000\r\nMessage-ID: <id-1@example.com>\r\n"
-              "Auto-Submitted: auto-generated\r\nMIME-Version: 1.0\r\n"
-              "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n"
-              "One\r\nTwo\r\n");
+    EXPECT_EQ(
+        messageText({"kim@example.org", "Hello", "One\nTwo\n"}, "clock@example.com", sendingTime, "id-1"),
+        "From: Clockwell <clock@example.com>\r\nTo: <kim@example.org>\r\nSubject: Hello\r\n"
+        "Date: Sat, 21 Nov 2026 08:15:00 +0000\r\nMessage-ID: <id-1@example.com>\r\n"
+        "Auto-Submitted: auto-generated\r\nMIME-Version: 1.0\r\n"
+        "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n"
+        "One\r\nTwo\r\n");
 }
 
 TEST(MailMessageTest, HeaderValuesCannotAddHeaders)
 {
     EXPECT_EQ(headerValue("a\r\nBcc: eve@example.org"), "a  Bcc: eve@example.org");
     const std::string text = messageText({"kim@example.org\r\nBcc: eve@example.org", "x\nBcc: y", "."},
-                                         "a@example.com", Now, "id-1");
+                                         "a@example.com", sendingTime, "id-1");
     EXPECT_EQ(text.find("\nBcc"), std::string::npos);
 }
 
@@ -127,7 +127,7 @@ TEST(OutboxDeliveryTest, FilesAreForTheirOwnerAndSortByTime)
 {
     const TempFolder folder;
     const std::string outbox = folder.file("outbox");
-    OutboxDelivery delivery{outbox, "a@example.com", [] { return Now; }};
+    OutboxDelivery delivery{outbox, "a@example.com", [] { return sendingTime; }};
     const std::atomic<bool> giveUp{false};
     for (const char *subject : {"first", "second", "third"})
         delivery.deliver({"kim@example.org", subject, "text\n"}, giveUp);
@@ -152,7 +152,7 @@ TEST(OutboxDeliveryTest, FolderThatWasRemovedIsMadeAgain)
 {
     const TempFolder folder;
     const std::string outbox = folder.file("outbox");
-    OutboxDelivery delivery{outbox, "a@example.com", [] { return Now; }};
+    OutboxDelivery delivery{outbox, "a@example.com", [] { return sendingTime; }};
     const std::atomic<bool> giveUp{false};
     std::filesystem::remove_all(outbox);
     ASSERT_NO_THROW(delivery.deliver({"kim@example.org", "subject", "text\n"}, giveUp));
@@ -167,7 +167,7 @@ TEST(OutboxDeliveryTest, FullDiskIsATransientFailureAndLeavesNothingBehind)
 {
     const TempFolder folder;
     const std::string outbox = folder.file("outbox");
-    OutboxDelivery delivery{outbox, "a@example.com", [] { return Now; }};
+    OutboxDelivery delivery{outbox, "a@example.com", [] { return sendingTime; }};
     const std::atomic<bool> giveUp{false};
     const Mail mail{"kim@example.org", "subject", std::string(10'000, 'x') + "\n"};
     rlimit before{};
@@ -195,7 +195,7 @@ TEST(OutboxDeliveryTest, FolderThatOthersCanReadIsRefused)
     const std::string outbox = folder.file("outbox");
     std::filesystem::create_directory(outbox);
     std::filesystem::permissions(outbox, std::filesystem::perms{0755});
-    EXPECT_THROW(OutboxDelivery(outbox, "a@example.com", [] { return Now; }), std::runtime_error);
+    EXPECT_THROW(OutboxDelivery(outbox, "a@example.com", [] { return sendingTime; }), std::runtime_error);
 }
 
 TEST(MailQueueTest, TransientFailuresAreTriedAgain)

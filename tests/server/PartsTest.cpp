@@ -1,5 +1,4 @@
 #include "World.h"
-
 #include "server/ApiError.h"
 #include "server/ListenAddress.h"
 #include "server/NumberText.h"
@@ -54,14 +53,14 @@ TEST(PasswordsTest, HashesAreSaltedArgon2idOfTheGivenCost)
 
 TEST(PasswordsTest, NobodyIsNeverMatched)
 {
-    Passwords passwords{CheapCost};
+    Passwords passwords{cheapCost};
     EXPECT_FALSE(passwords.matchesNobody(""));
     EXPECT_FALSE(passwords.matchesNobody("secret"));
 }
 
 TEST(PasswordsTest, BrokenStoredHashMatchesNothing)
 {
-    Passwords passwords{CheapCost};
+    Passwords passwords{cheapCost};
     EXPECT_FALSE(passwords.matches("", ""));
     EXPECT_FALSE(passwords.matches("secret", "secret"));
 }

@@ -22,8 +22,8 @@ WorkedDay dayFrom(const std::string &checkIn, const std::string &checkOut = {})
             checkOut.empty() ? std::nullopt : std::optional{at(checkOut)}};
 }
 
-const Day Today = parseDay("2026-06-10").value();
-const DayFacts OpenDay{true, false, true, false};
+const Day today = parseDay("2026-06-10").value();
+const DayFacts openDay{true, false, true, false};
 
 } // namespace
 
@@ -112,26 +112,26 @@ TEST(PolicyTest, MinutesAreElapsedTimeAcrossAClockChange)
 
 TEST(PolicyTest, DayWithoutPunchesIsAbsentOnlyOnceItIsOver)
 {
-    EXPECT_EQ(assessWithoutPunches(OpenDay, Today - std::chrono::days{1}, Today)->status, "ABSENT");
-    EXPECT_FALSE(assessWithoutPunches(OpenDay, Today, Today));
-    EXPECT_FALSE(assessWithoutPunches(OpenDay, Today + std::chrono::days{1}, Today));
+    EXPECT_EQ(assessWithoutPunches(openDay, today - std::chrono::days{1}, today)->status, "ABSENT");
+    EXPECT_FALSE(assessWithoutPunches(openDay, today, today));
+    EXPECT_FALSE(assessWithoutPunches(openDay, today + std::chrono::days{1}, today));
 }
 
 TEST(PolicyTest, LeaveCountsOnWorkingDaysUpToToday)
 {
     const DayFacts leave{true, false, true, true};
-    EXPECT_EQ(assessWithoutPunches(leave, Today - std::chrono::days{1}, Today)->status, "ON_LEAVE");
-    EXPECT_EQ(assessWithoutPunches(leave, Today, Today)->status, "ON_LEAVE");
-    EXPECT_FALSE(assessWithoutPunches(leave, Today + std::chrono::days{1}, Today));
+    EXPECT_EQ(assessWithoutPunches(leave, today - std::chrono::days{1}, today)->status, "ON_LEAVE");
+    EXPECT_EQ(assessWithoutPunches(leave, today, today)->status, "ON_LEAVE");
+    EXPECT_FALSE(assessWithoutPunches(leave, today + std::chrono::days{1}, today));
 }
 
 TEST(PolicyTest, ClosedDaysDoNotCount)
 {
-    const Day yesterday = Today - std::chrono::days{1};
+    const Day yesterday = today - std::chrono::days{1};
     EXPECT_FALSE(
-        assessWithoutPunches({false, false, true, true}, yesterday, Today));        // weekend, also on leave
-    EXPECT_FALSE(assessWithoutPunches({true, true, true, true}, yesterday, Today)); // holiday, also on leave
-    EXPECT_FALSE(assessWithoutPunches({true, false, false, false}, yesterday, Today)); // not yet joined
+        assessWithoutPunches({false, false, true, true}, yesterday, today));        // weekend, also on leave
+    EXPECT_FALSE(assessWithoutPunches({true, true, true, true}, yesterday, today)); // holiday, also on leave
+    EXPECT_FALSE(assessWithoutPunches({true, false, false, false}, yesterday, today)); // not yet joined
 }
 
 TEST(PolicyTest, PunchesTakeTurns)

@@ -7,7 +7,7 @@
 
 namespace clockwell::server::test {
 
-inline const std::string SummaryHeader =
+inline const std::string summaryHeader =
     "month,office,fullName,email,accountStatus,presentDays,lateDays,totalLateMinutes,"
     "absentDays,leaveDays,halfDays,totalWorkingMinutes\r\n";
 

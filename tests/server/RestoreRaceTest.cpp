@@ -7,7 +7,7 @@ namespace clockwell::server::test {
 
 namespace {
 
-constexpr int FillerRows = 2000; // of 4 kB: so that the end of a process can meet every step
+constexpr int fillerRows = 2000; // of 4 kB: so that the end of a process can meet every step
 
 } // namespace
 
@@ -29,7 +29,7 @@ protected:
     static void enlarge(const std::string &name, char letter)
     {
         Database{name}.write([letter](Connection &connection) {
-            for (int i = 0; i < FillerRows; ++i)
+            for (int i = 0; i < fillerRows; ++i)
                 connection.execute(
                     "INSERT INTO holidays (office_id, day, name) VALUES ('office-1', :day, :name)",
                     "filler-" + std::to_string(i), std::string(4000, letter));
@@ -43,7 +43,7 @@ protected:
         const auto who = connection.value<std::string>("SELECT full_name FROM employees");
         EXPECT_EQ(connection.value<long long>("SELECT COUNT(*) FROM holidays WHERE name = :name",
                                               std::string(4000, who == "Backup" ? 'b' : 'a')),
-                  FillerRows);
+                  fillerRows);
         return who;
     }
 };

@@ -15,10 +15,10 @@ namespace clockwell::server::test {
 
 namespace {
 
-constexpr const char *Email = "kim@example.org";
-constexpr const char *Password = "Correct-Horse-7";
-constexpr const char *NewPassword = "New-Horse-8";
-constexpr const char *MailPassword = "S3cret-Mail"; // as the mail server wants it
+constexpr const char *email = "kim@example.org";
+constexpr const char *oldPassword = "Correct-Horse-7";
+constexpr const char *newPassword = "New-Horse-8";
+constexpr const char *mailPassword = "S3cret-Mail"; // as the mail server wants it
 
 Reply call(const ServerProcess &server, const std::string &operation, const nlohmann::json &body,
            const std::string &token = {})
@@ -30,8 +30,8 @@ Reply signUp(const ServerProcess &server)
 {
     return call(server, "signup",
                 {{"fullName", "Kim Sample"},
-                 {"email", Email},
-                 {"password", Password},
+                 {"email", email},
+                 {"password", oldPassword},
                  {"deviceId", "dev-1"},
                  {"deviceModel", "Phone"},
                  {"osVersion", "iOS 17"}});
@@ -39,7 +39,7 @@ Reply signUp(const ServerProcess &server)
 
 Reply signIn(const ServerProcess &server, const std::string &password)
 {
-    return call(server, "login", {{"email", Email}, {"password", password}, {"deviceId", "dev-1"}});
+    return call(server, "login", {{"email", email}, {"password", password}, {"deviceId", "dev-1"}});
 }
 
 /// The code in the newest of so many messages, for which it waits at most ten seconds.
@@ -66,7 +66,7 @@ protected:
     SecretsProcessTest()
     {
         EXPECT_EQ(runServer({"demo", "--database", database}).exitCode, 0); // for its office
-        std::ofstream{passwordFile} << MailPassword << "\n";
+        std::ofstream{passwordFile} << mailPassword << "\n";
     }
     std::vector<std::string> mailOptions() const
     {
@@ -101,13 +101,13 @@ TEST_F(SecretsProcessTest, CodeComesFromTheMailServerAndVerifiesTheAddress)
     ASSERT_EQ(code.size(), 6U) << server.log();
     EXPECT_TRUE(
         mail.messages().front().starts_with("MAIL clockwell@example.com\nRCPT kim@example.org\nTLS True\n"));
-    EXPECT_EQ(call(server, "verify-otp", {{"email", Email}, {"code", code}}).status, 200);
+    EXPECT_EQ(call(server, "verify-otp", {{"email", email}, {"code", code}}).status, 200);
     EXPECT_FALSE(std::filesystem::exists(database + ".outbox")); // it goes one way only
 }
 
 TEST_F(SecretsProcessTest, MailPasswordOfTheEnvironmentIsUsedAndTakenOutOfIt)
 {
-    ASSERT_EQ(::setenv("CLOCKWELL_SMTP_PASSWORD", MailPassword, 1), 0);
+    ASSERT_EQ(::setenv("CLOCKWELL_SMTP_PASSWORD", mailPassword, 1), 0);
     const ServerProcess server{database,
                                {"--smtp-url", mail.url(), "--smtp-user", "clock", "--smtp-ca",
                                 certificate.certificateFile(), "--mail-from", "clockwell@example.com"}};
@@ -116,7 +116,7 @@ TEST_F(SecretsProcessTest, MailPasswordOfTheEnvironmentIsUsedAndTakenOutOfIt)
     EXPECT_EQ(newestCode(mail, 1).size(), 6U) << server.log();
     const std::string environment = inProcess(server, "environ");
     ASSERT_NE(environment.find("CLOCKWELL_SMTP_PASSWORD="), std::string::npos); // its name is no secret
-    EXPECT_EQ(environment.find(MailPassword), std::string::npos);
+    EXPECT_EQ(environment.find(mailPassword), std::string::npos);
 }
 
 TEST_F(SecretsProcessTest, MessageOfTheLastMomentIsDeliveredBeforeTheEnd)
@@ -139,23 +139,23 @@ TEST_F(SecretsProcessTest, NoAnswerWaitsForAMailServerThatIsGone)
 TEST_F(SecretsProcessTest, NeitherProcessTableNorLogShowsASecret)
 {
     const ServerProcess server{database, mailOptions()};
-    std::set<std::string> secrets{Password, NewPassword, MailPassword, "Wrong-Horse-9"};
+    std::set<std::string> secrets{oldPassword, newPassword, mailPassword, "Wrong-Horse-9"};
     ASSERT_EQ(signUp(server).status, 201);
     const std::string verification = newestCode(mail, 1);
-    EXPECT_EQ(call(server, "verify-otp", {{"email", Email}, {"code", verification}}).status, 200);
-    EXPECT_EQ(runServer({"admin", "--database", database, "employees", "approve", Email}).exitCode, 0);
+    EXPECT_EQ(call(server, "verify-otp", {{"email", email}, {"code", verification}}).status, 200);
+    EXPECT_EQ(runServer({"admin", "--database", database, "employees", "approve", email}).exitCode, 0);
     EXPECT_EQ(signIn(server, "Wrong-Horse-9").status, 401);
-    const auto first = signIn(server, Password).json();
+    const auto first = signIn(server, oldPassword).json();
     const auto renewed = call(server, "refresh", {{"refreshToken", first.at("refreshToken")}}).json();
-    EXPECT_EQ(call(server, "forgot-password", {{"email", Email}}).status, 200);
+    EXPECT_EQ(call(server, "forgot-password", {{"email", email}}).status, 200);
     const std::string resetCode = newestCode(mail, 2);
     EXPECT_EQ(
-        call(server, "reset-password", {{"email", Email}, {"code", resetCode}, {"newPassword", NewPassword}})
+        call(server, "reset-password", {{"email", email}, {"code", resetCode}, {"newPassword", newPassword}})
             .status,
         200);
-    const auto second = signIn(server, NewPassword).json();
-    EXPECT_EQ(call(server, "change-password", {{"currentPassword", NewPassword}, {"newPassword", Password}},
-                   second.at("accessToken"))
+    const auto second = signIn(server, newPassword).json();
+    EXPECT_EQ(call(server, "change-password",
+                   {{"currentPassword", newPassword}, {"newPassword", oldPassword}}, second.at("accessToken"))
                   .status,
               200);
     for (const auto &pair : {first, renewed, second})
@@ -176,7 +176,7 @@ TEST_F(SecretsProcessTest, NeitherProcessTableNorLogShowsASecret)
         EXPECT_EQ(environment.find(secret), std::string::npos) << secret;
         EXPECT_EQ(log.find(secret), std::string::npos) << secret;
     }
-    for (const std::string personal : {Email, "Kim Sample", "$argon2"})
+    for (const std::string personal : {email, "Kim Sample", "$argon2"})
         EXPECT_EQ(log.find(personal), std::string::npos) << personal;
 }
 

@@ -13,7 +13,7 @@ namespace clockwell::server::test {
 
 namespace {
 
-constexpr std::chrono::milliseconds PollPause{5};
+constexpr std::chrono::milliseconds pollPause{5};
 
 pid_t spawnServer(const std::vector<std::string> &arguments, const std::string &output,
                   const std::string &errors)
@@ -26,9 +26,9 @@ pid_t spawnServer(const std::vector<std::string> &arguments, const std::string &
     argv.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    constexpr int Flags = O_WRONLY | O_CREAT | O_TRUNC;
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), Flags, 0600);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), Flags, 0600);
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), flags, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), flags, 0600);
     pid_t process = -1;
     if (::posix_spawn(&process, argv.front(), &actions, nullptr, argv.data(), environ) != 0)
         process = -1;
@@ -44,7 +44,7 @@ int waitForEnd(pid_t process, std::chrono::milliseconds limit)
     while (::waitpid(process, &status, WNOHANG) == 0) {
         if (std::chrono::steady_clock::now() > end)
             ::kill(process, SIGKILL);
-        std::this_thread::sleep_for(PollPause);
+        std::this_thread::sleep_for(pollPause);
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
@@ -70,7 +70,7 @@ ServerProcess::ServerProcess(const std::string &database, std::vector<std::strin
     m_process = spawnServer(arguments, "/dev/null", m_folder.file("log"));
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
     while (m_port == 0 && m_process > 0 && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(PollPause);
+        std::this_thread::sleep_for(pollPause);
         const std::string text = readFile(portFile);
         m_port = text.empty() ? std::uint16_t{0} : static_cast<std::uint16_t>(std::stoi(text));
     }

@@ -5,9 +5,8 @@
 #include "server/mail/MailQueue.h"
 #include "server/mail/SmtpDelivery.h"
 
-#include <gtest/gtest.h>
-
 #include <arpa/inet.h>
+#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -20,7 +19,7 @@ namespace clockwell::server::test {
 
 namespace {
 
-const Mail Sample{"kim@example.org", "Code", "Hello\n.\n..dots\n.\nBye\n"};
+const Mail sampleMail{"kim@example.org", "Code", "Hello\n.\n..dots\n.\nBye\n"};
 
 bool within(std::chrono::seconds limit, const std::function<bool()> &holds)
 {
@@ -52,7 +51,7 @@ protected:
         return options;
     }
     /// Nothing when the message was delivered.
-    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options, const Mail &mail = Sample)
+    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options, const Mail &mail = sample)
     {
         SmtpDelivery delivery{options, systemClock()};
         const std::atomic<bool> giveUp{false};
@@ -136,7 +135,7 @@ TEST_F(SmtpTest, ServerThatIsDownGetsTheMessageWhenItIsBack)
     MailQueueOptions queueOptions;
     queueOptions.pauses.assign(200, std::chrono::milliseconds{100});
     MailQueue queue{std::make_unique<SmtpDelivery>(options, systemClock()), queueOptions};
-    queue.post(Sample);
+    queue.post(sample);
     EXPECT_TRUE(within(std::chrono::seconds{10},
                        [&] { return log.text().find("event=mailFailed") != std::string::npos; }));
     const SmtpServer server{later};
@@ -162,7 +161,7 @@ TEST_F(SmtpTest, ServerThatNeverSpeaksDoesNotHoldTheEnd)
     const auto start = std::chrono::steady_clock::now();
     {
         MailQueue queue{std::make_unique<SmtpDelivery>(options, systemClock()), queueOptions};
-        queue.post(Sample);
+        queue.post(sample);
     }
     ::close(silent);
     const auto taken = std::chrono::steady_clock::now() - start;

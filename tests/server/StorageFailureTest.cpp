@@ -1,7 +1,6 @@
 #include "World.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -31,7 +30,7 @@ long long countRows(Database &database, const std::string &table)
         [&](Connection &connection) { return connection.value<long long>("SELECT COUNT(*) FROM " + table); });
 }
 
-/// Overwrites the first page of a table. Nobody has the file open.
+/// Overwrites the first page of a table. nobody has the file open.
 void damageTable(const std::string &file, const std::string &table)
 {
     long long page = 0;
@@ -41,10 +40,10 @@ void damageTable(const std::string &file, const std::string &table)
         page = connection.value<long long>(
             "SELECT rootpage FROM sqlite_master WHERE type = 'table' AND name = :name", table);
     }
-    constexpr long long PageBytes = 4096;
+    constexpr long long pageBytes = 4096;
     std::fstream stream{file, std::ios::binary | std::ios::in | std::ios::out};
-    stream.seekp((page - 1) * PageBytes);
-    stream << std::string(PageBytes, '\xff');
+    stream.seekp((page - 1) * pageBytes);
+    stream << std::string(pageBytes, '\xff');
 }
 
 } // namespace
@@ -137,8 +136,8 @@ TEST(StorageFailureTest, ReadOnlyFileIsRefusedAtTheStart)
     const pid_t child = ::fork(); // permissions do not bind root, so the child becomes somebody else
     ASSERT_GE(child, 0);
     if (child == 0) {
-        constexpr uid_t Nobody = 65534;
-        if (::geteuid() == 0 && ::setuid(Nobody) != 0)
+        constexpr uid_t nobody = 65534;
+        if (::geteuid() == 0 && ::setuid(nobody) != 0)
             ::_exit(3);
         try {
             Database database{file};

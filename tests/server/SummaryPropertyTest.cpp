@@ -1,5 +1,4 @@
 #include "World.h"
-
 #include "server/ApiError.h"
 #include "server/Punches.h"
 

@@ -35,7 +35,7 @@ void addOffice(Database &database, const OfficeSpec &spec)
 
 void addEmployee(Database &database, const EmployeeSpec &spec)
 {
-    static Passwords passwords{CheapCost};
+    static Passwords passwords{cheapCost};
     const std::string hash = passwords.hash(spec.password);
     database.write([&](Connection &connection) {
         connection.execute("INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key, "
@@ -71,7 +71,7 @@ void addHoliday(Database &database, const std::string &officeId, const std::stri
 Settings World::cheap()
 {
     Settings settings;
-    settings.passwordCost = CheapCost;
+    settings.passwordCost = cheapCost;
     return settings;
 }
 

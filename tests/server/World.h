@@ -19,7 +19,7 @@ namespace clockwell::server::test {
 Instant instantOf(std::string_view isoText);
 
 /// Argon2id at its cheapest, for tests that are not about its cost.
-inline constexpr PasswordCost CheapCost{1, 8192};
+inline constexpr PasswordCost cheapCost{1, 8192};
 
 struct OfficeSpec
 {

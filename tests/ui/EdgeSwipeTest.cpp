@@ -1,6 +1,5 @@
-#include "ui/ScreenStack.h"
-
 #include "ComponentStage.h"
+#include "ui/ScreenStack.h"
 
 #include <QFile>
 #include <QPointer>

@@ -1,5 +1,4 @@
 #include "EditMenuStage.h"
-
 #include "ui/Modal.h"
 #include "ui/ScreenStack.h"
 #include "ui/Theme.h"

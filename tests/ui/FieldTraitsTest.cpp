@@ -1,6 +1,6 @@
-#include "ComponentStage.h"
-
 #include "ui/FieldTraits.h"
+
+#include "ComponentStage.h"
 
 #include <gtest/gtest.h>
 

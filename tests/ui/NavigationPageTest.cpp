@@ -1,5 +1,4 @@
 #include "ComponentStage.h"
-
 #include "ui/Theme.h"
 
 #include <QSignalSpy>

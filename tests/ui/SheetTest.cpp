@@ -1,6 +1,5 @@
-#include "ui/SheetControl.h"
-
 #include "ComponentStage.h"
+#include "ui/SheetControl.h"
 #include "ui/Theme.h"
 
 #include <QPointer>

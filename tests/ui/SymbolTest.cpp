@@ -1,15 +1,14 @@
 #include "ComponentStage.h"
-
 #include "ui/SymbolTable.h"
 
 #include <QDirIterator>
 #include <QPainter>
 #include <QSvgRenderer>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
-
-#include <gtest/gtest.h>
 
 namespace clockwell::test {
 

@@ -7,9 +7,9 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 
-#include <limits>
-
 #include <gtest/gtest.h>
+
+#include <limits>
 
 namespace clockwell {
 

@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <spdlog/spdlog.h>
+
 #include <stdexcept>
 #include <thread>
 #include <vector>

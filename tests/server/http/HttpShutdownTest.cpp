@@ -1,14 +1,13 @@
 #include "TestServer.h"
-
 #include "server/http/StopSignal.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
 #include <system_error>
 #include <thread>
-#include <unistd.h>
 
 namespace clockwell::server {
 

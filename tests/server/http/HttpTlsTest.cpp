@@ -2,8 +2,8 @@
 #include "TlsClient.h"
 
 #include <gtest/gtest.h>
-
 #include <openssl/ssl.h>
+
 #include <stdexcept>
 
 namespace clockwell::server {

@@ -1,15 +1,16 @@
 #include "RawClient.h"
 
-#include <algorithm>
 #include <arpa/inet.h>
-#include <array>
-#include <cctype>
-#include <cerrno>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <system_error>
 #include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace clockwell::server {

@@ -1,4 +1,5 @@
 #include "server/http/RequestParser.h"
+
 #include "RawClient.h"
 #include "server/http/HttpOptions.h"
 

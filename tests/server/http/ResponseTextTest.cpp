@@ -1,4 +1,5 @@
 #include "server/http/ResponseText.h"
+
 #include "server/http/AccessLog.h"
 #include "server/http/Refusal.h"
 

@@ -1,11 +1,12 @@
 #include "TlsClient.h"
 
+#include <openssl/ssl.h>
+#include <sys/socket.h>
+
 #include <array>
 #include <cstdlib>
 #include <filesystem>
-#include <openssl/ssl.h>
 #include <stdexcept>
-#include <sys/socket.h>
 
 namespace clockwell::server {
 
