@@ -51,7 +51,7 @@ protected:
         return options;
     }
     /// Nothing when the message was delivered.
-    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options, const Mail &mail = sample)
+    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options, const Mail &mail = sampleMail)
     {
         SmtpDelivery delivery{options, systemClock()};
         const std::atomic<bool> giveUp{false};
@@ -135,7 +135,7 @@ TEST_F(SmtpTest, ServerThatIsDownGetsTheMessageWhenItIsBack)
     MailQueueOptions queueOptions;
     queueOptions.pauses.assign(200, std::chrono::milliseconds{100});
     MailQueue queue{std::make_unique<SmtpDelivery>(options, systemClock()), queueOptions};
-    queue.post(sample);
+    queue.post(sampleMail);
     EXPECT_TRUE(within(std::chrono::seconds{10},
                        [&] { return log.text().find("event=mailFailed") != std::string::npos; }));
     const SmtpServer server{later};
@@ -161,7 +161,7 @@ TEST_F(SmtpTest, ServerThatNeverSpeaksDoesNotHoldTheEnd)
     const auto start = std::chrono::steady_clock::now();
     {
         MailQueue queue{std::make_unique<SmtpDelivery>(options, systemClock()), queueOptions};
-        queue.post(sample);
+        queue.post(sampleMail);
     }
     ::close(silent);
     const auto taken = std::chrono::steady_clock::now() - start;
