@@ -1,10 +1,10 @@
 # Configuring and building a preset. Sourced by ./dev.
 
-# Paths relative to the checkout in the compiler cache, so that every clone of the project shares it. The sloppiness is
-# what the cache needs for precompiled headers; it gives up macros of the time and date, which are not used.
+# The compiler cache uses paths relative to the checkout, so that all clones of the project share it. It needs this
+# sloppiness for precompiled headers; the time and date macros that it ignores are not used.
 export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
 
-build() { # preset, targets...; an array `configure` of the caller holds further options for CMake
+build() { # PRESET [TARGET...]; the caller's array `configure` can hold more options for CMake
     local preset=$1
     shift
     ensure_packages "${build_packages[@]}" "${run_packages[@]}"
@@ -18,8 +18,8 @@ build() { # preset, targets...; an array `configure` of the caller holds further
     NINJA_STATUS='@%p ' cmake --build --preset "$preset" "${targets[@]}" 2>&1 | progress "Building ${*:-everything}"
 }
 
-# progress LABEL: what a build prints as one line that counts up on a terminal, and as a line a quarter elsewhere;
-# whatever the build says besides (warnings, errors) stays.
+# progress LABEL: shortens the progress lines of a build on standard input to a single line that is updated on a terminal,
+# and to one line for each quarter elsewhere. Other lines (warnings, errors) are passed through.
 progress() {
     local terminal=
     [ -t 1 ] && terminal=1

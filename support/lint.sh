@@ -1,5 +1,5 @@
-# Formatting and static checks, each with a canary that it must find: a linter that finds nothing may simply not run.
-# Sourced by ./dev.
+# Formatting and static checks. Each linter must also report its canary, a file with a known defect: a linter that reports
+# nothing may not have run. Sourced by ./dev.
 
 cpp_sources() { git ls-files -co --exclude-standard '*.cpp' '*.h' | grep -v '^support/canaries/'; }
 
@@ -8,13 +8,13 @@ dev_format() {
     cpp_sources | xargs clang-format -i
 }
 
-# finds_canary WORDS COMMAND...: the command has to fail on its canary, and with these words; a linter that is missing or
-# broken fails too, but says something else.
+# finds_canary WORDS COMMAND...: the command must fail with these words in its output, because a linter that is missing or
+# broken fails, too, but with other words.
 finds_canary() {
     local words=$1 said
     shift
     if said=$("$@" 2>&1) || ! grep -qF -- "$words" <<<"$said"; then
-        echo "lint: the canary was not found, so silence would mean nothing: $*" >&2
+        echo "lint: this command does not report its canary, so its result means nothing: $*" >&2
         return 1
     fi
 }
@@ -24,7 +24,7 @@ lint_format() {
     cpp_sources | xargs clang-format --dry-run --Werror
 }
 
-# Any word of qmllint is a failure, also one that does not change its exit status.
+# Any message of qmllint is a failure, also one that does not change the exit status.
 qmllint_is_silent() {
     local said status=0
     said=$("$@" 2>&1) || status=$?
@@ -39,7 +39,7 @@ lint_qml() {
     qmllint_is_silent cmake --build build/dev --target all_qmllint
 }
 
-# The product's sources; those of a target are parsed together (unity), which makes this several times as fast.
+# Checks the app and the server. The sources of a target are parsed together (unity build), which is several times faster.
 lint_tidy() {
     finds_canary "use nullptr" clang-tidy-16 --quiet support/canaries/Tidy.cpp -- -std=c++20 || return
     cmake --preset tidy >build/.tidy.configure.log 2>&1 || { cat build/.tidy.configure.log; return 1; }
@@ -48,7 +48,7 @@ lint_tidy() {
         sed -nE 's/^([^:]*(_autogen|_qmltyperegistration|_resources_[0-9]+)): phony$/\1/p' | grep -v /CMakeFiles/)
     # shellcheck disable=SC2086
     ninja -C build/tidy $generated >build/.tidy.generate.log 2>&1 || { tail -n 20 build/.tidy.generate.log; return 1; }
-    # Clang has its coroutines on without this flag of g++ and does not know it.
+    # A g++ flag that clang does not know and does not need.
     sed -i 's/ -fcoroutines//g' build/tidy/compile_commands.json
     run-clang-tidy-16 -quiet -p build/tidy -j "$(nproc)" -extra-arg=-Wno-everything \
         "$root/((Clockwell|server)/.*\.cpp|build/tidy/(Clockwell|server)/.*/unity_[0-9]+_cxx\.cxx)$" \

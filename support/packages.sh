@@ -1,4 +1,4 @@
-# The Debian packages that each command needs, and their installation. Sourced by ./dev.
+# The Debian packages that the commands need, and their installation. Sourced by ./dev.
 
 build_packages=(
     g++ cmake ninja-build ccache mold pkg-config ca-certificates
@@ -26,12 +26,12 @@ as_root() {
     elif command -v sudo >/dev/null; then
         sudo "$@"
     else
-        echo "Root or sudo is needed once, to install: ${*}" >&2
+        echo "Root or sudo is needed to run: ${*}" >&2
         return 1
     fi
 }
 
-# Installs what is missing of the packages named; silent and quick when nothing is.
+# ensure_packages NAME...: installs the missing ones of these packages; prints nothing if there are none.
 ensure_packages() {
     local missing=() name
     local present
@@ -41,7 +41,7 @@ ensure_packages() {
     done
     [ ${#missing[@]} -eq 0 ] && return
     if ! command -v apt-get >/dev/null; then
-        echo "These packages are needed (their names as on Debian 12): ${missing[*]}" >&2
+        echo "These packages are missing (names as in Debian 12): ${missing[*]}" >&2
         return 1
     fi
     echo "Installing ${#missing[@]} packages"
@@ -49,7 +49,7 @@ ensure_packages() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# The icon set, as the lock file pins it.
+# Installs the icon set in the version of the lock file.
 ensure_icons() {
     if ! command -v npm >/dev/null; then
         ensure_packages nodejs npm

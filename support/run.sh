@@ -1,16 +1,16 @@
-# Running the app against the real server on this machine. Sourced by ./dev.
+# Runs the app against the real server on this machine. Sourced by ./dev.
 
 run_dir=$root/out/run
 
-# The port that the development build of the app speaks to.
+# The port to which the development build of the app sends requests.
 demo_port() { sed -n 's|^CLOCKWELL_BASE_URL:[A-Z]*=.*:\([0-9]*\)/api$|\1|p' build/dev/CMakeCache.txt; }
 
-# A position inside the demo office, accurate to 8 metres.
+# A position inside the demo office with an accuracy of 8 metres.
 demo_fix() { sed -n 's/^  coordinates *//p' "$run_dir/demo.txt" | sed 's/$/,8/'; }
 
 has_display() { [ -n "${WAYLAND_DISPLAY:-}" ] || [ -n "${DISPLAY:-}" ]; }
 
-start_server() { # sets server_pid; the demo data stays between runs
+start_server() { # sets server_pid; the demo data is kept between runs
     mkdir -p "$run_dir"
     local server=build/dev/bin/clockwell-server port
     port=$(demo_port)
@@ -30,7 +30,7 @@ start_server() { # sets server_pid; the demo data stays between runs
         fi
         sleep 0.1
     done
-    echo "The server did not answer within 10 seconds; its log is $run_dir/server.log" >&2
+    echo "The server did not start within 10 seconds; its log is $run_dir/server.log" >&2
     return 1
 }
 
@@ -45,7 +45,7 @@ dev_run() {
         shift
     done
     if [ -z "$vnc" ] && ! has_display; then
-        echo "There is no display here, so the tour runs instead: the real app offscreen, driven by real input."
+        echo "There is no display, so the tour runs instead: the real app offscreen, driven by real input events."
         echo "(--vnc serves the app's window to a VNC viewer.)"
         dev_tour
         return
@@ -55,21 +55,21 @@ dev_run() {
     start_server
     local platform=()
     [ -n "$vnc" ] && platform=(QT_QPA_PLATFORM=vnc:port=5900) &&
-        echo "The app's window is served to VNC viewers at port 5900, without a password and to whoever can reach it."
-    echo "E-mail, with the codes for sign-up and password reset: $run_dir/outbox"
+        echo "The app's window is served to VNC viewers on port 5900, without a password, to anyone who can reach the port."
+    echo "E-mails with the codes for sign-up and password reset: $run_dir/outbox"
     echo "Approve a new account: ./dev admin employees approve ADDRESS"
     echo "Server log: $run_dir/server.log. Close the window to stop."
     export CLOCKWELL_SIMULATED_LOCATION=${CLOCKWELL_SIMULATED_LOCATION:-$(demo_fix)}
     with_any_secret_service env "${platform[@]}" build/dev/bin/clockwell
 }
 
-# The server's administration on the demo data, also while ./dev run is running.
+# Administers the demo data, also while ./dev run is running.
 dev_admin() {
     [ -x build/dev/bin/clockwell-server ] || build dev clockwell-server
     build/dev/bin/clockwell-server admin --database "$run_dir/demo.db" "$@"
 }
 
-# The session's own Secret Service where it has one, else one that keeps its keyring beside the demo data.
+# Runs a command with the session's Secret Service or, if it has none, with one whose keyring is kept next to the demo data.
 with_any_secret_service() {
     if { [ -n "${DBUS_SESSION_BUS_ADDRESS:-}" ] || [ -S "${XDG_RUNTIME_DIR:-/nonexistent}/bus" ]; } &&
         gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \

@@ -1,4 +1,4 @@
-# Tests, pictures and benchmarks. Sourced by ./dev.
+# Tests, screenshots and benchmarks. Sourced by ./dev.
 
 dev_test() {
     local preset=dev
@@ -10,7 +10,7 @@ dev_test() {
     build "$preset"
     local filter=()
     [ $# -gt 0 ] && filter=(-R "$1")
-    # A leak is a failure too; the toolkit's and the font library's one-time caches are listed as known.
+    # A leak is a failure, too, unless it is listed in leaks.supp.
     export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
     export LSAN_OPTIONS=suppressions=$root/support/leaks.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1
@@ -24,7 +24,7 @@ dev_screens() {
     QT_QPA_PLATFORM=offscreen FONTCONFIG_FILE=$root/build/dev/fonts.conf build/dev/bin/clockwell_screens out/screens
 }
 
-# --brief: a short run in the development build that judges no figure; it shows that every benchmark works.
+# --brief: a short run of the development build without limits; it only checks that every benchmark works.
 dev_bench() {
     ensure_packages "${test_packages[@]}" "${bench_packages[@]}"
     local preset=bench failed=0 bench

@@ -4,7 +4,7 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// The signed-out interface: the sign-in screen and what is pushed onto it.
+// The navigation stack of the signed-out interface; the sign-in screen is its root.
 ScreenStack {
     id: stack
 

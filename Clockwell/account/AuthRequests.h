@@ -8,7 +8,8 @@
 
 namespace clockwell {
 
-// The bodies of the account requests. They are written in this order; an absent optional is left out.
+// The bodies of the account requests. Members are serialized in declaration order; an empty optional is
+// omitted.
 
 struct LoginBody
 {

@@ -41,7 +41,7 @@ QCoro::Task<bool> AuthStore::hasStoredToken()
 
 QCoro::Task<> AuthStore::storeTokens(const LoginResponse &reply)
 {
-    // Not inside the awaiting expression: g++ 12 destroys the captures of a lambda there twice.
+    // A function of its own, because g++ 12 destroys lambda captures inside a co_await expression twice.
     return m_api.perform<void>([&tokens = m_tokens, access = reply.accessToken,
                                 refresh = reply.refreshToken] { saveTokens(tokens, access, refresh); });
 }
@@ -58,7 +58,7 @@ QCoro::Task<> AuthStore::bootstrap()
                                     m_api.request<AuthUser>(u"auth/me"_s, u"GET"_s, {}, std::nullopt, true)));
         setPhase(Phase::SignedIn);
     } catch (const std::exception &) {
-        // Offline is no exception to the rule: a session that cannot be confirmed is given up.
+        // This includes being offline: a session that cannot be confirmed is ended.
         m_api.sessionChanged();
         clearTokens(m_tokens);
         setPhase(Phase::SignedOut);
@@ -73,7 +73,7 @@ QCoro::Task<> AuthStore::login(QString email, QString password)
     ++m_session;
     const auto session = m_session;
     co_await whileAlive(this, storeTokens(reply));
-    if (session != m_session) { // signed out while the pair was being stored: it must not stay behind
+    if (session != m_session) { // signed out while the tokens were being stored
         clearTokens(m_tokens);
         co_return;
     }
@@ -90,14 +90,14 @@ QCoro::Task<> AuthStore::refreshMe()
         if (user && session == m_session && m_phase == Phase::SignedIn)
             setUser(std::move(user));
     } catch (const std::exception &) {
-        // The present user stands; an expired session announces itself through SessionEvents.
+        // Keeps the current user; an expired session is reported through SessionEvents.
     }
 }
 
 void AuthStore::logout()
 {
     ++m_session;
-    m_api.sessionChanged(); // first: a refresh in flight must find that its session is over
+    m_api.sessionChanged(); // first, so that a refresh in flight sees that its session has ended
     clearTokens(m_tokens);
     setUser(std::nullopt);
     setPhase(Phase::SignedOut);

@@ -13,13 +13,13 @@ namespace clockwell {
 class APIClient;
 class TokenStore;
 
-/// Owns who is signed in: the phase that the whole interface follows, the user, and the token pair's way into
-/// and out of the token store. It keeps no token in memory.
+/// The authentication state: the phase that decides which interface is shown, and the signed-in user. Saves
+/// the token pair in the token store and deletes it there; keeps no token in memory.
 ///
-/// Main thread only; the coroutines resume there. The client and the token store are not owned and outlive
-/// it. Operations that return a Task with a result, and login, rethrow the request's error unchanged (see
-/// net/Errors.h) and leave the state as it was; bootstrap and refreshMe never fail outward. A store that dies
-/// in the middle of an operation is left alone: the operation then ends with Abandoned (net/Liveness.h).
+/// Main thread only; the coroutines resume there. The client and the token store are not owned and must
+/// outlive it. Operations that return a Task with a result, and login, rethrow the request's error unchanged
+/// (see net/Errors.h) and leave the state unchanged; bootstrap and refreshMe do not report request errors. If
+/// the store is destroyed during an operation, the operation ends with Abandoned (net/Liveness.h).
 class AuthStore : public QObject
 {
     Q_OBJECT
@@ -39,19 +39,19 @@ public:
     /// The signed-in user's name as the server sent it; empty when nobody is signed in.
     QString fullName() const { return m_user ? m_user->fullName : QString(); }
 
-    /// For requests of the signed-in user that change nothing here. Not owned.
+    /// For requests of the signed-in user that do not change the authentication state. Not owned.
     APIClient &api() const { return m_api; }
 
     /// Restores the session that the token store holds; ends in SignedIn or SignedOut.
     QCoro::Task<> bootstrap();
-    /// Sends both texts as they are.
+    /// Sends both arguments unchanged.
     QCoro::Task<> login(QString email, QString password);
-    /// Asks for the user again; keeps the present one on failure.
+    /// Requests the user again; keeps the current one on failure.
     QCoro::Task<> refreshMe();
     /// Local and immediate: deletes both tokens, then forgets the user. Sends nothing.
     void logout();
 
-    /// Trims the e-mail of blanks; an empty phone or company code is left out of the body.
+    /// Trims blanks from the e-mail; omits an empty phone or company code from the body.
     QCoro::Task<SignupResponse> signup(QString fullName, QString email, QString phone, QString companyCode,
                                        QString password);
     QCoro::Task<MessageResponse> verifyOtp(QString email, QString code);
@@ -64,7 +64,8 @@ Q_SIGNALS:
     void userChanged();
 
 private:
-    // Both run on the client's thread: the secret service may take a while, or ask for a password of its own.
+    // Both run on the client's thread, because the secret service may block, for example to ask for its own
+    // password.
     QCoro::Task<bool> hasStoredToken();
     QCoro::Task<> storeTokens(const LoginResponse &reply);
     void setPhase(Phase phase);
@@ -74,7 +75,7 @@ private:
     TokenStore &m_tokens;
     Phase m_phase = Phase::Loading;
     std::optional<AuthUser> m_user;
-    quint64 m_session = 0; ///< counts sign-ins and sign-outs: tells an answer of an earlier session
+    quint64 m_session = 0; ///< counts sign-ins and sign-outs, to recognize replies to an earlier session
 };
 
 } // namespace clockwell

@@ -4,7 +4,7 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// The content of the sheet that changes the password: a screen of its own, with a bar of its own.
+// The content of the change-password sheet: a screen with its own navigation bar.
 FocusScope {
     id: view
 

@@ -13,7 +13,7 @@ namespace clockwell {
 
 namespace {
 
-// Whatever the server says besides having done it is of no interest.
+// The body of a successful reply is ignored.
 QCoro::Task<Empty> send(APIClient &api, ChangePasswordBody body)
 {
     return api.request<Empty>(u"auth/change-password"_s, u"POST"_s, {}, std::optional(std::move(body)), true);
@@ -36,7 +36,7 @@ void ChangePasswordViewModel::setNewPassword(const QString &newPassword)
 void ChangePasswordViewModel::submit()
 {
     if (loading() || m_done || incomplete())
-        return; // Enter in the last field reaches this without passing the button
+        return; // the Enter key gets here even while the button is disabled
     runSubmit();
 }
 

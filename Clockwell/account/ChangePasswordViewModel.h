@@ -7,8 +7,8 @@
 
 namespace clockwell {
 
-/// The fields and the one action of the sheet that changes the password. The session stays as it is: the
-/// request goes straight to the store's client. Main thread only; `auth` is not owned.
+/// The fields and the submit action of the change-password sheet. It does not change the session: the request
+/// goes directly to the store's client. Main thread only; `auth` is not owned.
 class ChangePasswordViewModel : public clockwell::FormViewModel
 {
     Q_OBJECT
@@ -29,16 +29,16 @@ public:
     bool incomplete() const override { return m_current.isEmpty() || m_newPassword.isEmpty(); }
 
 public Q_SLOTS:
-    /// Sends both as they are. Does nothing while a request runs, a field is missing or it is done.
+    /// Sends both passwords unchanged. Does nothing while a request runs, a field is empty or `done` is set.
     void submit();
-    /// The success has been read.
+    /// The user has closed the success alert: resets `done` and emits dismissed, once.
     void acknowledge();
 
 Q_SIGNALS:
     void currentChanged();
     void newPasswordChanged();
     void doneChanged();
-    /// The sheet is to go.
+    /// Asks the view to close the sheet.
     void dismissed();
 
 private:

@@ -9,15 +9,15 @@ struct UBreakIterator;
 
 namespace clockwell {
 
-/// Steps through a text from character to character as a person counts them (extended grapheme clusters,
-/// Unicode Standard Annex 29). ICU's, because Qt 6.4's finder splits surrogate pairs where a digit of an
-/// Indic script follows. The text outlives it.
+/// Iterates over the user-perceived characters of a text (extended grapheme clusters, Unicode Standard Annex
+/// 29). Uses ICU, because QTextBoundaryFinder of Qt 6.4 splits surrogate pairs that are followed by a digit
+/// of an Indic script. The text must outlive it.
 class Characters
 {
 public:
     explicit Characters(QStringView text);
 
-    /// Where the next character ends, in UTF-16 units; negative behind the last.
+    /// The end of the next character, in UTF-16 units; negative after the last one.
     qsizetype next();
 
 private:

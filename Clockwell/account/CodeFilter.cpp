@@ -8,8 +8,8 @@ namespace clockwell {
 
 namespace {
 
-/// A character is what its first code point is; combining marks do not change that. Numeric is whatever has a
-/// Numeric_Type (Unicode, section 4.6): digits of any script, and fractions or ideographs of numbers too.
+/// Decided by the first code point; combining marks are ignored. Any code point with a Numeric_Type (Unicode,
+/// section 4.6) is numeric: digits of any script, and also fractions and ideographs for numbers.
 bool isNumeric(QStringView character)
 {
     char32_t first = character.front().unicode();

@@ -4,21 +4,21 @@
 
 namespace clockwell {
 
-/// How many characters a code has. A character here is what a person sees as one: a digit together with its
-/// combining marks, and also one that takes two UTF-16 units.
+/// The length of a code in user-perceived characters: a digit counts as one together with its combining
+/// marks, and also if it takes two UTF-16 units.
 constexpr int codeLength = 6;
 
 struct FilteredCode
 {
     QString code;
-    qsizetype cursor = 0; ///< in UTF-16 units, where the cursor was with regard to what is left
+    qsizetype cursor = 0; ///< in UTF-16 units, after the kept characters that preceded it
 };
 
-/// What of a text may stand in a code field: of its first six characters those that are numeric (of any
-/// Numeric_Type of Unicode). The cut comes first: "12a3456" gives "12345". `cursor` is a position in `text`.
+/// Truncates a text to six characters and then keeps the numeric ones (of any Numeric_Type of Unicode):
+/// "12a3456" gives "12345". `cursor` is a position in `text`, in UTF-16 units.
 FilteredCode filterCode(const QString &text, qsizetype cursor);
 
-/// The number of characters in the same sense.
+/// The number of user-perceived characters.
 int characterCount(const QString &text);
 
 } // namespace clockwell

@@ -20,7 +20,7 @@ void Destination::setShown(bool shown)
     if (turnedTrue && isOnTop())
         m_stack->push(m_file, m_properties);
     if (turnedTrue)
-        followStack(); // nothing pushed: the flag must not stay up
+        followStack(); // if nothing was pushed, the flag must be cleared
 }
 
 bool Destination::isOnTop() const

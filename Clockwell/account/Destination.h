@@ -10,15 +10,15 @@
 
 namespace clockwell {
 
-/// The screen that another one leads to, by a flag of that one's model: pushed when the flag turns true. When
-/// the screen that leads there is the topmost again, `left` asks for the flag to be taken back. A screen that
-/// is no longer the topmost (it is just being left) pushes nothing. Main thread.
+/// Pushes a screen onto the stack when `shown`, bound to a flag of the source screen's model, turns true.
+/// When the source screen is on top again, `left` asks for the flag to be cleared. Pushes nothing if the
+/// source screen is not on top (while it is being popped). Main thread only.
 class Destination : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(clockwell::ScreenStack *stack MEMBER m_stack WRITE setStack REQUIRED)
-    /// The screen that leads there.
+    /// The source screen, from which the other one is opened.
     Q_PROPERTY(QQuickItem *from MEMBER m_from REQUIRED)
     Q_PROPERTY(QUrl file MEMBER m_file REQUIRED)
     Q_PROPERTY(QVariantMap properties MEMBER m_properties REQUIRED)

@@ -13,8 +13,8 @@ NavigationPage {
     required property string prefillEmail
 
     title: "Forgot password"
-    onVisibleChanged: model.follow(visible)
-    Component.onCompleted: model.follow(visible)
+    onVisibleChanged: model.prefillIfVisible(visible)
+    Component.onCompleted: model.prefillIfVisible(visible)
 
     ForgotPasswordViewModel {
         id: model

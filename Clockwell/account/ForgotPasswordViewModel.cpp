@@ -17,7 +17,7 @@ void ForgotPasswordViewModel::setEmail(const QString &email)
     edit(m_email, email, &ForgotPasswordViewModel::emailChanged);
 }
 
-void ForgotPasswordViewModel::follow(bool visible)
+void ForgotPasswordViewModel::prefillIfVisible(bool visible)
 {
     if (visible && m_email.isEmpty())
         setEmail(m_prefillEmail);
@@ -26,7 +26,7 @@ void ForgotPasswordViewModel::follow(bool visible)
 void ForgotPasswordViewModel::submit()
 {
     if (loading() || incomplete())
-        return; // Enter in the field reaches this without passing the button
+        return; // the Enter key gets here even while the button is disabled
     runSubmit();
 }
 

@@ -10,7 +10,7 @@
 
 namespace clockwell {
 
-/// The fields and the one action of the screen that asks for a reset code. Main thread only; `auth` and
+/// The field and the submit action of the screen that requests a reset code. Main thread only; `auth` and
 /// `timing` are not owned.
 class ForgotPasswordViewModel : public clockwell::FormViewModel
 {
@@ -24,25 +24,24 @@ class ForgotPasswordViewModel : public clockwell::FormViewModel
     Q_PROPERTY(bool goToReset READ goToReset WRITE setGoToReset NOTIFY goToResetChanged)
 
 public:
-    /// Between the server's answer and the code screen, so that the answer can be read.
+    /// The delay between the server's reply and the code screen, so that the user can read the reply.
     static constexpr std::chrono::milliseconds readingTime{600};
 
     explicit ForgotPasswordViewModel(QObject *parent = nullptr);
 
     QString email() const { return m_email; }
     void setEmail(const QString &email);
-    /// The address of the last request, which is the one that the code is for: the field may say another by
-    /// now.
+    /// The address sent in the last request, which the code belongs to; the field may have been edited since.
     QString sentEmail() const { return m_sentEmail; }
-    /// A code is on its way: the code screen is due.
+    /// A code was requested: the code screen is to be opened.
     bool goToReset() const { return m_goToReset; }
     void setGoToReset(bool go);
     bool incomplete() const override { return m_email.isEmpty(); }
 
-    /// The screen has appeared, or no longer shows. Each time it appears with an empty field, the field gets
-    /// the address that the sign-in screen had; what has been typed is never overwritten.
-    Q_SLOT void follow(bool visible);
-    /// Asks for a code. Does nothing while a request runs or the field is empty.
+    /// Called whenever the visibility of the screen changes: each time the screen appears, an empty field is
+    /// filled with the address from the sign-in screen. Typed text is never overwritten.
+    Q_SLOT void prefillIfVisible(bool visible);
+    /// Requests a code. Does nothing while a request runs or the field is empty.
     Q_SLOT void submit();
 
 Q_SIGNALS:

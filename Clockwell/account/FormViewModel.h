@@ -7,8 +7,8 @@
 
 namespace clockwell {
 
-/// What the forms of this room have in common: a request that may be running, and what came of the last one.
-/// Main thread only.
+/// Base of the account forms: whether a request is running, and the outcome of the last one. Main thread
+/// only.
 class FormViewModel : public QObject
 {
     Q_OBJECT
@@ -21,15 +21,14 @@ class FormViewModel : public QObject
     Q_PROPERTY(bool incomplete READ incomplete NOTIFY incompleteChanged)
 
 public:
-    /// Whether `error` has a value; the value itself may be an empty text that the server chose.
+    /// Whether `error` has a value; the value may be an empty text from the server.
     bool failed() const { return m_error.has_value(); }
     QString error() const { return m_error.value_or(QString()); }
     /// Whether `info` has a value.
     bool informed() const { return m_info.has_value(); }
     QString info() const { return m_info.value_or(QString()); }
     bool loading() const { return m_loading; }
-    /// Something that the request needs has not been entered. Blanks count as text: what they mean is the
-    /// server's to say.
+    /// A required field is empty. Blanks count as text: the server decides whether they are valid.
     virtual bool incomplete() const = 0;
 
 Q_SIGNALS:
@@ -41,7 +40,7 @@ Q_SIGNALS:
 protected:
     explicit FormViewModel(QObject *parent) : QObject(parent) {}
 
-    /// Takes what was typed into a field of `Form`, and says so by its signal when it is new.
+    /// Sets a field of `Form` and emits its change signal if the text has changed.
     template <class Form>
     void edit(QString &field, const QString &text, void (Form::*changed)())
     {

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// A field with its label above, as one row of a form.
+// A form row: a field with its label above.
 FocusScope {
     id: root
 

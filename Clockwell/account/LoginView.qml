@@ -114,7 +114,7 @@ FormPage {
         }
     }
 
-    // Side by side where there is room, one below the other with large text.
+    // Side by side if both fit, otherwise (with large text) one below the other.
     Grid {
         anchors.horizontalCenter: parent.horizontalCenter
         columns: newHere.implicitWidth + create.implicitWidth + spacing <= parent.width ? 2 : 1

@@ -23,7 +23,7 @@ void LoginViewModel::setPassword(const QString &password)
 void LoginViewModel::signIn()
 {
     if (loading() || incomplete())
-        return; // Enter in the password field reaches this without passing the button
+        return; // the Enter key gets here even while the button is disabled
     runSignIn();
 }
 

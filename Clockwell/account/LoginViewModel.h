@@ -7,7 +7,7 @@
 
 namespace clockwell {
 
-/// The fields and the one action of the sign-in screen. Main thread only; `auth` is not owned.
+/// The fields and the submit action of the sign-in screen. Main thread only; `auth` is not owned.
 class LoginViewModel : public clockwell::FormViewModel
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ public:
     bool needsVerification() const { return m_needsVerification; }
     bool incomplete() const override { return m_email.isEmpty() || m_password.isEmpty(); }
 
-    /// Starts a sign-in; the outcome shows in the fields, or in the store's phase.
+    /// Starts a sign-in; the outcome is reported by the properties or by the store's phase.
     Q_SLOT void signIn();
 
 Q_SIGNALS:

@@ -3,8 +3,7 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
-/// What a six-digit code is for. A namespace of its own, so that naming a purpose does not load the code
-/// screen.
+/// What a six-digit code is for. A separate namespace, so that using a purpose does not load the code screen.
 namespace clockwell::OtpPurpose {
 Q_NAMESPACE
 QML_ELEMENT

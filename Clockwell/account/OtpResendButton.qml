@@ -2,8 +2,8 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// Asks for another code. While it is locked its text says for how long, so it is muted but stays readable; while a code is
-// being asked for it is faint like every button that does nothing.
+// Requests another code. While it is locked, its text shows the remaining seconds, so it is muted but stays readable;
+// while the request runs, it is faded like any disabled button.
 Pressable {
     id: root
 

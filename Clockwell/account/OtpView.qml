@@ -20,7 +20,7 @@ NavigationPage {
         timing: view.timing
         email: view.email
         purpose: view.purpose
-        onNewPasswordWanted: newPasswordField.forceActiveFocus()
+        onNewPasswordFocusRequested: newPasswordField.forceActiveFocus()
         onDismissed: view.back()
     }
 

@@ -70,7 +70,7 @@ void OtpViewModel::setNewPassword(const QString &password)
 void OtpViewModel::acceptCode()
 {
     if (resetting())
-        Q_EMIT newPasswordWanted();
+        Q_EMIT newPasswordFocusRequested();
     else
         submit();
 }
@@ -78,7 +78,7 @@ void OtpViewModel::acceptCode()
 void OtpViewModel::submit()
 {
     if (loading() || m_done || incomplete())
-        return; // Enter in the last field reaches this without passing the button
+        return; // the Enter key gets here even while the button is disabled
     runSubmit();
 }
 

@@ -12,8 +12,8 @@
 
 namespace clockwell {
 
-/// The fields, texts and actions of the code screen, for either purpose. Main thread only; `auth` and
-/// `timing` are not owned. The seconds until the next resend are counted for as long as it lives.
+/// The fields, texts and actions of the code screen, for either purpose. The resend countdown runs as long as
+/// this object exists. Main thread only; `auth` and `timing` are not owned.
 class OtpViewModel : public clockwell::FormViewModel, public QQmlParserStatus
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ class OtpViewModel : public clockwell::FormViewModel, public QQmlParserStatus
     Q_PROPERTY(bool done READ done NOTIFY doneChanged)
 
 public:
-    /// Seconds from a resend to the next one.
+    /// Seconds from one resend to the next.
     static constexpr int resendPause = 60;
 
     explicit OtpViewModel(QObject *parent = nullptr);
@@ -54,27 +54,28 @@ public:
     QString code() const { return m_code; }
     QString newPassword() const { return m_newPassword; }
     void setNewPassword(const QString &password);
-    /// Seconds until a code may be asked for again; never below 0.
+    /// Seconds until a code may be requested again; never below 0.
     int resendIn() const { return m_resendIn; }
     bool resendLocked() const { return m_resendIn > 0; }
     QString resendTitle() const;
-    /// Another code is being asked for.
+    /// A resend request is running.
     bool resending() const { return m_resending; }
     bool done() const { return m_done; }
-    /// Fewer than six characters, or no new password where one is asked for.
+    /// The code has fewer than six characters, or a required new password is empty.
     bool incomplete() const override;
 
-    /// Takes what stands in the code field, filtered, and returns where the field's cursor belongs. Whenever
-    /// the field shows something else than `code`, codeChanged asks it to follow, also if `code` is the same.
+    /// Sets `code` to the filtered text of the code field and returns the field's new cursor position. Emits
+    /// codeChanged whenever the field's text differs from `code`, even if `code` stays the same, so that the
+    /// field is updated.
     Q_INVOKABLE int enterCode(const QString &text, int cursor);
-    /// Enter in the code field: on to the new password, or, where that is not asked for, the submission.
+    /// Enter in the code field: moves to the new password field if there is one, otherwise submits.
     Q_SLOT void acceptCode();
-    /// Sends the code. Does nothing while a submission runs or something is missing.
+    /// Sends the code. Does nothing while a submission runs, a field is incomplete or `done` is set.
     Q_SLOT void submit();
-    /// Asks for another code; can run beside a submission. A second tap while one is being asked for is not
-    /// a second wish: each code makes the one before it worthless.
+    /// Requests another code; may run at the same time as a submission. Does nothing while the resend is
+    /// locked or such a request runs, because each code invalidates the one before it.
     Q_SLOT void resend();
-    /// The confirmation has been read: takes `done` back and dismisses the screen, once.
+    /// The user has closed the success alert: resets `done` and emits dismissed, once.
     Q_SLOT void acknowledge();
 
 Q_SIGNALS:
@@ -84,7 +85,7 @@ Q_SIGNALS:
     void resendInChanged();
     void resendingChanged();
     void doneChanged();
-    void newPasswordWanted();
+    void newPasswordFocusRequested();
     void dismissed();
 
 private:

@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// Something to do with the account.
+// A button in the form of a row, for an action on the account.
 Pressable {
     id: root
 

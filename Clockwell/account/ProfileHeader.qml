@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// Whose account it is: initials in a circle, the name and the address.
+// The user of the account: initials in a circle, full name and e-mail address.
 Item {
     id: root
 
@@ -10,7 +10,7 @@ Item {
     required property string fullName
     required property string email
 
-    implicitHeight: words.y + words.height + 12
+    implicitHeight: nameAndEmail.y + nameAndEmail.height + 12
 
     ContinuousRectangle {
         id: circle
@@ -37,7 +37,7 @@ Item {
     }
 
     Column {
-        id: words
+        id: nameAndEmail
         y: circle.height + 12
         width: root.width
         spacing: 4

@@ -2,16 +2,16 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// One fact about the account: what it is at the left, its value at the right; one below the other where they do not fit.
+// A labeled value of the account: label on the left, value on the right; one below the other if they do not fit.
 Item {
     id: root
 
     required property string label
     required property string value
     readonly property real padding: 12
-    readonly property bool stacked: heading.implicitWidth + fact.implicitWidth + 3 * padding > width
+    readonly property bool stacked: heading.implicitWidth + valueLabel.implicitWidth + 3 * padding > width
 
-    implicitHeight: fact.y + fact.height + padding
+    implicitHeight: valueLabel.y + valueLabel.height + padding
 
     Accessible.role: Accessible.StaticText
     Accessible.name: label + ", " + value
@@ -28,7 +28,7 @@ Item {
     }
 
     TextLabel {
-        id: fact
+        id: valueLabel
         x: root.padding
         y: root.stacked ? heading.y + heading.height + 2 : root.padding
         width: root.width - 2 * x

@@ -4,12 +4,12 @@
 
 namespace clockwell {
 
-/// What stands for a person without a picture: the first character of the name's first word and, with more
-/// than one word, of its last, in upper case; "?" for a name without words. Words are parted by spaces, no
-/// other blanks. Upper case is Unicode's own, the same in every locale.
+/// The initials shown in place of a picture: the first character of the name's first word and, if there is
+/// more than one word, of its last, in upper case; "?" for a name without words. Only spaces separate words,
+/// no other blanks. The conversion to upper case follows Unicode and does not depend on the locale.
 QString initialsOf(const QString &fullName);
 
-/// A server's role in words: "HR_MANAGER" reads "HR MANAGER".
+/// A role as displayed: "HR_MANAGER" becomes "HR MANAGER".
 QString roleText(const QString &role);
 
 /// A status with the first letter of each word in upper case and the rest in lower case. A word is an

@@ -4,7 +4,7 @@ import QtQuick
 import Clockwell.Ui
 import Clockwell.Account
 
-// The fourth tab: who is signed in, and what there is to do about it.
+// The fourth tab: the signed-in user's account, with buttons to change the password and to sign out.
 FocusScope {
     id: view
 
@@ -51,14 +51,14 @@ FocusScope {
 
             ContinuousRectangle {
                 width: parent.width
-                height: facts.height
+                height: rows.height
                 radius: 14
                 color: Theme.card
                 borderColor: Theme.divider
                 borderWidth: 1
 
                 Column {
-                    id: facts
+                    id: rows
                     width: parent.width
 
                     ProfileRow {

@@ -9,16 +9,16 @@
 
 namespace clockwell {
 
-/// Who is signed in, as the profile shows it; it asks for the user again whenever it comes to the front, and
-/// shows the present one until the answer is there. A failure changes nothing. Main thread only; `auth` is
-/// not owned.
+/// The signed-in user as shown on the profile. Requests the user again each time the screen appears, and
+/// shows the current one until the reply arrives; a failure changes nothing. Main thread only; `auth` is not
+/// owned.
 class ProfileViewModel : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
     Q_PROPERTY(clockwell::AuthStore *auth READ auth WRITE setAuth NOTIFY authChanged REQUIRED)
-    /// Whether the screen is in front.
+    /// Whether the screen is visible.
     Q_PROPERTY(bool shown READ isShown WRITE setShown NOTIFY shownChanged)
     Q_PROPERTY(QString initials READ initials NOTIFY userChanged)
     Q_PROPERTY(QString fullName READ fullName NOTIFY userChanged)
@@ -42,9 +42,9 @@ public:
     QString initials() const;
     QString fullName() const;
     QString email() const;
-    /// A dash without a user, like the two below.
+    /// A dash without a user, as are phone and status.
     QString role() const;
-    /// A dash too when the user has none.
+    /// Also a dash if the user has no phone number.
     QString phone() const;
     QString status() const;
 
@@ -57,7 +57,7 @@ public:
     void componentComplete() override;
 
 public Q_SLOTS:
-    /// The answer to the confirmation: nobody is signed in any more when it returns.
+    /// Called when the user confirms; the user is signed out when it returns.
     void signOut();
 
 Q_SIGNALS:

@@ -38,7 +38,7 @@ void SignupViewModel::setPassword(const QString &password)
 void SignupViewModel::submit()
 {
     if (loading() || incomplete())
-        return; // Enter in the password field reaches this without passing the button
+        return; // the Enter key gets here even while the button is disabled
     runSubmit();
 }
 

@@ -7,7 +7,7 @@
 
 namespace clockwell {
 
-/// The fields and the one action of the sign-up screen. Main thread only; `auth` is not owned.
+/// The fields and the submit action of the sign-up screen. Main thread only; `auth` is not owned.
 class SignupViewModel : public clockwell::FormViewModel
 {
     Q_OBJECT
@@ -28,8 +28,7 @@ public:
     void setFullName(const QString &fullName);
     QString email() const { return m_email; }
     void setEmail(const QString &email);
-    /// The address of the last request, which is the one that the code is for: the field may say another by
-    /// now.
+    /// The address sent in the last request, which the code belongs to; the field may have been edited since.
     QString sentEmail() const { return m_sentEmail; }
     QString phone() const { return m_phone; }
     void setPhone(const QString &phone);
@@ -37,16 +36,16 @@ public:
     void setCompanyCode(const QString &companyCode);
     QString password() const { return m_password; }
     void setPassword(const QString &password);
-    /// The account is there: the code screen is due.
+    /// The account was created: the code screen is to be opened.
     bool goToOtp() const { return m_goToOtp; }
     void setGoToOtp(bool go);
-    /// A field that is not optional is empty.
+    /// A required field is empty.
     bool incomplete() const override
     {
         return m_fullName.isEmpty() || m_email.isEmpty() || m_password.isEmpty();
     }
 
-    /// Asks for the account. Does nothing while a request runs or a field is missing.
+    /// Requests the account. Does nothing while a request runs or a required field is empty.
     Q_SLOT void submit();
 
 Q_SIGNALS:

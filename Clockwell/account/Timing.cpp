@@ -30,7 +30,7 @@ QCoro::Task<> Timing::pause(std::chrono::milliseconds duration)
 std::unique_ptr<QObject> Timing::every(std::chrono::milliseconds interval, std::function<void()> tick)
 {
     auto timer = std::make_unique<QTimer>();
-    timer->setTimerType(Qt::PreciseTimer); // a coarse one would let a count of seconds stumble
+    timer->setTimerType(Qt::PreciseTimer); // a coarse timer would make the countdown uneven
     connect(timer.get(), &QTimer::timeout, timer.get(), std::move(tick));
     timer->start(interval);
     return timer;

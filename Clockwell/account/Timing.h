@@ -13,8 +13,8 @@ namespace clockwell {
 
 class ReplySlot;
 
-/// How time passes for the screens that wait for it; this one is the real time, tests move theirs by hand.
-/// Main thread. Outlives the screens.
+/// Pauses and periodic ticks for the screens, in real time; tests override it with a clock that they advance
+/// manually. Main thread only. Must outlive the screens.
 class Timing : public QObject
 {
     Q_OBJECT
@@ -25,10 +25,10 @@ public:
     explicit Timing(QObject *parent = nullptr);
     ~Timing() override;
 
-    /// Ends when that much time has passed; abandoned when this object goes first, as when the app is closed
-    /// meanwhile.
+    /// Completes after `duration`; ends with Abandoned if this object is destroyed first, as when the app is
+    /// closed.
     virtual QCoro::Task<> pause(std::chrono::milliseconds duration);
-    /// Calls `tick` after each interval for as long as the returned object lives.
+    /// Calls `tick` after each interval until the returned object is destroyed.
     virtual std::unique_ptr<QObject> every(std::chrono::milliseconds interval, std::function<void()> tick);
 
 private:

@@ -5,7 +5,7 @@
 namespace clockwell {
 
 /// The text without leading and trailing blanks: tabs and Unicode space separators (category Zs). Line breaks
-/// stay.
+/// are kept.
 QString trimBlanks(const QString &text);
 
 } // namespace clockwell

@@ -9,7 +9,7 @@
 
 namespace clockwell {
 
-/// The thread and the way into it.
+/// The client's thread and the queue of work for it.
 class APIClient::Core final : private QThread
 {
 public:
@@ -28,9 +28,9 @@ public:
         }
         quit();
         wait();
-        // What was still queued when the thread went has nobody else to end it.
-        for (const auto &waiting : m_waiting) {
-            if (const std::shared_ptr<ReplySlot> slot = waiting.lock())
+        // Calls still queued when the thread ended are finished by nothing else.
+        for (const auto &pending : m_pending) {
+            if (const std::shared_ptr<ReplySlot> slot = pending.lock())
                 slot->finish(std::make_exception_ptr(TransportError(TransportError::Kind::Cancelled)));
         }
         ReplySlot::deliverHere();
@@ -38,7 +38,7 @@ public:
 
     SessionGuard &guard() { return *m_guard; }
 
-    /// Hands `work` to the client's thread; it finishes the slot. Any thread.
+    /// Queues `work`, which finishes the slot, for the client's thread. Callable from any thread.
     std::shared_ptr<ReplySlot> post(std::function<void(Worker &, std::shared_ptr<ReplySlot>)> work)
     {
         std::shared_ptr<ReplySlot> slot = ReplySlot::make();
@@ -47,8 +47,8 @@ public:
             slot->finish(std::make_exception_ptr(TransportError(TransportError::Kind::Cancelled)));
             return slot;
         }
-        std::erase_if(m_waiting, [](const auto &waiting) { return waiting.expired(); });
-        m_waiting.push_back(slot);
+        std::erase_if(m_pending, [](const auto &pending) { return pending.expired(); });
+        m_pending.push_back(slot);
         if (!isRunning())
             start();
         QMetaObject::invokeMethod(
@@ -76,7 +76,7 @@ private:
 
     std::mutex m_mutex;
     bool m_closing = false;
-    std::vector<std::weak_ptr<ReplySlot>> m_waiting;
+    std::vector<std::weak_ptr<ReplySlot>> m_pending;
 };
 
 APIClient::APIClient(Options options, TokenStore &tokens, SessionEvents &events)

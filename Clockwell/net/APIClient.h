@@ -23,13 +23,13 @@ class TokenStore;
 struct NoBody
 {};
 
-/// The one way to talk to the server: builds a request, sends it, renews an expired session once, and turns
+/// The app's only access to the server: builds a request, sends it, renews an expired session once, and turns
 /// the reply into a record or an exception.
 ///
-/// An actor: everything happens on its own thread, which starts with the first request. request() and
-/// perform() may be awaited on any thread with an event loop and resume there, also when they throw. The
-/// token store and the session events must outlive the client; destroying the client (on the thread that made
-/// it) ends what is in flight with a TransportError (cancelled).
+/// An actor: it works on a thread of its own, which starts with the first request. request() and perform()
+/// may be awaited on any thread with an event loop; the caller resumes on that thread, also after an
+/// exception. The token store and the session events must outlive the client. Destroy the client on the
+/// thread that created it; that ends the calls in flight with a TransportError (cancelled).
 class APIClient
 {
 public:
@@ -38,13 +38,13 @@ public:
         /// Origin and path prefix of the API, for example https://host/api. An invalid URL is a programming
         /// error.
         QUrl baseURL;
-        /// Longest silence of a connection.
+        /// Longest time without any data sent or received.
         std::chrono::milliseconds idleLimit = std::chrono::seconds(25);
-        /// Longest time in all, and likewise the longest wait for a device that is offline.
+        /// Longest duration of a request, and also the longest wait for an offline device to come online.
         std::chrono::milliseconds totalLimit = std::chrono::seconds(60);
         /// Largest reply body in bytes, after decompression.
         qint64 replyLimit = 16 * 1024 * 1024;
-        /// PEM file of the certificate authorities to trust. Empty: those that the system trusts.
+        /// PEM file of the certificate authorities to trust; empty: the system's.
         QString certificateFile = {};
         /// Called once, on the client's thread, with the first request.
         std::function<std::unique_ptr<Reachability>()> reachability = platformReachability;
@@ -55,10 +55,10 @@ public:
     APIClient &operator=(const APIClient &) = delete;
     ~APIClient();
 
-    /// Sends `method` ("GET" or "POST") to `path` below the base URL; slashes around the path do not matter.
-    /// `authorized` sends the stored access token and allows one renewal of the session and one repeat.
-    /// `isRetry` marks such a repeat: nothing is renewed for it. Throws APIError, TransportError,
-    /// EncodingError or DecodingError.
+    /// Sends `method` ("GET" or "POST") to `path` below the base URL; leading and trailing slashes of the
+    /// path are ignored. `authorized` sends the stored access token and, after a 401, allows one renewal of
+    /// the session and one retry. `isRetry` marks such a retry, which does not renew the session again.
+    /// Throws APIError, TransportError, EncodingError or DecodingError.
     template <class T, class B = NoBody>
     QCoro::Task<T> request(QString path, QString method, QMap<QString, QString> query, std::optional<B> body,
                            bool authorized, bool isRetry = false);
@@ -66,25 +66,25 @@ public:
     QCoro::Task<T> request(QString path, QString method, QMap<QString, QString> query, std::nullopt_t,
                            bool authorized, bool isRetry = false);
 
-    /// Runs `work` on the client's thread (for blocking reads and writes of tokens); its result or exception
-    /// comes back to the caller's thread. Work runs in the order in which it was given.
+    /// Runs `work` on the client's thread (for blocking reads and writes of tokens); the caller receives its
+    /// result or exception on the caller's own thread. Work runs in the order of the calls.
     template <class R>
     QCoro::Task<R> perform(std::function<R()> work);
 
-    /// Any thread. To be called right before the tokens of a new session are written and right before the
-    /// tokens of the old one are deleted: from then on, nothing that is still under way for the old session
-    /// touches the tokens or announces an expiry. Waits for a write of tokens that has already begun.
+    /// Call it, on any thread, right before writing the tokens of a new session and right before deleting
+    /// those of the old one. From then on, calls still in flight for the old session neither change the
+    /// tokens nor announce an expiry. Waits for a write of tokens that has already begun.
     void sessionChanged() noexcept;
 
 private:
-    /// What the untyped core needs to know of a call. The functions run on the client's thread.
+    /// A call without its types, as the core handles it. The functions run on the client's thread.
     struct Call
     {
         QString path;
         QByteArray method;
         QMap<QString, QString> query;
         std::function<QByteArray()> encode;             // empty: no body
-        std::function<void(const QByteArray &)> decode; // empty: the body of the reply is not looked at
+        std::function<void(const QByteArray &)> decode; // empty: the body of the reply is ignored
         bool authorized = false;
         bool isRetry = false;
     };

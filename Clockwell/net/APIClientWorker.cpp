@@ -23,7 +23,7 @@ APIError makeError(const QByteArray &body, int status)
     }
 }
 
-/// A token with control characters would break out of its header.
+/// A token with control characters could inject further header lines.
 bool fitsHeader(const QString &token)
 {
     return std::none_of(token.begin(), token.end(),
@@ -47,7 +47,7 @@ QCoro::Task<> APIClient::Worker::serve(Call call, std::shared_ptr<ReplySlot> slo
 {
     const auto shared = std::make_shared<const Call>(std::move(call));
     try {
-        const HttpReply reply = co_await answered(shared);
+        const HttpReply reply = co_await sendAndRenew(shared);
         if (!reply.status)
             throw APIError(QStringLiteral("No response from server."));
         if (*reply.status / 100 != 2)
@@ -64,15 +64,15 @@ QCoro::Task<> APIClient::Worker::serve(Call call, std::shared_ptr<ReplySlot> slo
     }
 }
 
-/// The reply that counts: the first one, or after a 401 the one to the repeat with renewed tokens.
-QCoro::Task<HttpReply> APIClient::Worker::answered(std::shared_ptr<const Call> call)
+/// The reply to a call; after a 401, the reply to a retry with renewed tokens.
+QCoro::Task<HttpReply> APIClient::Worker::sendAndRenew(std::shared_ptr<const Call> call)
 {
     const SessionGuard::Epoch epoch = m_guard->current();
     HttpReply reply = co_await send(call, epoch, call->isRetry);
     const bool mayRenew = reply.status == 401 && call->authorized && !call->isRetry;
     if (!mayRenew || m_guard->current() != epoch || !m_tokens.load(TokenKey::refreshToken))
         co_return reply;
-    co_await m_renewal.renewed(epoch);
+    co_await m_renewal.renew(epoch);
     co_return co_await send(call, epoch, true);
 }
 
@@ -86,9 +86,9 @@ QCoro::Task<HttpReply> APIClient::Worker::send(std::shared_ptr<const Call> call,
         request.headers += "Content-Type: application/json";
     if (call->authorized)
         authorize(request);
-    // The token just read may already be another person's; a repeat must not act in their name.
+    // The token just read may already belong to another user's session, in which a retry must not be sent.
     if (isRetry && m_guard->current() != epoch)
-        throw sessionGone();
+        throw noRefreshError();
     co_return co_await m_transport.send(std::move(request));
 }
 

@@ -6,21 +6,21 @@
 
 namespace clockwell {
 
-/// The part of the client that lives on its thread.
+/// The part of the client that lives on the client's thread.
 class APIClient::Worker
 {
 public:
     Worker(const Options &options, TokenStore &tokens, SessionEvents &events,
            std::shared_ptr<SessionGuard> guard);
 
-    /// Carries a call through and finishes the slot with its outcome.
+    /// Performs a call and finishes the slot with its outcome.
     QCoro::Task<> serve(Call call, std::shared_ptr<ReplySlot> slot);
-    /// Ends everything in flight; what waits for it resumes from the thread's events.
+    /// Cancels everything in flight; the coroutines that wait for it resume from the thread's event queue.
     void close() { m_transport.close(); }
 
 private:
     QCoro::Task<HttpReply> send(std::shared_ptr<const Call> call, SessionGuard::Epoch epoch, bool isRetry);
-    QCoro::Task<HttpReply> answered(std::shared_ptr<const Call> call);
+    QCoro::Task<HttpReply> sendAndRenew(std::shared_ptr<const Call> call);
     void authorize(HttpRequest &request) const;
 
     const QUrl m_baseURL;

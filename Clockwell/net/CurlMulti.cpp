@@ -6,7 +6,7 @@ namespace {
 
 CURLM *newMulti()
 {
-    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT); // once a process
+    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT); // once per process
     if (initialised != CURLE_OK)
         qFatal("libcurl: %s", curl_easy_strerror(initialised));
     return curl_multi_init();
@@ -22,7 +22,7 @@ CurlMulti::CurlMulti(long hostConnections) : m_multi(newMulti())
     curl_multi_setopt(m_multi, CURLMOPT_TIMERDATA, this);
     curl_multi_setopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, hostConnections);
     m_timer.setSingleShot(true);
-    connect(&m_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+    connect(&m_timer, &QTimer::timeout, this, [this] { handleEvent(CURL_SOCKET_TIMEOUT, 0); });
 }
 
 CurlMulti::~CurlMulti()
@@ -81,13 +81,14 @@ void CurlMulti::watch(curl_socket_t socket, int what)
 
 CurlMulti::Notifier CurlMulti::notifier(curl_socket_t socket, QSocketNotifier::Type type, int event)
 {
-    Notifier made(new QSocketNotifier(type));
-    made->setSocket(socket);
-    connect(made.get(), &QSocketNotifier::activated, this, [this, socket, event] { act(socket, event); });
-    return made;
+    Notifier created(new QSocketNotifier(type));
+    created->setSocket(socket);
+    connect(created.get(), &QSocketNotifier::activated, this,
+            [this, socket, event] { handleEvent(socket, event); });
+    return created;
 }
 
-void CurlMulti::act(curl_socket_t socket, int event)
+void CurlMulti::handleEvent(curl_socket_t socket, int event)
 {
     int running = 0;
     curl_multi_socket_action(m_multi, socket, event, &running);

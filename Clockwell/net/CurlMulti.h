@@ -13,21 +13,21 @@
 
 namespace clockwell {
 
-/// Transfers and the connections that they share, run by the event loop of the thread that made it. The
-/// connections end with it; its transfers have to be removed before.
+/// Runs transfers, and the connections that they share, on the event loop of the thread that created it. Its
+/// destructor closes the connections; remove all transfers before.
 class CurlMulti final : public QObject
 {
 public:
-    /// At most `hostConnections` connections to one host at a time; 0: as many as are asked for.
+    /// Opens at most `hostConnections` connections to one host at a time; 0: no limit.
     explicit CurlMulti(long hostConnections);
     ~CurlMulti() override;
 
-    /// Starts a transfer; `done` is called when it has ended, from the event loop, and must not remove it.
+    /// Starts a transfer. When it has ended, the event loop calls `done`, which must not remove the transfer.
     void add(CURL *transfer, std::function<void(CURLcode)> done);
     void remove(CURL *transfer);
 
 private:
-    // A notifier may have to go in the middle of its own signal, and its socket is closed right afterwards.
+    // A notifier may be removed while it emits its signal, and its socket is closed right afterwards.
     struct DisableNowDeleteLater
     {
         void operator()(QSocketNotifier *notifier) const;
@@ -43,7 +43,7 @@ private:
     static int onTimer(CURLM *, long milliseconds, void *self);
     void watch(curl_socket_t socket, int what);
     Notifier notifier(curl_socket_t socket, QSocketNotifier::Type type, int event);
-    void act(curl_socket_t socket, int event);
+    void handleEvent(curl_socket_t socket, int event);
 
     CURLM *const m_multi;
     QTimer m_timer;

@@ -7,7 +7,7 @@ namespace clockwell {
 
 namespace {
 
-/// Walks over the characters; the first thing that does not fit makes everything after it fail as well.
+/// Reads a text from left to right; after the first mismatch, every further read fails as well.
 class Reader
 {
 public:
@@ -15,12 +15,12 @@ public:
 
     bool ok() const { return m_ok; }
     bool atEnd() const { return m_next == m_end; }
-    bool isNext(char wanted) const { return m_next != m_end && *m_next == wanted; }
+    bool isNext(char expected) const { return m_next != m_end && *m_next == expected; }
     bool isNextDigit() const { return m_next != m_end && *m_next >= '0' && *m_next <= '9'; }
 
-    void expect(char wanted)
+    void expect(char expected)
     {
-        m_ok = m_ok && isNext(wanted);
+        m_ok = m_ok && isNext(expected);
         m_next += m_ok;
     }
 
@@ -30,7 +30,7 @@ public:
         return m_ok ? *m_next++ - '0' : 0;
     }
 
-    int number(int digits, int least, int most)
+    int number(int digits, int min, int max)
     {
         if (m_end - m_next < digits) {
             m_ok = false;
@@ -44,7 +44,7 @@ public:
             value = value * 10 + digit;
         }
         const int result = static_cast<int>(value);
-        m_ok = m_ok && allDigits && result >= least && result <= most;
+        m_ok = m_ok && allDigits && result >= min && result <= max;
         return result;
     }
 
@@ -98,7 +98,7 @@ std::optional<Instant> parseInstant(std::string_view text) noexcept
     reader.expect(':');
     const int minute = reader.number(2, 0, 59);
     reader.expect(':');
-    // A leap second has no place in the platform's clocks, so 60 is refused like 61.
+    // The platform's clocks cannot represent a leap second, so 60 is rejected like 61.
     const int second = reader.number(2, 0, 59);
     int milli = 0;
     if (reader.isNext('.')) {

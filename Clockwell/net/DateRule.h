@@ -8,12 +8,12 @@
 
 namespace clockwell {
 
-/// Reads an internet date-time (RFC 3339: YYYY-MM-DDThh:mm:ss[.fraction](Z|+hh:mm|-hh:mm)); none for anything
-/// else. The fraction may have one to nine digits; what is finer than a millisecond is cut off, not rounded.
+/// Parses an internet date-time (RFC 3339: YYYY-MM-DDThh:mm:ss[.fraction](Z|+hh:mm|-hh:mm)); nullopt for
+/// anything else. The fraction may have one to nine digits; it is truncated to milliseconds, not rounded.
 std::optional<Instant> parseInstant(std::string_view text) noexcept;
 
-/// The moment as a date-time that reads back the same, in UTC and with milliseconds; none for a year that
-/// does not have four digits.
+/// Formats the moment as a date-time in UTC with milliseconds, which parses back to the same value; nullopt
+/// for a year that does not have four digits.
 std::optional<std::string> instantText(Instant moment);
 
 } // namespace clockwell

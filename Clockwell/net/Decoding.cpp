@@ -52,10 +52,11 @@ void read(element value, qint64 &out)
         out = whole;
         return;
     }
-    // 2^63 is exact as a double. Its negative fits, but is also what integers a little below it round to.
-    constexpr double beyond = 9223372036854775808.0;
+    // 2^63 is exact as a double. -2^63 fits, but integers slightly below it round to the same double, so it
+    // is rejected here.
+    constexpr double limit = 9223372036854775808.0;
     if (!value.is_double() || value.get_double().get(real) != simdjson::SUCCESS || real != std::trunc(real) ||
-        real <= -beyond || real >= beyond)
+        real <= -limit || real >= limit)
         fail("A whole number is missing in the reply.");
     out = static_cast<qint64>(real);
 }
@@ -85,8 +86,8 @@ void read(element value, LenientDouble &out)
         out.value.reset();
 }
 
-/// The texts of a list joined, or none when one of its elements is no text.
-std::optional<QString> joined(simdjson::dom::array list)
+/// The strings of a list, joined; nullopt if one of its elements is not a string.
+std::optional<QString> joinedStrings(simdjson::dom::array list)
 {
     QStringList texts;
     for (const element item : list) {
@@ -103,7 +104,7 @@ void read(element value, MessageField &out)
     if (value.is_string())
         read(value, out.text);
     else if (value.get_array().get(list) == simdjson::SUCCESS)
-        out.text = joined(list).value_or(QStringLiteral("Request failed"));
+        out.text = joinedStrings(list).value_or(QStringLiteral("Request failed"));
     else
         out.text = QStringLiteral("Request failed");
 }
@@ -140,8 +141,8 @@ template <class T>
 constexpr bool isOptional<std::optional<T>> = true;
 
 /// Looks members up in the order of their declaration. Servers mostly send them in that order, so the field
-/// after the last one found is tried first. Everything before it has been taken by other members: of equal
-/// keys the first still counts.
+/// after the last one found is tried first. All fields before it belong to other members, so the first of
+/// duplicate keys still counts.
 class Fields
 {
 public:
@@ -189,11 +190,11 @@ requires boost::describe::has_describe_members<T>::value void read(element value
         });
 }
 
-// More than any record of ours nests. The parser takes memory for each level that it is told to expect.
-constexpr std::size_t usualDepth = 64;
+// Deeper than any of our records. The parser allocates memory for each level of the maximum depth.
+constexpr std::size_t defaultDepth = 64;
 
-/// As deep as a text can nest, and one for the document. Nothing here or in the parser calls itself for each
-/// level, so that depth costs no stack.
+/// The deepest nesting that a text of this length can have, plus one level for the document. Neither this
+/// file nor the parser recurses per level, so depth costs no stack.
 std::size_t depthLimit(std::string_view json)
 {
     return json.size() / 2 + 2;
@@ -207,11 +208,12 @@ simdjson::error_code parse(simdjson::dom::parser &parser, std::string_view json,
     return parser.parse(json.data(), json.size()).get(root);
 }
 
-/// The parser gives a whole text up where one value, under whatever key, nests deeper than it was told or is
-/// a number beyond 64 bits or a double. Such texts are rare, and are read once more with what they need.
-simdjson::error_code parseWhatever(simdjson::dom::parser &parser, std::string_view json, element &root)
+/// The parser rejects a whole text if one value, under any key, nests deeper than the given depth or is a
+/// number beyond the range of 64 bits and of a double. Such texts are rare; they are parsed again with a
+/// larger depth or with their numbers rewritten.
+simdjson::error_code parseWithFallback(simdjson::dom::parser &parser, std::string_view json, element &root)
 {
-    simdjson::error_code error = parse(parser, json, usualDepth, root);
+    simdjson::error_code error = parse(parser, json, defaultDepth, root);
     if (error == simdjson::DEPTH_ERROR)
         error = parse(parser, json, depthLimit(json), root);
     if (error == simdjson::NUMBER_ERROR) {
@@ -226,10 +228,10 @@ simdjson::error_code parseWhatever(simdjson::dom::parser &parser, std::string_vi
 template <class T>
 T decode(std::string_view json)
 {
-    // A parser of its own for each text: its buffers hold tokens and must not outlive the reply.
+    // A new parser for each text: its buffers contain session tokens and must not outlive the reply.
     simdjson::dom::parser parser;
     element root;
-    if (const simdjson::error_code error = parseWhatever(parser, json, root))
+    if (const simdjson::error_code error = parseWithFallback(parser, json, root))
         fail(simdjson::error_message(error));
     T result{};
     read(root, result);

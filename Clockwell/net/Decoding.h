@@ -8,15 +8,15 @@
 
 namespace clockwell {
 
-/// Reads one JSON text into a record, an optional record (JSON null gives none) or a list of records. Throws
-/// DecodingError.
+/// Decodes one JSON text as a record, an optional record (JSON null gives nullopt) or a list of records.
+/// Throws DecodingError.
 ///
-/// Keys are the member names exactly; a member is optional when its type is std::optional, else required;
-/// unknown keys are ignored; of a key given twice the first counts. An integer member takes any number whose
-/// value is integral and fits 64 bits signed, so also 5.0 and 5e0. A number that fits neither 64 bits nor a
-/// double fails only a member that has to hold it; one too small for a double is zero. Texts nest as deep as
-/// they like. Defined for the types of WireRecords.h and their optionals, and for QList<AttendanceRecord>;
-/// callable from any thread.
+/// Keys are exactly the member names. A member is optional if its type is std::optional, otherwise required.
+/// Unknown keys are ignored; of duplicate keys, the first counts. An integer member accepts any number whose
+/// value is integral and fits a signed 64-bit integer, including 5.0 and 5e0. A number that fits neither 64
+/// bits nor a double is an error only in a member that has to hold it; one too small for a double becomes
+/// zero. The nesting depth is not limited. Defined for the types of WireRecords.h and their optionals, and
+/// for QList<AttendanceRecord>; callable from any thread.
 template <class T>
 T decode(std::string_view json);
 

@@ -9,17 +9,17 @@ namespace clockwell {
 
 namespace {
 
-constexpr qint64 longestFact = 256;
+constexpr qint64 maxLineLength = 256;
 
 QByteArray firstLine(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return file.readLine(longestFact).trimmed();
+    return file.readLine(maxLineLength).trimmed();
 }
 
-/// The 16 bytes of a machine id (machine-id(5): 32 hexadecimal digits, not all zero), or nothing.
+/// The 16 bytes of a machine id (machine-id(5): 32 hexadecimal digits, not all zero); empty if there is none.
 QByteArray machineId(const QString &path)
 {
     const QByteArray text = firstLine(path);
@@ -41,8 +41,8 @@ QString currentDeviceId(const QString &machineIdPath)
     const QByteArray machine = machineId(machineIdPath);
     if (machine.isEmpty())
         return QStringLiteral("ios-unknown");
-    // machine-id(5) asks never to send the id itself over a network, but a keyed hash of it, different for
-    // each application.
+    // machine-id(5) requires that the id itself is never sent over a network, only a keyed hash of it that
+    // differs between applications.
     const QByteArray app = QByteArray::fromHex("5f0c9d1e6b7a4c3f8a2d41b7e0936c58");
     QByteArray id = QMessageAuthenticationCode::hash(app, machine, QCryptographicHash::Sha256).first(16);
     // RFC 4122, section 4.4: version 4, variant 1.
@@ -53,7 +53,7 @@ QString currentDeviceId(const QString &machineIdPath)
 
 QString deviceModel()
 {
-    // Phones name themselves in the device tree, desktops in their firmware.
+    // Phones have their product name in the device tree, desktops in the firmware's DMI tables.
     for (const char *path : {"/proc/device-tree/model", "/sys/class/dmi/id/product_name"}) {
         QByteArray name = firstLine(QString::fromLatin1(path));
         while (name.endsWith('\0'))

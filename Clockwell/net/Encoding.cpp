@@ -23,7 +23,7 @@ void requireFinite(double value)
 QString shortestDecimal(double value)
 {
     requireFinite(value);
-    // The longest text is that of the smallest denormal: a sign, "0." and 1074 digits at most.
+    // The smallest denormal has the longest text: a sign, "0." and at most 1074 digits.
     std::array<char, 1100> buffer{};
     const auto end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed);

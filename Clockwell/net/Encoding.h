@@ -15,12 +15,12 @@
 
 namespace clockwell {
 
-/// The shortest decimal text, without an exponent, that reads back as the same number. Throws EncodingError
+/// The shortest decimal text, without an exponent, that parses back to the same number. Throws EncodingError
 /// for a number that is not finite.
 QString shortestDecimal(double value);
 
-/// A JSON object under construction; keeps its keys in the order in which they came. The JSON library stays
-/// behind it, because every file that sends a request would pay for its headers.
+/// Builds a JSON object whose keys keep the order in which they were added. Hides the JSON library, because
+/// otherwise every file that sends a request would compile its headers.
 class JsonObject
 {
 public:
@@ -34,7 +34,7 @@ public:
     void add(const char *key, qint64 value);
     /// As date-time text. Throws EncodingError for a year that does not have four digits.
     void add(const char *key, Instant moment);
-    /// As a number; as null when it holds none, and as the text that stands for it when it is not finite.
+    /// As a number; as null if it has no value, and as a string ("inf", "nan") if it is not finite.
     void add(const char *key, const LenientDouble &number);
     void add(const char *key, const MessageField &message);
     void add(const char *key, const JsonObject &nested);
@@ -44,7 +44,7 @@ public:
     {
         add(key, of(record));
     }
-    /// A missing optional is left out, never sent as null.
+    /// An empty optional is omitted, never sent as null.
     template <class T>
     void add(const char *key, const std::optional<T> &value)
     {

@@ -8,21 +8,20 @@
 
 namespace clockwell {
 
-/// A failure whose text can be shown to a person as it stands. Everything that the client throws derives from
-/// it.
+/// An error whose text can be shown to the user unchanged. All exceptions of the client derive from it.
 class UserFacingError : public std::exception
 {
 public:
     virtual QString text() const = 0;
-    /// The same text in UTF-8. One exception object can be rethrown on several threads, so filling it is
-    /// guarded.
+    /// The same text in UTF-8. It is created on demand under a mutex, because one exception object can be
+    /// rethrown on several threads.
     const char *what() const noexcept override;
 
 private:
     mutable QByteArray m_what;
 };
 
-/// The server said no, or said something that makes no sense; also the client's own session errors.
+/// The server refused the request or sent an unexpected reply; also used for the client's own session errors.
 class APIError final : public UserFacingError
 {
 public:
@@ -37,7 +36,7 @@ public:
     std::optional<int> httpStatus;
 };
 
-/// No usable reply came over the network.
+/// The network delivered no usable reply.
 class TransportError final : public UserFacingError
 {
 public:
@@ -50,7 +49,7 @@ public:
         UntrustedCertificate,
         ReplyTooLarge,
         Cancelled,
-        Broken, // the peer does not speak HTTP, or a body cannot be inflated
+        Broken, // the peer does not speak HTTP, or a body cannot be decompressed
     };
     explicit TransportError(Kind theKind) : kind(theKind) {}
     QString text() const override;
@@ -58,7 +57,7 @@ public:
     Kind kind;
 };
 
-/// A reply that does not hold what its record asks for.
+/// A reply that cannot be decoded as the expected record.
 class DecodingError final : public UserFacingError
 {
 public:
@@ -80,7 +79,7 @@ private:
     QString m_description;
 };
 
-/// The one place where a caught exception becomes the text that is shown.
+/// The text to show to the user for a caught exception.
 QString errorText(const std::exception &error);
 
 } // namespace clockwell

@@ -12,7 +12,7 @@ namespace clockwell {
 
 namespace {
 
-/// Takes digits off the front of a text; false when there are none.
+/// Removes the digits at the front of a text; false if there are none.
 bool skipDigits(std::string_view &text)
 {
     const std::size_t count = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -27,7 +27,7 @@ bool skipOneOf(std::string_view wanted, std::string_view &text)
     return found;
 }
 
-/// A number by JSON's grammar, which is narrower than what the library's functions read.
+/// Whether the token is a number by JSON's grammar, which is stricter than the standard library's functions.
 bool isNumber(std::string_view token)
 {
     skipOneOf("-", token);
@@ -64,13 +64,13 @@ void appendFitting(std::string &out, std::string_view token)
         return;
     }
     std::array<char, 32> text{};
-    // With an exponent always: a double without one might look like an integer that is too big once more.
+    // Always with an exponent: without one, the text might again be an integer that is too big.
     const auto end =
         std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
     out.append(text.data(), end);
 }
 
-/// The length of the text in quotes at the front, both quotes included.
+/// The length of the quoted string at the front, including both quotes.
 std::size_t quotedLength(std::string_view json)
 {
     std::size_t at = json.find_first_of("\"\\", 1);
@@ -83,8 +83,8 @@ std::size_t quotedLength(std::string_view json)
 
 std::string fittingNumbers(std::string_view json)
 {
-    constexpr std::string_view between = " \t\r\n,:[]{}";
-    constexpr std::string_view ends = " \t\r\n,:[]{}\"";
+    constexpr std::string_view separators = " \t\r\n,:[]{}";
+    constexpr std::string_view terminators = " \t\r\n,:[]{}\"";
     std::string out;
     out.reserve(json.size() + json.size() / 4);
     while (!json.empty()) {
@@ -92,11 +92,11 @@ std::string fittingNumbers(std::string_view json)
         if (json.front() == '"') {
             length = quotedLength(json);
             out += json.substr(0, length);
-        } else if (between.find(json.front()) != std::string_view::npos) {
-            length = std::min(json.find_first_not_of(between), json.size());
+        } else if (separators.find(json.front()) != std::string_view::npos) {
+            length = std::min(json.find_first_not_of(separators), json.size());
             out += json.substr(0, length);
         } else {
-            length = std::min(json.find_first_of(ends), json.size());
+            length = std::min(json.find_first_of(terminators), json.size());
             appendFitting(out, json.substr(0, length));
         }
         json.remove_prefix(length);

@@ -5,11 +5,12 @@
 
 namespace clockwell {
 
-/// A JSON text with the same meaning whose numbers all fit: one that no 64-bit integer holds is written as
-/// the nearest double, and one beyond the range of a double as a list in a list, which no field takes.
+/// Rewrites a JSON text so that the parser accepts all its numbers: a number that fits no 64-bit integer
+/// becomes the nearest double, and a number beyond the range of a double becomes a list in a list, a value
+/// that no field accepts.
 ///
-/// A text that is no JSON stays none. Meant for texts in which a number has already been found too big:
-/// linear in their length, but slower than reading them.
+/// Invalid JSON remains invalid. Meant for texts that the parser has rejected because of a number: it takes
+/// linear time, but is slower than parsing.
 std::string fittingNumbers(std::string_view json);
 
 } // namespace clockwell

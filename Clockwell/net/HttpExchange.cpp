@@ -23,7 +23,7 @@ TransportError::Kind kindOf(CURLcode result)
         return Kind::UntrustedCertificate;
     case CURLE_FILESIZE_EXCEEDED:
         return Kind::ReplyTooLarge;
-    case CURLE_UNSUPPORTED_PROTOCOL: // among others bytes without a head
+    case CURLE_UNSUPPORTED_PROTOCOL: // for example bytes without an HTTP header
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_BAD_CONTENT_ENCODING:
         return Kind::Broken;
@@ -41,9 +41,9 @@ HttpExchange::HttpExchange(std::shared_ptr<CurlMulti> connections, HttpRequest r
       m_connections(std::move(connections)),
       m_transfer(curl_easy_init())
 {
-    describeRequest();
-    describeConnection();
-    callBack();
+    setRequestOptions();
+    setConnectionOptions();
+    setCallbacks();
     startTimers();
     m_connections->add(m_transfer, [this](CURLcode result) { complete(result); });
 }
@@ -61,14 +61,14 @@ void HttpExchange::set(CURLoption option, Value value)
     curl_easy_setopt(m_transfer, option, value);
 }
 
-void HttpExchange::describeRequest()
+void HttpExchange::setRequestOptions()
 {
     set(CURLOPT_URL, m_request.url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).constData());
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_USERAGENT, "Clockwell");
-    set(CURLOPT_ACCEPT_ENCODING, ""); // whatever can be inflated here
-    // A name alone keeps libcurl from adding its own line.
+    set(CURLOPT_ACCEPT_ENCODING, ""); // all encodings that libcurl can decompress
+    // A header name without a value keeps libcurl from adding its default header.
     for (const char *own : {"Accept:", "Content-Type:", "Expect:"})
         m_headers = curl_slist_append(m_headers, own);
     for (const QByteArray &header : m_request.headers)
@@ -79,31 +79,30 @@ void HttpExchange::describeRequest()
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDS, m_request.body->constData());
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body->size()));
-    // A connection kept alive may have died unnoticed, and what is sent on it is lost; a GET is then sent
-    // again, but a POST must not be.
+    // A kept-alive connection may be broken without notice, and libcurl then resends the request on a new
+    // one. A POST must not be sent twice, so it always gets a new connection.
     set(CURLOPT_FRESH_CONNECT, 1L);
     set(CURLOPT_FORBID_REUSE, 1L);
 }
 
-void HttpExchange::describeConnection()
+void HttpExchange::setConnectionOptions()
 {
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-    // Only with TLS it is known before the first reply whether a connection can be shared, and worth waiting
-    // for.
+    // Only with TLS (ALPN) is it known before the first reply whether a connection can be shared and is worth
+    // waiting for.
     set(CURLOPT_PIPEWAIT, m_request.url.scheme() == QLatin1StringView("https") ? 1L : 0L);
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     if (!m_options.certificateFile.isEmpty())
         set(CURLOPT_CAINFO, m_options.certificateFile.constData());
-    // libcurl keeps what it read of a file for the next connection, but nothing when there is a directory,
-    // too.
+    // libcurl caches the certificates of a file for later connections, but not if a directory is set as well.
     set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
     set(CURLOPT_PROXY, systemProxy(m_request.url).constData());
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_QUICK_EXIT, 1L); // when it ends in the middle of a look-up of the host's name
+    set(CURLOPT_QUICK_EXIT, 1L); // does not wait for a DNS lookup in progress
 }
 
-void HttpExchange::callBack()
+void HttpExchange::setCallbacks()
 {
     set(CURLOPT_HEADERFUNCTION, &HttpExchange::onHeader);
     set(CURLOPT_HEADERDATA, this);
@@ -114,7 +113,7 @@ void HttpExchange::callBack()
     set(CURLOPT_NOPROGRESS, 0L);
     set(CURLOPT_PREREQFUNCTION, &HttpExchange::onConnected);
     set(CURLOPT_PREREQDATA, this);
-    // A length that is announced too large is refused before a byte of the body is fetched.
+    // If Content-Length exceeds the limit, the transfer fails before the body is received.
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(m_options.replyLimit));
 }
 
@@ -144,12 +143,12 @@ size_t HttpExchange::onHeader(char *line, size_t, size_t length, void *self) noe
 {
     auto &exchange = *static_cast<HttpExchange *>(self);
     const QByteArrayView text = QByteArrayView(line, static_cast<qsizetype>(length)).trimmed();
-    // Interim replies have heads of their own; lines behind the body belong to none.
+    // Each interim reply has a header section of its own; trailers after the body belong to none.
     if (text.startsWith("HTTP/"))
         exchange.m_headComplete = false;
     else if (text.isEmpty())
         exchange.m_headComplete = true;
-    exchange.progress();
+    exchange.restartIdleTimer();
     return length;
 }
 
@@ -169,20 +168,20 @@ int HttpExchange::onProgress(void *self, curl_off_t, curl_off_t received, curl_o
 {
     auto &exchange = *static_cast<HttpExchange *>(self);
     if (std::exchange(exchange.m_transferred, received + sent) != received + sent)
-        exchange.progress();
+        exchange.restartIdleTimer();
     return 0;
 }
 
-/// Also on a fresh connection libcurl sends again what the server refused to look at (REFUSED_STREAM). For a
-/// POST the second attempt ends here.
+/// libcurl resends a request that the server refused to process (REFUSED_STREAM), even on a new connection.
+/// For a POST the second attempt is aborted here.
 int HttpExchange::onConnected(void *self, char *, char *, int, int) noexcept
 {
     auto &exchange = *static_cast<HttpExchange *>(self);
-    const bool again = std::exchange(exchange.m_handedOver, true);
+    const bool again = std::exchange(exchange.m_sent, true);
     return again && exchange.m_request.body ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
-void HttpExchange::progress()
+void HttpExchange::restartIdleTimer()
 {
     if (!m_slot->isFinished())
         m_idle.start(m_options.idleLimit);
@@ -195,7 +194,7 @@ void HttpExchange::complete(CURLcode result)
     } else if (!m_headComplete) {
         end(TransportError::Kind::ConnectionLost);
     } else if (status().value_or(0) / 100 == 1) {
-        // A switch to another protocol, which nobody asked for.
+        // A switch to another protocol (101), which the request did not ask for.
         end(TransportError::Kind::Broken);
     } else {
         m_idle.stop();

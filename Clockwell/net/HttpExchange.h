@@ -19,24 +19,24 @@ struct HttpRequest
 {
     QUrl url;
     QList<QByteArray> headers;      // each "Name: value"; no Accept or Content-Type is added
-    std::optional<QByteArray> body; // none: a GET; else a POST, also when it is empty
+    std::optional<QByteArray> body; // nullopt: a GET; otherwise a POST, also with an empty body
 };
 
 struct HttpReply
 {
-    std::optional<int> status; // none: what came back was no HTTP reply
+    std::optional<int> status; // nullopt: the reply was not HTTP
     QByteArray body;
 };
 
 struct HttpOptions
 {
-    std::chrono::milliseconds idleLimit; // longest silence
+    std::chrono::milliseconds idleLimit; // longest time without any data sent or received
     std::chrono::milliseconds totalLimit;
     qint64 replyLimit;          // in bytes, after decompression
-    QByteArray certificateFile; // whom to trust; empty: whom the system trusts
+    QByteArray certificateFile; // certificate authorities to trust, PEM; empty: the system's
 };
 
-/// One request on its way and its reply, watched over by the limits. Ends the transfer when it goes.
+/// One request in flight and its reply, subject to the limits. Its destructor ends the transfer.
 class HttpExchange final
 {
 public:
@@ -45,7 +45,7 @@ public:
     HttpExchange &operator=(const HttpExchange &) = delete;
     ~HttpExchange();
 
-    /// To be awaited once; throws TransportError.
+    /// Await it only once; throws TransportError.
     ReplySlot::Finished finished() { return m_slot->finished(); }
     HttpReply takeReply();
     void cancel() { end(TransportError::Kind::Cancelled); }
@@ -53,9 +53,9 @@ public:
 private:
     template <class Value>
     void set(CURLoption option, Value value);
-    void describeRequest();
-    void describeConnection();
-    void callBack();
+    void setRequestOptions();
+    void setConnectionOptions();
+    void setCallbacks();
     void startTimers();
 
     static size_t onHeader(char *line, size_t, size_t length, void *self) noexcept;
@@ -64,7 +64,7 @@ private:
     static int onConnected(void *self, char *, char *, int, int) noexcept;
 
     std::optional<int> status() const;
-    void progress();
+    void restartIdleTimer();
     void complete(CURLcode result);
     void end(TransportError::Kind kind);
 
@@ -75,7 +75,7 @@ private:
     curl_slist *m_headers = nullptr;
     const std::shared_ptr<ReplySlot> m_slot = ReplySlot::make();
     QByteArray m_body;
-    bool m_handedOver = false; // to a connection
+    bool m_sent = false; // the request was passed to a connection
     bool m_headComplete = false;
     curl_off_t m_transferred = 0;
     QTimer m_idle;

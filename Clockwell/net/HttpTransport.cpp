@@ -2,15 +2,15 @@
 
 namespace clockwell {
 
-/// The connections of a stretch of time in which nothing is known to have gone wrong with any of them.
+/// The connections opened since the last failure or change of the network.
 ///
-/// A connection can die without a word, and one of HTTP/2 takes every later request with it. So after a
-/// failure or a change of the network the next request gets connections of its own; the old ones go when the
-/// last request that still uses them has ended.
+/// A connection can break without notice, and a broken HTTP/2 connection makes every later request on it
+/// fail. So after a failure or a change of the network the next request opens new connections; the old ones
+/// are closed when the last request that uses them has ended.
 struct HttpTransport::Connections
 {
     CurlMulti shared{6};
-    CurlMulti single{0}; // each for one request: nothing else may find its way onto them
+    CurlMulti single{0}; // one connection per request, never reused
 };
 
 HttpTransport::HttpTransport(std::function<std::unique_ptr<Reachability>()> makeReachability,
@@ -22,7 +22,7 @@ HttpTransport::~HttpTransport() = default;
 
 QCoro::Task<HttpReply> HttpTransport::send(HttpRequest request)
 {
-    co_await online();
+    co_await waitUntilOnline();
     const std::shared_ptr<Connections> used = connections();
     CurlMulti &multi = request.body ? used->single : used->shared;
     HttpExchange running(std::shared_ptr<CurlMulti>(used, &multi), std::move(request), m_options);
@@ -48,7 +48,7 @@ std::shared_ptr<HttpTransport::Connections> HttpTransport::connections()
     return m_connections;
 }
 
-void HttpTransport::open()
+void HttpTransport::initReachability()
 {
     if (m_reachability)
         return;
@@ -56,9 +56,9 @@ void HttpTransport::open()
     connect(m_reachability.get(), &Reachability::changed, this, &HttpTransport::networkChanged);
 }
 
-QCoro::Task<> HttpTransport::online()
+QCoro::Task<> HttpTransport::waitUntilOnline()
 {
-    open();
+    initReachability();
     if (!m_closed && m_reachability->isOffline()) {
         const std::shared_ptr<ReplySlot> slot = ReplySlot::make();
         m_waiting.append(slot);

@@ -8,15 +8,14 @@
 
 namespace clockwell {
 
-/// Thrown into a coroutine whose object died while it waited. Deliberately no std::exception: the handlers
-/// that turn failures into texts on the object (`catch (const std::exception &)`) must not run, only
-/// destructors must.
+/// Thrown into a coroutine whose owner was destroyed while it waited. Deliberately not a std::exception: the
+/// handlers that show errors on the owner (`catch (const std::exception &)`) must not run, only destructors.
 struct Abandoned
 {};
 
-/// Awaits `task` on behalf of `owner` and hands on its result or error, or throws Abandoned if `owner` has
-/// died meanwhile. Call it on the owner's thread. The usual form in a screen: `co_await whileAlive(this,
-/// store->load())`.
+/// Awaits `task` on behalf of `owner` and returns its result or throws its error; throws Abandoned if `owner`
+/// was destroyed meanwhile. Call it on the owner's thread. Typical use in a screen: `co_await
+/// whileAlive(this, store->load())`.
 template <class T>
 QCoro::Task<T> whileAlive(QPointer<const QObject> owner, QCoro::Task<T> task)
 {
@@ -43,8 +42,8 @@ QCoro::Task<T> whileAlive(const QObject *owner, QCoro::Task<T> task)
     return whileAlive(QPointer<const QObject>(owner), std::move(task));
 }
 
-/// Holds a flag of `owner` up for as long as a scope runs, on every way out of it, so that no error leaves a
-/// spinner on. Leaves an owner alone that has died meanwhile. `setter` is a member function taking bool.
+/// Sets a flag of `owner` for the duration of a scope and clears it on every exit, so that no error leaves a
+/// spinner on. Does nothing if the owner was destroyed meanwhile. `setter` is a member function taking bool.
 template <class Owner>
 class BusyFlag
 {
@@ -64,7 +63,7 @@ private:
     Setter m_setter;
 };
 
-/// The setter may be one that the owner's class inherited.
+/// The setter may be inherited from a base class of the owner.
 template <class Derived, class Owner>
 BusyFlag(Derived *, void (Owner::*)(bool)) -> BusyFlag<Owner>;
 

@@ -20,7 +20,7 @@ public:
 
     bool isOffline() const override
     {
-        // Anything short of "disconnected" may still lead to a server on the local network.
+        // In any state but "disconnected", a server on the local network may still be reachable.
         return m_platform && m_platform->reachability() == QNetworkInformation::Reachability::Disconnected;
     }
 

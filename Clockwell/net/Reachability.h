@@ -6,22 +6,22 @@
 
 namespace clockwell {
 
-/// Whether a request has a chance at all. Lives on the client's thread.
+/// Reports whether the device is offline. Lives on the client's thread.
 class Reachability : public QObject
 {
     Q_OBJECT
 
 public:
     using QObject::QObject;
-    /// True only when the platform is sure; not knowing counts as online.
+    /// True only if the platform reports it for certain; an unknown state counts as online.
     virtual bool isOffline() const = 0;
 
 Q_SIGNALS:
-    /// Online or offline, or another network: connections of before may lead nowhere.
+    /// The device went online or offline, or changed networks: existing connections may be broken.
     void changed();
 };
 
-/// The platform's own answer; always online where the platform offers none.
+/// The reachability that the platform reports; always online if the platform reports none.
 std::unique_ptr<Reachability> platformReachability();
 
 } // namespace clockwell

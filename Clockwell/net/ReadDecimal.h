@@ -5,9 +5,9 @@
 
 namespace clockwell {
 
-/// What the C library's strtod reads in the "C" locale when it takes the whole text and the text does not
-/// begin with white space or NUL; so also "inf" and "0x10". A number beyond the range of a double is
-/// infinite, one too small for it is zero.
+/// Parses a number like the C library's strtod in the "C" locale, so also "inf" and "0x10". Nullopt unless
+/// strtod accepts the whole text and the text does not begin with white space or NUL. A number beyond the
+/// range of a double is infinite, one too small for it is zero.
 std::optional<double> readDecimal(std::string_view text);
 
 } // namespace clockwell

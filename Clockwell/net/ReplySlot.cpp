@@ -13,57 +13,57 @@ namespace clockwell {
 
 namespace {
 
-const QEvent::Type wakeType = static_cast<QEvent::Type>(QEvent::registerEventType());
+const QEvent::Type resumeType = static_cast<QEvent::Type>(QEvent::registerEventType());
 
-class WakeEvent final : public QEvent
+class ResumeEvent final : public QEvent
 {
 public:
-    explicit WakeEvent(std::shared_ptr<ReplySlot> theSlot) : QEvent(wakeType), slot(std::move(theSlot)) {}
+    explicit ResumeEvent(std::shared_ptr<ReplySlot> theSlot) : QEvent(resumeType), slot(std::move(theSlot)) {}
     std::shared_ptr<ReplySlot> slot;
 };
 
 } // namespace
 
-/// Carries finished slots to one thread. Its receiver is the only part that other threads reach for, and only
-/// under the mutex, because the thread may end at the same moment.
-class ReplySlot::Courier
+/// Resumes the coroutines of one thread when their slots are finished. Other threads access only its
+/// receiver, and only under the mutex, because the thread may end at the same moment.
+class ReplySlot::Dispatcher
 {
 public:
-    Courier() : m_receiver(std::make_unique<Receiver>())
+    Dispatcher() : m_receiver(std::make_unique<Receiver>())
     {
-        // Thread-local objects die after the thread's event loop; waiters are better off while it can still
-        // do something.
+        // Thread-local objects are destroyed after the thread's event loop has ended; waiting coroutines
+        // resume earlier, on finished(), when the thread's event dispatcher still exists.
         QObject::connect(
-            QThread::currentThread(), &QThread::finished, m_receiver.get(), [this] { dropAll(); },
+            QThread::currentThread(), &QThread::finished, m_receiver.get(), [this] { cancelAll(); },
             Qt::DirectConnection);
     }
-    Courier(const Courier &) = delete;
-    Courier &operator=(const Courier &) = delete;
-    ~Courier() = default;
+    Dispatcher(const Dispatcher &) = delete;
+    Dispatcher &operator=(const Dispatcher &) = delete;
+    ~Dispatcher() = default;
 
-    static const std::shared_ptr<Courier> &ofThisThread()
+    static const std::shared_ptr<Dispatcher> &forCurrentThread()
     {
         thread_local const Owner owner;
-        return owner.courier;
+        return owner.dispatcher;
     }
 
-    void expect(std::shared_ptr<ReplySlot> slot) { m_waiting.insert(std::move(slot)); }
-    void forget(const std::shared_ptr<ReplySlot> &slot) { m_waiting.erase(slot); }
+    void add(std::shared_ptr<ReplySlot> slot) { m_waiting.insert(std::move(slot)); }
+    void remove(const std::shared_ptr<ReplySlot> &slot) { m_waiting.erase(slot); }
 
-    void wake(std::shared_ptr<ReplySlot> slot) noexcept
+    void postResume(std::shared_ptr<ReplySlot> slot) noexcept
     {
         const std::scoped_lock lock(m_mutex);
         if (m_receiver)
-            QCoreApplication::postEvent(m_receiver.get(), new WakeEvent(std::move(slot)));
+            QCoreApplication::postEvent(m_receiver.get(), new ResumeEvent(std::move(slot)));
     }
 
-    /// What resumes may wait again for something that is finished already; who does so for ever is left
-    /// behind.
-    void deliverNow()
+    /// A resumed coroutine may await another slot that is already finished, hence several rounds. Their
+    /// number is limited, because a coroutine might do so forever.
+    void resumeFinished()
     {
         constexpr int rounds = 100;
         for (int round = 0; round < rounds && hasFinished(); ++round)
-            QCoreApplication::sendPostedEvents(m_receiver.get(), wakeType);
+            QCoreApplication::sendPostedEvents(m_receiver.get(), resumeType);
     }
 
 private:
@@ -71,17 +71,17 @@ private:
     {
         bool event(QEvent *event) override
         {
-            if (event->type() != wakeType)
+            if (event->type() != resumeType)
                 return QObject::event(event);
-            static_cast<WakeEvent *>(event)->slot->resume();
+            static_cast<ResumeEvent *>(event)->slot->resume();
             return true;
         }
     };
 
     struct Owner
     {
-        std::shared_ptr<Courier> courier = std::make_shared<Courier>();
-        ~Owner() { courier->close(); }
+        std::shared_ptr<Dispatcher> dispatcher = std::make_shared<Dispatcher>();
+        ~Owner() { dispatcher->close(); }
     };
 
     bool hasFinished() const
@@ -90,7 +90,7 @@ private:
                            [](const auto &slot) { return slot->isFinished(); });
     }
 
-    void dropAll()
+    void cancelAll()
     {
         while (!m_waiting.empty()) {
             const std::shared_ptr<ReplySlot> slot = *m_waiting.begin();
@@ -101,20 +101,20 @@ private:
 
     void close()
     {
-        dropAll();
+        cancelAll();
         const std::scoped_lock lock(m_mutex);
         m_receiver.reset();
     }
 
     std::mutex m_mutex;
     std::unique_ptr<Receiver> m_receiver;
-    std::set<std::shared_ptr<ReplySlot>> m_waiting; // touched by the own thread only
+    std::set<std::shared_ptr<ReplySlot>> m_waiting; // accessed only by the dispatcher's own thread
 };
 
 std::shared_ptr<ReplySlot> ReplySlot::make()
 {
     auto slot = std::make_shared<ReplySlot>(Key{});
-    slot->m_home = Courier::ofThisThread();
+    slot->m_dispatcher = Dispatcher::forCurrentThread();
     return slot;
 }
 
@@ -126,7 +126,7 @@ void ReplySlot::finish(std::exception_ptr error) noexcept
     m_finished = true;
     m_error = std::move(error);
     if (m_waiter)
-        m_home->wake(shared_from_this());
+        m_dispatcher->postResume(shared_from_this());
 }
 
 bool ReplySlot::isFinished() const noexcept
@@ -137,18 +137,18 @@ bool ReplySlot::isFinished() const noexcept
 
 void ReplySlot::deliverHere()
 {
-    Courier::ofThisThread()->deliverNow();
+    Dispatcher::forCurrentThread()->resumeFinished();
 }
 
 void ReplySlot::suspend(std::coroutine_handle<> waiter)
 {
     const std::scoped_lock lock(m_mutex);
     m_waiter = waiter;
-    m_home->expect(shared_from_this());
-    // Also what is finished by now comes through the event loop, behind whatever was posted to this thread
-    // before it.
+    m_dispatcher->add(shared_from_this());
+    // A slot that is already finished resumes through the event loop, too, after everything posted to this
+    // thread before.
     if (m_finished)
-        m_home->wake(shared_from_this());
+        m_dispatcher->postResume(shared_from_this());
 }
 
 void ReplySlot::rethrow() const
@@ -160,7 +160,7 @@ void ReplySlot::rethrow() const
 void ReplySlot::resume()
 {
     const std::shared_ptr<ReplySlot> alive = shared_from_this();
-    m_home->forget(alive);
+    m_dispatcher->remove(alive);
     if (const std::coroutine_handle<> waiter = std::exchange(m_waiter, {}))
         waiter.resume();
 }

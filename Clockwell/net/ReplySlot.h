@@ -9,29 +9,30 @@
 
 namespace clockwell {
 
-/// The meeting point of a coroutine that waits on one thread with the work done for it on another.
+/// Lets a coroutine on one thread await work done on another.
 ///
-/// Made and awaited on the waiting thread, finished once from any thread. The coroutine always resumes on its
-/// own thread, from that thread's event loop; when the thread ends first, it resumes while the thread winds
-/// down, with a TransportError (cancelled), so that nothing it holds leaks.
+/// Created and awaited on the coroutine's thread, finished once from any thread. The coroutine always resumes
+/// on its own thread, from that thread's event loop. If the thread ends first, the coroutine resumes during
+/// the thread's shutdown with a TransportError (cancelled), so that it leaks nothing.
 class ReplySlot : public std::enable_shared_from_this<ReplySlot>
 {
     struct Key
     {};
 
 public:
-    class Courier;
+    class Dispatcher;
 
     explicit ReplySlot(Key) {}
     static std::shared_ptr<ReplySlot> make();
 
-    /// Any thread; only the first call counts.
+    /// Callable from any thread; only the first call has an effect.
     void finish(std::exception_ptr error = {}) noexcept;
     bool isFinished() const noexcept;
-    /// Resumes now what is due on the calling thread, for when its event loop will not run again.
+    /// Resumes at once all coroutines of the calling thread whose slots are finished. For a thread whose
+    /// event loop will not run again.
     static void deliverHere();
 
-    /// What the waiting coroutine awaits; rethrows the error given to finish().
+    /// The awaitable; rethrows the error passed to finish().
     class Finished
     {
     public:
@@ -54,7 +55,7 @@ private:
     bool m_finished = false;
     std::exception_ptr m_error;
     std::coroutine_handle<> m_waiter;
-    std::shared_ptr<Courier> m_home;
+    std::shared_ptr<Dispatcher> m_dispatcher;
 };
 
 } // namespace clockwell

@@ -5,8 +5,8 @@
 
 namespace clockwell {
 
-/// The URL of an endpoint below the base. Everything in `path` and `query` is plain text: what URLs reserve
-/// is percent-encoded, also the plus sign, which many servers read as a blank.
+/// The URL of an endpoint below the base. `path` and `query` are plain text: reserved characters are
+/// percent-encoded, including the plus sign, which many servers decode as a space.
 QUrl requestUrl(const QUrl &base, const QString &path, const QMap<QString, QString> &query);
 
 } // namespace clockwell

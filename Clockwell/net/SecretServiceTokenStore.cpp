@@ -12,7 +12,7 @@ namespace clockwell {
 
 namespace {
 
-// Items are found by service and account alone, whatever else a keyring notes about them.
+// Items match by service and account alone, regardless of the schema name that the keyring stores with them.
 const SecretSchema schema = {
     "io.clockwell.app.tokens",
     SECRET_SCHEMA_DONT_MATCH_NAME,
@@ -31,15 +31,15 @@ const SecretSchema schema = {
     nullptr,
 };
 
-/// Takes the error that a call reports and drops it: no session bus, no service, a locked keyring all read as
-/// "nothing".
-class Ignored
+/// Receives the error of a call and discards it: without a session bus or a service, or with a locked
+/// keyring, a secret reads as absent.
+class IgnoredError
 {
 public:
-    Ignored() = default;
-    Ignored(const Ignored &) = delete;
-    Ignored &operator=(const Ignored &) = delete;
-    ~Ignored() { g_clear_error(&m_error); }
+    IgnoredError() = default;
+    IgnoredError(const IgnoredError &) = delete;
+    IgnoredError &operator=(const IgnoredError &) = delete;
+    ~IgnoredError() { g_clear_error(&m_error); }
     operator GError **() { return &m_error; }
 
 private:
@@ -61,19 +61,20 @@ Owned<GHashTable> attributesOf(const QByteArray &service, const QString &key)
                                                      key.toUtf8().constData(), nullptr));
 }
 
-/// None without a session bus or a service on it. The connection is libsecret's own, shared and kept. It
-/// agrees on a key for secrets (several milliseconds of arithmetic) when one is first carried, not before.
-Owned<SecretService> connected()
+/// Null without a session bus or a service on it. libsecret owns, shares and keeps the connection. The key
+/// exchange for encrypting secrets (several milliseconds of computation) is deferred until the first secret
+/// is transferred.
+Owned<SecretService> connectToService()
 {
-    return Owned<SecretService>(secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, Ignored()));
+    return Owned<SecretService>(secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, IgnoredError()));
 }
 
-/// The secret of the first item that matches. Unlike libsecret's simple calls it never asks the user to
-/// unlock anything: a start of the app must not end in a password dialog.
-Owned<SecretValue> find(SecretService *service, GHashTable *attributes)
+/// The secret of the first item that matches. Unlike libsecret's simple API it never prompts the user to
+/// unlock a keyring: starting the app must not open a password dialog.
+Owned<SecretValue> findSecret(SecretService *service, GHashTable *attributes)
 {
     GList *items = secret_service_search_sync(service, &schema, attributes, SECRET_SEARCH_LOAD_SECRETS,
-                                              nullptr, Ignored());
+                                              nullptr, IgnoredError());
     SecretValue *value = items ? secret_item_get_secret(SECRET_ITEM(items->data)) : nullptr;
     g_list_free_full(items, g_object_unref);
     return Owned<SecretValue>(value);
@@ -82,7 +83,7 @@ Owned<SecretValue> find(SecretService *service, GHashTable *attributes)
 bool isDefaultCollectionLocked(SecretService *service)
 {
     const Owned<SecretCollection> collection(secret_collection_for_alias_sync(
-        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, nullptr, Ignored()));
+        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, nullptr, IgnoredError()));
     return collection && secret_collection_get_locked(collection.get());
 }
 
@@ -92,10 +93,10 @@ SecretServiceTokenStore::SecretServiceTokenStore(const QString &service) : m_ser
 
 std::optional<QString> SecretServiceTokenStore::load(const QString &key) const
 {
-    const Owned<SecretService> service = connected();
+    const Owned<SecretService> service = connectToService();
     if (!service)
         return std::nullopt;
-    const Owned<SecretValue> value = find(service.get(), attributesOf(m_service, key).get());
+    const Owned<SecretValue> value = findSecret(service.get(), attributesOf(m_service, key).get());
     if (!value)
         return std::nullopt;
     gsize length = 0;
@@ -103,24 +104,24 @@ std::optional<QString> SecretServiceTokenStore::load(const QString &key) const
     const QByteArrayView view(bytes, static_cast<qsizetype>(length));
     if (!view.isValidUtf8())
         return std::nullopt;
-    // Not a null string: an empty token is a stored token.
+    // An empty, not a null string: an empty token is a stored token.
     return length == 0 ? QStringLiteral("") : QString::fromUtf8(view);
 }
 
 void SecretServiceTokenStore::save(const QString &key, const std::optional<QString> &value)
 {
-    const Owned<SecretService> service = connected();
+    const Owned<SecretService> service = connectToService();
     if (!service)
         return;
     const Owned<GHashTable> attributes = attributesOf(m_service, key);
-    secret_service_clear_sync(service.get(), &schema, attributes.get(), nullptr, Ignored());
+    secret_service_clear_sync(service.get(), &schema, attributes.get(), nullptr, IgnoredError());
     if (!value || isDefaultCollectionLocked(service.get()))
         return;
     const QByteArray bytes = value->toUtf8();
     const Owned<SecretValue> secret(
         secret_value_new(bytes.constData(), static_cast<gssize>(bytes.size()), "text/plain"));
     secret_service_store_sync(service.get(), &schema, attributes.get(), SECRET_COLLECTION_DEFAULT,
-                              "Clockwell", secret.get(), nullptr, Ignored());
+                              "Clockwell", secret.get(), nullptr, IgnoredError());
 }
 
 } // namespace clockwell

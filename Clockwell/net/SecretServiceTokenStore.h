@@ -6,8 +6,8 @@
 
 namespace clockwell {
 
-/// Tokens in the desktop's Secret Service, one item a key. Each call is a blocking D-Bus round trip (a
-/// millisecond, but seconds when the service hangs): keep it off the UI thread where that matters.
+/// Stores tokens in the desktop's Secret Service, one item per key. Each call is a blocking D-Bus round trip
+/// (a millisecond, but seconds if the service hangs): avoid it on the UI thread.
 class SecretServiceTokenStore final : public TokenStore
 {
 public:

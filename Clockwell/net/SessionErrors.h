@@ -4,14 +4,14 @@
 
 namespace clockwell {
 
-/// There is no session (any more) that could be renewed.
-inline APIError sessionGone()
+/// There is no session that could be renewed, or it has ended meanwhile.
+inline APIError noRefreshError()
 {
     return APIError(QStringLiteral("Session expired."), QStringLiteral("NO_REFRESH"), 401);
 }
 
 /// The server refused to renew the session.
-inline APIError sessionRefused()
+inline APIError refreshFailedError()
 {
     return APIError(QStringLiteral("Session expired. Please sign in again."),
                     QStringLiteral("REFRESH_FAILED"), 401);

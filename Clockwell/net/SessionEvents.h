@@ -7,7 +7,7 @@
 
 namespace clockwell {
 
-/// Tells the app that the server no longer accepts the session. Lives on the main thread, and is only written
+/// Notifies the app that the server no longer accepts the session. Lives on the main thread and is set only
 /// there.
 class SessionEvents : public QObject
 {
@@ -17,7 +17,7 @@ public:
     using QObject::QObject;
 
     std::optional<QDateTime> expiredAt() const { return m_expiredAt; }
-    /// Announces every assignment, also of an equal value: a second expiry is an event of its own.
+    /// Emits expiredAtChanged() even if the value is equal: a second expiry is a separate event.
     void setExpiredAt(QDateTime moment);
 
 Q_SIGNALS:

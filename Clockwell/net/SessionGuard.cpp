@@ -5,7 +5,7 @@ namespace clockwell {
 void SessionGuard::advance() noexcept
 {
     ++m_epoch;
-    if (m_writing.try_lock_for(patience))
+    if (m_writing.try_lock_for(maxWait))
         m_writing.unlock();
 }
 

@@ -9,7 +9,7 @@
 
 namespace clockwell {
 
-/// Keeps work that began in one person's session out of the next one. Thread-safe.
+/// Prevents work that began in one session from changing the tokens of the next. Thread-safe.
 class SessionGuard
 {
 public:
@@ -17,20 +17,22 @@ public:
 
     Epoch current() const noexcept { return m_epoch.load(); }
 
-    /// Ends the current epoch. When it returns, no write() of an older epoch is running any more, so whatever
-    /// the caller stores next stays as it is.
+    /// Ends the current epoch. When it returns, no write() of an older epoch is running any more (unless the
+    /// wait exceeded its limit), so no such write() changes what the caller stores next.
     void advance() noexcept;
 
-    /// Runs `change` on the stored tokens if `epoch` is still current. False when the epoch has ended, before
-    /// or meanwhile; then `undo` has run if `change` had.
+    /// Runs `change`, which changes the stored tokens, if `epoch` is still current. False if the epoch ended
+    /// before or meanwhile; in the latter case it has also run `undo`.
     bool write(Epoch epoch, const std::function<void()> &change, const std::function<void()> &undo = {});
 
 private:
-    // A secure store that hangs must not freeze the thread that signs out for longer than this.
-    static constexpr std::chrono::seconds patience{2};
+    // Longest wait in advance(): a secure store that hangs must not block the thread that signs out any
+    // longer.
+    static constexpr std::chrono::seconds maxWait{2};
 
     std::atomic<Epoch> m_epoch{0};
-    // Recursive, because a token store may itself be what notices the change of session.
+    // Recursive, because a token store may itself trigger the change of session, and call advance(), during a
+    // write.
     std::recursive_timed_mutex m_writing;
 };
 

@@ -28,12 +28,12 @@ SessionRenewal::SessionRenewal(QUrl endpoint, HttpTransport &transport, TokenSto
       m_guard(std::move(guard))
 {}
 
-QCoro::Task<> SessionRenewal::renewed(SessionGuard::Epoch epoch)
+QCoro::Task<> SessionRenewal::renew(SessionGuard::Epoch epoch)
 {
-    // Nobody joins a renewal of an earlier session: it can only fail.
+    // A renewal of an earlier session is not shared, because it can only fail.
     if (!m_running || m_runningEpoch != epoch) {
         m_runningEpoch = epoch;
-        m_running = std::make_shared<QCoro::Task<>>(renew(epoch));
+        m_running = std::make_shared<QCoro::Task<>>(exchangeTokens(epoch));
     }
     const std::shared_ptr<QCoro::Task<>> running = m_running;
     std::exception_ptr failure;
@@ -42,27 +42,28 @@ QCoro::Task<> SessionRenewal::renewed(SessionGuard::Epoch epoch)
     } catch (...) {
         failure = std::current_exception();
     }
-    // All who wait resume one after the other before anything else runs here; the first one clears the way.
+    // All waiting coroutines resume one after the other before anything else runs on this thread; the first
+    // of them resets m_running, so that the next call starts a new renewal.
     if (m_running == running)
         m_running.reset();
     if (failure)
         std::rethrow_exception(failure);
 }
 
-QCoro::Task<> SessionRenewal::renew(SessionGuard::Epoch epoch)
+QCoro::Task<> SessionRenewal::exchangeTokens(SessionGuard::Epoch epoch)
 {
     const std::optional<QString> refreshToken = m_tokens.load(TokenKey::refreshToken);
     if (!refreshToken)
-        throw sessionGone();
+        throw noRefreshError();
     HttpReply reply;
     std::exception_ptr failure;
     try {
-        reply = co_await ask(*refreshToken);
+        reply = co_await sendRequest(*refreshToken);
     } catch (...) {
         failure = std::current_exception();
     }
     if (m_guard->current() != epoch)
-        throw sessionGone();
+        throw noRefreshError();
     if (failure)
         std::rethrow_exception(failure);
     if (reply.status && *reply.status / 100 == 2)
@@ -71,7 +72,7 @@ QCoro::Task<> SessionRenewal::renew(SessionGuard::Epoch epoch)
         expire(epoch);
 }
 
-QCoro::Task<HttpReply> SessionRenewal::ask(QString refreshToken)
+QCoro::Task<HttpReply> SessionRenewal::sendRequest(QString refreshToken)
 {
     HttpRequest request{
         m_endpoint, {"Content-Type: application/json"}, encodeBody(Body{std::move(refreshToken)})};
@@ -85,15 +86,14 @@ void SessionRenewal::store(const QByteArray &body, SessionGuard::Epoch epoch)
         epoch, [&] { saveTokens(m_tokens, pair.accessToken, pair.refreshToken); },
         [&] { clearTokens(m_tokens); });
     if (!stored)
-        throw sessionGone();
+        throw noRefreshError();
 }
 
 void SessionRenewal::expire(SessionGuard::Epoch epoch)
 {
     if (!m_guard->write(epoch, [&] { clearTokens(m_tokens); }))
-        throw sessionGone();
-    // Reaches the main thread before the error does for callers there, since a thread's events keep their
-    // order.
+        throw noRefreshError();
+    // Callers on the main thread see the expiry before the error, because a thread's events keep their order.
     QMetaObject::invokeMethod(
         &m_events,
         [&events = m_events, guard = m_guard, epoch] {
@@ -101,7 +101,7 @@ void SessionRenewal::expire(SessionGuard::Epoch epoch)
                 events.setExpiredAt(QDateTime::currentDateTimeUtc());
         },
         Qt::QueuedConnection);
-    throw sessionRefused();
+    throw refreshFailedError();
 }
 
 } // namespace clockwell

@@ -14,7 +14,7 @@ struct HttpReply;
 class SessionEvents;
 class TokenStore;
 
-/// Exchanges the refresh token for a new pair, once for all who ask at the same time. Lives on the client's
+/// Exchanges the refresh token for a new pair; concurrent callers share one exchange. Lives on the client's
 /// thread.
 class SessionRenewal
 {
@@ -22,14 +22,14 @@ public:
     SessionRenewal(QUrl endpoint, HttpTransport &transport, TokenStore &tokens, SessionEvents &events,
                    std::shared_ptr<SessionGuard> guard);
 
-    /// Returns when new tokens are stored. Throws APIError when there is nothing to renew, when the server
-    /// refuses (then the tokens are gone and the expiry is announced) or when the session changed meanwhile;
-    /// TransportError and DecodingError leave the tokens alone.
-    QCoro::Task<> renewed(SessionGuard::Epoch epoch);
+    /// Completes when the new tokens are stored. Throws APIError if there is no refresh token, if the server
+    /// refuses (then it has deleted the tokens and announced the expiry) or if the session changed meanwhile.
+    /// Throws TransportError or DecodingError without changing the tokens.
+    QCoro::Task<> renew(SessionGuard::Epoch epoch);
 
 private:
-    QCoro::Task<> renew(SessionGuard::Epoch epoch);
-    QCoro::Task<HttpReply> ask(QString refreshToken);
+    QCoro::Task<> exchangeTokens(SessionGuard::Epoch epoch);
+    QCoro::Task<HttpReply> sendRequest(QString refreshToken);
     void store(const QByteArray &body, SessionGuard::Epoch epoch);
     [[noreturn]] void expire(SessionGuard::Epoch epoch);
 

@@ -17,7 +17,7 @@ QString schemeOf(const QNetworkProxy &proxy)
 {
     switch (proxy.type()) {
     case QNetworkProxy::Socks5Proxy:
-        return QStringLiteral("socks5h"); // the proxy looks the host up
+        return QStringLiteral("socks5h"); // the proxy resolves the host name
     case QNetworkProxy::HttpProxy:
     case QNetworkProxy::HttpCachingProxy:
         return QStringLiteral("http");
@@ -30,7 +30,7 @@ QString schemeOf(const QNetworkProxy &proxy)
 
 QByteArray systemProxy(const QUrl &url)
 {
-    // A proxy is of no use to reach this machine, and could not.
+    // A proxy on another machine could not reach this machine's loopback interface.
     if (isLoopback(url))
         return {};
     const QNetworkProxy proxy = QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(url)).value(0);

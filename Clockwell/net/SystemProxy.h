@@ -6,7 +6,7 @@ class QUrl;
 
 namespace clockwell {
 
-/// The URL of the proxy through which the system wants `url` to be asked for; empty: none. May take a while.
+/// The URL of the proxy that the system settings prescribe for `url`; empty: no proxy. May block for a while.
 QByteArray systemProxy(const QUrl &url);
 
 } // namespace clockwell

@@ -2,9 +2,9 @@
 
 namespace clockwell {
 
-// The access token goes first each time: interrupted half-way, a session without an access token renews
-// itself, while an access token that outlived its refresh token would work for a while and then end without
-// warning.
+// The access token is always written or deleted first. If the process is interrupted between the two calls, a
+// session without an access token is renewed; an access token without a refresh token would work for a while
+// and then fail without warning.
 void clearTokens(TokenStore &store)
 {
     store.save(TokenKey::accessToken, std::nullopt);

@@ -6,9 +6,9 @@
 
 namespace clockwell {
 
-/// Keeps the session's two secrets in the platform's secure store. Stateless, callable from any thread, and
-/// never fails visibly: what cannot be read is absent, what cannot be written is lost, and the session then
-/// ends by itself.
+/// Stores the session's two tokens in the platform's secure store. Stateless, callable from any thread, and
+/// never reports errors: a token that cannot be read is absent; one that cannot be written is lost, and the
+/// session then ends by itself.
 class TokenStore
 {
 public:
@@ -18,7 +18,7 @@ public:
     virtual ~TokenStore() = default;
 
     virtual std::optional<QString> load(const QString &key) const = 0;
-    /// Replaces the stored text; no value deletes it. An empty text is a value.
+    /// Replaces the stored text; nullopt deletes it. An empty text is a value.
     virtual void save(const QString &key, const std::optional<QString> &value) = 0;
 };
 

@@ -12,7 +12,7 @@ namespace clockwell {
 /// A moment as the server sends it, exact to the millisecond, UTC.
 using Instant = std::chrono::sys_time<std::chrono::milliseconds>;
 
-/// A number that some servers send as text; no value when it can be read as neither.
+/// A number that some servers send as a string; no value if it cannot be read as a number.
 struct LenientDouble
 {
     std::optional<double> value;
@@ -20,7 +20,7 @@ struct LenientDouble
     bool operator==(const LenientDouble &) const = default;
 };
 
-/// A message sent as one text or as a list of texts.
+/// A message sent as one string or as a list of strings.
 struct MessageField
 {
     QString text;
@@ -28,7 +28,7 @@ struct MessageField
     bool operator==(const MessageField &) const = default;
 };
 
-/// The result of a call whose reply body is of no interest.
+/// The result type of a call that ignores the reply body.
 struct Empty
 {};
 
@@ -180,7 +180,7 @@ BOOST_DESCRIBE_STRUCT(MonthlySummary, (),
                       (month, presentDays, lateDays, totalLateMinutes, absentDays, leaveDays, halfDays,
                        totalWorkingMinutes))
 
-/// The body of a reply that is not a success.
+/// The body of an error reply.
 struct APIErrorBody
 {
     std::optional<qint64> statusCode;

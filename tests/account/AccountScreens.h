@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AccountParts.h"
+#include "AuthStoreFixture.h"
 #include "ManualTiming.h"
 #include "account/OtpPurpose.h"
 #include "support/screen/QmlStage.h"
@@ -11,15 +11,15 @@
 
 namespace clockwell::test {
 
-/// The whole signed-out interface against a scripted server, at the sign-in screen.
-class AccountScreens : public AccountParts
+/// The signed-out interface, connected to a scripted server, at the sign-in screen.
+class AccountScreens : public AuthStoreFixture
 {
 protected:
     /// The screen on top of the stack.
     QQuickItem *top() { return stage.root()->property("currentItem").value<QQuickItem *>(); }
     int depth() { return stage.root()->property("depth").toInt(); }
 
-    /// Waits until the screen with this title is on top and all of the way there.
+    /// Waits until the screen with this title is on top and its transition has ended.
     bool arrivesAt(const QString &title)
     {
         return spinUntil([&] {
@@ -31,7 +31,7 @@ protected:
         return spinUntil([this] { return depth() == 1 && !stage.root()->property("busy").toBool(); });
     }
 
-    /// As a screen that leads there does.
+    /// Pushes the code screen in the same way as the screens that open it.
     void openCodeScreen(const QString &email, OtpPurpose::Purpose purpose)
     {
         const QVariantMap properties{
@@ -56,7 +56,7 @@ protected:
         return requests.isEmpty() ? QByteArray() : requests.last().body;
     }
 
-    QString valueOf(const QString &field) { return AccountParts::valueOf(stage.screen(), field); }
+    QString valueOf(const QString &field) { return AuthStoreFixture::valueOf(stage.screen(), field); }
 
     bool paste(const QString &field, const QString &text)
     {
@@ -67,7 +67,7 @@ protected:
         return true;
     }
 
-    /// A name as assistive technology gets it, with the role of something to be announced.
+    /// Whether assistive technology is given this text as an alert message.
     bool announces(const QString &text) { return stage->find(text, QAccessible::AlertMessage).has_value(); }
 
     ManualTiming timing;
@@ -76,12 +76,12 @@ protected:
                     {QStringLiteral("timing"), QVariant::fromValue(static_cast<Timing *>(&timing))}}};
 };
 
-/// Writes down the changes of some fields of a view model, in the order of their signals.
+/// Records changes of properties of a view model, in the order of their signals.
 class ChangeLog
 {
 public:
     template <class Model, class Declaring>
-    void follow(Model &model, void (Declaring::*changed)(), const char *property)
+    void record(Model &model, void (Declaring::*changed)(), const char *property)
     {
         QObject::connect(&model, changed, &m_context, [this, &model, property] {
             m_entries.append(QString::fromLatin1(property) + QLatin1Char(' ') +

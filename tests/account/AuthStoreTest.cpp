@@ -62,7 +62,7 @@ protected:
     AuthStore store{api, tokens};
 };
 
-TEST_F(AuthStoreTest, StartsLoadingWithNobody)
+TEST_F(AuthStoreTest, StartsLoadingWithoutAUser)
 {
     EXPECT_EQ(store.phase(), AuthStore::Phase::Loading);
     EXPECT_FALSE(store.user());
@@ -76,7 +76,7 @@ TEST_F(AuthStoreTest, BootstrapWithoutTokensSignsOutWithoutARequest)
     EXPECT_TRUE(server.requests().isEmpty());
 }
 
-TEST_F(AuthStoreTest, BootstrapWithOnlyARefreshTokenAsksWhoItIs)
+TEST_F(AuthStoreTest, BootstrapWithOnlyARefreshTokenRequestsTheUser)
 {
     storeTokens(std::nullopt, u"r0"_s);
     server.expect("GET", "/api/auth/me").withHeader("Authorization", "").reply(200, ada);
@@ -90,14 +90,14 @@ TEST_F(AuthStoreTest, BootstrapWithAnAccessTokenRestoresTheSession)
     storeTokens(u"a0"_s, u"r0"_s);
     server.expect("GET", "/api/auth/me").withHeader("Authorization", "Bearer a0").reply(200, ada);
     QList<AuthStore::Phase> phases;
-    bool userCameFirst = false;
+    bool userSetFirst = false;
     QObject::connect(&store, &AuthStore::phaseChanged, &store, [&] {
         phases.append(store.phase());
-        userCameFirst = store.user().has_value();
+        userSetFirst = store.user().has_value();
     });
     await(store.bootstrap());
     EXPECT_EQ(phases, QList{AuthStore::Phase::SignedIn});
-    EXPECT_TRUE(userCameFirst);
+    EXPECT_TRUE(userSetFirst);
     EXPECT_EQ(tokens.access(), u"a0"_s);
     EXPECT_EQ(server.requests().at(0).target, "/api/auth/me");
 }
@@ -198,18 +198,18 @@ TEST_F(AuthStoreTest, LoginWithoutAnyReplyRethrowsTheTransportError)
 TEST_F(AuthStoreTest, LogoutSendsNothingAndLeavesNoToken)
 {
     signIn();
-    bool tokensGoneFirst = false;
+    bool tokensDeletedFirst = false;
     QObject::connect(&store, &AuthStore::phaseChanged, &store,
-                     [&] { tokensGoneFirst = !tokens.access() && !tokens.refresh(); });
+                     [&] { tokensDeletedFirst = !tokens.access() && !tokens.refresh(); });
     const auto before = server.requests().size();
     store.logout();
     EXPECT_EQ(store.phase(), AuthStore::Phase::SignedOut);
     EXPECT_FALSE(store.user());
-    EXPECT_TRUE(tokensGoneFirst);
+    EXPECT_TRUE(tokensDeletedFirst);
     EXPECT_EQ(server.requests().size(), before);
 }
 
-TEST_F(AuthStoreTest, LogoutWhileSignedOutRepeatsTheClearing)
+TEST_F(AuthStoreTest, LogoutWhileSignedOutDeletesTheTokensAgain)
 {
     await(store.bootstrap());
     storeTokens(u"stray"_s, std::nullopt);
@@ -262,7 +262,7 @@ TEST_F(AuthStoreTest, RefreshMeFailingChangesNothing)
     EXPECT_EQ(tokens.access(), u"a1"_s);
 }
 
-TEST_F(AuthStoreTest, RefreshMeAnsweredAfterSigningOutBringsNobodyBack)
+TEST_F(AuthStoreTest, RefreshMeAnsweredAfterLogoutSetsNoUser)
 {
     signIn();
     server.expect("GET", "/api/auth/me").after(200ms).reply(200, ada);
@@ -273,7 +273,7 @@ TEST_F(AuthStoreTest, RefreshMeAnsweredAfterSigningOutBringsNobodyBack)
     EXPECT_FALSE(store.user());
 }
 
-TEST_F(AuthStoreTest, SignupTrimsTheEmailAndLeavesEmptyOptionalsOut)
+TEST_F(AuthStoreTest, SignupTrimsTheEmailAndOmitsEmptyOptionals)
 {
     server.expect("POST", "/api/auth/signup").reply(201, R"({"message":"ok"})");
     const auto reply =
@@ -334,7 +334,7 @@ TEST_F(AuthStoreTest, TheFourCodeRequestsSendTheirArgumentsAsGiven)
     EXPECT_EQ(store.phase(), AuthStore::Phase::Loading);
 }
 
-TEST_F(AuthStoreTest, VerifyOtpRethrowsTheServersWords)
+TEST_F(AuthStoreTest, VerifyOtpRethrowsTheServersMessage)
 {
     server.expect("POST", "/api/auth/verify-otp")
         .reply(400, R"({"error":"BAD_CODE","message":["Wrong.","Old."]})");
@@ -343,7 +343,7 @@ TEST_F(AuthStoreTest, VerifyOtpRethrowsTheServersWords)
     EXPECT_EQ(error.code, u"BAD_CODE"_s);
 }
 
-TEST_F(AuthStoreTest, AStoreThatDiesDuringLoginIsHarmless)
+TEST_F(AuthStoreTest, DestroyingTheStoreDuringLoginIsSafe)
 {
     server.expect("POST", "/api/auth/login").after(200ms).reply(200, loginReply());
     auto shortLived = std::make_unique<AuthStore>(api, tokens);

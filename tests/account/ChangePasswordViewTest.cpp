@@ -57,7 +57,7 @@ TEST_F(ChangePasswordViewTest, ShowsItsTextsInOrder)
     }
 }
 
-TEST_F(ChangePasswordViewTest, TheFieldsHideWhatIsTypedAndTellThePlatformWhatTheyAre)
+TEST_F(ChangePasswordViewTest, TheFieldsMaskTheirTextAndSetTheirInputHints)
 {
     for (const auto &name : {u"Current password"_s, u"New password"_s}) {
         const auto field = screen().find(name, QAccessible::EditableText);
@@ -80,13 +80,13 @@ TEST_F(ChangePasswordViewTest, OneCharacterInEachFieldIsEnough)
     EXPECT_FALSE(canSubmit());
     screen().type(u"Current password"_s, u"a"_s);
     EXPECT_FALSE(canSubmit());
-    screen().type(u"New password"_s, u" "_s); // blanks are text
+    screen().type(u"New password"_s, u" "_s); // blanks count as text
     EXPECT_TRUE(canSubmit());
     screen().retype(u"Current password"_s, QString());
     EXPECT_FALSE(canSubmit());
 }
 
-TEST_F(ChangePasswordViewTest, SendsBothAsTheyAreWithTheSession)
+TEST_F(ChangePasswordViewTest, SendsBothUnchangedWithTheAccessToken)
 {
     server.expect("POST", path).reply(200, R"({"message":"Done."})");
     fill(u"  old \"one\" "_s, u" ünï\\code "_s);
@@ -97,7 +97,7 @@ TEST_F(ChangePasswordViewTest, SendsBothAsTheyAreWithTheSession)
     EXPECT_EQ(request.header("Authorization"), "Bearer a1");
 }
 
-TEST_F(ChangePasswordViewTest, SuccessSaysSoAndOkReturnsToTheProfileStillSignedIn)
+TEST_F(ChangePasswordViewTest, SuccessShowsAnAlertAndOkReturnsToTheProfileStillSignedIn)
 {
     server.expect("POST", path).reply(200, "{}");
     const auto writes = tokens.writes().size();
@@ -115,7 +115,7 @@ TEST_F(ChangePasswordViewTest, SuccessSaysSoAndOkReturnsToTheProfileStillSignedI
     EXPECT_EQ(tokens.access(), u"a1"_s);
 }
 
-TEST_F(ChangePasswordViewTest, AnySuccessCountsWhateverTheReplyHolds)
+TEST_F(ChangePasswordViewTest, AnySuccessCountsRegardlessOfTheBody)
 {
     server.expect("POST", path).reply(204, "");
     server.expect("POST", path).reply(200, "<html>not json</html>");
@@ -145,7 +145,7 @@ TEST_F(ChangePasswordViewTest, AFailureKeepsTheFieldsAndCanBeCorrected)
     EXPECT_EQ(bodyOf(1), bodyOf(0));
 }
 
-TEST_F(ChangePasswordViewTest, AListOfBrokenRulesIsShownJoined)
+TEST_F(ChangePasswordViewTest, AListOfMessagesIsShownJoined)
 {
     server.expect("POST", path).reply(400, R"({"message":["too short","no number"]})");
     fill();
@@ -184,7 +184,7 @@ TEST_F(ChangePasswordViewTest, EnterMovesOnAndSubmitsAtTheEnd)
     server.expect("POST", path).reply(200, "{}");
     ASSERT_TRUE(screen().type(u"Current password"_s, u"old"_s));
     screen().key(Qt::Key_Return);
-    screen().key(Qt::Key_Return); // the new one is empty still
+    screen().key(Qt::Key_Return); // the new password is still empty
     settle(50ms);
     EXPECT_EQ(sent(), 0);
     screen().typeText(u"new"_s);
@@ -193,7 +193,7 @@ TEST_F(ChangePasswordViewTest, EnterMovesOnAndSubmitsAtTheEnd)
     EXPECT_EQ(bodyOf(0), R"({"currentPassword":"old","newPassword":"new"})");
 }
 
-TEST_F(ChangePasswordViewTest, EveryOpeningStartsAfresh)
+TEST_F(ChangePasswordViewTest, EveryOpeningStartsEmpty)
 {
     server.expect("POST", path).reply(400, R"({"message":"No."})");
     fill();
@@ -207,7 +207,7 @@ TEST_F(ChangePasswordViewTest, EveryOpeningStartsAfresh)
     EXPECT_EQ(valueOf(u"New password"_s), QString());
 }
 
-TEST_F(ChangePasswordViewTest, EscapeClosesTheAlertWithTheSheetAndThenNothing)
+TEST_F(ChangePasswordViewTest, EscapeClosesTheAlertAndTheSheetAndASecondOneDoesNothing)
 {
     server.expect("POST", path).reply(200, "{}");
     fill();
@@ -220,7 +220,7 @@ TEST_F(ChangePasswordViewTest, EscapeClosesTheAlertWithTheSheetAndThenNothing)
     EXPECT_TRUE(screen().shows(u"Account status, Approved"_s));
 }
 
-TEST_F(ChangePasswordViewTest, ClosedWhileTheRequestRuns)
+TEST_F(ChangePasswordViewTest, ClosingDuringTheRequestShowsNoAlert)
 {
     server.expect("POST", path).after(300ms).reply(200, "{}");
     fill();
@@ -246,7 +246,7 @@ TEST_F(ChangePasswordViewTest, AnExpiredAccessTokenIsRenewedOnceAndTheRequestRep
     EXPECT_EQ(bodyOf(1), bodyOf(0));
 }
 
-TEST_F(ChangePasswordViewTest, APasswordOfManyKindsOfCharactersIsPastedWhole)
+TEST_F(ChangePasswordViewTest, APasswordOfManyKindsOfCharactersIsPastedUnchanged)
 {
     server.expect("POST", path).reply(200, "{}");
     const QString strange = u"пароль-\U0001F510-Ä1 "_s.repeated(5);
@@ -259,7 +259,7 @@ TEST_F(ChangePasswordViewTest, APasswordOfManyKindsOfCharactersIsPastedWhole)
     EXPECT_EQ(bodyOf(0), R"({"currentPassword":"x","newPassword":")" + strange.toUtf8() + R"("})");
 }
 
-TEST_F(ChangePasswordViewTest, AssignsInOrder)
+TEST_F(ChangePasswordViewTest, SetsItsFieldsInOrder)
 {
     server.expect("POST", path).reply(400, R"({"message":"No."})");
     server.expect("POST", path).reply(200, "{}");
@@ -268,9 +268,9 @@ TEST_F(ChangePasswordViewTest, AssignsInOrder)
     model.setCurrent(u"a"_s);
     model.setNewPassword(u"b"_s);
     ChangeLog log;
-    log.follow(model, &ChangePasswordViewModel::errorChanged, "error");
-    log.follow(model, &ChangePasswordViewModel::loadingChanged, "loading");
-    log.follow(model, &ChangePasswordViewModel::doneChanged, "done");
+    log.record(model, &ChangePasswordViewModel::errorChanged, "error");
+    log.record(model, &ChangePasswordViewModel::loadingChanged, "loading");
+    log.record(model, &ChangePasswordViewModel::doneChanged, "done");
     model.submit();
     ASSERT_TRUE(spinUntil([&] { return !model.loading(); }));
     model.submit();

@@ -34,11 +34,11 @@ void send(ScreenDriver &screen, const QString &field, const QString &composing, 
     QCoreApplication::sendEvent(fieldOf(screen, field), &event);
 }
 
-/// Types what is done and leaves the rest to an input method that is not done yet. None of the test platform
-/// answers when it is asked to commit, as some do not either.
-void compose(ScreenDriver &screen, const QString &field, const QString &done, const QString &composing)
+/// Types `committed` and leaves `composing` as the preedit text of an input method. The test platform, like
+/// some real ones, does not react to a request to commit.
+void compose(ScreenDriver &screen, const QString &field, const QString &committed, const QString &composing)
 {
-    ASSERT_TRUE(screen.type(field, done)) << screen.dump().toStdString();
+    ASSERT_TRUE(screen.type(field, committed)) << screen.dump().toStdString();
     send(screen, field, composing);
 }
 
@@ -66,18 +66,18 @@ protected:
     }
 };
 
-TEST_F(ComposedTextTest, IsAllThatTheButtonNeeds)
+TEST_F(ComposedTextTest, EnablesTheButton)
 {
     stage->type(u"Email"_s, u"kim@example.org"_s);
     stage->click(u"Password"_s, QAccessible::EditableText);
     EXPECT_FALSE(stage->isEnabled(u"Sign in"_s));
     send(stage.screen(), u"Password"_s, u"ㅅ"_s);
     EXPECT_TRUE(stage->isEnabled(u"Sign in"_s));
-    send(stage.screen(), u"Password"_s, QString()); // taken back
+    send(stage.screen(), u"Password"_s, QString()); // the composition is cancelled
     EXPECT_FALSE(stage->isEnabled(u"Sign in"_s));
 }
 
-TEST_F(ComposedTextTest, IsSentByATap)
+TEST_F(ComposedTextTest, IsSentByAClick)
 {
     expectRefusal("/api/auth/login");
     stage->type(u"Password"_s, u"secret"_s);
@@ -88,7 +88,7 @@ TEST_F(ComposedTextTest, IsSentByATap)
     EXPECT_EQ(composedIn(stage.screen(), u"Email"_s), QString());
 }
 
-TEST_F(ComposedTextTest, IsSentInTheMiddleOfATextToo)
+TEST_F(ComposedTextTest, IsSentFromTheMiddleOfAText)
 {
     expectRefusal("/api/auth/login");
     stage->type(u"Password"_s, u"secret"_s);
@@ -117,7 +117,7 @@ TEST_F(ComposedTextTest, IsSentByAssistiveTechnology)
     expectSent(R"("password":"비밀")");
 }
 
-TEST_F(ComposedTextTest, IsSentByAFinger)
+TEST_F(ComposedTextTest, IsSentByATouch)
 {
     expectRefusal("/api/auth/login");
     stage->type(u"Email"_s, u"kim@example.org"_s);
@@ -129,7 +129,7 @@ TEST_F(ComposedTextTest, IsSentByAFinger)
     expectSent(R"("password":"비밀")");
 }
 
-TEST_F(ComposedTextTest, StaysWhenTheFieldIsLeft)
+TEST_F(ComposedTextTest, IsCommittedWhenTheFieldLosesFocus)
 {
     compose(stage.screen(), u"Email"_s, u"김민"_s, u"수"_s);
     stage->key(Qt::Key_Tab);
@@ -140,7 +140,7 @@ TEST_F(ComposedTextTest, StaysWhenTheFieldIsLeft)
     EXPECT_EQ(valueOf(u"Password"_s), u"비밀"_s);
 }
 
-TEST_F(ComposedTextTest, CountsAlsoAfterATapOnNothing)
+TEST_F(ComposedTextTest, IsSentAfterAClickOutsideTheFields)
 {
     expectRefusal("/api/auth/login");
     stage->type(u"Email"_s, u"kim@example.org"_s);
@@ -151,7 +151,7 @@ TEST_F(ComposedTextTest, CountsAlsoAfterATapOnNothing)
     expectSent(R"("password":"비밀")");
 }
 
-TEST_F(ComposedTextTest, GoesAlongToTheForgottenPassword)
+TEST_F(ComposedTextTest, IsPassedToTheForgotPasswordScreen)
 {
     compose(stage.screen(), u"Email"_s, u"kim"_s, u"수"_s);
     openForgotPassword();
@@ -159,7 +159,7 @@ TEST_F(ComposedTextTest, GoesAlongToTheForgottenPassword)
     EXPECT_EQ(valueOf(u"Email"_s), u"kim수"_s);
 }
 
-TEST_F(ComposedTextTest, GoesAlongToTheCodeScreen)
+TEST_F(ComposedTextTest, IsPassedToTheCodeScreen)
 {
     server.expect("POST", "/api/auth/login")
         .reply(403, R"({"error":"EMAIL_NOT_VERIFIED","message":"Verify."})");
@@ -173,7 +173,7 @@ TEST_F(ComposedTextTest, GoesAlongToTheCodeScreen)
     EXPECT_TRUE(top()->property("email").toString().contains(u'수'));
 }
 
-TEST_F(ComposedTextTest, OfEveryFieldOfTheSignUpIsSent)
+TEST_F(ComposedTextTest, InEveryFieldOfTheSignUpIsSent)
 {
     expectRefusal("/api/auth/signup");
     openSignUp();
@@ -187,7 +187,7 @@ TEST_F(ComposedTextTest, OfEveryFieldOfTheSignUpIsSent)
         EXPECT_TRUE(lastBody().contains('"' + key + R"(":"김민수")")) << lastBody().toStdString();
 }
 
-TEST_F(ComposedTextTest, IsNotDisturbedByTheFormThatHearsOfIt)
+TEST_F(ComposedTextTest, IsNotInterruptedByUpdatesOfTheForm)
 {
     expectRefusal("/api/auth/forgot-password");
     openForgotPassword();
@@ -201,7 +201,7 @@ TEST_F(ComposedTextTest, IsNotDisturbedByTheFormThatHearsOfIt)
     expectSent(R"("email":"수")");
 }
 
-TEST_F(ComposedTextTest, OfTheResetRequestIsSentByTheEnterKey)
+TEST_F(ComposedTextTest, OnTheForgotPasswordScreenIsSentByTheEnterKey)
 {
     expectRefusal("/api/auth/forgot-password");
     openForgotPassword();
@@ -210,7 +210,7 @@ TEST_F(ComposedTextTest, OfTheResetRequestIsSentByTheEnterKey)
     expectSent(R"("email":"kim수")");
 }
 
-TEST_F(ComposedTextTest, CountsAmongTheDigitsOfACode)
+TEST_F(ComposedTextTest, CountsTowardsTheDigitsOfACode)
 {
     expectRefusal("/api/auth/verify-otp");
     openCodeScreen(u"kim@example.org"_s, OtpPurpose::VerifyEmail);
@@ -224,7 +224,7 @@ TEST_F(ComposedTextTest, CountsAmongTheDigitsOfACode)
     EXPECT_EQ(valueOf(u"Verification code"_s), u"123456"_s);
 }
 
-TEST_F(ComposedTextTest, OfACodeIsSentByTheEnterKey)
+TEST_F(ComposedTextTest, InTheCodeFieldIsSentByTheEnterKey)
 {
     expectRefusal("/api/auth/verify-otp");
     openCodeScreen(u"kim@example.org"_s, OtpPurpose::VerifyEmail);
@@ -233,12 +233,12 @@ TEST_F(ComposedTextTest, OfACodeIsSentByTheEnterKey)
     expectSent(R"("code":"१२३४५६")");
 }
 
-TEST_F(ComposedTextTest, OfCodeAndNewPasswordIsSent)
+TEST_F(ComposedTextTest, InCodeAndNewPasswordIsSent)
 {
     expectRefusal("/api/auth/reset-password");
     openCodeScreen(u"kim@example.org"_s, OtpPurpose::ResetPassword);
     compose(stage.screen(), u"Verification code"_s, u"1234"_s, u"56"_s);
-    stage->key(Qt::Key_Return); // on to the new password
+    stage->key(Qt::Key_Return); // moves to the new password
     EXPECT_EQ(valueOf(u"Verification code"_s), u"123456"_s);
     send(stage.screen(), u"New password"_s, u"밀"_s);
     ASSERT_TRUE(stage->isEnabled(u"Reset password"_s));
@@ -246,7 +246,7 @@ TEST_F(ComposedTextTest, OfCodeAndNewPasswordIsSent)
     expectSent(R"("code":"123456","newPassword":"밀")");
 }
 
-TEST_F(ComposedTextTest, StaysWhenACodeIsAskedForAgain)
+TEST_F(ComposedTextTest, IsKeptWhenACodeIsResent)
 {
     server.expect("POST", "/api/auth/resend-otp").reply(400, refused);
     openCodeScreen(u"kim@example.org"_s, OtpPurpose::VerifyEmail);
@@ -259,7 +259,7 @@ TEST_F(ComposedTextTest, StaysWhenACodeIsAskedForAgain)
 class ComposedPasswordTest : public ProfileScreen
 {};
 
-TEST_F(ComposedPasswordTest, OfTheSheetIsSent)
+TEST_F(ComposedPasswordTest, InTheSheetIsSent)
 {
     server.expect("GET", "/api/auth/me").anyNumber().reply(200, test::userJson("Kel Voss"));
     server.expect("POST", "/api/auth/change-password").reply(400, refused);

@@ -12,7 +12,7 @@ using test::AccountScreens;
 using test::ProfileScreen;
 using test::ScreenDriver;
 
-/// What an on-screen keyboard writes on its Enter key while the field has the focus.
+/// The type of Enter key that the field requests from an on-screen keyboard.
 Qt::EnterKeyType enterKeyOf(ScreenDriver &screen, const QString &field)
 {
     const auto element = screen.find(field, QAccessible::EditableText);
@@ -28,13 +28,13 @@ Qt::EnterKeyType enterKeyOf(ScreenDriver &screen, const QString &field)
 class EnterKeyTest : public AccountScreens
 {};
 
-TEST_F(EnterKeyTest, LeadsThroughTheSignInAndSendsIt)
+TEST_F(EnterKeyTest, IsNextThenGoOnTheSignIn)
 {
     EXPECT_EQ(enterKeyOf(stage.screen(), u"Email"_s), Qt::EnterKeyNext);
     EXPECT_EQ(enterKeyOf(stage.screen(), u"Password"_s), Qt::EnterKeyGo);
 }
 
-TEST_F(EnterKeyTest, LeadsThroughTheSignUpAndSendsIt)
+TEST_F(EnterKeyTest, IsNextThenGoOnTheSignUp)
 {
     ASSERT_TRUE(stage->click(u"Create an account"_s));
     ASSERT_TRUE(arrivesAt(u"Sign up"_s));
@@ -44,20 +44,20 @@ TEST_F(EnterKeyTest, LeadsThroughTheSignUpAndSendsIt)
     EXPECT_EQ(enterKeyOf(stage.screen(), u"Password"_s), Qt::EnterKeyGo);
 }
 
-TEST_F(EnterKeyTest, AsksForTheResetCode)
+TEST_F(EnterKeyTest, IsGoOnTheForgotPasswordScreen)
 {
     ASSERT_TRUE(stage->click(u"Forgot password?"_s));
     ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
     EXPECT_EQ(enterKeyOf(stage.screen(), u"Email"_s), Qt::EnterKeyGo);
 }
 
-TEST_F(EnterKeyTest, SendsACodeThatIsAllThatIsAskedFor)
+TEST_F(EnterKeyTest, IsGoWhenOnlyACodeIsRequired)
 {
     openCodeScreen(u"ada@example.org"_s, OtpPurpose::VerifyEmail);
     EXPECT_EQ(enterKeyOf(stage.screen(), u"Verification code"_s), Qt::EnterKeyGo);
 }
 
-TEST_F(EnterKeyTest, LeadsFromTheCodeToTheNewPassword)
+TEST_F(EnterKeyTest, IsNextThenGoWhenANewPasswordIsRequired)
 {
     openCodeScreen(u"ada@example.org"_s, OtpPurpose::ResetPassword);
     EXPECT_EQ(enterKeyOf(stage.screen(), u"Verification code"_s), Qt::EnterKeyNext);
@@ -67,7 +67,7 @@ TEST_F(EnterKeyTest, LeadsFromTheCodeToTheNewPassword)
 class ChangePasswordEnterKeyTest : public ProfileScreen
 {};
 
-TEST_F(ChangePasswordEnterKeyTest, LeadsToTheNewPasswordAndSendsBoth)
+TEST_F(ChangePasswordEnterKeyTest, IsNextThenGo)
 {
     server.expect("GET", "/api/auth/me").anyNumber().reply(200, test::userJson("Kel Voss"));
     show();

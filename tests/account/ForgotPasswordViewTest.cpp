@@ -22,7 +22,7 @@ protected:
         ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
     }
 
-    void ask(const QString &email, const QByteArray &reply = onItsWay)
+    void requestCode(const QString &email, const QByteArray &reply = onItsWay)
     {
         server.expect("POST", "/api/auth/forgot-password").reply(200, reply);
         EXPECT_TRUE(stage->retype(u"Email"_s, email));
@@ -57,7 +57,7 @@ TEST_F(ForgotPasswordViewTest, OpenedFromAnEmptyFieldItStartsEmpty)
     EXPECT_TRUE(server.requests().isEmpty());
 }
 
-TEST_F(ForgotPasswordViewTest, OpenedWithAnEmailTypedItShowsThatAsTyped)
+TEST_F(ForgotPasswordViewTest, OpenedWithATypedEmailItShowsItUnchanged)
 {
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
@@ -68,17 +68,17 @@ TEST_F(ForgotPasswordViewTest, OpenedWithAnEmailTypedItShowsThatAsTyped)
     EXPECT_TRUE(stage->isEnabled(u"Send reset code"_s));
 }
 
-TEST_F(ForgotPasswordViewTest, BlanksEnableTheButtonAndAreSentAsNothing)
+TEST_F(ForgotPasswordViewTest, BlanksEnableTheButtonAndAreSentAsAnEmptyEmail)
 {
-    ask(u"  "_s);
+    requestCode(u"  "_s);
     EXPECT_EQ(lastBody(), R"({"email":""})");
 }
 
-TEST_F(ForgotPasswordViewTest, ShowsTheAnswerForSixTenthsOfASecondAndMovesOn)
+TEST_F(ForgotPasswordViewTest, ShowsTheReplyForSixTenthsOfASecondThenOpensTheCodeScreen)
 {
-    ask(u" ada@example.org "_s);
+    requestCode(u" ada@example.org "_s);
     EXPECT_TRUE(announces(u"A code is on its way."_s));
-    EXPECT_FALSE(stage->isEnabled(u"Send reset code"_s)); // busy through the pause
+    EXPECT_FALSE(stage->isEnabled(u"Send reset code"_s)); // busy during the pause
     EXPECT_EQ(lastBody(), R"({"email":"ada@example.org"})");
     EXPECT_FALSE(server.requests().constLast().has("Authorization"));
     timing.advance(599ms);
@@ -100,7 +100,7 @@ TEST_F(ForgotPasswordViewTest, TheCodeScreenIsForTheEmailThatWasSent)
     ASSERT_TRUE(server.waitForRequests(1));
     stage->retype(u"Email"_s, u"somebody.else@example.org"_s);
     ASSERT_TRUE(spinUntil([this] { return timing.pauses() == 1; }));
-    stage->typeText(u"x"_s); // and while the answer is read
+    stage->typeText(u"x"_s); // also during the pause
     timing.advance(600ms);
     ASSERT_TRUE(arrivesAt(u"Reset password"_s));
     EXPECT_TRUE(stage->shows(u"ada@example.org"_s)) << stage->dump().toStdString();
@@ -114,17 +114,17 @@ TEST_F(ForgotPasswordViewTest, TheCodeScreenIsForTheEmailThatWasSent)
     EXPECT_EQ(valueOf(u"Email"_s), u"somebody.else@example.orgx"_s);
 }
 
-TEST_F(ForgotPasswordViewTest, AnAnswerWithoutAMessageHasAnInfoOfItsOwn)
+TEST_F(ForgotPasswordViewTest, AReplyWithoutAMessageShowsADefaultInfo)
 {
-    ask(u"nobody"_s, "{}");
+    requestCode(u"nobody"_s, "{}");
     EXPECT_TRUE(announces(u"If that email is registered, a code was sent."_s));
     timing.advance(600ms);
-    EXPECT_TRUE(arrivesAt(u"Reset password"_s)); // whatever address was given
+    EXPECT_TRUE(arrivesAt(u"Reset password"_s)); // regardless of the address
 }
 
-TEST_F(ForgotPasswordViewTest, ComingBackItKeepsAddressAndInfoAndCanAskAgain)
+TEST_F(ForgotPasswordViewTest, OnReturnItKeepsAddressAndInfoAndCanRequestAgain)
 {
-    ask(u" ada@example.org"_s);
+    requestCode(u" ada@example.org"_s);
     timing.advance(600ms);
     ASSERT_TRUE(arrivesAt(u"Reset password"_s));
     stage->click(u"Back"_s);
@@ -135,15 +135,15 @@ TEST_F(ForgotPasswordViewTest, ComingBackItKeepsAddressAndInfoAndCanAskAgain)
     ASSERT_TRUE(model);
     EXPECT_FALSE(model->goToReset());
     EXPECT_TRUE(becomesEnabled(u"Send reset code"_s));
-    ask(u"b@example.org"_s);
+    requestCode(u"b@example.org"_s);
     timing.advance(600ms);
     ASSERT_TRUE(arrivesAt(u"Reset password"_s));
     EXPECT_EQ(top()->property("email").toString(), u"b@example.org"_s);
 }
 
-TEST_F(ForgotPasswordViewTest, ANewPasswordLeadsBackWithTheInfoStillThere)
+TEST_F(ForgotPasswordViewTest, ANewPasswordReturnsToTheScreenWithItsInfo)
 {
-    ask(u"ada@example.org "_s);
+    requestCode(u"ada@example.org "_s);
     timing.advance(600ms);
     ASSERT_TRUE(arrivesAt(u"Reset password"_s));
     server.expect("POST", "/api/auth/reset-password").reply(200, R"({"message":"ok"})");
@@ -161,7 +161,7 @@ TEST_F(ForgotPasswordViewTest, ANewPasswordLeadsBackWithTheInfoStillThere)
     EXPECT_EQ(timing.subscriptions(), 0);
 }
 
-TEST_F(ForgotPasswordViewTest, EachAppearanceFillsAnEmptyFieldAndOnlyThat)
+TEST_F(ForgotPasswordViewTest, EachAppearanceFillsOnlyAnEmptyField)
 {
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
@@ -183,16 +183,16 @@ TEST_F(ForgotPasswordViewTest, EachAppearanceFillsAnEmptyFieldAndOnlyThat)
     EXPECT_TRUE(stage->isEnabled(u"Send reset code"_s));
 }
 
-TEST_F(ForgotPasswordViewTest, AFieldClearedBeforeItMovesOnIsFilledAgainOnTheWayBack)
+TEST_F(ForgotPasswordViewTest, AFieldClearedDuringThePauseIsFilledAgainOnReturn)
 {
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
     stage->type(u"Email"_s, u"ada@example.org"_s);
     stage->click(u"Forgot password?"_s);
     ASSERT_TRUE(arrivesAt(u"Forgot password"_s));
-    ask(u"other@example.org"_s);
+    requestCode(u"other@example.org"_s);
     timing.advance(300ms);
-    ASSERT_TRUE(stage->retype(u"Email"_s, QString())); // within the pause
+    ASSERT_TRUE(stage->retype(u"Email"_s, QString())); // during the pause
     ASSERT_EQ(timing.pauses(), 1);
     timing.advance(300ms);
     ASSERT_TRUE(arrivesAt(u"Reset password"_s));
@@ -203,7 +203,7 @@ TEST_F(ForgotPasswordViewTest, AFieldClearedBeforeItMovesOnIsFilledAgainOnTheWay
     EXPECT_TRUE(becomesEnabled(u"Send reset code"_s));
 }
 
-TEST_F(ForgotPasswordViewTest, AFailureShowsTheServersWordsAndStays)
+TEST_F(ForgotPasswordViewTest, AFailureShowsTheServersMessageAndStays)
 {
     server.expect("POST", "/api/auth/forgot-password").reply(429, R"({"message":["Slow down","Please"]})");
     stage->type(u"Email"_s, u"ada@example.org"_s);
@@ -213,11 +213,11 @@ TEST_F(ForgotPasswordViewTest, AFailureShowsTheServersWordsAndStays)
     EXPECT_TRUE(becomesEnabled(u"Send reset code"_s));
     EXPECT_EQ(timing.pauses(), 0);
     EXPECT_EQ(depth(), 2);
-    ask(u"ada@example.org"_s);
+    requestCode(u"ada@example.org"_s);
     EXPECT_FALSE(stage->shows(u"Slow down, Please"_s));
 }
 
-TEST_F(ForgotPasswordViewTest, AFailureOfTheNetworkIsDescribedInWords)
+TEST_F(ForgotPasswordViewTest, ANetworkFailureIsShown)
 {
     server.goDown();
     stage->type(u"Email"_s, u"a"_s);
@@ -227,7 +227,7 @@ TEST_F(ForgotPasswordViewTest, AFailureOfTheNetworkIsDescribedInWords)
 
 TEST_F(ForgotPasswordViewTest, IsBusyWhileItWaitsAndIgnoresTapsAndEnter)
 {
-    ask(u"ada@example.org"_s);
+    requestCode(u"ada@example.org"_s);
     stage->click(u"Send reset code"_s);
     stage->click(u"Email"_s, QAccessible::EditableText);
     stage->key(Qt::Key_Return);
@@ -235,7 +235,7 @@ TEST_F(ForgotPasswordViewTest, IsBusyWhileItWaitsAndIgnoresTapsAndEnter)
     EXPECT_EQ(server.requests().size(), 1);
 }
 
-TEST_F(ForgotPasswordViewTest, LeftDuringTheRequestItPushesNothingLater)
+TEST_F(ForgotPasswordViewTest, LeavingDuringTheRequestPushesNothingLater)
 {
     server.expect("POST", "/api/auth/forgot-password").after(200ms).reply(200, onItsWay);
     stage->type(u"Email"_s, u"a"_s);
@@ -249,9 +249,9 @@ TEST_F(ForgotPasswordViewTest, LeftDuringTheRequestItPushesNothingLater)
     EXPECT_EQ(depth(), 1);
 }
 
-TEST_F(ForgotPasswordViewTest, LeftDuringThePauseItPushesNothingLater)
+TEST_F(ForgotPasswordViewTest, LeavingDuringThePausePushesNothingLater)
 {
-    ask(u"ada@example.org"_s);
+    requestCode(u"ada@example.org"_s);
     stage->key(Qt::Key_Escape);
     ASSERT_TRUE(arrivesAtSignIn());
     timing.advance(1s);
@@ -259,9 +259,9 @@ TEST_F(ForgotPasswordViewTest, LeftDuringThePauseItPushesNothingLater)
     EXPECT_EQ(depth(), 1);
 }
 
-TEST_F(ForgotPasswordViewTest, ThePauseEndingWhileItSlidesAwayPushesNothing)
+TEST_F(ForgotPasswordViewTest, APauseThatEndsDuringThePopTransitionPushesNothing)
 {
-    ask(u"ada@example.org"_s);
+    requestCode(u"ada@example.org"_s);
     stage->key(Qt::Key_Escape);
     timing.advance(600ms);
     ASSERT_TRUE(arrivesAtSignIn());
@@ -277,10 +277,10 @@ protected:
         model.setProperty("auth", QVariant::fromValue(&auth));
         model.setProperty("timing", QVariant::fromValue(static_cast<Timing *>(&timing)));
         model.setEmail(u"a@b"_s);
-        log.follow(model, &ForgotPasswordViewModel::errorChanged, "error");
-        log.follow(model, &ForgotPasswordViewModel::infoChanged, "info");
-        log.follow(model, &ForgotPasswordViewModel::loadingChanged, "loading");
-        log.follow(model, &ForgotPasswordViewModel::goToResetChanged, "goToReset");
+        log.record(model, &ForgotPasswordViewModel::errorChanged, "error");
+        log.record(model, &ForgotPasswordViewModel::infoChanged, "info");
+        log.record(model, &ForgotPasswordViewModel::loadingChanged, "loading");
+        log.record(model, &ForgotPasswordViewModel::goToResetChanged, "goToReset");
     }
 
     ForgotPasswordViewModel model;

@@ -120,7 +120,7 @@ TEST_F(LoginViewTest, IsBusyWhileTheRequestRunsAndIgnoresFurtherTaps)
     for (int tap = 0; tap < 6; ++tap)
         stage->click(u"Sign in"_s);
     stage->key(Qt::Key_Return);
-    EXPECT_TRUE(stage->shows(u"Sign in"_s)); // named so also while the spinner is all that is drawn
+    EXPECT_TRUE(stage->shows(u"Sign in"_s)); // keeps its name while only the spinner is drawn
     EXPECT_FALSE(stage->isEnabled(u"Sign in"_s));
     EXPECT_TRUE(stage->waitFor(u"No."_s));
     EXPECT_TRUE(waitForIdle());
@@ -148,7 +148,7 @@ TEST_F(LoginViewTest, UnverifiedEmailShowsTheMessageAndTheLink)
     EXPECT_TRUE(stage->waitFor(u"Enter verification code"_s));
 }
 
-TEST_F(LoginViewTest, ACodeInOtherLetterCaseShowsNoLink)
+TEST_F(LoginViewTest, AnErrorCodeInDifferentCaseShowsNoLink)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
     server.expect("POST", "/api/auth/login")
@@ -173,7 +173,7 @@ TEST_F(LoginViewTest, ASecondAttemptHidesErrorAndLinkBeforeItIsAnswered)
     EXPECT_FALSE(stage->shows(u"Enter verification code"_s));
 }
 
-TEST_F(LoginViewTest, AFailureOfTheNetworkIsDescribedInWords)
+TEST_F(LoginViewTest, ANetworkFailureIsShown)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
     server.goDown();
@@ -194,7 +194,7 @@ TEST_F(LoginViewTest, TheCodeScreenReceivesTheEmailAsTyped)
     EXPECT_EQ(top()->property("purpose").toInt(), 0);
 }
 
-TEST_F(LoginViewTest, TheCodeScreenReceivesTheEmailAsItIsByThen)
+TEST_F(LoginViewTest, TheCodeScreenReceivesTheCurrentEmail)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
     server.expect("POST", "/api/auth/login").reply(403, unverified);
@@ -221,12 +221,12 @@ TEST_F(LoginViewTest, ForgotPasswordReceivesTheEmailAsTyped)
     EXPECT_EQ(top()->property("prefillEmail").toString(), u" ada@"_s);
 }
 
-TEST_F(LoginViewTest, FieldsKeepTheirTextThroughAPushAndTheReturn)
+TEST_F(LoginViewTest, FieldsKeepTheirTextThroughPushAndPop)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
     stage->click(u"Create an account"_s);
     ASSERT_TRUE(stage->waitFor(u"Sign up"_s));
-    EXPECT_TRUE(stage->waitUntilGone(u"New here?"_s)); // what lies below is not showing
+    EXPECT_TRUE(stage->waitUntilGone(u"New here?"_s)); // the screen below is hidden
     stage->click(u"Back"_s);
     ASSERT_TRUE(stage->waitFor(u"New here?"_s));
     EXPECT_TRUE(stage->waitUntilGone(u"Sign up"_s));
@@ -268,12 +268,12 @@ TEST_F(LoginViewTest, TheKeyboardAloneReachesEveryControlInOrder)
                                     u"Create an account"_s, u"Email"_s}));
 }
 
-TEST_F(LoginViewTest, TheFocusedFieldStaysVisibleWhenAKeyboardTakesTheRoom)
+TEST_F(LoginViewTest, TheFocusedFieldStaysVisibleWhenAKeyboardShrinksTheScreen)
 {
     stage.view().resize(320, 180);
     ASSERT_TRUE(QTest::qWaitFor([this] { return stage.root()->height() == 180; }));
     stage->click(u"Email"_s, QAccessible::EditableText);
-    stage->key(Qt::Key_Return); // on to the password
+    stage->key(Qt::Key_Return); // moves to the password
     const auto password = stage->find(u"Password"_s, QAccessible::EditableText);
     ASSERT_TRUE(password);
     EXPECT_GE(password->rect.top(), 0);
@@ -283,7 +283,7 @@ TEST_F(LoginViewTest, TheFocusedFieldStaysVisibleWhenAKeyboardTakesTheRoom)
     EXPECT_LE(stage->find(u"Password"_s, QAccessible::EditableText)->rect.bottom(), 120);
 }
 
-TEST_F(LoginViewTest, AScreenDestroyedWithItsRequestInFlightIsHarmless)
+TEST_F(LoginViewTest, DestroyingTheScreenDuringARequestIsSafe)
 {
     server.expect("POST", "/api/auth/login").after(200ms).reply(401, R"({"message":"No."})");
     auto second = std::make_unique<QmlStage>(

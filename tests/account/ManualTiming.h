@@ -12,7 +12,7 @@
 
 namespace clockwell::test {
 
-/// Time that stands still until it is moved by hand.
+/// A Timing whose clock moves only when a test advances it.
 class ManualTiming final : public Timing
 {
 public:
@@ -54,9 +54,9 @@ public:
         }
     }
 
-    /// How many pauses run now.
+    /// The number of running pauses.
     qsizetype pauses() const { return m_pauses.size(); }
-    /// How many subscriptions of ticks live now.
+    /// The number of active tick subscriptions.
     qsizetype subscriptions() const
     {
         return std::count_if(m_tickers.cbegin(), m_tickers.cend(),

@@ -56,23 +56,23 @@ TEST_F(OtpViewTest, ShowsItsTextsInOrder)
     EXPECT_EQ(field()->parent()->property("placeholder").toString(), u"123456"_s);
 }
 
-TEST_F(OtpViewTest, TheFieldAsksForADigitPadThatLearnsNothing)
+TEST_F(OtpViewTest, TheFieldRequestsADigitPadWithoutPrediction)
 {
     EXPECT_EQ(field()->property("inputMethodHints").value<Qt::InputMethodHints>(),
               Qt::ImhDigitsOnly | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase | Qt::ImhSensitiveData);
 }
 
-TEST_F(OtpViewTest, TypedLettersLeaveNoTrace)
+TEST_F(OtpViewTest, TypedLettersAreDropped)
 {
     stage->type(u"Verification code"_s, u"a"_s);
     EXPECT_EQ(code(), QString());
     stage->typeText(u"1b2-3 c"_s);
     EXPECT_EQ(code(), u"123"_s);
-    stage->typeText(u"x"_s); // the same again: the model's code does not change, the field must follow still
+    stage->typeText(u"x"_s); // the code of the model does not change, but the field must be reset
     EXPECT_EQ(code(), u"123"_s);
 }
 
-TEST_F(OtpViewTest, TheCursorStaysBehindACommittedLineWhoseRestIsCut)
+TEST_F(OtpViewTest, TheCursorStaysAfterACommittedTextWithALineBreak)
 {
     ASSERT_TRUE(enter(u"99"_s));
     stage->key(Qt::Key_Home);
@@ -90,7 +90,7 @@ TEST_F(OtpViewTest, ASeventhDigitIsDropped)
     EXPECT_EQ(cursor(), 6);
 }
 
-TEST_F(OtpViewTest, PastedTextIsCutBeforeItIsFiltered)
+TEST_F(OtpViewTest, PastedTextIsTruncatedBeforeItIsFiltered)
 {
     ASSERT_TRUE(paste(u"Verification code"_s, u"12a3456"_s));
     EXPECT_EQ(code(), u"12345"_s);
@@ -100,7 +100,7 @@ TEST_F(OtpViewTest, PastedTextIsCutBeforeItIsFiltered)
     EXPECT_TRUE(stage->isEnabled(u"Verify"_s));
 }
 
-TEST_F(OtpViewTest, APastedBlankCostsADigit)
+TEST_F(OtpViewTest, APastedBlankCountsAsOneOfTheSixCharacters)
 {
     ASSERT_TRUE(paste(u"Verification code"_s, u"123 456"_s));
     EXPECT_EQ(code(), u"12345"_s);
@@ -115,7 +115,7 @@ TEST_F(OtpViewTest, ACopiedCodeIsPastedByALongPress)
         QTest::touchEvent(&stage.view(), finger).press(0, place);
         EXPECT_TRUE(stage->waitFor(u"Paste"_s)) << stage->dump().toStdString();
         QTest::touchEvent(&stage.view(), finger).release(0, place);
-        stage.view().grabWindow(); // all has its place
+        stage.view().grabWindow(); // completes the layout
         const QPoint entry = stage->find(u"Paste"_s, QAccessible::MenuItem)->rect.center();
         QTest::touchEvent(&stage.view(), finger).press(0, entry);
         QTest::touchEvent(&stage.view(), finger).release(0, entry);
@@ -126,14 +126,14 @@ TEST_F(OtpViewTest, ACopiedCodeIsPastedByALongPress)
     EXPECT_TRUE(stage->isEnabled(u"Verify"_s));
     stage->key(Qt::Key_A, Qt::ControlModifier);
     stage->key(Qt::Key_Delete);
-    longPressAndPaste(u"123 456"_s); // cut to six first, then digits only
+    longPressAndPaste(u"123 456"_s); // truncated to six characters first, then filtered
     EXPECT_EQ(code(), u"12345"_s);
     EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
-    stage->typeText(u"6"_s); // the field still has the keyboard
+    stage->typeText(u"6"_s); // the field still has the focus
     EXPECT_EQ(code(), u"123456"_s);
 }
 
-TEST_F(OtpViewTest, OtherScriptsDigitsCountOnceEach)
+TEST_F(OtpViewTest, DigitsOfOtherScriptsCountOnceEach)
 {
     server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
     const QString eight = QString::fromUcs4(U"\U0001D7E0", 1);
@@ -148,7 +148,7 @@ TEST_F(OtpViewTest, OtherScriptsDigitsCountOnceEach)
               R"({"email":"ada@example.org","code":")" + (eight.repeated(3) + u"१२३"_s).toUtf8() + R"("})");
 }
 
-TEST_F(OtpViewTest, TheCursorStaysWhereSomebodyEdits)
+TEST_F(OtpViewTest, EditingInTheMiddleKeepsTheCursorThere)
 {
     enter(u"123456"_s);
     stage->key(Qt::Key_Home);
@@ -164,7 +164,7 @@ TEST_F(OtpViewTest, TheCursorStaysWhereSomebodyEdits)
     EXPECT_EQ(cursor(), 1);
 }
 
-TEST_F(OtpViewTest, TextBeingComposedIsLeftAloneUntilItIsDone)
+TEST_F(OtpViewTest, ComposedTextIsNotFilteredUntilItIsCommitted)
 {
     stage->click(u"Verification code"_s, QAccessible::EditableText);
     QInputMethodEvent composing(u"1a"_s, {});
@@ -183,7 +183,7 @@ TEST_F(OtpViewTest, AssistiveTechnologySetsAFilteredCode)
     auto *interface = QAccessible::queryAccessibleInterface(field());
     interface->setText(QAccessible::Value, u"12a3456"_s);
     EXPECT_EQ(code(), u"12345"_s);
-    stage->type(u"Verification code"_s, u"6x"_s); // and the field still follows the filter
+    stage->type(u"Verification code"_s, u"6x"_s); // typed text is still filtered
     EXPECT_EQ(code(), u"123456"_s);
 }
 
@@ -200,7 +200,7 @@ TEST_F(OtpViewTest, FiveDigitsAreNotEnough)
     EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
 }
 
-TEST_F(OtpViewTest, SendsEmailAndCodeAsTheyAre)
+TEST_F(OtpViewTest, SendsEmailAndCodeUnchanged)
 {
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
@@ -226,7 +226,7 @@ TEST_F(OtpViewTest, AFailureIsAnnouncedAndKeepsTheCode)
     EXPECT_FALSE(stage->shows(u"All set"_s));
 }
 
-TEST_F(OtpViewTest, AFailureOfTheNetworkIsDescribedInWords)
+TEST_F(OtpViewTest, ANetworkFailureIsShown)
 {
     server.goDown();
     enter(u"123456"_s);
@@ -248,7 +248,7 @@ TEST_F(OtpViewTest, IsBusyWhileTheRequestRunsAndIgnoresTapsAndEnter)
     EXPECT_EQ(server.requests().size(), 1);
 }
 
-TEST_F(OtpViewTest, ResendIsAllowedAtOnceAndLockedForSixtySecondsAfterwards)
+TEST_F(OtpViewTest, ResendIsAllowedImmediatelyAndThenLockedForSixtySeconds)
 {
     EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
     resendOnce();
@@ -276,7 +276,7 @@ TEST_F(OtpViewTest, ALockedResendSendsNothing)
     EXPECT_EQ(server.requests().size(), 1);
 }
 
-TEST_F(OtpViewTest, ResendIsMutedWhileItCounts)
+TEST_F(OtpViewTest, ResendIsMutedDuringTheCountdown)
 {
     const auto color = [this](const QString &title) {
         const auto element = stage->find(title, QAccessible::Button);
@@ -289,7 +289,7 @@ TEST_F(OtpViewTest, ResendIsMutedWhileItCounts)
     EXPECT_EQ(color(u"Resend code in 60s"_s), QColor(91, 123, 168));
 }
 
-TEST_F(OtpViewTest, AResendAnsweredWithoutAMessageHasAnInfoOfItsOwn)
+TEST_F(OtpViewTest, AResendReplyWithoutAMessageShowsADefaultInfo)
 {
     server.expect("POST", "/api/auth/resend-otp").reply(200, "{}");
     stage->click(u"Resend code"_s);
@@ -297,7 +297,7 @@ TEST_F(OtpViewTest, AResendAnsweredWithoutAMessageHasAnInfoOfItsOwn)
     EXPECT_TRUE(announces(u"A new code was sent."_s));
 }
 
-TEST_F(OtpViewTest, AFailedResendCanBeRepeatedAtOnce)
+TEST_F(OtpViewTest, AFailedResendCanBeRepeatedImmediately)
 {
     server.expect("POST", "/api/auth/resend-otp").reply(429, R"({"message":"Too soon."})");
     stage->click(u"Resend code"_s);
@@ -307,7 +307,7 @@ TEST_F(OtpViewTest, AFailedResendCanBeRepeatedAtOnce)
     EXPECT_FALSE(stage->shows(u"Too soon."_s));
 }
 
-TEST_F(OtpViewTest, ADoubleTapAsksForOneCode)
+TEST_F(OtpViewTest, ADoubleTapRequestsOneCode)
 {
     server.expect("POST", "/api/auth/resend-otp").after(200ms).reply(200, sent);
     stage->click(u"Resend code"_s);
@@ -317,7 +317,7 @@ TEST_F(OtpViewTest, ADoubleTapAsksForOneCode)
     EXPECT_EQ(server.requests().size(), 1);
 }
 
-TEST_F(OtpViewTest, ResendLooksDisabledWhileACodeIsAskedFor)
+TEST_F(OtpViewTest, ResendIsShownAsDisabledWhileItsRequestRuns)
 {
     server.expect("POST", "/api/auth/resend-otp").after(300ms).reply(429, R"({"message":"Too soon."})");
     const auto label = [this] {
@@ -329,13 +329,14 @@ TEST_F(OtpViewTest, ResendLooksDisabledWhileACodeIsAskedFor)
     stage->click(u"Resend code"_s);
     EXPECT_FALSE(stage->isEnabled(u"Resend code"_s));
     EXPECT_EQ(label()->opacity(), 0.5);
-    EXPECT_EQ(label()->property("color").value<QColor>(), QColor(39, 120, 245)); // it does not count yet
+    EXPECT_EQ(label()->property("color").value<QColor>(),
+              QColor(39, 120, 245)); // the countdown has not started
     ASSERT_TRUE(stage->waitFor(u"Too soon."_s));
     EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
     EXPECT_EQ(label()->opacity(), 1);
 }
 
-TEST_F(OtpViewTest, ResendRunsBesideASubmission)
+TEST_F(OtpViewTest, ResendCanRunDuringASubmission)
 {
     server.expect("POST", "/api/auth/verify-otp").after(600ms).reply(400, R"({"message":"Wrong."})");
     enter(u"123456"_s);
@@ -348,7 +349,7 @@ TEST_F(OtpViewTest, ResendRunsBesideASubmission)
     EXPECT_TRUE(stage->shows(u"We sent you another code."_s));
 }
 
-TEST_F(OtpViewTest, ASubmissionTakesErrorAndInfoAwayFirst)
+TEST_F(OtpViewTest, ASubmissionClearsErrorAndInfoFirst)
 {
     resendOnce();
     server.expect("POST", "/api/auth/verify-otp").reply(400, R"({"message":"Wrong."})");
@@ -372,11 +373,11 @@ TEST_F(OtpViewTest, TheCountdownEndsWithTheScreen)
     EXPECT_TRUE(spinUntil([this] { return timing.subscriptions() == 0; }));
     timing.advance(2s);
     openCodeScreen(u"b@example.org"_s, OtpPurpose::VerifyEmail);
-    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s)); // the lock is that screen's own
+    EXPECT_TRUE(stage->isEnabled(u"Resend code"_s)); // each screen has its own lock
     EXPECT_EQ(timing.subscriptions(), 1);
 }
 
-TEST_F(OtpViewTest, LeftDuringItsRequestsItIsHarmless)
+TEST_F(OtpViewTest, LeavingDuringItsRequestsIsSafe)
 {
     server.expect("POST", "/api/auth/verify-otp").after(300ms).reply(200, "{}");
     server.expect("POST", "/api/auth/resend-otp").after(300ms).reply(200, "{}");
@@ -425,7 +426,8 @@ TEST_F(OtpResetTest, ShowsItsTextsInOrder)
         EXPECT_GT(at, last) << text.toStdString() << " in " << stage->dump().toStdString();
         last = at;
     }
-    const auto button = stage->find(u"Reset password"_s, QAccessible::Button); // named like the title
+    const auto button =
+        stage->find(u"Reset password"_s, QAccessible::Button); // has the same name as the title
     ASSERT_TRUE(button);
     EXPECT_GT(button->rect.top(), stage->find(u"New password"_s, QAccessible::EditableText)->rect.bottom());
     EXPECT_LT(button->rect.bottom(), stage->find(u"Resend code"_s, QAccessible::Button)->rect.top());
@@ -439,7 +441,7 @@ TEST_F(OtpResetTest, SixDigitsWithoutANewPasswordAreNotEnough)
     };
     enter(u"123456"_s);
     EXPECT_FALSE(enabled());
-    stage->key(Qt::Key_Return); // on to the new password, which gets what is typed now
+    stage->key(Qt::Key_Return); // moves the focus to the new password
     stage->typeText(u" "_s);
     EXPECT_EQ(code(), u"123456"_s);
     EXPECT_TRUE(enabled());
@@ -461,13 +463,13 @@ TEST_F(OtpResetTest, SendsThePasswordAsTypedAndKeepsBothFieldsOnFailure)
     EXPECT_EQ(valueOf(u"New password"_s), u" new pass "_s);
 }
 
-TEST_F(OtpViewTest, SuccessSaysSoAndOkGoesBackToTheScreenBefore)
+TEST_F(OtpViewTest, SuccessShowsAnAlertAndOkReturnsToThePreviousScreen)
 {
     verify();
     EXPECT_TRUE(announces(u"Email verified. Your account is pending admin approval — you'll be able to sign "
                           u"in once approved."_s));
     EXPECT_FALSE(stage->shows(u"Never shown."_s));
-    EXPECT_EQ(auth.phase(), AuthStore::Phase::Loading); // nobody is signed in by a code
+    EXPECT_EQ(auth.phase(), AuthStore::Phase::Loading); // verifying a code does not sign in
     EXPECT_TRUE(tokens.writes().isEmpty());
     EXPECT_EQ(depth(), 2);
     ASSERT_TRUE(stage->click(u"OK"_s));
@@ -476,7 +478,7 @@ TEST_F(OtpViewTest, SuccessSaysSoAndOkGoesBackToTheScreenBefore)
     EXPECT_TRUE(stage->shows(u"New here?"_s));
 }
 
-TEST_F(OtpViewTest, OkHasTheFocusAndWhatLiesBelowIsOutOfReach)
+TEST_F(OtpViewTest, OkHasTheFocusAndTheScreenBelowCannotBeReached)
 {
     const QObject *input = field();
     const QPoint resend = stage->find(u"Resend code"_s)->rect.center();
@@ -492,7 +494,7 @@ TEST_F(OtpViewTest, OkHasTheFocusAndWhatLiesBelowIsOutOfReach)
     EXPECT_TRUE(arrivesAtSignIn());
 }
 
-TEST_F(OtpViewTest, OkTappedTwiceLeavesOneScreenOnly)
+TEST_F(OtpViewTest, ADoubleTapOnOkPopsOneScreen)
 {
     openCodeScreen(u"b@example.org"_s, OtpPurpose::VerifyEmail); // a third screen
     verify();
@@ -502,7 +504,7 @@ TEST_F(OtpViewTest, OkTappedTwiceLeavesOneScreenOnly)
     EXPECT_EQ(depth(), 2);
 }
 
-TEST_F(OtpViewTest, EscapeIsAnOkToo)
+TEST_F(OtpViewTest, EscapeAcceptsTheAlert)
 {
     verify();
     stage->key(Qt::Key_Escape);
@@ -510,7 +512,7 @@ TEST_F(OtpViewTest, EscapeIsAnOkToo)
     EXPECT_TRUE(stage->waitUntilGone(u"All set"_s));
 }
 
-TEST_F(OtpResetTest, SuccessSaysThatTheNewPasswordHolds)
+TEST_F(OtpResetTest, SuccessReportsThatThePasswordWasUpdated)
 {
     server.expect("POST", "/api/auth/reset-password").reply(200, "{}");
     enter(u"123456"_s);
@@ -534,11 +536,11 @@ protected:
         model.setProperty("email", u"e"_s);
         model.componentComplete();
         model.enterCode(u"123456"_s, 6);
-        log.follow(model, &OtpViewModel::errorChanged, "error");
-        log.follow(model, &OtpViewModel::infoChanged, "info");
-        log.follow(model, &OtpViewModel::loadingChanged, "loading");
-        log.follow(model, &OtpViewModel::resendInChanged, "resendIn");
-        log.follow(model, &OtpViewModel::doneChanged, "done");
+        log.record(model, &OtpViewModel::errorChanged, "error");
+        log.record(model, &OtpViewModel::infoChanged, "info");
+        log.record(model, &OtpViewModel::loadingChanged, "loading");
+        log.record(model, &OtpViewModel::resendInChanged, "resendIn");
+        log.record(model, &OtpViewModel::doneChanged, "done");
     }
 
     void finish(qsizetype entries)
@@ -594,7 +596,7 @@ TEST_F(OtpViewModelTest, IsAcknowledgedOnce)
     EXPECT_FALSE(model.done());
 }
 
-TEST_F(OtpViewModelTest, SaysWhatWasDone)
+TEST_F(OtpViewModelTest, TheDoneMessageDependsOnThePurpose)
 {
     EXPECT_EQ(
         model.doneMessage(),

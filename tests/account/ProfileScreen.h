@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AccountParts.h"
+#include "AuthStoreFixture.h"
 #include "support/screen/QmlStage.h"
 
 #include <memory>
@@ -13,8 +13,8 @@ inline QByteArray userJson(const QByteArray &name, const QByteArray &more = R"("
            R"("role":"HR_MANAGER","status":"APPROVED"})";
 }
 
-/// The profile of somebody who has signed in, against a scripted server.
-class ProfileScreen : public AccountParts
+/// The profile of a signed-in user, connected to a scripted server.
+class ProfileScreen : public AuthStoreFixture
 {
 protected:
     void signIn(const QByteArray &user)
@@ -25,7 +25,8 @@ protected:
         ASSERT_EQ(auth.phase(), AuthStore::Phase::SignedIn);
     }
 
-    /// Shows the profile; its own request for the user gets no answer unless one was scripted before.
+    /// Shows the profile. The profile's own request for the user is answered only if a reply was scripted
+    /// before.
     void show(const QByteArray &user = userJson("kel voss"), QSize size = QSize(390, 844))
     {
         signIn(user);
@@ -49,7 +50,7 @@ protected:
     {
         return spinUntil([&] { return server.count(path) >= times; });
     }
-    QString valueOf(const QString &field) { return AccountParts::valueOf(screen(), field); }
+    QString valueOf(const QString &field) { return AuthStoreFixture::valueOf(screen(), field); }
 
     std::unique_ptr<QmlStage> stage;
 };

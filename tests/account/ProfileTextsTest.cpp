@@ -21,7 +21,7 @@ TEST(ProfileTextsTest, ANameWithoutWordsHasAQuestionMark)
     EXPECT_EQ(initialsOf(u"   "_s), u"?"_s);
 }
 
-TEST(ProfileTextsTest, OnlySpacesPartWords)
+TEST(ProfileTextsTest, OnlySpacesSeparateWords)
 {
     EXPECT_EQ(initialsOf(u"kel\tvoss"_s), u"K"_s);
     EXPECT_EQ(initialsOf(u"kel\u00a0voss"_s), u"K"_s);
@@ -37,14 +37,14 @@ TEST(ProfileTextsTest, InitialsAreWholeCharacters)
     EXPECT_EQ(initialsOf(u"\u092A\u094D\u0930\u0947\u092E"_s).at(0), u'\u092A');
 }
 
-TEST(ProfileTextsTest, UpperCaseIsTheSameEverywhere)
+TEST(ProfileTextsTest, UpperCaseDoesNotDependOnTheLocale)
 {
-    EXPECT_EQ(initialsOf(u"ilker ırmak"_s), u"II"_s); // no dotted capital, whatever the device speaks
+    EXPECT_EQ(initialsOf(u"ilker ırmak"_s), u"II"_s); // no dotted capital in any locale
     EXPECT_EQ(initialsOf(u"ßen"_s), u"SS"_s);
     EXPECT_EQ(initialsOf(u"王 小明"_s), u"王小"_s);
 }
 
-TEST(ProfileTextsTest, TheRolesUnderscoresBecomeSpaces)
+TEST(ProfileTextsTest, UnderscoresInARoleBecomeSpaces)
 {
     EXPECT_EQ(roleText(u"HR_MANAGER"_s), u"HR MANAGER"_s);
     EXPECT_EQ(roleText(u"_a__b_"_s), u" a  b "_s);

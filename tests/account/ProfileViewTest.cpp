@@ -54,7 +54,7 @@ TEST_F(ProfileViewTest, WithoutAUserEveryValueIsADash)
     EXPECT_EQ(model.email(), QString());
 }
 
-TEST_F(ProfileViewTest, OldDataStayUntilTheNewAreThere)
+TEST_F(ProfileViewTest, TheOldUserIsShownUntilTheNewOneArrives)
 {
     server.expect("GET", me).after(300ms).reply(200, userJson("Kel Orin Voss"));
     show(userJson("kel voss"));
@@ -74,7 +74,7 @@ TEST_F(ProfileViewTest, AFailedRefreshChangesAndShowsNothing)
     EXPECT_EQ(auth.phase(), AuthStore::Phase::SignedIn);
 }
 
-TEST_F(ProfileViewTest, EveryAppearanceRefreshes)
+TEST_F(ProfileViewTest, EachAppearanceRefreshes)
 {
     server.expect("GET", me).anyNumber().reply(200, userJson("Kel Voss"));
     show();
@@ -86,7 +86,7 @@ TEST_F(ProfileViewTest, EveryAppearanceRefreshes)
     EXPECT_TRUE(requests(me, 2));
 }
 
-TEST_F(ProfileViewTest, ClosingTheSheetOrTheDialogIsNoAppearance)
+TEST_F(ProfileViewTest, ClosingTheSheetOrTheDialogDoesNotRefresh)
 {
     server.expect("GET", me).anyNumber().reply(200, userJson("Kel Voss"));
     show();
@@ -110,7 +110,7 @@ TEST_F(ProfileViewTest, SigningOutIsConfirmedFirstAndSendsNothing)
     EXPECT_EQ(auth.phase(), AuthStore::Phase::SignedIn);
     EXPECT_EQ(tokens.access(), u"a1"_s);
     ASSERT_TRUE(screen().click(u"Sign out"_s, QAccessible::Button));
-    EXPECT_EQ(auth.phase(), AuthStore::Phase::SignedOut); // already: nothing is waited for
+    EXPECT_EQ(auth.phase(), AuthStore::Phase::SignedOut); // immediately, without waiting for anything
     EXPECT_FALSE(tokens.access());
     EXPECT_FALSE(tokens.refresh());
     settle();
@@ -143,7 +143,7 @@ TEST_F(ProfileViewTest, CancellingLeavesTheSessionUntouched)
 TEST_F(ProfileViewTest, ADoubleTapOnTheRowDoesNotSignOut)
 {
     server.expect("GET", me).anyNumber().never();
-    show(userJson("Kel Voss"), QSize(390, 480)); // the row lies where the dialog's answers will be
+    show(userJson("Kel Voss"), QSize(390, 480)); // the row is where the dialog's buttons will appear
     const auto row = screen().find(u"Sign out"_s, QAccessible::Button);
     ASSERT_TRUE(row);
     for (int tap = 0; tap < 3; ++tap)

@@ -26,7 +26,7 @@ protected:
         ASSERT_TRUE(arrivesAt(u"Sign up"_s));
     }
 
-    /// Also one that is scrolled out of view.
+    /// Also finds a field that is scrolled out of view.
     QQuickItem *fieldNamed(const QString &label)
     {
         for (auto *item : top()->findChildren<QQuickItem *>(u"input"_s)) {
@@ -71,7 +71,7 @@ TEST_F(SignupViewTest, ShowsItsTextsInOrder)
         EXPECT_EQ(valueOf(field), QString()) << field.toStdString();
 }
 
-TEST_F(SignupViewTest, EachFieldAsksForItsKeyboard)
+TEST_F(SignupViewTest, EachFieldRequestsItsKeyboard)
 {
     EXPECT_FALSE(hintsOf(u"Full name"_s) & Qt::ImhNoAutoUppercase);
     EXPECT_TRUE(hintsOf(u"Email"_s) & Qt::ImhEmailCharactersOnly);
@@ -126,7 +126,7 @@ TEST_F(SignupViewTest, EmptyPhoneAndCompanyCodeAreAbsent)
     EXPECT_FALSE(server.requests().constFirst().has("Authorization"));
 }
 
-TEST_F(SignupViewTest, PhoneAndCompanyCodeGoAsTyped)
+TEST_F(SignupViewTest, PhoneAndCompanyCodeAreSentAsTyped)
 {
     server.expect("POST", "/api/auth/signup").reply(400, R"({"message":"No."})");
     fill();
@@ -138,7 +138,7 @@ TEST_F(SignupViewTest, PhoneAndCompanyCodeGoAsTyped)
     EXPECT_TRUE(lastBody().endsWith(R"("instituteCode":" dEmo"})"));
 }
 
-TEST_F(SignupViewTest, AWeakPasswordIsSentAndTheServerSaysWhatItThinks)
+TEST_F(SignupViewTest, AWeakPasswordIsSentAndTheServersMessagesAreShown)
 {
     server.expect("POST", "/api/auth/signup")
         .reply(400, R"({"message":["Password too short","Password needs a number"]})");
@@ -160,7 +160,7 @@ TEST_F(SignupViewTest, RequestAndCodeScreenBothGetTheTrimmedEmail)
     EXPECT_EQ(top()->property("purpose").toInt(), 0);
     EXPECT_TRUE(stage->isEnabled(u"Resend code"_s));
     EXPECT_FALSE(stage->shows(u"ok"_s));
-    EXPECT_EQ(valueOf(u"Verification code"_s), QString()); // no code of the server's is filled in
+    EXPECT_EQ(valueOf(u"Verification code"_s), QString()); // the server's demo code is not filled in
 }
 
 TEST_F(SignupViewTest, TheCodeScreenIsForTheEmailThatWasSent)
@@ -181,7 +181,7 @@ TEST_F(SignupViewTest, TheCodeScreenIsForTheEmailThatWasSent)
     EXPECT_EQ(valueOf(u"Email"_s), u"somebody.else@example.org"_s);
 }
 
-TEST_F(SignupViewTest, BackFromTheCodeScreenEveryFieldIsStillFilled)
+TEST_F(SignupViewTest, OnReturnFromTheCodeScreenEveryFieldIsStillFilled)
 {
     server.expect("POST", "/api/auth/signup").times(2).reply(201, R"({"message":"ok"})");
     fill(u" ada@example.org"_s);
@@ -200,11 +200,11 @@ TEST_F(SignupViewTest, BackFromTheCodeScreenEveryFieldIsStillFilled)
     ASSERT_TRUE(model);
     EXPECT_FALSE(model->goToOtp());
     ASSERT_TRUE(becomesEnabled(u"Create account"_s));
-    stage->click(u"Create account"_s); // and it leads there again
+    stage->click(u"Create account"_s); // opens the code screen again
     EXPECT_TRUE(arrivesAt(u"Verify email"_s));
 }
 
-TEST_F(SignupViewTest, AVerifiedCodeLeadsBackToTheFilledForm)
+TEST_F(SignupViewTest, AVerifiedCodeReturnsToTheFilledForm)
 {
     server.expect("POST", "/api/auth/signup").reply(201, R"({"message":"ok"})");
     server.expect("POST", "/api/auth/verify-otp").reply(200, R"({"message":"ok"})");
@@ -237,7 +237,7 @@ TEST_F(SignupViewTest, AFailureKeepsTheFieldsAndTheScreen)
     EXPECT_EQ(top()->property("title").toString(), u"Sign up"_s);
 }
 
-TEST_F(SignupViewTest, TheErrorGoesBeforeTheNextAnswerComes)
+TEST_F(SignupViewTest, TheErrorIsClearedWhenTheNextRequestStarts)
 {
     server.expect("POST", "/api/auth/signup").reply(409, R"({"message":"Taken."})");
     server.expect("POST", "/api/auth/signup").never();
@@ -288,7 +288,7 @@ TEST_F(SignupViewTest, EscapeInAFieldGoesBack)
     EXPECT_TRUE(arrivesAtSignIn());
 }
 
-TEST_F(SignupViewTest, LeftDuringTheRequestItPushesNothingLater)
+TEST_F(SignupViewTest, LeavingDuringTheRequestPushesNothingLater)
 {
     server.expect("POST", "/api/auth/signup").after(300ms).reply(201, R"({"message":"ok"})");
     fill();
@@ -300,7 +300,7 @@ TEST_F(SignupViewTest, LeftDuringTheRequestItPushesNothingLater)
     EXPECT_EQ(depth(), 1);
 }
 
-TEST_F(SignupViewTest, AnsweredWhileItSlidesAwayItPushesNothing)
+TEST_F(SignupViewTest, AReplyDuringThePopTransitionPushesNothing)
 {
     fill();
     QPointer<SignupViewModel> model = top()->findChild<SignupViewModel *>();
@@ -311,7 +311,7 @@ TEST_F(SignupViewTest, AnsweredWhileItSlidesAwayItPushesNothing)
     ASSERT_TRUE(arrivesAtSignIn());
     settle(100ms);
     EXPECT_EQ(depth(), 1);
-    EXPECT_FALSE(model); // nothing of the screen stays behind
+    EXPECT_FALSE(model); // the screen is destroyed
 }
 
 TEST_F(SignupViewTest, ASwipeFromTheEdgeGoesBackToTheSignIn)
@@ -349,7 +349,7 @@ TEST_F(SignupViewTest, AnErrorBelowTheFoldIsScrolledIntoView)
     EXPECT_TRUE(fieldNamed(u"Password"_s)->hasActiveFocus()); // the focus did not move
 }
 
-TEST_F(SignupViewTest, ASecondVisitBeginsEmpty)
+TEST_F(SignupViewTest, ASecondVisitStartsEmpty)
 {
     fill();
     stage->click(u"Back"_s);
@@ -369,9 +369,9 @@ protected:
         model.setFullName(u"Ada"_s);
         model.setEmail(u"a@b"_s);
         model.setPassword(u"pw"_s);
-        log.follow(model, &SignupViewModel::errorChanged, "error");
-        log.follow(model, &SignupViewModel::loadingChanged, "loading");
-        log.follow(model, &SignupViewModel::goToOtpChanged, "goToOtp");
+        log.record(model, &SignupViewModel::errorChanged, "error");
+        log.record(model, &SignupViewModel::loadingChanged, "loading");
+        log.record(model, &SignupViewModel::goToOtpChanged, "goToOtp");
     }
 
     void submit()
@@ -396,7 +396,7 @@ TEST_F(SignupViewModelTest, SetsItsFieldsInOrder)
                            u"loading true"_s, u"goToOtp true"_s, u"loading false"_s}));
 }
 
-TEST_F(SignupViewModelTest, AnEmptyMessageOfTheServersIsAnErrorStill)
+TEST_F(SignupViewModelTest, AnEmptyServerMessageIsStillAnError)
 {
     server.expect("POST", "/api/auth/signup").reply(400, R"({"message":""})");
     submit();

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 namespace clockwell {
 namespace {
 
-TEST(Timing, APauseLastsAtLeastItsTime)
+TEST(Timing, APauseLastsAtLeastItsDuration)
 {
     Timing timing;
     QElapsedTimer clock;
@@ -28,8 +28,8 @@ QCoro::Task<> keepThroughAPause(Timing &timing, std::shared_ptr<int> kept)
     *kept = 1;
 }
 
-// As when the window is closed while a message is being read: what waits must not stay behind.
-TEST(Timing, WhoeverStillWaitsWhenItGoesIsReleased)
+// As when the window is closed during a pause: the waiting coroutine must be released.
+TEST(Timing, DestructionReleasesWaitingCoroutines)
 {
     const auto kept = std::make_shared<int>(0);
     {
@@ -39,10 +39,10 @@ TEST(Timing, WhoeverStillWaitsWhenItGoesIsReleased)
         EXPECT_EQ(kept.use_count(), 2);
     }
     EXPECT_EQ(kept.use_count(), 1);
-    EXPECT_EQ(*kept, 0) << "the pause was not over";
+    EXPECT_EQ(*kept, 0) << "the pause had not ended";
 }
 
-TEST(Timing, TicksUntilTheSubscriptionGoes)
+TEST(Timing, TicksUntilTheSubscriptionIsDestroyed)
 {
     Timing timing;
     int ticks = 0;

@@ -26,7 +26,7 @@ protected:
         server.expect("GET", "/api/thing").reply(200, body);
         return awaitError<APIError>(get<TokenPair>()).message;
     }
-    /// A reply limit small enough to test with.
+    /// A client with its own reply limit, because the default would be slow to exceed.
     std::unique_ptr<APIClient> clientWithLimit(qint64 bytes)
     {
         APIClient::Options small = options();
@@ -76,39 +76,39 @@ QByteArray chunked(const QByteArray &body)
 
 } // namespace
 
-TEST_F(BadReply, CutOffInMidBodyIsALostConnection)
+TEST_F(BadReply, TruncatedBodyIsALostConnection)
 {
     EXPECT_EQ(kindFor("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"message\":"), Kind::ConnectionLost);
     expectUsable();
 }
 
-TEST_F(BadReply, CutOffInMidBodyOfAnErrorIsALostConnection)
+TEST_F(BadReply, TruncatedErrorBodyIsALostConnection)
 {
     EXPECT_EQ(kindFor("HTTP/1.1 500 No\r\nContent-Length: 100\r\n\r\n{\"message\":"), Kind::ConnectionLost);
     expectUsable();
 }
 
-TEST_F(BadReply, CutOffInMidChunkIsALostConnection)
+TEST_F(BadReply, TruncatedChunkIsALostConnection)
 {
     EXPECT_EQ(kindFor("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n20\r\n{\"message\":"),
               Kind::ConnectionLost);
     expectUsable();
 }
 
-TEST_F(BadReply, CutOffBehindAChunkIsALostConnection)
+TEST_F(BadReply, MissingLastChunkIsALostConnection)
 {
     EXPECT_EQ(kindFor("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n"),
               Kind::ConnectionLost);
     expectUsable();
 }
 
-TEST_F(BadReply, CutOffInMidHeaderIsALostConnection)
+TEST_F(BadReply, TruncatedHeaderIsALostConnection)
 {
     EXPECT_EQ(kindFor("HTTP/1.1 200 OK\r\nContent-Le"), Kind::ConnectionLost);
     expectUsable();
 }
 
-TEST_F(BadReply, LengthShorterThanTheBodyCutsTheTextAndFailsToDecode)
+TEST_F(BadReply, ContentLengthShorterThanTheBodyTruncatesItAndFailsToDecode)
 {
     server.expect("GET", "/api/thing")
         .raw("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n{\"message\":\"m\"}")
@@ -117,7 +117,7 @@ TEST_F(BadReply, LengthShorterThanTheBodyCutsTheTextAndFailsToDecode)
     expectUsable();
 }
 
-TEST_F(BadReply, NoBytesAtAllIsALostConnection)
+TEST_F(BadReply, EmptyReplyIsALostConnection)
 {
     EXPECT_EQ(kindFor(""), Kind::ConnectionLost);
     expectUsable();
@@ -130,14 +130,14 @@ TEST_F(BadReply, ResetConnectionIsALostConnection)
     expectUsable();
 }
 
-TEST_F(BadReply, ResetInMidBodyIsALostConnection)
+TEST_F(BadReply, ResetDuringTheBodyIsALostConnection)
 {
     server.expect("GET", "/api/thing").raw("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{").thenReset();
     EXPECT_EQ(transportError(get()), Kind::ConnectionLost);
     expectUsable();
 }
 
-TEST_F(BadReply, BrokenTextsAreUnexpected)
+TEST_F(BadReply, InvalidJsonIsUnexpected)
 {
     EXPECT_EQ(textFor("{\"accessToken\":\"\xff\xfe\",\"refreshToken\":\"r\"}"), m_unexpected);
     EXPECT_EQ(textFor(QByteArray(200, '[') + QByteArray(200, ']')), m_unexpected);
@@ -154,7 +154,7 @@ TEST_F(BadReply, NumberBeyond64BitsIsUnexpected)
     expectUsable();
 }
 
-TEST_F(BadReply, BigNumberBesideAnErrorLeavesItsMessageAndCode)
+TEST_F(BadReply, BigNumberInAnErrorBodyKeepsItsMessageAndCode)
 {
     server.expect("GET", "/api/thing")
         .reply(409, R"({"message":"No.","error":"CLOSED","traceId":123456789012345678901234567890})");
@@ -173,7 +173,7 @@ TEST_F(BadReply, EscapedNulIsAnOrdinaryCharacter)
     EXPECT_EQ(await(get()).message, QStringLiteral("a") + QChar(0) + u'b');
 }
 
-TEST_F(BadReply, WhatIsNotHttpIsNeverASuccess)
+TEST_F(BadReply, ReplyThatIsNotHttpIsNeverASuccess)
 {
     server.expect("GET", "/api/thing").anyNumber().raw("SSH-2.0-OpenSSH_9.2\r\n").thenClose();
     EXPECT_THROW(await(get()), UserFacingError);
@@ -192,7 +192,7 @@ TEST_F(BadReply, SilentServerTimesOut)
     expectUsable();
 }
 
-TEST_F(BadReply, SilentServerTimesOutAPostWithoutSendingItAgain)
+TEST_F(BadReply, TimedOutPostIsNotSentAgain)
 {
     limit(200ms, 5s);
     server.expect("POST", "/api/thing").never();
@@ -201,7 +201,7 @@ TEST_F(BadReply, SilentServerTimesOutAPostWithoutSendingItAgain)
     expectUsable();
 }
 
-TEST_F(BadReply, ServerThatStopsInMidBodyTimesOut)
+TEST_F(BadReply, ServerThatStopsDuringTheBodyTimesOut)
 {
     limit(200ms, 5s);
     server.expect("GET", "/api/thing").raw("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{");
@@ -209,7 +209,7 @@ TEST_F(BadReply, ServerThatStopsInMidBodyTimesOut)
     expectUsable();
 }
 
-TEST_F(BadReply, DripIsCutOffByTheTotalLimit)
+TEST_F(BadReply, SlowReplyExceedsTheTotalLimit)
 {
     limit(400ms, 900ms);
     server.expect("GET", "/api/thing").reply(200, messageOf(10'000)).drip(60, 50ms);
@@ -221,21 +221,21 @@ TEST_F(BadReply, DripIsCutOffByTheTotalLimit)
     expectUsable();
 }
 
-TEST_F(BadReply, SlowButSteadyReplyIsNoTimeout)
+TEST_F(BadReply, SlowButSteadyReplyDoesNotTimeOut)
 {
     limit(300ms, 5s);
     server.expect("GET", "/api/thing").reply(200, messageOf(100)).drip(20, 60ms);
     EXPECT_EQ(await(get()).message->size(), 86);
 }
 
-TEST_F(BadReply, NobodyListeningCannotConnect)
+TEST_F(BadReply, ClosedPortIsCannotConnect)
 {
     server.goDown();
     EXPECT_EQ(awaitError<TransportError>(get()).text(), QStringLiteral("Could not connect to the server."));
     EXPECT_EQ(awaitError<TransportError>(post()).kind, Kind::CannotConnect);
 }
 
-TEST_F(BadReply, UnknownHostIsNotFound)
+TEST_F(BadReply, UnknownHostIsHostNotFound)
 {
     APIClient::Options elsewhere = options();
     elsewhere.baseURL = QUrl(QStringLiteral("http://host.invalid/api"));
@@ -245,7 +245,7 @@ TEST_F(BadReply, UnknownHostIsNotFound)
     EXPECT_TRUE(kind == Kind::HostNotFound || kind == Kind::TimedOut) << static_cast<int>(kind);
 }
 
-TEST_F(BadReply, SixteenMebibytesAreEnoughAndOneByteMoreIsTooMuch)
+TEST_F(BadReply, ReplyOfSixteenMebibytesIsAcceptedAndOneByteMoreIsTooLarge)
 {
     const qsizetype limit = 16 * 1024 * 1024;
     server.expect("GET", "/api/thing").reply(200, messageOf(limit));
@@ -256,7 +256,7 @@ TEST_F(BadReply, SixteenMebibytesAreEnoughAndOneByteMoreIsTooMuch)
     expectUsable();
 }
 
-TEST_F(BadReply, AnnouncedLengthIsEnoughToRefuse)
+TEST_F(BadReply, TooLargeContentLengthIsRefusedAtOnce)
 {
     server.expect("GET", "/api/thing").raw("HTTP/1.1 200 OK\r\nContent-Length: 99999999999\r\n\r\n{");
     EXPECT_EQ(transportError(get()), Kind::ReplyTooLarge);
@@ -284,7 +284,7 @@ TEST_F(BadReply, ReplyWithoutLengthIsLimitedToo)
     expectUsable();
 }
 
-TEST_F(BadReply, CompressedReplyIsLimitedAfterInflation)
+TEST_F(BadReply, CompressedReplyIsLimitedAfterDecompression)
 {
     server.expect("GET", "/api/thing")
         .reply(200, gzip(messageOf(16 * 1024 * 1024)))
@@ -297,7 +297,7 @@ TEST_F(BadReply, CompressedReplyIsLimitedAfterInflation)
     expectUsable();
 }
 
-TEST_F(BadReply, BodyThatCannotBeInflatedIsAnError)
+TEST_F(BadReply, BodyThatCannotBeDecompressedIsAnError)
 {
     server.expect("GET", "/api/thing").reply(200, "not gzip at all").header("Content-Encoding", "gzip");
     EXPECT_THROW(await(get()), UserFacingError);
@@ -311,7 +311,7 @@ TEST_F(BadReply, ErrorBodiesAreLimitedToo)
     EXPECT_EQ(transportError(getFrom(*small)), Kind::ReplyTooLarge);
 }
 
-TEST_F(BadReply, CompressedBodyThatLacksItsEndIsNeverASuccess)
+TEST_F(BadReply, TruncatedCompressedBodyIsNeverASuccess)
 {
     const QByteArray packed = gzip(messageOf(1000));
     server.expect("GET", "/api/thing").reply(200, packed.chopped(12)).header("Content-Encoding", "gzip");
@@ -319,7 +319,7 @@ TEST_F(BadReply, CompressedBodyThatLacksItsEndIsNeverASuccess)
     expectUsable();
 }
 
-TEST_F(BadReply, CutOffInTheHandshakeIsALostConnection)
+TEST_F(BadReply, ConnectionClosedDuringTheTlsHandshakeIsALostConnection)
 {
     QTcpServer hangsUp;
     ASSERT_TRUE(hangsUp.listen(QHostAddress::LocalHost));

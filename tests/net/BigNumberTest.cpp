@@ -17,7 +17,7 @@ namespace {
 const QByteArray googol = "1" + QByteArray(100, '0');
 const QByteArray hundredThousandDigits = QByteArray(100'000, '7');
 
-/// Numbers that are good JSON and that neither 64 bits nor a double hold, or only just.
+/// Numbers that are valid JSON but at or beyond the limits of 64-bit integers and doubles.
 const QList<QByteArray> bigNumbers{"18446744073709551616",
                                    "-9223372036854775809",
                                    "123456789012345678901234567890",
@@ -74,7 +74,7 @@ QByteArray nestedObjects(int depth)
     return QByteArray("{\"a\":").repeated(depth) + "1" + QByteArray(depth, '}');
 }
 
-/// Decodes on a stack of the smallest usual size.
+/// Decodes on a thread with a small stack of 128 KiB.
 std::optional<QString> messageOnSmallStack(const QByteArray &json)
 {
     std::optional<QString> message;
@@ -106,7 +106,7 @@ TEST(BigNumber, UnderAnUnknownKeyIsIgnored)
     }
 }
 
-TEST(BigNumber, BesideAnErrorLeavesItsMessageAndCode)
+TEST(BigNumber, InAnErrorBodyKeepsItsMessageAndCode)
 {
     for (const QByteArray &number : bigNumbers) {
         const auto body = decode<APIErrorBody>("{\"traceId\":" + number +
@@ -117,7 +117,7 @@ TEST(BigNumber, BesideAnErrorLeavesItsMessageAndCode)
     }
 }
 
-TEST(BigNumber, BesideOtherFieldsLeavesTheirExactValues)
+TEST(BigNumber, KeepsTheExactValuesOfOtherFields)
 {
     const auto record = decode<AttendanceRecord>(
         recordWith(R"("x":1e400,"lateMinutes":9223372036854775807,"earlyLeaveMinutes":-9223372036854775808,)"
@@ -170,7 +170,7 @@ TEST(BigNumber, InALenientDoubleNeverFails)
 TEST(BigNumber, InAnIntegerFails)
 {
     for (const QByteArray &number : bigNumbers) {
-        const bool nearlyZero = number.startsWith("1e-"); // which the parser has made zero
+        const bool nearlyZero = number.startsWith("1e-"); // which the parser rounds to zero
         EXPECT_EQ(decodes<AttendanceRecord>(recordWith("\"lateMinutes\":" + number)), nearlyZero)
             << number.left(40).toStdString();
     }
@@ -190,7 +190,7 @@ TEST(BigNumber, InAFieldOfAnotherTypeFails)
     }
 }
 
-TEST(BigNumber, InAMessageSaysRequestFailed)
+TEST(BigNumber, InAMessageGivesRequestFailed)
 {
     for (const char *message : {"1e400", "123456789012345678901234567890", "[1e400]", R"(["a",1e400])",
                                 R"(["a",123456789012345678901234567890])", R"({"a":1e400})"}) {
@@ -200,7 +200,7 @@ TEST(BigNumber, InAMessageSaysRequestFailed)
     }
 }
 
-TEST(BigNumber, IsNoRecord)
+TEST(BigNumber, IsNotARecord)
 {
     for (const char *number : {"123456789012345678901234567890", "1e400", " 1e400 ", "[1e400]"}) {
         EXPECT_FALSE(decodes<MessageResponse>(number)) << number;
@@ -210,7 +210,7 @@ TEST(BigNumber, IsNoRecord)
     }
 }
 
-TEST(BigNumber, InsideATextIsText)
+TEST(BigNumber, InsideAStringIsUnchanged)
 {
     const auto body = decode<APIErrorBody>(
         R"({"x":1e400,"message":"\\\"1e400, 123456789012345678901234567890\\","error":"\"[1e400]"})");
@@ -221,7 +221,7 @@ TEST(BigNumber, InsideATextIsText)
         QStringLiteral("m"));
 }
 
-TEST(BigNumber, DoesNotExcuseABrokenText)
+TEST(BigNumber, DoesNotMakeInvalidJsonAcceptable)
 {
     for (const char *value : {"01",
                               "-",
@@ -266,9 +266,9 @@ TEST(BigNumber, DoesNotExcuseABrokenText)
     EXPECT_FALSE(decodes<MessageResponse>("{\"x\":1e400,\"message\":\"\xff\"}"));
 }
 
-TEST(BigNumber, ManyOfThemTakeNoLongerThanTheirLength)
+TEST(BigNumber, ManyAreDecodedInLinearTime)
 {
-    // Anything quadratic would take minutes.
+    // A quadratic algorithm would take minutes.
     const QByteArray list = "[" + QByteArray("1e400,").repeated(100'000) +
                             QByteArray("12345678901234567890123,").repeated(10'000) + "0]";
     EXPECT_EQ(decode<MessageResponse>("{\"x\":" + list + ",\"message\":\"m\"}").message, QStringLiteral("m"));
@@ -283,7 +283,7 @@ TEST(Depth, OfUnknownKeysHasNoLimit)
     }
 }
 
-TEST(Depth, OfAnErrorsUnknownKeyLeavesItsMessage)
+TEST(Depth, OfAnUnknownKeyInAnErrorBodyKeepsItsMessage)
 {
     const auto body =
         decode<APIErrorBody>("{\"trace\":" + nestedLists(100'000) + R"(,"error":"E","message":"No."})");
@@ -291,13 +291,13 @@ TEST(Depth, OfAnErrorsUnknownKeyLeavesItsMessage)
     EXPECT_EQ(body.message->text, QStringLiteral("No."));
 }
 
-TEST(Depth, WithABigNumberAtTheBottomIsReadToo)
+TEST(Depth, WithABigNumberAtTheBottomDecodes)
 {
     const QByteArray deep = QByteArray(100'000, '[') + "1e400" + QByteArray(100'000, ']');
     EXPECT_EQ(messageOnSmallStack("{\"x\":" + deep + ",\"message\":\"m\"}"), QStringLiteral("m"));
 }
 
-TEST(Depth, FillsTheLargestReply)
+TEST(Depth, MayBeThatOfTheLargestReply)
 {
     const QByteArray head = R"({"message":"m","x":)";
     const qsizetype replyLimit = 16 * 1024 * 1024;
@@ -305,7 +305,7 @@ TEST(Depth, FillsTheLargestReply)
     EXPECT_EQ(messageOnSmallStack(head + nestedLists(depth) + "}"), QStringLiteral("m"));
 }
 
-TEST(Depth, DoesNotExcuseABrokenText)
+TEST(Depth, DoesNotMakeInvalidJsonAcceptable)
 {
     for (const int depth : {100, 100'000}) {
         EXPECT_FALSE(decodes<MessageResponse>("{\"x\":" + QByteArray(depth, '[') + "}"));
@@ -316,7 +316,7 @@ TEST(Depth, DoesNotExcuseABrokenText)
     }
 }
 
-TEST(Depth, OfAFieldsOwnValueDecidesLikeAnyWrongType)
+TEST(Depth, OfAKnownFieldFailsLikeAnyWrongType)
 {
     EXPECT_FALSE(decodes<MessageResponse>("{\"message\":" + nestedLists(1000) + "}"));
     EXPECT_EQ(decode<APIErrorBody>("{\"message\":" + nestedLists(100'000) + "}").message->text,

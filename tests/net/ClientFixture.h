@@ -30,7 +30,7 @@ protected:
         return options;
     }
 
-    /// Changes what client() is made with; to be called before its first use.
+    /// Changes the options of client(); call it before the first use of client().
     void changeOptions(const std::function<void(APIClient::Options &)> &change)
     {
         if (!m_options)
@@ -67,7 +67,7 @@ protected:
                                    std::optional(Greeting{QStringLiteral("hi")}), authorized);
     }
 
-    /// The repaired client: whatever happened before, the next request works.
+    /// Checks that the next request succeeds, whatever happened before.
     void expectUsable()
     {
         server.expect("GET", "/api/after").reply(200, R"({"message":"fine"})");

@@ -64,7 +64,7 @@ TEST(Decoding, TokenPairNeedsBothTokens)
     EXPECT_FAILS(TokenPair, R"({"accesstoken":"a","refreshToken":"r"})");
 }
 
-TEST(Decoding, LoginResponseCarriesTheUser)
+TEST(Decoding, LoginResponseContainsTheUser)
 {
     const auto reply = decode<LoginResponse>(
         R"({"accessToken":"a","refreshToken":"r","user":{"id":"1","fullName":"N","email":"e","role":"EMPLOYEE","status":"ACTIVE"}})");
@@ -125,7 +125,7 @@ TEST(Decoding, MessageResponseMayBeEmpty)
     EXPECT_EQ(decode<MessageResponse>(R"({"emailVerified":true})").emailVerified, true);
 }
 
-TEST(Decoding, BoolIsNeitherNumberNorText)
+TEST(Decoding, BoolIsNeitherANumberNorAString)
 {
     EXPECT_FAILS(MessageResponse, R"({"emailVerified":1})");
     EXPECT_FAILS(MessageResponse, R"({"emailVerified":0})");
@@ -202,7 +202,7 @@ TEST(Decoding, ListWithOneBadElementFails)
     EXPECT_FAILS(QList<AttendanceRecord>, "null");
 }
 
-TEST(Decoding, NullGivesAnEmptyOptionalAndNothingElseDoes)
+TEST(Decoding, OnlyNullGivesAnEmptyOptional)
 {
     EXPECT_FALSE(decode<std::optional<AuthUser>>(QByteArray("null")));
     EXPECT_FALSE(decode<std::optional<AuthUser>>(QByteArray(" null\n")));
@@ -217,7 +217,7 @@ TEST(Decoding, UnknownKeysAreIgnored)
     EXPECT_EQ(recordWith(R"("extra":{"deep":[1,2,{}]},"lateMinutes":3)").lateMinutes, 3);
 }
 
-TEST(Decoding, FirstOfTwoEqualKeysCounts)
+TEST(Decoding, FirstOfDuplicateKeysCounts)
 {
     EXPECT_EQ(recordWith(R"("lateMinutes":3,"lateMinutes":4)").lateMinutes, 3);
 }
@@ -233,12 +233,12 @@ TEST(Decoding, OrderOfTheKeysDoesNotMatter)
     EXPECT_EQ(twice.refreshToken, QStringLiteral("r"));
 }
 
-TEST(Decoding, EscapedKeysAreTheSameKeys)
+TEST(Decoding, EscapedKeysAreUnescaped)
 {
     EXPECT_EQ(recordWith(R"("l\u0061teMinutes":3)").lateMinutes, 3);
 }
 
-TEST(Decoding, IntTakesIntegralNumbersOnly)
+TEST(Decoding, IntAcceptsIntegralNumbersOnly)
 {
     EXPECT_EQ(recordWith(R"("lateMinutes":5)").lateMinutes, 5);
     EXPECT_EQ(recordWith(R"("lateMinutes":-5)").lateMinutes, -5);
@@ -260,7 +260,7 @@ TEST(Decoding, IntBeyond64BitsFails)
         EXPECT_THROW(recordWith(QByteArray("\"lateMinutes\":") + bad), DecodingError) << bad;
 }
 
-TEST(Decoding, DoubleTakesEveryNumber)
+TEST(Decoding, DoubleAcceptsEveryNumber)
 {
     const auto read = [](const QByteArray &number) {
         return decode<DistanceResponse>(R"({"inside":true,"radiusMeters":1,"distanceMeters":)" + number + "}")
@@ -274,7 +274,7 @@ TEST(Decoding, DoubleTakesEveryNumber)
     EXPECT_THROW(read("Infinity"), DecodingError);
 }
 
-TEST(Decoding, MomentWithOffsetDecodes)
+TEST(Decoding, DateWithOffsetDecodes)
 {
     EXPECT_EQ(
         recordWith(R"("checkInAt":"2024-05-01T09:15:30.123+05:30")").checkInAt->time_since_epoch().count(),
@@ -282,7 +282,7 @@ TEST(Decoding, MomentWithOffsetDecodes)
     EXPECT_FALSE(recordWith(R"("checkInAt":null)").checkInAt);
 }
 
-TEST(Decoding, BadMomentFailsTheReplyAndNamesTheText)
+TEST(Decoding, BadDateFailsTheReplyAndIsQuotedInTheError)
 {
     const auto text = [](const QByteArray &value) {
         return failure<AttendanceRecord>(recordHead + QByteArray(R"(,"checkInAt":)") + value + "}");
@@ -294,7 +294,7 @@ TEST(Decoding, BadMomentFailsTheReplyAndNamesTheText)
     EXPECT_NE(text("1714554930"), QStringLiteral("(decoded)"));
 }
 
-TEST(Decoding, MessageFieldTakesTextsAndLists)
+TEST(Decoding, MessageFieldAcceptsStringsAndLists)
 {
     EXPECT_EQ(message(R"("Wrong password.")"), QStringLiteral("Wrong password."));
     EXPECT_EQ(message(R"("")"), QStringLiteral(""));
@@ -304,7 +304,7 @@ TEST(Decoding, MessageFieldTakesTextsAndLists)
     EXPECT_EQ(message(R"(["",""])"), QStringLiteral(", "));
 }
 
-TEST(Decoding, MessageFieldOfAnyOtherKindSaysRequestFailed)
+TEST(Decoding, MessageFieldOfAnyOtherTypeGivesRequestFailed)
 {
     for (const char *other :
          {"42", "true", "{}", R"({"a":"b"})", R"(["a",1])", R"(["a",null])", R"([["a"]])"})
@@ -317,7 +317,7 @@ TEST(Decoding, NullOrMissingMessageIsNoMessage)
     EXPECT_FALSE(decode<APIErrorBody>("{}").message);
 }
 
-TEST(Decoding, ErrorBodyWithTextsHasMessageAndCode)
+TEST(Decoding, ErrorBodyHasMessageAndCode)
 {
     const auto body = decode<APIErrorBody>(R"({"statusCode":400,"error":"BAD","message":"No."})");
     EXPECT_EQ(body.statusCode, 400);
@@ -328,7 +328,7 @@ TEST(Decoding, ErrorBodyWithTextsHasMessageAndCode)
     EXPECT_FAILS(APIErrorBody, "[]");
 }
 
-TEST(Decoding, LenientDoubleTakesNumbersAndNumbersInText)
+TEST(Decoding, LenientDoubleAcceptsNumbersAndNumbersInStrings)
 {
     EXPECT_EQ(distance("35.7"), 35.7);
     EXPECT_EQ(distance("\"35.7\""), 35.7);
@@ -358,7 +358,7 @@ TEST(Decoding, LenientDoubleNullLeavesTheFieldEmpty)
 
 TEST(Decoding, LenientDoubleIsIndependentOfTheLocale)
 {
-    // Not every machine has the locale; where it is missing, the rule above has been checked already.
+    // Not every machine has this locale; the other tests check the "C" locale.
     if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
         GTEST_SKIP() << "no locale with a decimal comma here";
     EXPECT_EQ(distance("\"12.5\""), 12.5);
@@ -366,7 +366,7 @@ TEST(Decoding, LenientDoubleIsIndependentOfTheLocale)
     std::setlocale(LC_NUMERIC, "C");
 }
 
-TEST(Decoding, TextKeepsEveryCharacter)
+TEST(Decoding, StringKeepsEveryCharacter)
 {
     const auto status = [](const QByteArray &text) {
         return decode<MessageResponse>("{\"status\":" + text + "}").status;
@@ -376,7 +376,7 @@ TEST(Decoding, TextKeepsEveryCharacter)
     EXPECT_EQ(status(R"("\ud83d\ude00\"\\\/\b\f\n\r\t")"), QString::fromUtf8("😀\"\\/\b\f\n\r\t"));
 }
 
-TEST(Decoding, BrokenTextsFail)
+TEST(Decoding, InvalidJsonFails)
 {
     for (const QByteArray &json : {QByteArray(),
                                    QByteArray("   "),
@@ -411,10 +411,10 @@ TEST(Decoding, EveryTruncationFails)
         EXPECT_THROW(decode<TodayResponse>(whole.left(length)), DecodingError) << length;
 }
 
-TEST(Decoding, NeedsNoPaddingBehindTheText)
+TEST(Decoding, DoesNotReadBeyondTheText)
 {
-    // On the heap and exactly as long as the text, so that the address sanitizer sees every byte read too
-    // far.
+    // Allocated on the heap with exactly the length of the text, so that the address sanitizer detects reads
+    // beyond its end.
     const std::string text = R"({"accessToken":"a","refreshToken":"r"})";
     const std::unique_ptr<char[]> exact(new char[text.size()]);
     std::copy(text.begin(), text.end(), exact.get());

@@ -36,20 +36,20 @@ TEST_F(DeviceFacts, IdIsAnUpperCaseVersion4Uuid)
     EXPECT_TRUE(form.match(idOf(m_machine)).hasMatch()) << idOf(m_machine).toStdString();
 }
 
-TEST_F(DeviceFacts, IdIsStableAndDiffersFromMachineToMachine)
+TEST_F(DeviceFacts, IdIsStableAndDiffersBetweenMachines)
 {
     EXPECT_EQ(idOf(m_machine), idOf(m_machine));
     EXPECT_EQ(idOf(m_machine), idOf("0123456789ABCDEF0123456789ABCDEF"));
     EXPECT_NE(idOf(m_machine), idOf("1123456789abcdef0123456789abcdef\n"));
 }
 
-TEST_F(DeviceFacts, IdDoesNotShowTheMachineId)
+TEST_F(DeviceFacts, IdDoesNotContainTheMachineId)
 {
     const QString id = idOf(m_machine).remove(u'-').toLower();
     EXPECT_FALSE(id.contains(QStringLiteral("0123456789ab")));
 }
 
-TEST_F(DeviceFacts, IdIsReadAfreshOnEachCall)
+TEST_F(DeviceFacts, IdIsReadAgainOnEachCall)
 {
     const QString before = idOf(m_machine);
     EXPECT_NE(before, idOf("fedcba9876543210fedcba9876543210\n"));
@@ -65,7 +65,7 @@ TEST_F(DeviceFacts, IdIsUnknownWithoutMachineId)
     EXPECT_EQ(idOf("00000000000000000000000000000000\n"), m_unknown);
 }
 
-TEST_F(DeviceFacts, ModelAndVersionAreTexts)
+TEST_F(DeviceFacts, ModelAndVersionAreNotEmpty)
 {
     EXPECT_FALSE(deviceModel().isEmpty());
     EXPECT_EQ(deviceModel(), deviceModel().simplified());

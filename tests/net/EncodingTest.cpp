@@ -40,12 +40,12 @@ TEST(Encoding, WritesKeysInTheOrderOfTheirDeclaration)
               R"({"zeta":12.5,"alpha":"a","middle":"m","flag":true,"count":-7,"inner":{"text":"i"}})");
 }
 
-TEST(Encoding, LeavesAbsentOptionalsOut)
+TEST(Encoding, OmitsEmptyOptionals)
 {
     EXPECT_EQ(encodeBody(Everything{}), R"({"zeta":0.0,"alpha":"","flag":false,"count":0})");
 }
 
-TEST(Encoding, KeepsAnEmptyOptionalText)
+TEST(Encoding, WritesAnEmptyOptionalString)
 {
     Everything record;
     record.middle = QStringLiteral("");
@@ -76,7 +76,7 @@ TEST(Encoding, RefusesNumbersThatAreNotFinite)
     }
 }
 
-TEST(Encoding, NumbersReadBackTheSame)
+TEST(Encoding, NumbersParseBackToTheSameValue)
 {
     for (const double value :
          {12.9715987, 77.5945627, 0.1, 1.0 / 3, -89.99999999999999, 5e-324, 1.7976931348623157e308}) {
@@ -86,7 +86,7 @@ TEST(Encoding, NumbersReadBackTheSame)
     }
 }
 
-TEST(ShortestDecimal, IsTheShortestTextThatReadsBackTheSame)
+TEST(ShortestDecimal, IsTheShortestTextThatParsesBackToTheSameValue)
 {
     EXPECT_EQ(shortestDecimal(12.9715987), QStringLiteral("12.9715987"));
     EXPECT_EQ(shortestDecimal(-77.5), QStringLiteral("-77.5"));

@@ -9,7 +9,8 @@ namespace {
 const char *const record = R"({"id":"1","workDate":"2024-05-01","status":"PRESENT"})";
 const char *const user = R"({"id":"1","fullName":"N","email":"e","role":"R","status":"S"})";
 
-/// Each endpoint once, the way the stores call it: what reaches the server and what comes back as a record.
+/// Calls each endpoint as the stores do, and checks the request that reaches the server and the record that
+/// is returned.
 class Endpoint : public ClientTest
 {
 protected:
@@ -98,7 +99,7 @@ TEST_F(Endpoint, AuthLogin)
 {
     const QByteArray reply = QByteArray(R"({"accessToken":"a","refreshToken":"r","user":)") + user + "}";
     EXPECT_EQ(send<LoginResponse>("auth/login", reply, false).refreshToken, QStringLiteral("r"));
-    EXPECT_EQ(tokens.access(), QStringLiteral("a1")); // keeping the tokens is the account's business
+    EXPECT_EQ(tokens.access(), QStringLiteral("a1")); // storing the tokens is left to the account
 }
 
 TEST_F(Endpoint, AuthSignup)

@@ -18,24 +18,24 @@ private:
     std::atomic<bool> &m_offline;
 };
 
-/// A switch that the client's reachability follows.
+/// Controls the reachability that the client sees.
 struct FakeNetwork
 {
     std::atomic<bool> offline = true;
-    std::atomic<FakeReachability *> seen = nullptr;
+    std::atomic<FakeReachability *> reachability = nullptr;
 
     std::function<std::unique_ptr<Reachability>()> factory()
     {
         return [this] {
-            auto made = std::make_unique<FakeReachability>(offline);
-            seen = made.get();
-            return made;
+            auto created = std::make_unique<FakeReachability>(offline);
+            reachability = created.get();
+            return created;
         };
     }
     void change(bool nowOffline)
     {
         offline = nowOffline;
-        Q_EMIT seen.load()->changed();
+        Q_EMIT reachability.load()->changed();
     }
 };
 

@@ -15,7 +15,7 @@ bool accepts(const QString &path)
     return probe.waitForConnected(100);
 }
 
-/// What comes out of one end goes into the other, until one of the receivers is disconnected from it.
+/// Forwards data in both directions until the signal connections between the two sockets are removed.
 void join(QTcpSocket *client, QLocalSocket *server)
 {
     QObject::connect(client, &QIODevice::readyRead, server, [=] { server->write(client->readAll()); });
@@ -64,7 +64,7 @@ void Http2Front::accept()
     }
 }
 
-void Http2Front::fallSilent()
+void Http2Front::stallConnections()
 {
     for (const QPointer<QTcpSocket> &client : std::exchange(m_clients, {})) {
         if (!client)

@@ -13,12 +13,12 @@
 
 namespace clockwell::test {
 
-/// HTTP/2 over TLS in front of a FakeServer: a real proxy, reached through a relay that can play dead. The
-/// relay runs on the event loop of the thread that made it.
+/// HTTP/2 over TLS in front of a FakeServer: a real reverse proxy, reached through a relay that can stop
+/// forwarding. The relay runs on the event loop of the thread that created it.
 class Http2Front
 {
 public:
-    /// `port` is the FakeServer's; `options` are further ones of nghttpx.
+    /// `port` is the FakeServer's port; `options` are additional options of nghttpx.
     explicit Http2Front(quint16 port, const QStringList &options = {});
     Http2Front(const Http2Front &) = delete;
     Http2Front &operator=(const Http2Front &) = delete;
@@ -27,8 +27,8 @@ public:
     QUrl url(const QString &path) const;
     QString certificateFile() const { return m_certificate.certificateFile(); }
     int connections() const { return m_connections; }
-    /// The connections of now stay open, but nothing comes through them any more, in either direction.
-    void fallSilent();
+    /// The existing connections stay open, but no longer forward anything in either direction.
+    void stallConnections();
 
 private:
     void accept();

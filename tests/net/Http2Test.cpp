@@ -35,7 +35,7 @@ protected:
     }
 
     FakeNetwork network;
-    const std::chrono::milliseconds m_short = 2s;
+    const std::chrono::milliseconds m_shortIdleLimit = 2s;
 
 private:
     std::unique_ptr<Http2Front> m_front;
@@ -52,26 +52,26 @@ TEST_F(Http2, GetsShareAConnection)
     EXPECT_EQ(front().connections(), 1);
 }
 
-TEST_F(Http2, ConnectionThatFellSilentIsLeftBehind)
+TEST_F(Http2, StalledConnectionIsNotReused)
 {
-    start(m_short);
+    start(m_shortIdleLimit);
     expectAnswer();
-    front().fallSilent();
+    front().stallConnections();
     EXPECT_EQ(transportError(get()), Kind::TimedOut);
     expectAnswer();
     expectAnswer();
     EXPECT_EQ(front().connections(), 2);
 }
 
-TEST_F(Http2, SilentConnectionThatSeveralShareFailsThemAllAndIsLeftBehind)
+TEST_F(Http2, StalledSharedConnectionFailsAllItsRequestsAndIsNotReused)
 {
-    start(m_short);
+    start(m_shortIdleLimit);
     expectAnswer();
     server.expect("GET", "/api/thing").times(2).never();
     const QList inFlight{observe(get()), observe(get())};
     EXPECT_TRUE(server.waitForRequests(3));
     EXPECT_EQ(front().connections(), 1);
-    front().fallSilent();
+    front().stallConnections();
     const QList late{observe(get()), observe(get())};
     for (const auto &call : inFlight + late) {
         EXPECT_TRUE(spinUntil([&] { return call->done; }));
@@ -81,7 +81,7 @@ TEST_F(Http2, SilentConnectionThatSeveralShareFailsThemAllAndIsLeftBehind)
     EXPECT_EQ(front().connections(), 2);
 }
 
-TEST_F(Http2, GoawayIsNoFailure)
+TEST_F(Http2, GoawayIsNotAnError)
 {
     start(10s, {QStringLiteral("--frontend-max-requests=2")});
     for (int i = 0; i < 9; ++i)
@@ -89,7 +89,7 @@ TEST_F(Http2, GoawayIsNoFailure)
     EXPECT_GE(front().connections(), 3);
 }
 
-TEST_F(Http2, GoawayWhileSeveralAreUnderWayIsNoFailure)
+TEST_F(Http2, GoawayWithRequestsInFlightIsNotAnError)
 {
     start(10s, {QStringLiteral("--frontend-max-requests=3")});
     for (int round = 0; round < 5; ++round) {
@@ -104,38 +104,38 @@ TEST_F(Http2, GoawayWhileSeveralAreUnderWayIsNoFailure)
     }
 }
 
-TEST_F(Http2, ConnectionThatFallsSilentAfterGoawayIsLeftBehind)
+TEST_F(Http2, ConnectionStalledAfterGoawayIsNotReused)
 {
-    start(m_short, {QStringLiteral("--frontend-max-requests=1")});
+    start(m_shortIdleLimit, {QStringLiteral("--frontend-max-requests=1")});
     expectAnswer();
-    front().fallSilent();
+    front().stallConnections();
     spinUntil([] { return false; }, 50ms);
     for (int i = 0; i < 4; ++i) {
         server.expect("GET", "/api/thing").anyNumber().reply(200, R"({"message":"m"})");
         const auto call = observe(get());
         EXPECT_TRUE(spinUntil([&] { return call->done; }));
-        EXPECT_TRUE(call->value || i == 0) << i; // the first one may have found out
+        EXPECT_TRUE(call->value || i == 0) << i; // the first request may have detected the stalled connection
     }
 }
 
-TEST_F(Http2, ChangeOfTheNetworkLeavesItsConnectionsBehind)
+TEST_F(Http2, ConnectionsAreNotReusedAfterAChangeOfTheNetwork)
 {
     start();
     expectAnswer();
-    front().fallSilent();
+    front().stallConnections();
     network.change(false);
     expectAnswer();
     EXPECT_EQ(front().connections(), 2);
 }
 
-TEST_F(Http2, ConnectionThatFellSilentUnderAPostIsLeftBehind)
+TEST_F(Http2, ConnectionStalledDuringAPostIsNotReused)
 {
-    start(m_short);
+    start(m_shortIdleLimit);
     expectAnswer();
     server.expect("POST", "/api/thing").never();
     const auto call = observe(post());
     EXPECT_TRUE(server.waitForRequests(2));
-    front().fallSilent();
+    front().stallConnections();
     EXPECT_TRUE(spinUntil([&] { return call->done; }));
     EXPECT_FALSE(call->value);
     expectAnswer();
@@ -143,11 +143,11 @@ TEST_F(Http2, ConnectionThatFellSilentUnderAPostIsLeftBehind)
     EXPECT_EQ(front().connections(), 3);
 }
 
-TEST_F(Http2, EachPostHasAConnectionOfItsOwnAlsoWhenTheKeptOneIsSilent)
+TEST_F(Http2, EachPostOpensItsOwnConnectionEvenIfTheKeptOneIsStalled)
 {
-    start(m_short);
+    start(m_shortIdleLimit);
     expectAnswer();
-    front().fallSilent();
+    front().stallConnections();
     server.expect("POST", "/api/thing").times(2).reply(200, R"({"message":"m"})");
     await(post());
     await(post());
@@ -157,7 +157,7 @@ TEST_F(Http2, EachPostHasAConnectionOfItsOwnAlsoWhenTheKeptOneIsSilent)
     expectAnswer();
 }
 
-TEST_F(Http2, GetDoesNotJoinTheConnectionOfAPost)
+TEST_F(Http2, GetDoesNotShareTheConnectionOfAPost)
 {
     start();
     server.expect("POST", "/api/thing").after(300ms).reply(200, R"({"message":"m"})");
@@ -169,7 +169,7 @@ TEST_F(Http2, GetDoesNotJoinTheConnectionOfAPost)
     EXPECT_TRUE(spinUntil([&] { return call->done; }));
 }
 
-TEST_F(Http2, SeveralGetsAtOnceShareTheFirstConnection)
+TEST_F(Http2, ConcurrentGetsShareTheFirstConnection)
 {
     start();
     server.expect("GET", "/api/thing").times(20).after(50ms).reply(200, R"({"message":"m"})");
@@ -183,7 +183,7 @@ TEST_F(Http2, SeveralGetsAtOnceShareTheFirstConnection)
     EXPECT_EQ(front().connections(), 1);
 }
 
-TEST_F(Http2, InterimRepliesAreNoAnswers)
+TEST_F(Http2, InterimRepliesAreSkipped)
 {
     start();
     const QByteArray replies = "HTTP/1.1 103 Early Hints\r\nLink: </x>; rel=preload\r\n\r\n"
@@ -194,7 +194,7 @@ TEST_F(Http2, InterimRepliesAreNoAnswers)
     EXPECT_EQ(await(post()).message, QStringLiteral("m"));
 }
 
-TEST_F(Http2, PostIsSentOnceWhenTheServerRefusesToLookAtIt)
+TEST_F(Http2, PostIsSentOnceWhenTheServerRefusesToProcessIt)
 {
     const TestCertificate certificate;
     for (const auto refusal : {RefusingServer::Refusal::Stream, RefusingServer::Refusal::Goaway}) {

@@ -14,7 +14,7 @@ QByteArray answer(const QByteArray &body)
            QByteArray::number(body.size()) + "\r\n\r\n" + body;
 }
 
-/// An interim reply (1xx) says that the answer is still to come; it never is the answer.
+/// An interim reply (1xx) precedes the final reply and must never be taken for it.
 class InterimReply : public ClientTest
 {
 protected:
@@ -23,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(InterimReply, EarlyHintsBeforeAnAnswer)
+TEST_F(InterimReply, EarlyHintsBeforeAReply)
 {
     for (int i = 0; i < 2; ++i) {
         server.expect("GET", "/api/thing").raw(earlyHints + answer(m_body));
@@ -32,7 +32,7 @@ TEST_F(InterimReply, EarlyHintsBeforeAnAnswer)
     EXPECT_EQ(server.connections(), 1);
 }
 
-TEST_F(InterimReply, EarlyHintsBeforeTheAnswerToAPost)
+TEST_F(InterimReply, EarlyHintsBeforeTheReplyToAPost)
 {
     server.expect("POST", "/api/thing").raw(earlyHints + answer(m_body));
     EXPECT_EQ(await(post()).message, QStringLiteral("m"));
@@ -49,7 +49,7 @@ TEST_F(InterimReply, EarlyHintsBeforeARefreshDoNotSignOut)
     EXPECT_FALSE(events.expiredAt());
 }
 
-TEST_F(InterimReply, SeveralBeforeOneAnswer)
+TEST_F(InterimReply, SeveralBeforeOneReply)
 {
     const QByteArray several = "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 102 Processing\r\n\r\n" + earlyHints +
                                earlyHints + "HTTP/1.1 199 Whatever\r\n\r\n";
@@ -68,7 +68,7 @@ TEST_F(InterimReply, BeforeAnError)
     EXPECT_EQ(error.httpStatus, 409);
 }
 
-TEST_F(InterimReply, WithNothingBehindItIsALostConnection)
+TEST_F(InterimReply, WithoutFinalReplyIsALostConnection)
 {
     server.expect("GET", "/api/thing").anyNumber().raw(earlyHints).thenClose();
     EXPECT_EQ(transportError(get()), Kind::ConnectionLost);
@@ -76,7 +76,7 @@ TEST_F(InterimReply, WithNothingBehindItIsALostConnection)
     EXPECT_EQ(transportError(get("half")), Kind::ConnectionLost);
 }
 
-TEST_F(InterimReply, WithNothingBehindItDoesNotSignOut)
+TEST_F(InterimReply, WithoutFinalReplyDoesNotSignOut)
 {
     server.expect("GET", "/api/thing").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").raw(earlyHints).thenClose();
@@ -85,7 +85,7 @@ TEST_F(InterimReply, WithNothingBehindItDoesNotSignOut)
     EXPECT_FALSE(events.expiredAt());
 }
 
-TEST_F(InterimReply, SwitchOfProtocolsThatNobodyAskedForIsNoAnswer)
+TEST_F(InterimReply, UnrequestedSwitchOfProtocolsIsNotAReply)
 {
     const QByteArray switching =
         "HTTP/1.1 101 Switching Protocols\r\nUpgrade: x\r\nConnection: Upgrade\r\n\r\n";

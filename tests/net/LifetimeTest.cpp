@@ -36,13 +36,13 @@ QCoro::Task<MessageResponse> getThing(APIClient &client)
 
 } // namespace
 
-TEST_F(Lifetime, ClientThatWasNeverUsedGoesQuietly)
+TEST_F(Lifetime, UnusedClientCanBeDestroyed)
 {
     client();
     destroyClient();
 }
 
-TEST_F(Lifetime, QuittingInMidRequestEndsEveryWaiterWithAnError)
+TEST_F(Lifetime, DestructionEndsAllRequestsInFlightWithAnError)
 {
     server.expect("GET", "/api/thing").times(3).never();
     server.expect("POST", "/api/thing").never();
@@ -56,16 +56,16 @@ TEST_F(Lifetime, QuittingInMidRequestEndsEveryWaiterWithAnError)
         EXPECT_EQ(kindOf(call), Kind::Cancelled);
 }
 
-TEST_F(Lifetime, QuittingRightAfterTheCallEndsItWithAnError)
+TEST_F(Lifetime, DestructionRightAfterACallEndsItWithAnError)
 {
     const auto call = observe(get());
     destroyClient();
     EXPECT_EQ(kindOf(call), Kind::Cancelled);
-    // Whether it got as far as the server is a matter of luck.
+    // The request may or may not have reached the server.
     server.expect("GET", "/api/thing").anyNumber();
 }
 
-TEST_F(Lifetime, QuittingInMidRenewalEndsEveryWaiterAndKeepsTheTokens)
+TEST_F(Lifetime, DestructionDuringARenewalEndsAllRequestsAndKeepsTheTokens)
 {
     server.expect("GET", "/api/thing").times(3).reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").never();
@@ -79,7 +79,7 @@ TEST_F(Lifetime, QuittingInMidRenewalEndsEveryWaiterAndKeepsTheTokens)
     EXPECT_FALSE(events.expiredAt());
 }
 
-TEST_F(Lifetime, QuittingEndsWorkThatHasNotBegun)
+TEST_F(Lifetime, DestructionEndsWorkThatHasNotBegun)
 {
     const auto busy = observe(client().perform<void>([] { std::this_thread::sleep_for(100ms); }));
     const auto queued = observe(get());
@@ -89,7 +89,7 @@ TEST_F(Lifetime, QuittingEndsWorkThatHasNotBegun)
     server.expect("GET", "/api/thing").anyNumber();
 }
 
-TEST_F(Lifetime, CallMadeWhileTheClientGoesIsRefused)
+TEST_F(Lifetime, CallDuringDestructionIsRefused)
 {
     server.expect("GET", "/api/thing").never();
     const auto again = [](APIClient &client, bool *refused) -> QCoro::Task<> {
@@ -111,7 +111,7 @@ TEST_F(Lifetime, CallMadeWhileTheClientGoesIsRefused)
     EXPECT_TRUE(refused);
 }
 
-TEST_F(Lifetime, OtherThreadsAwaitAndResumeOnTheirOwn)
+TEST_F(Lifetime, CallersResumeOnTheirOwnThreads)
 {
     server.expect("GET", "/api/thing").reply(200, R"({"message":"m"})");
     client();
@@ -130,7 +130,7 @@ TEST_F(Lifetime, OtherThreadsAwaitAndResumeOnTheirOwn)
     EXPECT_EQ(resumed, thread.get());
 }
 
-TEST_F(Lifetime, ThreadThatEndsInMidRequestUnwindsItsWaiters)
+TEST_F(Lifetime, ThreadThatEndsDuringARequestUnwindsItsCoroutines)
 {
     server.expect("GET", "/api/thing").after(200ms).reply(200, "{}");
     client();
@@ -142,11 +142,11 @@ TEST_F(Lifetime, ThreadThatEndsInMidRequestUnwindsItsWaiters)
     thread->start();
     ASSERT_TRUE(thread->wait(10s));
     EXPECT_EQ(kindOf(call), Kind::Cancelled);
-    spinUntil([] { return false; }, 250ms); // the reply arrives for nobody
+    spinUntil([] { return false; }, 250ms); // the reply arrives after its thread has ended
     expectUsable();
 }
 
-TEST_F(Lifetime, TaskThatNobodyAwaitsDoesNoHarm)
+TEST_F(Lifetime, TaskMayBeDiscarded)
 {
     server.expect("GET", "/api/thing").reply(200, "{}");
     {
@@ -161,14 +161,14 @@ TEST_F(Lifetime, OfflineDeviceWaitsForTheNetwork)
     FakeNetwork network;
     APIClient::Options waiting = options();
     waiting.reachability = network.factory();
-    waiting.idleLimit = 150ms; // does not run while waiting
+    waiting.idleLimit = 150ms; // does not apply while the device is offline
     APIClient other(waiting, tokens, events);
     const auto call = observe(getThing(other));
     spinUntil([] { return false; }, 300ms);
     EXPECT_FALSE(call->done);
     EXPECT_EQ(server.connections(), 0);
     server.expect("GET", "/api/thing").reply(200, "{}");
-    network.change(true); // a change that is no good news
+    network.change(true); // a change, but still offline
     spinUntil([] { return false; }, 50ms);
     EXPECT_FALSE(call->done);
     network.change(false);
@@ -176,7 +176,7 @@ TEST_F(Lifetime, OfflineDeviceWaitsForTheNetwork)
     EXPECT_TRUE(call->value);
 }
 
-TEST_F(Lifetime, OfflineDeviceGivesUpAfterTheTotalLimit)
+TEST_F(Lifetime, OfflineDeviceFailsAfterTheTotalLimit)
 {
     FakeNetwork network;
     APIClient::Options waiting = options();
@@ -189,7 +189,7 @@ TEST_F(Lifetime, OfflineDeviceGivesUpAfterTheTotalLimit)
     EXPECT_EQ(server.connections(), 0);
 }
 
-TEST_F(Lifetime, ChangeOfTheNetworkLeavesKeptConnectionsBehind)
+TEST_F(Lifetime, KeptConnectionsAreNotReusedAfterAChangeOfTheNetwork)
 {
     FakeNetwork network;
     network.offline = false;
@@ -207,7 +207,7 @@ TEST_F(Lifetime, ChangeOfTheNetworkLeavesKeptConnectionsBehind)
     EXPECT_TRUE(inFlight->value);
 }
 
-TEST_F(Lifetime, FailureLeavesKeptConnectionsBehind)
+TEST_F(Lifetime, KeptConnectionsAreNotReusedAfterAFailure)
 {
     limit(500ms, 5s);
     server.expect("GET", "/api/thing").times(4).reply(200, "{}");
@@ -224,7 +224,7 @@ TEST_F(Lifetime, FailureLeavesKeptConnectionsBehind)
     EXPECT_NE(server.requests().at(3).connection, server.requests().at(5).connection);
 }
 
-TEST_F(Lifetime, QuittingWhileOfflineEndsTheWait)
+TEST_F(Lifetime, DestructionWhileOfflineEndsTheWait)
 {
     FakeNetwork network;
     APIClient::Options waiting = options();
@@ -263,7 +263,7 @@ QCoro::Task<> visit(Screen *screen, QCoro::Task<MessageResponse> request, QStrin
 
 } // namespace
 
-TEST_F(Lifetime, LivingScreenGetsItsResult)
+TEST_F(Lifetime, ExistingScreenGetsItsResult)
 {
     server.expect("GET", "/api/thing").reply(200, "{}");
     Screen screen;
@@ -273,7 +273,7 @@ TEST_F(Lifetime, LivingScreenGetsItsResult)
     EXPECT_EQ(screen.log, QStringLiteral("+-"));
 }
 
-TEST_F(Lifetime, LivingScreenGetsItsError)
+TEST_F(Lifetime, ExistingScreenGetsItsError)
 {
     server.expect("GET", "/api/thing").reply(500);
     Screen screen;
@@ -283,7 +283,7 @@ TEST_F(Lifetime, LivingScreenGetsItsError)
     EXPECT_EQ(screen.log, QStringLiteral("+-"));
 }
 
-TEST_F(Lifetime, DeadScreenIsNeitherGivenAResultNorAnError)
+TEST_F(Lifetime, DestroyedScreenGetsNeitherAResultNorAnError)
 {
     for (const int status : {200, 500}) {
         server.expect("GET", "/api/thing").after(100ms).reply(status, "{}");
@@ -298,7 +298,7 @@ TEST_F(Lifetime, DeadScreenIsNeitherGivenAResultNorAnError)
     }
 }
 
-TEST(ErrorText, IsTheTextOfOurErrorsAndAGeneralOneForOthers)
+TEST(ErrorText, IsTheTextOfUserFacingErrorsAndAGeneralOneForOthers)
 {
     EXPECT_EQ(errorText(APIError(QStringLiteral("m"))), QStringLiteral("m"));
     EXPECT_EQ(errorText(DecodingError(QStringLiteral("Bad date: x"))), QStringLiteral("Bad date: x"));

@@ -6,7 +6,7 @@
 
 namespace clockwell::test {
 
-// This program runs with DBUS_SESSION_BUS_ADDRESS set to an address where nobody listens.
+// This program runs with DBUS_SESSION_BUS_ADDRESS set to a socket that does not exist.
 TEST(SecretServiceWithoutBus, ReadsAsAbsentAndLosesWritesSilently)
 {
     ASSERT_TRUE(

@@ -19,7 +19,7 @@ using namespace std::chrono;
 const QString text = QString::fromUtf8("é😀 \"\\/\n") + QChar(0);
 constexpr Instant moment = sys_days(2024y / May / 1) + 9h + 15min + 30s + 123ms;
 
-// A value of each type that a member of a record may have; none is the one that a new record has.
+// Fill a member of each type that records have with a value that differs from its default.
 
 void fill(QString &out)
 {
@@ -80,7 +80,7 @@ public:
         fill(record);
         return record;
     }
-    /// The names of the members that a record of only its required fields has.
+    /// The names of the record's members, with or without the optional ones.
     static QSet<QString> names(bool withOptionals)
     {
         QSet<QString> names;
@@ -110,14 +110,14 @@ AttendanceRecord withDistance(LenientDouble distance)
     return record;
 }
 
-AttendanceRecord turned(const AttendanceRecord &record)
+AttendanceRecord roundTrip(const AttendanceRecord &record)
 {
     return decode<AttendanceRecord>(encodeBody(record));
 }
 
 } // namespace
 
-TYPED_TEST(RecordRound, WithEveryFieldComesBackEqual)
+TYPED_TEST(RecordRound, WithAllFieldsDecodesToAnEqualRecord)
 {
     const TypeParam record = TestFixture::full();
     EXPECT_FALSE(record == TypeParam{});
@@ -125,14 +125,14 @@ TYPED_TEST(RecordRound, WithEveryFieldComesBackEqual)
     EXPECT_TRUE(decode<TypeParam>(encodeBody(record)) == record) << encodeBody(record).toStdString();
 }
 
-TYPED_TEST(RecordRound, WithoutOptionalFieldsComesBackEqual)
+TYPED_TEST(RecordRound, WithoutOptionalFieldsDecodesToAnEqualRecord)
 {
     const TypeParam record{};
     EXPECT_EQ(keysOf(record), TestFixture::names(false));
     EXPECT_TRUE(decode<TypeParam>(encodeBody(record)) == record) << encodeBody(record).toStdString();
 }
 
-TEST(RecordsAsJson, KeepTheirKeysOrderAndNestedRecords)
+TEST(RecordsAsJson, KeepTheOrderOfKeysAndNestedRecords)
 {
     TodayResponse today{
         .workDate = QStringLiteral("2024-05-01"),
@@ -149,7 +149,7 @@ TEST(RecordsAsJson, KeepTheirKeysOrderAndNestedRecords)
         R"("canCheckIn":false,"canCheckOut":true})");
 }
 
-TEST(RecordsAsJson, WriteTheWrappersAsBareValues)
+TEST(RecordsAsJson, WriteWrapperTypesAsPlainValues)
 {
     EXPECT_EQ(encodeBody(APIErrorBody{
                   .statusCode = {}, .error = {}, .message = MessageField{QStringLiteral("No.")}}),
@@ -164,21 +164,21 @@ TEST(RecordsAsJson, KeepEveryDistance)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     for (const double value : {0.0, 0.1, -1e300, 5e-324, 1e20, infinity, -infinity})
-        EXPECT_EQ(turned(withDistance({value})).checkInDistanceMeters, LenientDouble{value}) << value;
-    const AttendanceRecord none = turned(withDistance({std::numeric_limits<double>::quiet_NaN()}));
+        EXPECT_EQ(roundTrip(withDistance({value})).checkInDistanceMeters, LenientDouble{value}) << value;
+    const AttendanceRecord none = roundTrip(withDistance({std::numeric_limits<double>::quiet_NaN()}));
     EXPECT_TRUE(std::isnan(none.checkInDistanceMeters->value.value_or(0)));
-    // One that could not be read is no distance, and comes back as none.
-    EXPECT_EQ(turned(withDistance({})), AttendanceRecord{});
+    // A distance without a value is encoded as null, which decodes to an empty optional.
+    EXPECT_EQ(roundTrip(withDistance({})), AttendanceRecord{});
 }
 
-TEST(RecordsAsJson, KeepEveryMomentThatTheDateRuleReads)
+TEST(RecordsAsJson, KeepEveryDateThatTheDateRuleAccepts)
 {
     for (const Instant at : {Instant{}, Instant(-1ms), moment, Instant(sys_days(0y / January / 1)),
                              Instant(sys_days(9999y / December / 31) + 23h + 59min + 59s + 999ms),
                              Instant(sys_days(2024y / February / 29) + 7ms)}) {
         AttendanceRecord record;
         record.checkInAt = at;
-        EXPECT_EQ(turned(record).checkInAt, at) << at.time_since_epoch().count();
+        EXPECT_EQ(roundTrip(record).checkInAt, at) << at.time_since_epoch().count();
     }
     for (const Instant beyond :
          {Instant(sys_days(0y / January / 1) - 1ms), Instant(sys_days(10000y / January / 1))}) {

@@ -9,8 +9,8 @@
 
 namespace clockwell::test {
 
-/// Speaks just enough HTTP/2 to refuse every request before it looks at it, which a client may take as leave
-/// to send it again. Runs on the event loop of the thread that made it.
+/// Implements just enough HTTP/2 to refuse every request unprocessed, after which a client may send it again.
+/// Runs on the event loop of the thread that created it.
 class RefusingServer final
 {
 public:
@@ -30,7 +30,7 @@ public:
     }
 
     QUrl url() const { return QUrl(QStringLiteral("https://127.0.0.1:%1/api").arg(m_server.serverPort())); }
-    /// How many requests have come, over all connections.
+    /// The number of requests received over all connections.
     int requests() const { return m_requests; }
 
 private:

@@ -23,7 +23,7 @@ protected:
         });
     }
 
-    /// The old token gets 401, the new one the message.
+    /// The server replies 401 to the old token and a message to the new one.
     void expectStaleToken(const char *path, int times = 1)
     {
         const QString full = QStringLiteral("/api/") + QString::fromUtf8(path);
@@ -41,13 +41,13 @@ protected:
         EXPECT_EQ(expiries, 0);
         EXPECT_EQ(tokens.writes().size(), 0);
     }
-    void expectSessionGone(const APIError &error)
+    void expectNoRefreshError(const APIError &error)
     {
         EXPECT_EQ(error.message, QStringLiteral("Session expired."));
         EXPECT_EQ(error.code, QStringLiteral("NO_REFRESH"));
         EXPECT_EQ(error.httpStatus, 401);
     }
-    /// Signs out the way the account does.
+    /// Signs out as the account does.
     void signOut()
     {
         client().sessionChanged();
@@ -58,7 +58,7 @@ protected:
         client().sessionChanged();
         saveTokens(tokens, QStringLiteral("b1"), QStringLiteral("s1"));
     }
-    /// A request whose renewal is under way at the server, which answers later.
+    /// Starts a request and waits until its renewal has reached the server, which replies later.
     std::shared_ptr<Outcome<MessageResponse>> renewalInFlight(int status, const QByteArray &body)
     {
         server.expect("GET", "/api/thing").withHeader("Authorization", "Bearer a1").reply(401, "{}");
@@ -85,7 +85,7 @@ protected:
 
 } // namespace
 
-TEST_F(Renewal, OneRenewalAndOneRepeatWithTheNewToken)
+TEST_F(Renewal, OneRenewalAndOneRetryWithTheNewToken)
 {
     expectStaleToken("thing");
     server.expect("POST", "/api/auth/refresh").reply(200, newTokens);
@@ -110,7 +110,7 @@ TEST_F(Renewal, RenewalRequestHasItsBodyAndNeitherAcceptNorBearer)
     EXPECT_FALSE(sent.has("Accept"));
 }
 
-TEST_F(Renewal, NumberThatNobodyReadsDoesNotFailIt)
+TEST_F(Renewal, BigNumberUnderAnUnknownKeyDoesNotFailIt)
 {
     for (const char *number : {"123456789012345678901234567890", "1e400", "-1e400"}) {
         SCOPED_TRACE(number);
@@ -135,7 +135,7 @@ TEST_F(Renewal, StoresTheAccessTokenFirst)
     EXPECT_EQ(expiries, 0);
 }
 
-TEST_F(Renewal, RepeatCarriesTheSamePathQueryAndBody)
+TEST_F(Renewal, RetryHasTheSamePathQueryAndBody)
 {
     server.expect("POST", "/api/attendance/punch").withHeader("Authorization", "Bearer a1").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").reply(201, newTokens);
@@ -147,7 +147,7 @@ TEST_F(Renewal, RepeatCarriesTheSamePathQueryAndBody)
     EXPECT_EQ(server.requests().at(2).body, R"({"text":"hi"})");
 }
 
-TEST_F(Renewal, SecondRefusalSurfacesWithoutAnotherRenewal)
+TEST_F(Renewal, SecondRefusalIsReportedWithoutAnotherRenewal)
 {
     server.expect("GET", "/api/thing").withHeader("Authorization", "Bearer a1").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").reply(200, newTokens);
@@ -169,7 +169,7 @@ TEST_F(Renewal, RetryIsNotRenewed)
     EXPECT_EQ(refreshes(), 0);
 }
 
-TEST_F(Renewal, WithoutRefreshTokenTheServersMessageSurfaces)
+TEST_F(Renewal, WithoutRefreshTokenTheServersMessageIsReported)
 {
     tokens.save(TokenKey::refreshToken, std::nullopt);
     server.expect("GET", "/api/thing").reply(401, R"({"message":"Who are you?"})");
@@ -221,7 +221,7 @@ TEST_F(Renewal, RefusalDeletesTheAccessTokenFirst)
                                                                {TokenKey::refreshToken, std::nullopt}}));
 }
 
-TEST_F(Renewal, ExpiryIsAnnouncedBeforeTheCallerLearnsOfIt)
+TEST_F(Renewal, ExpiryIsAnnouncedBeforeTheCallerGetsTheError)
 {
     server.expect("GET", "/api/thing").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").reply(401, "{}");
@@ -277,7 +277,7 @@ TEST_F(Renewal, ReplyThatDoesNotDecodeKeepsTheTokensAndIsADecodingError)
     expectTokensKept();
 }
 
-TEST_F(Renewal, LaterRefusalStartsAFreshRenewal)
+TEST_F(Renewal, Later401StartsANewRenewal)
 {
     for (int i = 0; i < 2; ++i) {
         server.expect("GET", "/api/thing").reply(401, "{}");
@@ -333,32 +333,32 @@ TEST_F(Renewal, ThreeCallsShareOneRefusal)
     EXPECT_EQ(expiries, 1);
 }
 
-TEST_F(Renewal, SignOutMeanwhileLeavesNoTokenBehind)
+TEST_F(Renewal, SignOutDuringARenewalLeavesNoTokens)
 {
     const auto call = renewalInFlight(200, newTokens);
     signOut();
-    expectSessionGone(errorOf(call));
+    expectNoRefreshError(errorOf(call));
     EXPECT_EQ(tokens.access(), std::nullopt);
     EXPECT_EQ(tokens.refresh(), std::nullopt);
     EXPECT_EQ(expiries, 0);
     EXPECT_EQ(server.requests().size(), 2);
 }
 
-TEST_F(Renewal, SignOutMeanwhileIsNotAlsoAnExpiry)
+TEST_F(Renewal, SignOutDuringARenewalIsNotAnExpiry)
 {
     const auto call = renewalInFlight(401, "{}");
     signOut();
-    expectSessionGone(errorOf(call));
+    expectNoRefreshError(errorOf(call));
     spinUntil([] { return false; }, 50ms);
     EXPECT_EQ(expiries, 0);
 }
 
-TEST_F(Renewal, RefusalOfTheOldSessionLeavesTheNewOneAlone)
+TEST_F(Renewal, RefusalOfTheOldSessionDoesNotAffectTheNewOne)
 {
     const auto call = renewalInFlight(401, "{}");
     signOut();
     signIn();
-    expectSessionGone(errorOf(call));
+    expectNoRefreshError(errorOf(call));
     EXPECT_EQ(tokens.access(), QStringLiteral("b1"));
     EXPECT_EQ(tokens.refresh(), QStringLiteral("s1"));
     EXPECT_EQ(expiries, 0);
@@ -369,7 +369,7 @@ TEST_F(Renewal, RenewalOfTheOldSessionDoesNotReplaceTheNewOne)
     const auto call = renewalInFlight(200, newTokens);
     signOut();
     signIn();
-    expectSessionGone(errorOf(call));
+    expectNoRefreshError(errorOf(call));
     EXPECT_EQ(tokens.access(), QStringLiteral("b1"));
     EXPECT_EQ(tokens.refresh(), QStringLiteral("s1"));
 }
@@ -384,12 +384,12 @@ TEST_F(Renewal, NewSessionDoesNotWaitForTheRenewalOfTheOldOne)
     server.expect("GET", "/api/other").withHeader("Authorization", "Bearer b2").reply(200, "{}");
     await(get("other"));
     EXPECT_FALSE(old->done);
-    expectSessionGone(errorOf(old));
+    expectNoRefreshError(errorOf(old));
     EXPECT_EQ(tokens.access(), QStringLiteral("b2"));
     EXPECT_EQ(tokens.refresh(), QStringLiteral("s2"));
 }
 
-TEST_F(Renewal, RequestOfTheOldSessionIsNotRepeatedInTheNewOne)
+TEST_F(Renewal, RequestOfTheOldSessionIsNotRetriedInTheNewOne)
 {
     server.expect("GET", "/api/thing").after(200ms).reply(401, R"({"message":"Old."})");
     const auto call = observe(get());
@@ -403,7 +403,7 @@ TEST_F(Renewal, RequestOfTheOldSessionIsNotRepeatedInTheNewOne)
 
 namespace {
 
-/// Changes the session in the middle of a write, as another thread would.
+/// Changes the session during a write, as another thread might.
 class RacingStore final : public TokenStore
 {
 public:
@@ -422,14 +422,14 @@ private:
 
 } // namespace
 
-TEST_F(Renewal, SignOutInTheMiddleOfTheWriteLeavesNoTokenBehind)
+TEST_F(Renewal, SignOutDuringTheWriteLeavesNoTokens)
 {
     RacingStore racing;
     APIClient other(options(), racing, events);
     racing.onSave = [&] { other.sessionChanged(); };
     server.expect("GET", "/api/thing").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh").reply(200, newTokens);
-    expectSessionGone(awaitError<APIError>(other.request<MessageResponse>(
+    expectNoRefreshError(awaitError<APIError>(other.request<MessageResponse>(
         QStringLiteral("thing"), QStringLiteral("GET"), {}, std::nullopt, true)));
     EXPECT_EQ(racing.load(TokenKey::accessToken), std::nullopt);
     EXPECT_EQ(racing.load(TokenKey::refreshToken), std::nullopt);
@@ -454,7 +454,7 @@ TEST_F(Renewal, SignInWaitsForAWriteThatHasBegun)
     other.sessionChanged();
     EXPECT_TRUE(written);
     saveTokens(racing, QStringLiteral("b1"), QStringLiteral("s1"));
-    expectSessionGone(errorOf(call));
+    expectNoRefreshError(errorOf(call));
     EXPECT_EQ(racing.load(TokenKey::accessToken), QStringLiteral("b1"));
     EXPECT_EQ(racing.load(TokenKey::refreshToken), QStringLiteral("s1"));
 }

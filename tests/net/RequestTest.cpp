@@ -23,8 +23,9 @@ protected:
         return awaitError<APIError>(get("thing", false));
     }
 
-    /// Also after a while, there is one request to the path and nobody has tried another connection for it.
-    void expectOneArrival()
+    /// Checks that even after a while the path was requested once and no further connection was opened for
+    /// it.
+    void expectOneRequest()
     {
         const int connections = server.connections();
         spinUntil([] { return false; }, 150ms);
@@ -43,7 +44,7 @@ BOOST_DESCRIBE_STRUCT(Position, (), (lat, note))
 
 } // namespace
 
-TEST_F(Request, GetCarriesAcceptAndBearerAndNoContentType)
+TEST_F(Request, GetHasAcceptAndBearerButNoContentType)
 {
     server.expect("GET", "/api/attendance/today").reply(200, "{}");
     await(get("attendance/today"));
@@ -57,7 +58,7 @@ TEST_F(Request, GetCarriesAcceptAndBearerAndNoContentType)
     EXPECT_EQ(sent.body, "");
 }
 
-TEST_F(Request, PostCarriesItsBodyAsJson)
+TEST_F(Request, PostSendsItsBodyAsJson)
 {
     server.expect("POST", "/api/auth/login").reply(200, "{}");
     await(post("auth/login", false));
@@ -77,7 +78,7 @@ TEST_F(Request, PostWithoutBodyHasNoContentType)
     EXPECT_FALSE(server.requests().at(0).has("Content-Type"));
 }
 
-TEST_F(Request, WithoutStoredTokenGoesOutWithoutTheHeader)
+TEST_F(Request, WithoutStoredTokenHasNoAuthorizationHeader)
 {
     clearTokens(tokens);
     server.expect("GET", "/api/thing").reply(200, "{}");
@@ -94,7 +95,7 @@ TEST_F(Request, EmptyStoredTokenIsSent)
     EXPECT_EQ(server.requests().at(0).header("Authorization"), "Bearer");
 }
 
-TEST_F(Request, TokenThatWouldBreakTheHeaderIsNotSent)
+TEST_F(Request, TokenWithControlCharactersIsNotSent)
 {
     tokens.save(TokenKey::accessToken, QStringLiteral("a\r\nX-Other: 1"));
     server.expect("GET", "/api/thing").reply(200, "{}");
@@ -103,7 +104,7 @@ TEST_F(Request, TokenThatWouldBreakTheHeaderIsNotSent)
     EXPECT_FALSE(server.requests().at(0).has("X-Other"));
 }
 
-TEST_F(Request, SlashesAroundThePathDoNotMatter)
+TEST_F(Request, LeadingAndTrailingSlashesOfThePathAreIgnored)
 {
     server.expect("GET", "/api/auth/me").times(4).reply(200, "{}");
     for (const char *path : {"auth/me", "/auth/me", "auth/me/", "//auth/me//"})
@@ -164,7 +165,7 @@ TEST_F(Request, ErrorBodyWithAListOfMessagesJoinsThem)
     EXPECT_EQ(error.httpStatus, 400);
 }
 
-TEST_F(Request, ErrorBodyWithoutMessageSaysRequestFailed)
+TEST_F(Request, ErrorBodyWithoutMessageGivesRequestFailed)
 {
     for (const char *body : {"{}", R"({"message":null})", R"({"message":42})"}) {
         const APIError error = errorFor(500, body);
@@ -174,7 +175,7 @@ TEST_F(Request, ErrorBodyWithoutMessageSaysRequestFailed)
     }
 }
 
-TEST_F(Request, ErrorBodyThatIsNoErrorObjectNamesTheStatus)
+TEST_F(Request, ErrorBodyThatIsNotAnErrorObjectGivesTheStatus)
 {
     for (const QByteArray &body :
          {QByteArray("<html>Bad gateway</html>"), QByteArray(), QByteArray("[1]"), QByteArray("\"text\""),
@@ -186,14 +187,14 @@ TEST_F(Request, ErrorBodyThatIsNoErrorObjectNamesTheStatus)
     }
 }
 
-TEST_F(Request, EveryKindOfStatusOutsideTwoHundredsIsAnError)
+TEST_F(Request, StatusOutside2xxIsAnError)
 {
     for (const int status :
          {300, 304, 400, 401, 403, 404, 407, 409, 410, 418, 422, 429, 451, 500, 501, 503, 504, 599})
         EXPECT_EQ(errorFor(status, "").httpStatus, status);
 }
 
-TEST_F(Request, EveryStatusOfTheTwoHundredsIsASuccess)
+TEST_F(Request, Status2xxIsASuccess)
 {
     for (const int status : {200, 201, 202, 206, 299}) {
         server.expect("GET", "/api/thing").reply(status, R"({"message":"m"})");
@@ -201,7 +202,7 @@ TEST_F(Request, EveryStatusOfTheTwoHundredsIsASuccess)
     }
 }
 
-TEST_F(Request, SuccessBodyThatDoesNotFitIsUnexpected)
+TEST_F(Request, SuccessBodyThatDoesNotDecodeIsUnexpected)
 {
     for (const QByteArray &body :
          {QByteArray("{}"), QByteArray(), QByteArray("<html></html>"), QByteArray("null"), QByteArray("[]"),
@@ -214,7 +215,7 @@ TEST_F(Request, SuccessBodyThatDoesNotFitIsUnexpected)
     }
 }
 
-TEST_F(Request, EmptyResultDoesNotLookAtTheBody)
+TEST_F(Request, EmptyResultIgnoresTheBody)
 {
     server.expect("POST", "/api/auth/change-password").reply(204);
     await(post<Empty>("auth/change-password"));
@@ -234,7 +235,7 @@ TEST_F(Request, NullGivesAnEmptyOptionalResult)
               QStringLiteral("Unexpected response from server."));
 }
 
-TEST_F(Request, ListsAndBadDatesComeThroughTheSameWay)
+TEST_F(Request, ListsAndBadDatesAreDecodedTheSameWay)
 {
     server.expect("GET", "/api/attendance/me").reply(200, R"([{"id":"1","workDate":"d","status":"s"}])");
     EXPECT_EQ(await(get<QList<AttendanceRecord>>("attendance/me")).size(), 1);
@@ -264,7 +265,7 @@ TEST_F(Request, AuthenticationChallengeIsNotAnswered)
     EXPECT_EQ(server.requests().size(), 4);
 }
 
-TEST_F(Request, RedirectIsAReplyLikeAnyOther)
+TEST_F(Request, RedirectIsNotFollowed)
 {
     FakeServer elsewhere;
     for (const QByteArray &target :
@@ -300,32 +301,32 @@ TEST_F(Request, RepliesAreNotCached)
     EXPECT_EQ(server.requests().size(), 2);
 }
 
-TEST_F(Request, PostIsSentOnceWhenTheServerClosesWithoutAnAnswer)
+TEST_F(Request, PostIsSentOnceWhenTheServerClosesWithoutAReply)
 {
     server.expect("POST", "/api/thing").close();
     EXPECT_EQ(transportError(post()), Kind::ConnectionLost);
-    expectOneArrival();
+    expectOneRequest();
 }
 
 TEST_F(Request, PostIsSentOnceWhenTheServerClosesLater)
 {
     server.expect("POST", "/api/thing").after(100ms).close();
     EXPECT_EQ(transportError(post()), Kind::ConnectionLost);
-    expectOneArrival();
+    expectOneRequest();
 }
 
 TEST_F(Request, PostIsSentOnceWhenTheServerResetsTheConnection)
 {
     server.expect("POST", "/api/thing").reset();
     EXPECT_EQ(transportError(post()), Kind::ConnectionLost);
-    expectOneArrival();
+    expectOneRequest();
 }
 
-TEST_F(Request, PostIsSentOnceWhenTheAnswerIsCutOffInItsHead)
+TEST_F(Request, PostIsSentOnceWhenTheReplyHeaderIsTruncated)
 {
     server.expect("POST", "/api/thing").raw("HTTP/1.1 200 OK\r\nContent-Le").thenClose();
     EXPECT_EQ(transportError(post()), Kind::ConnectionLost);
-    expectOneArrival();
+    expectOneRequest();
 }
 
 TEST_F(Request, PostIsSentOnceAfterARequestThatKeptItsConnection)
@@ -334,7 +335,7 @@ TEST_F(Request, PostIsSentOnceAfterARequestThatKeptItsConnection)
     await(get("warm"));
     server.expect("POST", "/api/thing").close();
     EXPECT_EQ(transportError(post()), Kind::ConnectionLost);
-    expectOneArrival();
+    expectOneRequest();
 }
 
 TEST_F(Request, PostWithoutBodyIsSentOnceToo)
@@ -343,10 +344,10 @@ TEST_F(Request, PostWithoutBodyIsSentOnceToo)
     EXPECT_EQ(transportError(client().request<MessageResponse>(
                   QStringLiteral("thing"), QStringLiteral("POST"), {}, std::nullopt, false)),
               Kind::ConnectionLost);
-    expectOneArrival();
+    expectOneRequest();
 }
 
-TEST_F(Request, EachPostHasAConnectionOfItsOwnAndGetsShareOne)
+TEST_F(Request, EachPostOpensItsOwnConnectionAndGetsShareOne)
 {
     server.expect("GET", "/api/thing").times(3).reply(200, "{}");
     server.expect("POST", "/api/thing").times(2).reply(200, "{}");
@@ -393,7 +394,7 @@ TEST_F(Request, RunsOnTheClientsThreadAndResumesOnTheCallers)
     EXPECT_EQ(resumed, here);
 }
 
-TEST_F(Request, PerformHandsOnExceptionsAndKeepsItsOrder)
+TEST_F(Request, PerformForwardsExceptionsAndKeepsTheOrder)
 {
     EXPECT_THROW(await(client().perform<void>([] { throw APIError(QStringLiteral("x")); })), APIError);
     QList<int> order;
@@ -403,7 +404,7 @@ TEST_F(Request, PerformHandsOnExceptionsAndKeepsItsOrder)
     EXPECT_EQ(order, (QList<int>{1, 2}));
 }
 
-TEST_F(Request, SystemsProxyIsAskedForOtherMachinesOnly)
+TEST_F(Request, SystemProxyIsUsedForOtherMachinesOnly)
 {
     qputenv("http_proxy", server.url().toEncoded());
     APIClient::Options elsewhere = options();
@@ -419,7 +420,7 @@ TEST_F(Request, SystemsProxyIsAskedForOtherMachinesOnly)
     qunsetenv("http_proxy");
 }
 
-TEST_F(Request, RequestsRunSideBySide)
+TEST_F(Request, RequestsRunConcurrently)
 {
     server.expect("GET", "/api/slow").after(1s).reply(200, "{}");
     server.expect("GET", "/api/fast").reply(200, "{}");
@@ -429,7 +430,7 @@ TEST_F(Request, RequestsRunSideBySide)
     EXPECT_TRUE(spinUntil([&] { return slow->done; }));
 }
 
-TEST_F(Request, RequestsRunSideBySideOverTlsToo)
+TEST_F(Request, RequestsRunConcurrentlyOverTlsToo)
 {
     const TestCertificate certificate;
     FakeServer secure(certificate.serverTls());

@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 
 const QString service = QStringLiteral("io.clockwell.app.tokens.test");
 
-/// The service that the script started, to be stopped, and another one on the same keyring.
+/// Stops the service that the script started, and starts another one on the same keyring.
 class OwnService
 {
 public:
@@ -68,7 +68,7 @@ private:
     QProcess m_process;
 };
 
-/// Runs against the service that with-secret-service has started; its process is ours to stop and start.
+/// Runs against the service that with-secret-service has started; the tests may stop and restart it.
 class SecretService : public testing::Test
 {
 protected:
@@ -80,7 +80,7 @@ protected:
 
     void TearDown() override { clearTokens(m_store); }
 
-    /// What the service itself holds for a key, one entry an item, read without the code under test.
+    /// The secrets that the service stores for a key, one entry per item, read without the code under test.
     static QList<QByteArray> items(const char *account)
     {
         GHashTable *attributes = g_hash_table_new(g_str_hash, g_str_equal);
@@ -137,7 +137,7 @@ TEST_F(SecretService, NoValueDeletes)
     EXPECT_TRUE(items("accessToken").isEmpty());
 }
 
-TEST_F(SecretService, DeletingWhatIsNotThereIsSilent)
+TEST_F(SecretService, DeletingAnAbsentKeyDoesNothing)
 {
     m_store.save(TokenKey::accessToken, std::nullopt);
     EXPECT_EQ(m_store.load(TokenKey::accessToken), std::nullopt);
@@ -199,7 +199,7 @@ TEST_F(SecretService, ClearingDeletesBoth)
     EXPECT_EQ(m_store.load(TokenKey::refreshToken), std::nullopt);
 }
 
-TEST_F(SecretService, OtherServicesAreLeftAlone)
+TEST_F(SecretService, OtherServicesAreNotAffected)
 {
     SecretServiceTokenStore other(QStringLiteral("io.clockwell.app.tokens.other"));
     other.save(TokenKey::accessToken, QStringLiteral("o"));
@@ -226,7 +226,7 @@ TEST_F(SecretService, SeveralThreadsMayUseItAtOnce)
         thread.join();
 }
 
-TEST_F(SecretService, LoadingNothingIsCheap)
+TEST_F(SecretService, LoadingAnAbsentKeyIsFast)
 {
     m_store.load(TokenKey::accessToken);
     QElapsedTimer clock;
@@ -255,7 +255,7 @@ TEST_F(SecretService, KilledServiceReadsAsAbsentAndTheNextOneStillHasTheTokens)
     EXPECT_EQ(items("accessToken"), QList<QByteArray>{"b"});
 }
 
-// The last one here: it leaves the keyring locked.
+// Must be the last test: it leaves the keyring locked.
 TEST_F(SecretService, LockedKeyringReadsAsAbsentAndLosesWritesWithoutWaiting)
 {
     m_store.save(TokenKey::accessToken, m_text);

@@ -1,5 +1,5 @@
 #include "AccountScreens.h"
-#include "Looks.h"
+#include "Appearance.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -10,10 +10,10 @@ namespace {
 using namespace test;
 using namespace palette;
 
-/// Between the things of a form, before what each of them adds above itself.
+/// The spacing between the elements of a form, not including the padding that some add above themselves.
 constexpr qreal spacing = 6;
 
-class SignedOutLooksTest : public AccountScreens
+class SignedOutAppearanceTest : public AccountScreens
 {
 protected:
     void follow(const QString &link, const QString &title)
@@ -23,28 +23,28 @@ protected:
     }
 };
 
-TEST_F(SignedOutLooksTest, TheSignIn)
+TEST_F(SignedOutAppearanceTest, TheSignIn)
 {
-    expectLooks(*top(), {
-                            logo(),
-                            text(u"Qorvane"_s, white, 17, Bold),
-                            text(u"Sign in to mark attendance"_s, textSecondary, 12),
-                            text(u"EMAIL"_s, textMuted, 10, Medium),
-                            shape(surface, 11, spacing),
-                            text(u"name@example.org"_s, textMuted, 17),
-                            text(u"PASSWORD"_s, textMuted, 10, Medium, spacing),
-                            shape(surface, 11, spacing),
-                            text(u"••••••••"_s, textMuted, 17),
-                            symbol(u"eye"_s, textMuted, 22),
-                            text(u"Forgot password?"_s, brand, 13, Normal, spacing + 4),
-                            shape(brand, 12, spacing),
-                            text(u"Sign in"_s, white, 17, DemiBold),
-                            text(u"New here?"_s, textMuted, 14),
-                            text(u"Create an account"_s, brand, 14, DemiBold),
-                        });
+    expectAppearances(*top(), {
+                                  logo(),
+                                  text(u"Qorvane"_s, white, 17, Bold),
+                                  text(u"Sign in to mark attendance"_s, textSecondary, 12),
+                                  text(u"EMAIL"_s, textMuted, 10, Medium),
+                                  shape(surface, 11, spacing),
+                                  text(u"name@example.org"_s, textMuted, 17),
+                                  text(u"PASSWORD"_s, textMuted, 10, Medium, spacing),
+                                  shape(surface, 11, spacing),
+                                  text(u"••••••••"_s, textMuted, 17),
+                                  symbol(u"eye"_s, textMuted, 22),
+                                  text(u"Forgot password?"_s, brand, 13, Normal, spacing + 4),
+                                  shape(brand, 12, spacing),
+                                  text(u"Sign in"_s, white, 17, DemiBold),
+                                  text(u"New here?"_s, textMuted, 14),
+                                  text(u"Create an account"_s, brand, 14, DemiBold),
+                              });
 }
 
-TEST_F(SignedOutLooksTest, TheSignInOfAnAddressThatIsNotVerified)
+TEST_F(SignedOutAppearanceTest, TheSignInOfAnUnverifiedAddress)
 {
     server.expect("POST", "/api/auth/login")
         .reply(403, R"({"error":"EMAIL_NOT_VERIFIED","message":"Not yet."})");
@@ -52,11 +52,11 @@ TEST_F(SignedOutLooksTest, TheSignInOfAnAddressThatIsNotVerified)
     ASSERT_TRUE(stage->type(u"Password"_s, u"b"_s));
     stage->click(u"Sign in"_s);
     ASSERT_TRUE(stage->waitFor(u"Enter verification code"_s));
-    expectLook(*top(), text(u"Not yet."_s, danger, 13, Normal, spacing + 6));
-    expectLook(*top(), text(u"Enter verification code"_s, warning, 13, DemiBold, spacing + 2));
+    expectAppearance(*top(), text(u"Not yet."_s, danger, 13, Normal, spacing + 6));
+    expectAppearance(*top(), text(u"Enter verification code"_s, warning, 13, DemiBold, spacing + 2));
 }
 
-TEST_F(SignedOutLooksTest, TheFieldsOfTheSignIn)
+TEST_F(SignedOutAppearanceTest, TheFieldsOfTheSignIn)
 {
     expectFields(*top(), {{u"Email"_s, u"name@example.org"_s, false, FieldTraits::EmailKeyboard,
                            FieldTraits::UserName, FieldTraits::NoAutocap},
@@ -64,11 +64,11 @@ TEST_F(SignedOutLooksTest, TheFieldsOfTheSignIn)
                            FieldTraits::Password, FieldTraits::NoAutocap}});
 }
 
-TEST_F(SignedOutLooksTest, TheSignUp)
+TEST_F(SignedOutAppearanceTest, TheSignUp)
 {
     follow(u"Create an account"_s, u"Sign up"_s);
-    expectLooks(*top(),
-                {
+    expectAppearances(
+        *top(), {
                     symbol(u"chevron.left"_s, brand, 22),
                     text(u"Sign up"_s, textPrimary, 17, DemiBold),
                     logo(),
@@ -96,7 +96,7 @@ TEST_F(SignedOutLooksTest, TheSignUp)
                 });
 }
 
-TEST_F(SignedOutLooksTest, TheSignUpThatWasRefused)
+TEST_F(SignedOutAppearanceTest, TheRefusedSignUp)
 {
     follow(u"Create an account"_s, u"Sign up"_s);
     server.expect("POST", "/api/auth/signup").reply(409, R"({"message":"Taken."})");
@@ -105,11 +105,11 @@ TEST_F(SignedOutLooksTest, TheSignUpThatWasRefused)
     stage->click(u"Create account"_s);
     ASSERT_TRUE(stage->waitFor(u"Taken."_s));
     ASSERT_TRUE(becomesEnabled(u"Create account"_s));
-    expectLook(*top(), text(u"Taken."_s, danger, 13, Normal, spacing + 6));
-    expectLook(*top(), text(u"Create account"_s, white, 17, DemiBold));
+    expectAppearance(*top(), text(u"Taken."_s, danger, 13, Normal, spacing + 6));
+    expectAppearance(*top(), text(u"Create account"_s, white, 17, DemiBold));
 }
 
-TEST_F(SignedOutLooksTest, TheFieldsOfTheSignUp)
+TEST_F(SignedOutAppearanceTest, TheFieldsOfTheSignUp)
 {
     follow(u"Create an account"_s, u"Sign up"_s);
     expectFields(*top(), {{u"Full name"_s, u"Ada Byron"_s, false, FieldTraits::DefaultKeyboard,
@@ -124,11 +124,11 @@ TEST_F(SignedOutLooksTest, TheFieldsOfTheSignUp)
                            FieldTraits::NewPassword, FieldTraits::NoAutocap}});
 }
 
-TEST_F(SignedOutLooksTest, TheForgottenPassword)
+TEST_F(SignedOutAppearanceTest, TheForgotPasswordScreen)
 {
     follow(u"Forgot password?"_s, u"Forgot password"_s);
-    expectLooks(*top(),
-                {
+    expectAppearances(
+        *top(), {
                     symbol(u"chevron.left"_s, brand, 22),
                     text(u"Forgot password"_s, textPrimary, 17, DemiBold),
                     logo(),
@@ -145,7 +145,7 @@ TEST_F(SignedOutLooksTest, TheForgottenPassword)
                            FieldTraits::UserName, FieldTraits::NoAutocap}});
 }
 
-TEST_F(SignedOutLooksTest, TheForgottenPasswordAnsweredAndRefused)
+TEST_F(SignedOutAppearanceTest, TheForgotPasswordScreenAfterErrorAndSuccess)
 {
     follow(u"Forgot password?"_s, u"Forgot password"_s);
     server.expect("POST", "/api/auth/forgot-password").reply(429, R"({"message":"Too soon."})");
@@ -153,83 +153,84 @@ TEST_F(SignedOutLooksTest, TheForgottenPasswordAnsweredAndRefused)
     stage->type(u"Email"_s, u"a"_s);
     stage->click(u"Send reset code"_s);
     ASSERT_TRUE(stage->waitFor(u"Too soon."_s));
-    expectLook(*top(), text(u"Too soon."_s, danger, 13));
+    expectAppearance(*top(), text(u"Too soon."_s, danger, 13));
     ASSERT_TRUE(becomesEnabled(u"Send reset code"_s));
     stage->click(u"Send reset code"_s);
     ASSERT_TRUE(stage->waitFor(u"On its way."_s));
-    expectLook(*top(), text(u"On its way."_s, success, 13));
+    expectAppearance(*top(), text(u"On its way."_s, success, 13));
 }
 
-TEST_F(SignedOutLooksTest, TheCodeForAnAddress)
+TEST_F(SignedOutAppearanceTest, TheEmailVerification)
 {
     openCodeScreen(u"ada@example.org"_s, OtpPurpose::VerifyEmail);
-    expectLooks(*top(), {
-                            symbol(u"chevron.left"_s, brand, 22),
-                            text(u"Verify email"_s, textPrimary, 17, DemiBold),
-                            logo(),
-                            text(u"Qorvane"_s, white, 17, Bold),
-                            text(u"Verify your email"_s, textSecondary, 12),
-                            text(u"We sent a 6-digit code to"_s, textSecondary, 13),
-                            text(u"ada@example.org"_s, textPrimary, 14, DemiBold),
-                            text(u"VERIFICATION CODE"_s, textMuted, 10, Medium),
-                            shape(surface, 11),
-                            text(u"123456"_s, textMuted, 17),
-                            shape(brand, 12, spacing + 10),
-                            text(u"Verify"_s, white, 17, DemiBold),
-                            text(u"Resend code"_s, brand, 13),
-                        });
+    expectAppearances(*top(), {
+                                  symbol(u"chevron.left"_s, brand, 22),
+                                  text(u"Verify email"_s, textPrimary, 17, DemiBold),
+                                  logo(),
+                                  text(u"Qorvane"_s, white, 17, Bold),
+                                  text(u"Verify your email"_s, textSecondary, 12),
+                                  text(u"We sent a 6-digit code to"_s, textSecondary, 13),
+                                  text(u"ada@example.org"_s, textPrimary, 14, DemiBold),
+                                  text(u"VERIFICATION CODE"_s, textMuted, 10, Medium),
+                                  shape(surface, 11),
+                                  text(u"123456"_s, textMuted, 17),
+                                  shape(brand, 12, spacing + 10),
+                                  text(u"Verify"_s, white, 17, DemiBold),
+                                  text(u"Resend code"_s, brand, 13),
+                              });
     expectFields(*top(), {{u"Verification code"_s, u"123456"_s, false, FieldTraits::NumberPad,
                            FieldTraits::OneTimeCode, FieldTraits::NoAutocap}});
 }
 
-TEST_F(SignedOutLooksTest, TheCodeForANewPassword)
+TEST_F(SignedOutAppearanceTest, ThePasswordReset)
 {
     openCodeScreen(u"ada@example.org"_s, OtpPurpose::ResetPassword);
-    expectLooks(*top(), {
-                            symbol(u"chevron.left"_s, brand, 22),
-                            text(u"Reset password"_s, textPrimary, 17, DemiBold),
-                            logo(),
-                            text(u"Qorvane"_s, white, 17, Bold),
-                            text(u"Reset your password"_s, textSecondary, 12),
-                            text(u"We sent a 6-digit code to"_s, textSecondary, 13),
-                            text(u"ada@example.org"_s, textPrimary, 14, DemiBold),
-                            text(u"VERIFICATION CODE"_s, textMuted, 10, Medium),
-                            shape(surface, 11),
-                            text(u"123456"_s, textMuted, 17),
-                            text(u"NEW PASSWORD"_s, textMuted, 10, Medium, spacing + 6),
-                            shape(surface, 11),
-                            text(u"New password"_s, textMuted, 17),
-                            symbol(u"eye"_s, textMuted, 22),
-                            shape(brand, 12, spacing + 10),
-                            text(u"Reset password"_s, white, 17, DemiBold),
-                            text(u"Resend code"_s, brand, 13),
-                        });
+    expectAppearances(*top(), {
+                                  symbol(u"chevron.left"_s, brand, 22),
+                                  text(u"Reset password"_s, textPrimary, 17, DemiBold),
+                                  logo(),
+                                  text(u"Qorvane"_s, white, 17, Bold),
+                                  text(u"Reset your password"_s, textSecondary, 12),
+                                  text(u"We sent a 6-digit code to"_s, textSecondary, 13),
+                                  text(u"ada@example.org"_s, textPrimary, 14, DemiBold),
+                                  text(u"VERIFICATION CODE"_s, textMuted, 10, Medium),
+                                  shape(surface, 11),
+                                  text(u"123456"_s, textMuted, 17),
+                                  text(u"NEW PASSWORD"_s, textMuted, 10, Medium, spacing + 6),
+                                  shape(surface, 11),
+                                  text(u"New password"_s, textMuted, 17),
+                                  symbol(u"eye"_s, textMuted, 22),
+                                  shape(brand, 12, spacing + 10),
+                                  text(u"Reset password"_s, white, 17, DemiBold),
+                                  text(u"Resend code"_s, brand, 13),
+                              });
     expectFields(*top(), {{u"Verification code"_s, u"123456"_s, false, FieldTraits::NumberPad,
                            FieldTraits::OneTimeCode, FieldTraits::NoAutocap},
                           {u"New password"_s, u"New password"_s, true, FieldTraits::DefaultKeyboard,
                            FieldTraits::NewPassword, FieldTraits::NoAutocap}});
 }
 
-class CodeLooksTest : public SignedOutLooksTest, public ::testing::WithParamInterface<OtpPurpose::Purpose>
+class OtpAppearanceTest : public SignedOutAppearanceTest,
+                          public ::testing::WithParamInterface<OtpPurpose::Purpose>
 {};
 
-TEST_P(CodeLooksTest, ResentAndRefused)
+TEST_P(OtpAppearanceTest, ResendErrorAndSuccess)
 {
     openCodeScreen(u"ada@example.org"_s, GetParam());
     server.expect("POST", "/api/auth/resend-otp").reply(429, R"({"message":"Too soon."})");
     server.expect("POST", "/api/auth/resend-otp").reply(200, R"({"message":"On its way."})");
     stage->click(u"Resend code"_s);
     ASSERT_TRUE(stage->waitFor(u"Too soon."_s));
-    expectLook(*top(), text(u"Too soon."_s, danger, 13, Normal, spacing + 6));
+    expectAppearance(*top(), text(u"Too soon."_s, danger, 13, Normal, spacing + 6));
     stage->click(u"Resend code"_s);
     ASSERT_TRUE(stage->waitFor(u"Resend code in 60s"_s));
-    expectLook(*top(), text(u"On its way."_s, success, 13, Normal, spacing + 6));
-    expectLook(*top(), text(u"Resend code in 60s"_s, textMuted, 13));
+    expectAppearance(*top(), text(u"On its way."_s, success, 13, Normal, spacing + 6));
+    expectAppearance(*top(), text(u"Resend code in 60s"_s, textMuted, 13));
     const auto resend = stage->find(u"Resend code in 60s"_s, QAccessible::Button);
     EXPECT_NEAR(resend->rect.center().x(), stage.root()->width() / 2, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(SignedOut, CodeLooksTest,
+INSTANTIATE_TEST_SUITE_P(SignedOut, OtpAppearanceTest,
                          ::testing::Values(OtpPurpose::VerifyEmail, OtpPurpose::ResetPassword));
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "Looks.h"
+#include "Appearance.h"
 #include "ProfileScreen.h"
 
 using namespace Qt::StringLiterals;
@@ -9,7 +9,7 @@ namespace {
 using namespace test;
 using namespace palette;
 
-class ChangePasswordLooksTest : public ProfileScreen
+class ChangePasswordAppearanceTest : public ProfileScreen
 {
 protected:
     void SetUp() override
@@ -19,7 +19,7 @@ protected:
         ASSERT_TRUE(openSheet());
     }
 
-    /// The form that stands in the sheet.
+    /// The form inside the sheet.
     QQuickItem &form()
     {
         auto *item = qobject_cast<QQuickItem *>(screen().find(u"Update password"_s)->object);
@@ -29,26 +29,27 @@ protected:
     }
 };
 
-TEST_F(ChangePasswordLooksTest, TheForm)
+TEST_F(ChangePasswordAppearanceTest, TheForm)
 {
-    expectLooks(form(), {
-                            text(u"Cancel"_s, brand, 17),
-                            text(u"Change password"_s, textPrimary, 17, DemiBold),
-                            text(u"CURRENT PASSWORD"_s, textMuted, 10, Medium),
-                            shape(surface, 11),
-                            text(u"Current password"_s, textMuted, 17),
-                            symbol(u"eye"_s, textMuted, 22),
-                            text(u"NEW PASSWORD"_s, textMuted, 10, Medium, 6),
-                            shape(surface, 11),
-                            text(u"New password"_s, textMuted, 17),
-                            symbol(u"eye"_s, textMuted, 22),
-                            text(u"Min 8 chars with upper, lower & a number."_s, textMuted, 11, Normal, 2),
-                            shape(brand, 12, 10),
-                            text(u"Update password"_s, white, 17, DemiBold),
-                        });
+    expectAppearances(form(),
+                      {
+                          text(u"Cancel"_s, brand, 17),
+                          text(u"Change password"_s, textPrimary, 17, DemiBold),
+                          text(u"CURRENT PASSWORD"_s, textMuted, 10, Medium),
+                          shape(surface, 11),
+                          text(u"Current password"_s, textMuted, 17),
+                          symbol(u"eye"_s, textMuted, 22),
+                          text(u"NEW PASSWORD"_s, textMuted, 10, Medium, 6),
+                          shape(surface, 11),
+                          text(u"New password"_s, textMuted, 17),
+                          symbol(u"eye"_s, textMuted, 22),
+                          text(u"Min 8 chars with upper, lower & a number."_s, textMuted, 11, Normal, 2),
+                          shape(brand, 12, 10),
+                          text(u"Update password"_s, white, 17, DemiBold),
+                      });
 }
 
-TEST_F(ChangePasswordLooksTest, ItsFields)
+TEST_F(ChangePasswordAppearanceTest, TheFields)
 {
     expectFields(form(), {{u"Current password"_s, u"Current password"_s, true, FieldTraits::DefaultKeyboard,
                            FieldTraits::Password, FieldTraits::NoAutocap},
@@ -56,7 +57,7 @@ TEST_F(ChangePasswordLooksTest, ItsFields)
                            FieldTraits::NewPassword, FieldTraits::NoAutocap}});
 }
 
-TEST_F(ChangePasswordLooksTest, TheRefusedForm)
+TEST_F(ChangePasswordAppearanceTest, TheRefusedForm)
 {
     server.expect("POST", "/api/auth/change-password").reply(400, R"({"message":"No."})");
     ASSERT_TRUE(screen().type(u"Current password"_s, u"a"_s));
@@ -64,7 +65,7 @@ TEST_F(ChangePasswordLooksTest, TheRefusedForm)
     ASSERT_TRUE(screen().click(u"Update password"_s));
     ASSERT_TRUE(screen().waitFor(u"No."_s));
     ASSERT_TRUE(spinUntil([this] { return screen().isEnabled(u"Update password"_s); }));
-    expectLook(form(), text(u"No."_s, danger, 13, Normal, 6));
+    expectAppearance(form(), text(u"No."_s, danger, 13, Normal, 6));
     const auto error = screen().find(u"No."_s);
     EXPECT_EQ(screen().find(u"Update password"_s)->rect.top() - (error->rect.bottom() + 1), 10);
 }

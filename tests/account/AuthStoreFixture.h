@@ -12,18 +12,18 @@
 
 namespace clockwell::test {
 
-/// The store that the screens of this room work with, against a scripted server.
-class AccountParts : public ::testing::Test
+/// An AuthStore connected to a scripted server.
+class AuthStoreFixture : public ::testing::Test
 {
 protected:
-    /// What stands in a field.
+    /// The text of a field.
     static QString valueOf(ScreenDriver &screen, const QString &field)
     {
         const auto element = screen.find(field, QAccessible::EditableText);
         return element ? element->object->property("text").toString() : QStringLiteral("(no such field)");
     }
 
-    /// Time for what must not happen.
+    /// Waits to give something that must not happen the time to happen.
     static void settle(std::chrono::milliseconds time = std::chrono::milliseconds(200))
     {
         spinUntil([] { return false; }, time);
