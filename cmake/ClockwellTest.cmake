@@ -21,19 +21,20 @@ function(clockwell_test name)
     if(NOT test_TIMEOUT)
         set(test_TIMEOUT 120)
     endif()
-    set(environment
-        "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FORCE_STDERR_LOGGING=1;LC_ALL=C.UTF-8;FONTCONFIG_FILE=${CMAKE_BINARY_DIR}/fonts.conf")
+    # What runs the program, to list its tests as well. As the property ENVIRONMENT of discovered tests, a list would end
+    # after its first variable.
+    set(launcher env QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software QT_FORCE_STDERR_LOGGING=1 LC_ALL=C.UTF-8
+        "FONTCONFIG_FILE=${CMAKE_BINARY_DIR}/fonts.conf")
+    if(test_SECRET_SERVICE)
+        list(APPEND launcher "${PROJECT_SOURCE_DIR}/tests/support/with-secret-service")
+    endif()
     if(test_SECRET_SERVICE OR test_WHOLE)
-        set(launcher "")
-        if(test_SECRET_SERVICE)
-            set(launcher "${PROJECT_SOURCE_DIR}/tests/support/with-secret-service")
-        endif()
         add_test(NAME ${name} COMMAND ${launcher} $<TARGET_FILE:${name}>)
-        set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
+        set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT})
     else()
-        string(REPLACE ";" "\\;" environment "${environment}")
+        set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${launcher}")
         # Tests are discovered when ctest starts, so that building does not run the program.
         gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-            PROPERTIES TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
+            PROPERTIES TIMEOUT ${test_TIMEOUT})
     endif()
 endfunction()

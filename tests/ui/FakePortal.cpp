@@ -42,6 +42,7 @@ QDBusConnection PrivateBus::connect()
 FakePortal::FakePortal(const QDBusConnection &bus) : m_bus(bus)
 {
     qDBusRegisterMetaType<Groups>();
+    qRegisterMetaType<QDBusVariant>(); // or else, in a new process, the signal with one would not go out
     EXPECT_TRUE(m_bus.registerObject(path, this,
                                      QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
     EXPECT_TRUE(m_bus.registerService(service));
