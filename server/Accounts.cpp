@@ -58,10 +58,9 @@ void requireUsable(const Employee &employee)
     };
     if (employee.emailVerified == 0)
         throw ApiError{403, "EMAIL_NOT_VERIFIED", "Please verify your e-mail address first."};
-    for (const Refusal &refusal : refusals) {
+    for (const Refusal &refusal : refusals)
         if (employee.status == refusal.status)
             throw ApiError{403, refusal.error, refusal.message};
-    }
 }
 
 } // namespace clockwell::server

@@ -35,8 +35,8 @@ bool isControl(char c)
 
 std::size_t characterCount(std::string_view utf8)
 {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+    return static_cast<std::size_t>(std::ranges::count_if(
+        utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
 /// What people type has a name for people; the rest has the one that a programmer looks for.

@@ -30,7 +30,8 @@ bool isAtom(std::string_view text)
 bool isLabel(std::string_view text)
 {
     return !text.empty() && text.size() <= longestLabel && text.front() != '-' && text.back() != '-' &&
-           std::ranges::all_of(text, [](char c) { return isLetterOrDigit(c) || c == '-'; });
+           std::ranges::all_of(
+               text, [](char c) { return isLetterOrDigit(c) || c == '-'; });
 }
 
 // The tab, and Zs of Unicode 15. No encoding of a character is part of another's.

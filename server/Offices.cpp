@@ -48,10 +48,9 @@ std::map<Day, std::string> findHolidays(Connection &connection, const std::strin
     std::map<Day, std::string> holidays;
     for (const Holiday &holiday : connection.all<Holiday>(
              "SELECT day, name FROM holidays WHERE office_id = :office AND day BETWEEN :first AND :last",
-             officeId, toText(first), toText(last))) {
+             officeId, toText(first), toText(last)))
         if (const auto day = parseDay(holiday.day))
             holidays.emplace(*day, holiday.name);
-    }
     return holidays;
 }
 

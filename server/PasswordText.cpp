@@ -30,10 +30,9 @@ icu::UnicodeString composed(std::string_view utf8)
 template <class Property>
 bool anyOf(const icu::UnicodeString &text, Property property)
 {
-    for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
+    for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1))
         if (property(text.char32At(i)))
             return true;
-    }
     return false;
 }
 
@@ -44,10 +43,9 @@ std::string preparedPassword(std::string_view utf8)
     if (std::ranges::all_of(utf8, [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
         return std::string{utf8};
     auto text = composed(utf8);
-    for (std::int32_t i = 0; i < text.length(); ++i) { // all separators are in the basic plane
+    for (std::int32_t i = 0; i < text.length(); ++i) // all separators are in the basic plane
         if (u_charType(text.charAt(i)) == U_SPACE_SEPARATOR)
             text.setCharAt(i, u' ');
-    }
     std::string prepared;
     return text.toUTF8String(prepared);
 }

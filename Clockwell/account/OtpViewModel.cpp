@@ -14,7 +14,8 @@ OtpViewModel::OtpViewModel(QObject *parent) : FormViewModel(parent) {}
 
 void OtpViewModel::componentComplete()
 {
-    m_ticks = m_timing->every(std::chrono::seconds(1), [this] { countDown(); });
+    m_ticks = m_timing->every(
+        std::chrono::seconds(1), [this] { countDown(); });
 }
 
 QString OtpViewModel::title() const

@@ -11,10 +11,9 @@ Timing::Timing(QObject *parent) : QObject(parent) {}
 
 Timing::~Timing()
 {
-    for (const auto &pause : m_pauses) {
+    for (const auto &pause : m_pauses)
         if (const auto waiting = pause.lock())
             waiting->finish(std::make_exception_ptr(Abandoned{}));
-    }
     ReplySlot::deliverHere();
 }
 

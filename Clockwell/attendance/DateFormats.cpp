@@ -39,10 +39,9 @@ icu::Locale fromPosix(const QByteArray &name)
 /// which may differ from the language of messages.
 icu::Locale deviceLocale()
 {
-    for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+    for (const char *variable : {"LC_ALL", "LC_TIME", "LANG"})
         if (const QByteArray name = qgetenv(variable); !name.isEmpty())
             return fromPosix(name);
-    }
     return fromPosix("C");
 }
 #else

@@ -11,7 +11,8 @@ namespace clockwell {
 TabViewModel::TabViewModel(QObject *parent) : QObject(parent)
 {
     if (auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
-        connect(application, &QGuiApplication::applicationStateChanged, this, [this] { updateTexts(); });
+        connect(
+            application, &QGuiApplication::applicationStateChanged, this, [this] { updateTexts(); });
 }
 
 void TabViewModel::setAttendance(AttendanceStore *attendance)

@@ -29,10 +29,9 @@ public:
         quit();
         wait();
         // Calls still queued when the thread ended are finished by nothing else.
-        for (const auto &pending : m_pending) {
+        for (const auto &pending : m_pending)
             if (const std::shared_ptr<ReplySlot> slot = pending.lock())
                 slot->finish(std::make_exception_ptr(TransportError(TransportError::Kind::Cancelled)));
-        }
         ReplySlot::deliverHere();
     }
 

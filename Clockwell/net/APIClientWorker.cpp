@@ -26,8 +26,8 @@ APIError makeError(const QByteArray &body, int status)
 /// A token with control characters could inject further header lines.
 bool fitsHeader(const QString &token)
 {
-    return std::none_of(token.begin(), token.end(),
-                        [](QChar c) { return c < QChar(0x20) || c == QChar(0x7f); });
+    return std::none_of(
+        token.begin(), token.end(), [](QChar c) { return c < QChar(0x20) || c == QChar(0x7f); });
 }
 
 } // namespace

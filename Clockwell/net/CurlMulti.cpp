@@ -93,10 +93,9 @@ void CurlMulti::handleEvent(curl_socket_t socket, int event)
     int running = 0;
     curl_multi_socket_action(m_multi, socket, event, &running);
     int left = 0;
-    while (const CURLMsg *message = curl_multi_info_read(m_multi, &left)) {
+    while (const CURLMsg *message = curl_multi_info_read(m_multi, &left))
         if (const auto done = m_transfers.value(message->easy_handle))
             done(message->data.result);
-    }
 }
 
 } // namespace clockwell

@@ -86,8 +86,8 @@ private:
 
     bool hasFinished() const
     {
-        return std::any_of(m_waiting.begin(), m_waiting.end(),
-                           [](const auto &slot) { return slot->isFinished(); });
+        return std::any_of(
+            m_waiting.begin(), m_waiting.end(), [](const auto &slot) { return slot->isFinished(); });
     }
 
     void cancelAll()

@@ -71,9 +71,8 @@ public:
         auto part = m_parts.begin();
         for (size_t row = 0; row < 3; ++row) {
             for (size_t column = 0; column < 3; ++column) {
-                if (row == 1 && column == 1) {
+                if (row == 1 && column == 1)
                     continue;
-                }
                 (*part)->setTexture(texture);
                 (*part)->setRect(area(x, y, column, row));
                 (*part)->setSourceRect(QRectF(x.from[column], y.from[row], x.length[column], y.length[row]));
@@ -188,9 +187,8 @@ QSGNode *ContinuousRectangle::updatePaintNode(QSGNode *node, UpdatePaintNodeData
 
 void ContinuousRectangle::itemChange(ItemChange change, const ItemChangeData &data)
 {
-    if (change == ItemDevicePixelRatioHasChanged) {
+    if (change == ItemDevicePixelRatioHasChanged)
         update();
-    }
     QQuickItem::itemChange(change, data);
 }
 

@@ -68,16 +68,14 @@ DesktopPreferences::DesktopPreferences(Theme &theme, QObject *parent) : QObject(
 
 void DesktopPreferences::start(const QDBusConnection &bus)
 {
-    if (!bus.isConnected()) {
+    if (!bus.isConnected())
         return;
-    }
     QDBusConnection(bus).connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                                  SLOT(takeChange(QString, QString, QDBusVariant)));
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     QStringList groups;
-    for (const MotionSetting &setting : motionSettings) {
+    for (const MotionSetting &setting : motionSettings)
         groups.append(setting.group.toString());
-    }
     call.setArguments({groups});
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, portalTimeout.count()), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, &DesktopPreferences::takeAll);
@@ -87,15 +85,12 @@ void DesktopPreferences::takeAll(QDBusPendingCallWatcher *call)
 {
     call->deleteLater();
     const QDBusMessage reply = call->reply();
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QStringLiteral("a{sa{sv}}")) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QStringLiteral("a{sa{sv}}"))
         return;
-    }
     const auto groups = qdbus_cast<Groups>(reply.arguments().constFirst());
-    for (auto group = groups.begin(); group != groups.end(); ++group) {
-        for (auto value = group->begin(); value != group->end(); ++value) {
+    for (auto group = groups.begin(); group != groups.end(); ++group)
+        for (auto value = group->begin(); value != group->end(); ++value)
             apply(group.key(), value.key(), value.value());
-        }
-    }
 }
 
 void DesktopPreferences::takeChange(const QString &group, const QString &key, const QDBusVariant &value)

@@ -23,9 +23,8 @@ size_t qHash(const ImageKey &key, size_t seed = 0)
 QImage cachedImage(const ImageKey &key, const std::function<void(QImage &)> &paint)
 {
     static QCache<ImageKey, QImage> cache(cacheBytes);
-    if (const QImage *known = cache.object(key)) {
+    if (const QImage *known = cache.object(key))
         return *known;
-    }
     auto image = std::make_unique<QImage>(key.pixels, QImage::Format_ARGB32_Premultiplied);
     image->fill(Qt::transparent);
     paint(*image);

@@ -35,9 +35,8 @@ QString InputAccessible::text(QAccessible::Text text) const
 
 void InputAccessible::setText(QAccessible::Text text, const QString &value)
 {
-    if (text == QAccessible::Value && item()->isEnabled()) {
+    if (text == QAccessible::Value && item()->isEnabled())
         item()->setProperty("text", value);
-    }
 }
 
 QAccessible::State InputAccessible::state() const
@@ -112,16 +111,14 @@ void InputAccessible::addSelection(int start, int end)
 
 void InputAccessible::setSelection(int index, int start, int end)
 {
-    if (index == 0) {
+    if (index == 0)
         select(item(), start, end);
-    }
 }
 
 void InputAccessible::removeSelection(int index)
 {
-    if (index == 0) {
+    if (index == 0)
         QMetaObject::invokeMethod(item(), "deselect");
-    }
 }
 
 QRect InputAccessible::characterRect(int offset) const
@@ -140,11 +137,9 @@ QRect InputAccessible::characterRect(int offset) const
 
 int InputAccessible::offsetAtPoint(const QPoint &point) const
 {
-    for (int offset = 0; offset < characterCount(); ++offset) {
-        if (characterRect(offset).contains(point)) {
+    for (int offset = 0; offset < characterCount(); ++offset)
+        if (characterRect(offset).contains(point))
             return offset;
-        }
-    }
     return -1;
 }
 

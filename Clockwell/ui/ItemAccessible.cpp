@@ -11,12 +11,10 @@ namespace {
 
 QAccessibleInterface *createInterface(const QString &className, QObject *object)
 {
-    if (className == u"clockwell::Pressable" || className == u"QQuickText") {
+    if (className == u"clockwell::Pressable" || className == u"QQuickText")
         return new ItemAccessible(static_cast<QQuickItem *>(object));
-    }
-    if (className == u"QQuickTextInput") {
+    if (className == u"QQuickTextInput")
         return new InputAccessible(static_cast<QQuickItem *>(object));
-    }
     return nullptr;
 }
 
@@ -47,11 +45,9 @@ QQuickItem *ItemAccessible::item() const
 // The attached object's class is private to Qt; its properties are not.
 QVariant ItemAccessible::attached(const char *property) const
 {
-    for (const QObject *child : object()->children()) {
-        if (child->inherits("QQuickAccessibleAttached")) {
+    for (const QObject *child : object()->children())
+        if (child->inherits("QQuickAccessibleAttached"))
             return child->property(property);
-        }
-    }
     return {};
 }
 
@@ -101,11 +97,9 @@ QWindow *ItemAccessible::window() const
 
 QAccessibleInterface *ItemAccessible::parent() const
 {
-    for (QQuickItem *ancestor = item()->parentItem(); ancestor; ancestor = ancestor->parentItem()) {
-        if (QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(ancestor)) {
+    for (QQuickItem *ancestor = item()->parentItem(); ancestor; ancestor = ancestor->parentItem())
+        if (QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(ancestor))
             return interface;
-        }
-    }
     return QAccessible::queryAccessibleInterface(item()->window());
 }
 
@@ -132,23 +126,20 @@ void *ItemAccessible::interface_cast(QAccessible::InterfaceType type)
 QStringList ItemAccessible::actionNames() const
 {
     QStringList names;
-    if (qobject_cast<Pressable *>(object())) {
+    if (qobject_cast<Pressable *>(object()))
         names.append(pressAction());
-    }
-    if (state().focusable) {
+    if (state().focusable)
         names.append(setFocusAction());
-    }
     return names;
 }
 
 void ItemAccessible::doAction(const QString &action)
 {
     auto *pressable = qobject_cast<Pressable *>(object());
-    if (action == pressAction() && pressable) {
+    if (action == pressAction() && pressable)
         pressable->press();
-    } else if (action == setFocusAction() && item()->isEnabled()) {
+    else if (action == setFocusAction() && item()->isEnabled())
         item()->forceActiveFocus();
-    }
 }
 
 QStringList ItemAccessible::keyBindingsForAction(const QString &) const

@@ -22,10 +22,9 @@ QQuickItem *outermostScreen(QQuickItem *item)
 {
     QQuickItem *screen = nullptr;
     QQuickItem *child = item;
-    for (QQuickItem *parent = item->parentItem(); parent; child = parent, parent = parent->parentItem()) {
+    for (QQuickItem *parent = item->parentItem(); parent; child = parent, parent = parent->parentItem())
         if (qobject_cast<ScreenStack *>(parent) || (!screen && !parent->parentItem()))
             screen = child;
-    }
     return screen ? screen : item;
 }
 

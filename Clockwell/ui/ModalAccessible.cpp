@@ -18,22 +18,20 @@ QAccessibleInterface *createModalInterface(const QString &className, QObject *ob
 /// What has a role of its own; the class of the attached object is private to Qt, its properties are not.
 bool isOffered(const QQuickItem *item)
 {
-    for (const QObject *child : item->children()) {
+    for (const QObject *child : item->children())
         if (child->inherits("QQuickAccessibleAttached"))
             return !child->property("ignored").toBool();
-    }
     return false;
 }
 
 /// The nearest descendants with a role, in the order in which they are drawn.
 void collect(const QQuickItem *item, QList<QQuickItem *> &offered)
 {
-    for (QQuickItem *child : item->childItems()) {
+    for (QQuickItem *child : item->childItems())
         if (isOffered(child))
             offered.append(child);
         else
             collect(child, offered);
-    }
 }
 
 QList<QQuickItem *> offeredChildren(QObject *modal)

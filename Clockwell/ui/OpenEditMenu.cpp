@@ -23,10 +23,9 @@ namespace {
 /// of the window.
 QQuickItem *hostOf(QQuickItem *field)
 {
-    for (QQuickItem *around = field->parentItem(); around; around = around->parentItem()) {
+    for (QQuickItem *around = field->parentItem(); around; around = around->parentItem())
         if (qobject_cast<Modal *>(around))
             return around;
-    }
     return field->window()->contentItem();
 }
 

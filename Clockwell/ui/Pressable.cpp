@@ -36,9 +36,8 @@ bool Pressable::contains(const QPointF &point) const
 {
     const qreal moreX = std::max(0.0, touchTarget - width()) / 2;
     const qreal moreY = std::max(0.0, touchTarget - height()) / 2;
-    if (!boundingRect().adjusted(-moreX, -moreY, moreX, moreY).contains(point)) {
+    if (!boundingRect().adjusted(-moreX, -moreY, moreX, moreY).contains(point))
         return false;
-    }
     return boundingRect().contains(point) || !isAnotherDrawnAt(*this, mapToScene(point));
 }
 
@@ -66,9 +65,8 @@ void Pressable::mouseReleaseEvent(QMouseEvent *)
 {
     const bool wasPressed = m_pressed;
     setPressed(false);
-    if (wasPressed) {
+    if (wasPressed)
         press();
-    }
 }
 
 void Pressable::mouseUngrabEvent()
@@ -78,11 +76,10 @@ void Pressable::mouseUngrabEvent()
 
 void Pressable::keyPressEvent(QKeyEvent *event)
 {
-    if (!isPressKey(event->key())) {
+    if (!isPressKey(event->key()))
         event->ignore();
-    } else if (!event->isAutoRepeat()) {
+    else if (!event->isAutoRepeat())
         press();
-    }
 }
 
 void Pressable::focusInEvent(QFocusEvent *event)
@@ -99,12 +96,10 @@ void Pressable::focusOutEvent(QFocusEvent *)
 
 void Pressable::itemChange(ItemChange change, const ItemChangeData &data)
 {
-    if ((change == ItemEnabledHasChanged || change == ItemVisibleHasChanged) && !data.boolValue) {
+    if ((change == ItemEnabledHasChanged || change == ItemVisibleHasChanged) && !data.boolValue)
         setPressed(false);
-    }
-    if (change == ItemEnabledHasChanged) {
+    if (change == ItemEnabledHasChanged)
         announceEnabled(this);
-    }
     QQuickItem::itemChange(change, data);
 }
 

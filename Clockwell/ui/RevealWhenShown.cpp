@@ -36,10 +36,9 @@ void RevealWhenShown::reveal()
     disconnect(m_frame);
     m_new = false;
     constexpr qreal margin = 16;
-    for (QQuickItem *around = m_item; around; around = around->parentItem()) {
+    for (QQuickItem *around = m_item; around; around = around->parentItem())
         if (around->inherits("QQuickFlickable"))
             return scrollIntoView(around, m_item, margin);
-    }
 }
 
 } // namespace clockwell

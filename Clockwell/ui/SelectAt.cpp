@@ -37,10 +37,9 @@ int cursorPositionAt(const QQuickItem *input, qreal x)
 {
     int nearest = 0;
     const auto length = input->property("text").toString().size();
-    for (int position = 1; position <= length; ++position) {
+    for (int position = 1; position <= length; ++position)
         if (std::abs(cursorX(input, position) - x) < std::abs(cursorX(input, nearest) - x))
             nearest = position;
-    }
     return nearest;
 }
 

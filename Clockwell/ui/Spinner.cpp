@@ -75,9 +75,8 @@ void Spinner::setStill(bool still)
 QSGNode *Spinner::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
     const int pixels = qRound(m_size * window()->effectiveDevicePixelRatio());
-    if (pixels <= 0) {
+    if (pixels <= 0)
         return updateImageNode(node, this, {});
-    }
     const QString name = QStringLiteral("spinner %1").arg(m_step);
     const QImage image = cachedImage({name, {pixels, pixels}, m_color.rgba()},
                                      [&](QImage &drawn) { paintSpokes(drawn, pixels, m_step, m_color); });
@@ -86,11 +85,10 @@ QSGNode *Spinner::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 
 void Spinner::itemChange(ItemChange change, const ItemChangeData &data)
 {
-    if (change == ItemVisibleHasChanged || change == ItemSceneChange) {
+    if (change == ItemVisibleHasChanged || change == ItemSceneChange)
         startOrStop();
-    } else if (change == ItemDevicePixelRatioHasChanged) {
+    else if (change == ItemDevicePixelRatioHasChanged)
         update();
-    }
     QQuickItem::itemChange(change, data);
 }
 
@@ -113,11 +111,10 @@ void Spinner::timerEvent(QTimerEvent *event)
 
 void Spinner::startOrStop()
 {
-    if (m_still || !isVisible()) {
+    if (m_still || !isVisible())
         m_timer.stop();
-    } else if (!m_timer.isActive()) {
+    else if (!m_timer.isActive())
         m_timer.start(static_cast<int>(stepTime.count()), this);
-    }
 }
 
 } // namespace clockwell

@@ -27,21 +27,19 @@ public:
 private:
     void skipSeparators()
     {
-        m_next = std::find_if(m_next, m_end,
-                              [](char c) { return c != ' ' && c != ',' && c != '\n' && c != '\t'; });
+        m_next = std::find_if(
+            m_next, m_end, [](char c) { return c != ' ' && c != ',' && c != '\n' && c != '\t'; });
     }
 
     std::optional<qreal> number()
     {
         skipSeparators();
-        if (m_next != m_end && *m_next == '+') { // std::from_chars knows no plus sign
+        if (m_next != m_end && *m_next == '+') // std::from_chars knows no plus sign
             ++m_next;
-        }
         qreal value = 0;
         const auto [after, error] = std::from_chars(m_next, m_end, value);
-        if (error != std::errc()) {
+        if (error != std::errc())
             return std::nullopt;
-        }
         m_next = after;
         return value;
     }
@@ -50,9 +48,8 @@ private:
     std::optional<bool> flag()
     {
         skipSeparators();
-        if (m_next == m_end || (*m_next != '0' && *m_next != '1')) {
+        if (m_next == m_end || (*m_next != '0' && *m_next != '1'))
             return std::nullopt;
-        }
         return *m_next++ == '1';
     }
 
@@ -68,9 +65,8 @@ private:
     bool readSegment()
     {
         skipSeparators();
-        if (m_next == m_end) {
+        if (m_next == m_end)
             return false;
-        }
         const char c = *m_next;
         const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
         if (letter) {
@@ -82,11 +78,10 @@ private:
         const bool read = segment(previous);
         m_previous = m_command;
         // Numbers after a move without a new letter are lines; after a close there must be a letter.
-        if (m_command == 'M') {
+        if (m_command == 'M')
             m_command = 'L';
-        } else if (m_command == 'Z') {
+        else if (m_command == 'Z')
             m_command = 0;
-        }
         return read;
     }
 
@@ -173,9 +168,8 @@ private:
         const auto large = flag();
         const auto sweep = flag();
         const auto to = point();
-        if (!rx || !ry || !rotation || !large || !sweep || !to) {
+        if (!rx || !ry || !rotation || !large || !sweep || !to)
             return false;
-        }
         drawArc(std::abs(*rx), std::abs(*ry), *rotation, *large != *sweep, *sweep, *to);
         m_current = *to;
         return true;
@@ -207,11 +201,10 @@ private:
         const qreal from = std::atan2(start.y() - center.y(), start.x() - center.x());
         qreal span = std::atan2(end.y() - center.y(), end.x() - center.x()) - from;
         constexpr qreal turn = 2 * std::numbers::pi;
-        if (sweep && span < 0) {
+        if (sweep && span < 0)
             span += turn;
-        } else if (!sweep && span > 0) {
+        else if (!sweep && span > 0)
             span -= turn;
-        }
         drawUnitArc(fromUnit, center, from, span);
     }
 

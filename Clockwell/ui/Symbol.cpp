@@ -54,9 +54,8 @@ QSGNode *Symbol::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
     const QPainterPath path = symbolPath(m_name);
     const int pixels = qRound(m_size * window()->effectiveDevicePixelRatio());
-    if (path.isEmpty() || pixels <= 0) {
+    if (path.isEmpty() || pixels <= 0)
         return updateImageNode(node, this, {});
-    }
     const QImage image = cachedImage({m_name, {pixels, pixels}, m_color.rgba()}, [&](QImage &drawn) {
         QPainter painter(&drawn);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -68,9 +67,8 @@ QSGNode *Symbol::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 
 void Symbol::itemChange(ItemChange change, const ItemChangeData &data)
 {
-    if (change == ItemDevicePixelRatioHasChanged) {
+    if (change == ItemDevicePixelRatioHasChanged)
         update();
-    }
     QQuickItem::itemChange(change, data);
 }
 

@@ -57,16 +57,14 @@ constexpr qreal side = 256;
 QPainterPath readIcon(QStringView icon)
 {
     QFile file(QStringLiteral(":/clockwell/symbols/%1.svg").arg(icon));
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return {};
-    }
     const QByteArray svg = file.readAll();
     const QByteArrayView attribute = "<path d=\"";
     const qsizetype start = svg.indexOf(attribute);
     const qsizetype end = start < 0 ? start : svg.indexOf('"', start + attribute.size());
-    if (end < 0) {
+    if (end < 0)
         return {};
-    }
     QPainterPath path =
         parseSvgPath(QByteArrayView(svg).sliced(start + attribute.size(), end - start - attribute.size()));
     path.setFillRule(Qt::WindingFill); // the default of SVG
@@ -87,14 +85,12 @@ QPainterPath symbolPath(const QString &name)
 {
     static QHash<QString, QPainterPath> known;
     const auto found = known.constFind(name);
-    if (found != known.constEnd()) {
+    if (found != known.constEnd())
         return *found;
-    }
     const auto entry = std::ranges::find(table, name, &Entry::name);
     QPainterPath path = entry == table.end() ? QPainterPath() : readIcon(entry->icon);
-    if (entry != table.end() && entry->mirrored) {
+    if (entry != table.end() && entry->mirrored)
         path = QTransform(-1, 0, 0, 1, side, 0).map(path);
-    }
     known.insert(name, path);
     return path;
 }

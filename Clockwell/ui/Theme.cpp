@@ -81,9 +81,8 @@ qreal Theme::tabularWidth(const QString &text, const QFont &font) const
 {
     const QFontMetricsF metrics(font);
     qreal width = 0;
-    for (const QString &cell : clockwell::tabularCells(text)) {
+    for (const QString &cell : clockwell::tabularCells(text))
         width += isDigitCell(cell) ? digitWidth(font) : std::ceil(metrics.horizontalAdvance(cell));
-    }
     return width;
 }
 
@@ -91,9 +90,8 @@ qreal Theme::digitWidth(const QFont &font) const
 {
     const QFontMetricsF metrics(font);
     qreal widest = 0;
-    for (char16_t digit = u'0'; digit <= u'9'; ++digit) {
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
         widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
-    }
     return widest;
 }
 

@@ -100,7 +100,8 @@ int run(const std::filesystem::path &directory)
     std::vector<double> committed;
     int recorded = 0;
     for (int round = 0; round < rounds; ++round) { // in turns, so that a busy disk is busy for both
-        committed.push_back(perSecond(punchesARound, [&] { bare.commit(punchesARound); }));
+        committed.push_back(perSecond(
+            punchesARound, [&] { bare.commit(punchesARound); }));
         served.push_back(perSecond(punchesARound, [&] {
             recorded += punch(http.port(), tokens, round * punchesARound, connections);
         }));

@@ -25,10 +25,9 @@ long long proportionalKilobytes()
     QFile file(QStringLiteral("/proc/self/smaps_rollup"));
     if (!file.open(QIODevice::ReadOnly))
         return 0;
-    for (const auto &line : file.readAll().split('\n')) {
+    for (const auto &line : file.readAll().split('\n'))
         if (line.startsWith("Pss:"))
             return line.mid(4).simplified().split(' ').value(0).toLongLong();
-    }
     return 0;
 }
 
@@ -36,14 +35,16 @@ long long proportionalKilobytes()
 
 void reportFirstFrame(QQuickWindow *window, std::function<bool()> ready)
 {
-    QObject::connect(window, &QQuickWindow::frameSwapped, window, [ready = std::move(ready)] {
-        if (!ready())
-            return;
-        const auto processor = processorMicroseconds(); // before the memory is looked at
-        std::printf("%lld %lld\n", processor, proportionalKilobytes());
-        std::fflush(stdout);
-        std::_Exit(0);
-    });
+    QObject::connect(
+        window, &QQuickWindow::frameSwapped, window,
+        [ready = std::move(ready)] {
+            if (!ready())
+                return;
+            const auto processor = processorMicroseconds(); // before the memory is looked at
+            std::printf("%lld %lld\n", processor, proportionalKilobytes());
+            std::fflush(stdout);
+            std::_Exit(0);
+        });
 }
 
 } // namespace clockwell::bench

@@ -17,10 +17,9 @@ constexpr const char *partsSql = "SELECT sql FROM sqlite_master WHERE sql IS NOT
 std::vector<std::string> partsOf(long long version)
 {
     SqliteFile model{":memory:"};
-    for (long long i = 0; i < version; ++i) {
+    for (long long i = 0; i < version; ++i)
         for (const std::string &statement : schemaSteps()[static_cast<std::size_t>(i)])
             model.execute(statement);
-    }
     return model.column(partsSql);
 }
 

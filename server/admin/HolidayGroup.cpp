@@ -108,10 +108,11 @@ void addHolidayGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &optio
     const auto own = std::make_shared<HolidayOptions>();
     own->common = options;
     addList(*group, own, choose);
-    CLI::App *add = addChange(*group, "add", "Close an office on a day", " \"New Year\"", own, choose,
-                              [](Connection &connection, const HolidayOptions &o) {
-                                  return declareHoliday(connection, o.office, *o.day, *o.name);
-                              });
+    CLI::App *add = addChange(
+        *group, "add", "Close an office on a day", " \"New Year\"", own, choose,
+        [](Connection &connection, const HolidayOptions &o) {
+            return declareHoliday(connection, o.office, *o.day, *o.name);
+        });
     addField(
         *add, "NAME", "What people read on that day", own->name,
         [](const std::string &text) { return parseLine(text); }, lineRule)

@@ -25,10 +25,9 @@ Json officeRecordJson(const OfficeRecord &record)
     const Office &office = record.office;
     const OfficeHours &hours = office.hours;
     Json days = Json::array();
-    for (std::size_t day = 0; day < weekdayNames.size(); ++day) {
+    for (std::size_t day = 0; day < weekdayNames.size(); ++day)
         if (((hours.workingWeekdays >> day) & 1) != 0)
             days.push_back(weekdayNames.at(day));
-    }
     Json json;
     json["id"] = office.id;
     json["name"] = office.name;

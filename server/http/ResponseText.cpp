@@ -47,9 +47,12 @@ const char *reasonPhrase(int status)
 
 bool isFieldName(std::string_view name)
 {
-    return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_';
-    });
+    return !name.empty() && std::all_of(
+                                name.begin(), name.end(),
+                                [](char c) {
+                                    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' ||
+                                           c == '_';
+                                });
 }
 
 /// These say how the message is framed or are set for every response; a handler may not set them.
@@ -65,8 +68,8 @@ bool isReserved(std::string_view name)
 
 bool isFieldValue(std::string_view value)
 {
-    return std::all_of(value.begin(), value.end(),
-                       [](char c) { return c == '\t' || (c >= ' ' && c != 0x7F); });
+    return std::all_of(
+        value.begin(), value.end(), [](char c) { return c == '\t' || (c >= ' ' && c != 0x7F); });
 }
 
 void refuseHeader(std::string_view name)

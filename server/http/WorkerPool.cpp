@@ -34,14 +34,18 @@ asio::awaitable<Response> WorkerPool::enqueue(Request request)
 {
     return asio::async_initiate<const asio::use_awaitable_t<>, void(Response)>(
         [this](auto handler, Request work) {
-            asio::post(m_pool, [this, resume = std::move(handler), work = std::move(work)]() mutable {
-                Response response = answer(work);
-                m_taken.fetch_sub(1);
-                const auto executor = asio::get_associated_executor(resume);
-                asio::post(executor, [resume = std::move(resume), response = std::move(response)]() mutable {
-                    resume(std::move(response));
+            asio::post(
+                m_pool,
+                [this, resume = std::move(handler), work = std::move(work)]() mutable {
+                    Response response = answer(work);
+                    m_taken.fetch_sub(1);
+                    const auto executor = asio::get_associated_executor(resume);
+                    asio::post(
+                        executor,
+                        [resume = std::move(resume), response = std::move(response)]() mutable {
+                            resume(std::move(response));
+                        });
                 });
-            });
         },
         asio::use_awaitable, std::move(request));
 }

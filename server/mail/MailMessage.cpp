@@ -16,7 +16,8 @@ constexpr std::size_t bytesOfEncodedWord =
 
 bool isAscii(std::string_view text)
 {
-    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return std::ranges::all_of(
+        text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 bool isContinuation(char c)

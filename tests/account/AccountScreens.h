@@ -83,10 +83,12 @@ public:
     template <class Model, class Declaring>
     void record(Model &model, void (Declaring::*changed)(), const char *property)
     {
-        QObject::connect(&model, changed, &m_context, [this, &model, property] {
-            m_entries.append(QString::fromLatin1(property) + QLatin1Char(' ') +
-                             model.property(property).toString());
-        });
+        QObject::connect(
+            &model, changed, &m_context,
+            [this, &model, property] {
+                m_entries.append(QString::fromLatin1(property) + QLatin1Char(' ') +
+                                 model.property(property).toString());
+            });
     }
     QStringList entries() const { return m_entries; }
 

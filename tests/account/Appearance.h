@@ -166,10 +166,9 @@ inline void expectAppearances(const QQuickItem &root, const QList<Appearance> &e
 inline void expectAppearance(const QQuickItem &root, const Appearance &expected)
 {
     QStringList found;
-    for (const DrawnItem &drawn : drawnItems(root)) {
+    for (const DrawnItem &drawn : drawnItems(root))
         if (drawn.appearance.name == expected.name)
             found.append(describe(drawn.appearance, expected));
-    }
     EXPECT_EQ(found.join(u'\n').toStdString(), describe(expected, expected).toStdString());
 }
 

@@ -159,9 +159,9 @@ TEST_F(AuthStoreTest, LoginSavesTheTokensThenSetsTheUserThenThePhase)
 {
     server.expect("POST", "/api/auth/login").reply(200, loginReply());
     QStringList order;
-    QObject::connect(&store, &AuthStore::userChanged, &store, [&] {
-        order.append(tokens.refresh() ? u"user after tokens"_s : u"user before tokens"_s);
-    });
+    QObject::connect(
+        &store, &AuthStore::userChanged, &store,
+        [&] { order.append(tokens.refresh() ? u"user after tokens"_s : u"user before tokens"_s); });
     QObject::connect(&store, &AuthStore::phaseChanged, &store, [&] { order.append(u"phase"_s); });
     await(store.login(u"ada@example.org"_s, u"secret"_s));
     EXPECT_EQ(order, (QStringList{u"user after tokens"_s, u"phase"_s}));

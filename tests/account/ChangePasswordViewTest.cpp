@@ -36,10 +36,9 @@ protected:
     QByteArray bodyOf(int index)
     {
         QList<QByteArray> bodies;
-        for (const auto &request : server.requests()) {
+        for (const auto &request : server.requests())
             if (request.path == path)
                 bodies.append(request.body);
-        }
         return bodies.value(index);
     }
 };
@@ -159,10 +158,9 @@ TEST_F(ChangePasswordViewTest, ANetworkFailureIsShown)
     fill();
     ASSERT_TRUE(submit());
     EXPECT_TRUE(spinUntil([this] {
-        for (const auto &element : screen().elements()) {
+        for (const auto &element : screen().elements())
             if (element.role == QAccessible::AlertMessage && !element.name.isEmpty())
                 return true;
-        }
         return false;
     }));
     EXPECT_EQ(valueOf(u"New password"_s), u"new one"_s);

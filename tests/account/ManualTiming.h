@@ -59,8 +59,8 @@ public:
     /// The number of active tick subscriptions.
     qsizetype subscriptions() const
     {
-        return std::count_if(m_tickers.cbegin(), m_tickers.cend(),
-                             [](const auto &ticker) { return !ticker.isNull(); });
+        return std::count_if(
+            m_tickers.cbegin(), m_tickers.cend(), [](const auto &ticker) { return !ticker.isNull(); });
     }
 
 private:

@@ -21,10 +21,9 @@ protected:
     /// The rectangle of the nth drawn element with this name.
     QRectF drawnRect(const QString &name, int nth = 0)
     {
-        for (const DrawnItem &drawn : drawnItems(*stage->root())) {
+        for (const DrawnItem &drawn : drawnItems(*stage->root()))
             if (drawn.appearance.name == name && nth-- == 0)
                 return drawn.rect;
-        }
         ADD_FAILURE() << name.toStdString() << " is not drawn";
         return {};
     }

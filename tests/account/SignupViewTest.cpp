@@ -29,10 +29,9 @@ protected:
     /// Also finds a field that is scrolled out of view.
     QQuickItem *fieldNamed(const QString &label)
     {
-        for (auto *item : top()->findChildren<QQuickItem *>(u"input"_s)) {
+        for (auto *item : top()->findChildren<QQuickItem *>(u"input"_s))
             if (item->parentItem()->property("label").toString() == label)
                 return item;
-        }
         return nullptr;
     }
 
@@ -336,9 +335,8 @@ TEST_F(SignupViewTest, AnErrorBelowTheFoldIsScrolledIntoView)
     stage.view().resize(320, 568);
     Theme::of(*stage.view().engine())->setTextScale(2);
     settle(50ms);
-    for (const auto &[field, text] : {std::pair(u"Full name"_s, u"Ada"_s), std::pair(u"Email"_s, u"a@b"_s)}) {
+    for (const auto &[field, text] : {std::pair(u"Full name"_s, u"Ada"_s), std::pair(u"Email"_s, u"a@b"_s)})
         QAccessible::queryAccessibleInterface(fieldNamed(field))->setText(QAccessible::Value, text);
-    }
     fieldNamed(u"Password"_s)->forceActiveFocus();
     stage->typeText(u"secret"_s);
     stage->key(Qt::Key_Return);

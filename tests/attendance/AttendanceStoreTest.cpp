@@ -318,7 +318,8 @@ TEST_F(AttendanceStoreTest, ReloadReplacedByACheckEndsThePunch)
     server.expect("GET", todayPath).reply(200, atWork);
     server.expect("GET", distancePath).reply(200, inside);
     const auto punch = observe<void>(store->punch(location.get()));
-    QObject::connect(store.get(), &AttendanceStore::todayChanged, [&] { source->immediate.reset(); });
+    QObject::connect(
+        store.get(), &AttendanceStore::todayChanged, [&] { source->immediate.reset(); });
     ASSERT_TRUE(
         spinUntil([&] { return source->locationRequests == 2; })); // the reload waits for its position
     const auto check = observe<void>(store->checkDistance(location.get()));

@@ -86,7 +86,8 @@ TEST_F(BannerViewModelTest, TimerOfADismissedBannerIsCancelled)
     show("one");
     model.dismiss();
     int changes = 0;
-    QObject::connect(services.store.get(), &AttendanceStore::bannerChanged, [&] { ++changes; });
+    QObject::connect(
+        services.store.get(), &AttendanceStore::bannerChanged, [&] { ++changes; });
     EXPECT_FALSE(spinUntil([&] { return changes > 0; }, 300ms));
 }
 

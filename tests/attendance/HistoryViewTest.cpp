@@ -67,10 +67,9 @@ protected:
     QStringList rows()
     {
         QList<test::ScreenDriver::Element> found;
-        for (const auto &element : screen().elements()) {
+        for (const auto &element : screen().elements())
             if (element.role == QAccessible::ListItem)
                 found.append(element);
-        }
         std::ranges::sort(found, {}, [](const auto &row) { return row.rect.y(); });
         QStringList names;
         for (const auto &row : found)
@@ -100,10 +99,9 @@ protected:
     }
     QColor colorOf(const QString &text) const
     {
-        for (const auto *label : labels()) {
+        for (const auto *label : labels())
             if (label->property("text").toString() == text)
                 return label->property("color").value<QColor>();
-        }
         return {};
     }
     /// Opens with one day and waits for its row.
@@ -432,9 +430,8 @@ TEST_P(HistoryViewFormats, RowsFitTheScreenAndDoNotOverlap)
             continue;
         EXPECT_GE(element.rect.left(), 20);
         EXPECT_LE(element.rect.right(), GetParam().size.width() - 20);
-        if (above.isValid()) {
+        if (above.isValid())
             EXPECT_EQ(element.rect.top() - above.bottom() - 1, 10);
-        }
         above = element.rect;
     }
     EXPECT_TRUE(above.isValid());

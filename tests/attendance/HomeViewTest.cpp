@@ -318,10 +318,9 @@ TEST_F(HomeViewInLocale, LongTimesDoNotOverlap)
         openIn("th_TH.UTF-8", size);
         const auto elements = screen().elements();
         QList<QRect> values;
-        for (const auto &element : elements) {
+        for (const auto &element : elements)
             if (element.name == u"—" || element.name.contains(u"เที่ยง") || element.name.startsWith(u"Check-"))
                 values.append(element.rect);
-        }
         ASSERT_GE(values.size(), 4) << screen().dump().toStdString();
         for (qsizetype i = 0; i < values.size(); ++i) {
             EXPECT_LE(values[i].right(), size.width() - 20 - 18);

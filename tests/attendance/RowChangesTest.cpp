@@ -46,10 +46,9 @@ QStringList applied(const Records &before, const Records &after, const RowChange
         rows.append(record.id);
     for (const RowRange &range : std::views::reverse(changes.removed))
         rows.remove(range.first, range.count);
-    for (const RowRange &range : changes.inserted) {
+    for (const RowRange &range : changes.inserted)
         for (qsizetype i = 0; i < range.count; ++i)
             rows.insert(range.first + i, after.at(range.first + i).id);
-    }
     return rows;
 }
 

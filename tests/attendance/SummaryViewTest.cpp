@@ -156,9 +156,11 @@ protected:
     /// Whether screen readers find only the title and the refresh control.
     bool isPlaceholder()
     {
-        return std::ranges::all_of(screen().elements(), [](const auto &element) {
-            return element.name == u"Summary" || element.name.startsWith(u"Refresh");
-        });
+        return std::ranges::all_of(
+            screen().elements(),
+            [](const auto &element) {
+                return element.name == u"Summary" || element.name.startsWith(u"Refresh");
+            });
     }
     void pull()
     {

@@ -18,9 +18,12 @@ bool accepts(const QString &path)
 /// Forwards data in both directions until the signal connections between the two sockets are removed.
 void join(QTcpSocket *client, QLocalSocket *server)
 {
-    QObject::connect(client, &QIODevice::readyRead, server, [=] { server->write(client->readAll()); });
-    QObject::connect(server, &QIODevice::readyRead, client, [=] { client->write(server->readAll()); });
-    QObject::connect(client, &QTcpSocket::disconnected, server, [=] { server->disconnectFromServer(); });
+    QObject::connect(
+        client, &QIODevice::readyRead, server, [=] { server->write(client->readAll()); });
+    QObject::connect(
+        server, &QIODevice::readyRead, client, [=] { client->write(server->readAll()); });
+    QObject::connect(
+        client, &QTcpSocket::disconnected, server, [=] { server->disconnectFromServer(); });
     QObject::connect(server, &QLocalSocket::disconnected, client, [=] { client->disconnectFromHost(); });
 }
 

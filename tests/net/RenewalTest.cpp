@@ -17,10 +17,12 @@ class Renewal : public ClientTest
 protected:
     Renewal()
     {
-        QObject::connect(&events, &SessionEvents::expiredAtChanged, &events, [this] {
-            ++expiries;
-            onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
-        });
+        QObject::connect(
+            &events, &SessionEvents::expiredAtChanged, &events,
+            [this] {
+                ++expiries;
+                onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
+            });
     }
 
     /// The server replies 401 to the old token and a message to the new one.

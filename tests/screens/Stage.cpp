@@ -25,7 +25,11 @@ public:
     void requestLocation() override
     {
         if (m_device.hasFix)
-            QTimer::singleShot(0, this, [this] { Q_EMIT locationsUpdated({Fix{54.1234, 9.5678, 8}}); });
+            QTimer::singleShot(
+                0, this,
+                [this] {
+                    Q_EMIT locationsUpdated({Fix{54.1234, 9.5678, 8}});
+                });
     }
 
 private:

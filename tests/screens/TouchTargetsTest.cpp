@@ -76,10 +76,9 @@ public:
 
     void scrollTo(QQuickItem *item) const
     {
-        for (QQuickItem *around = item->parentItem(); around; around = around->parentItem()) {
+        for (QQuickItem *around = item->parentItem(); around; around = around->parentItem())
             if (around->inherits("QQuickFlickable"))
                 scrollIntoView(around, item, 24);
-        }
     }
 
     /// What a press at a point of the item goes to; null when nothing takes it.
@@ -104,10 +103,13 @@ public:
     /// Whether another control is drawn at a point of this one.
     bool isTaken(const QQuickItem *item, const QPointF &point) const
     {
-        return std::any_of(m_controls.begin(), m_controls.end(), [&](const QQuickItem *other) {
-            const QPointF place = item->mapToItem(other, point);
-            return other != item && (isField(other) ? other->contains(place) : areaOf(other).contains(place));
-        });
+        return std::any_of(
+            m_controls.begin(), m_controls.end(),
+            [&](const QQuickItem *other) {
+                const QPointF place = item->mapToItem(other, point);
+                return other != item &&
+                       (isField(other) ? other->contains(place) : areaOf(other).contains(place));
+            });
     }
 
 private:
@@ -159,10 +161,9 @@ class TouchTargetsTest : public ::testing::TestWithParam<const char *>
 State stateNamed(const QString &name)
 {
     for (const State &state : signInStates() + signUpStates() + codeStates() + mainStates() +
-                                  historyStates() + summaryStates() + profileStates()) {
+                                  historyStates() + summaryStates() + profileStates())
         if (QString::fromLatin1(state.name) == name)
             return state;
-    }
     ADD_FAILURE() << "no state " << name.toStdString();
     return {};
 }

@@ -90,14 +90,13 @@ protected:
             EXPECT_EQ(reply.status, status) << reply.body;
         };
         for (std::size_t i = 0; i < samples; ++i) {
-            for (std::size_t turn = i; turn < i + 3; ++turn) { // none of the three is always the first
+            for (std::size_t turn = i; turn < i + 3; ++turn) // none of the three is always the first
                 if (turn % 3 == 0)
                     ask(once, "kim@example.org");
                 else if (turn % 3 == 1)
                     ask(unknown, nobody());
                 else
                     ask(again, "kim@example.org");
-            }
         }
         double spread = 0;
         constexpr std::array<double, 4> parts{0.125, 0.25, 0.375, 0.5};
@@ -127,7 +126,8 @@ private:
 
 TEST_F(AccountTimingTest, KnownAndUnknownAddressesTakeTheSameTime)
 {
-    expectAlike("login", 401, [this](const std::string &email) { return world.login(email, "wrong"); });
+    expectAlike(
+        "login", 401, [this](const std::string &email) { return world.login(email, "wrong"); });
     expectAlike("forgot", 200, [this](const std::string &email) { return forgot(email); });
     // Whoever tries codes asks for one first, which anybody can for any address.
     const Request prepare = [this](const std::string &email) { return forgot(email); };
@@ -136,7 +136,8 @@ TEST_F(AccountTimingTest, KnownAndUnknownAddressesTakeTheSameTime)
     expectAlike(
         "reset", 400, [this](const std::string &email) { return reset("12345x", "New-Horse-8", email); },
         prepare);
-    expectAlike("resend", 200, [this](const std::string &email) { return resend(email); });
+    expectAlike(
+        "resend", 200, [this](const std::string &email) { return resend(email); });
     expectAlike("signup", 201, [this](const std::string &email) { return signup(email); });
 }
 

@@ -68,10 +68,9 @@ TEST_F(AdminOfficesTest, BadValuesAreWrongUsageAndNameTheOption)
     };
     ASSERT_TRUE(ends(0, harbour()));
     const nlohmann::json before = shown();
-    for (const auto &[option, texts] : bad) {
+    for (const auto &[option, texts] : bad)
         for (const std::string &text : texts)
             EXPECT_TRUE(ends(2, edit({option, text}), option)) << option << " " << text;
-    }
     EXPECT_EQ(shown(), before);
 }
 

@@ -137,10 +137,9 @@ TEST(AdminReportProcessTest, FiguresOfTheRunningMonthAreThoseOfTheRunningServer)
         const auto summary =
             send(server.port(), "GET", "/api/attendance/me/summary?month=" + toText(month), token).json();
         nlohmann::json row;
-        for (const auto &candidate : nlohmann::json::parse(report(file, {toText(month), "--json"}).output)) {
+        for (const auto &candidate : nlohmann::json::parse(report(file, {toText(month), "--json"}).output))
             if (candidate.at("email") == "demo@clockwell.example")
                 row = candidate;
-        }
         for (const char *key : {"presentDays", "lateDays", "totalLateMinutes", "absentDays", "leaveDays",
                                 "halfDays", "totalWorkingMinutes"})
             EXPECT_EQ(row.at(key), summary.at(key)) << toText(month) << " " << key;

@@ -35,10 +35,9 @@ protected:
     }
     std::string keptFile() const
     {
-        for (const auto &entry : std::filesystem::directory_iterator{folder.file("")}) {
+        for (const auto &entry : std::filesystem::directory_iterator{folder.file("")})
             if (contains(entry.path().filename().string(), "clockwell.db.before-restore-"))
                 return entry.path().string();
-        }
         return {};
     }
 };

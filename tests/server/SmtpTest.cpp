@@ -51,7 +51,8 @@ protected:
         return options;
     }
     /// Nothing when the message was delivered.
-    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options, const Mail &mail = sampleMail)
+    static std::optional<DeliveryError::Kind> failureOf(const SmtpOptions &options,
+                                                        const Mail &mail = sampleMail)
     {
         SmtpDelivery delivery{options, systemClock()};
         const std::atomic<bool> giveUp{false};

@@ -135,10 +135,9 @@ std::vector<Case> cases()
 {
     std::vector<Case> all;
     for (const char *zone : {"UTC", "Europe/Berlin", "America/St_Johns", "Australia/Lord_Howe",
-                             "America/Santiago", "Asia/Kathmandu", "Pacific/Apia"}) {
+                             "America/Santiago", "Asia/Kathmandu", "Pacific/Apia"})
         for (unsigned seed = 1; seed <= 5; ++seed)
             all.push_back({zone, seed});
-    }
     return all;
 }
 

@@ -83,10 +83,12 @@ World::World(const std::string &now, Settings settings, DatabaseOptions options)
         connection.execute(
             "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
     });
-    m_application.emplace(*m_database, clock(), settings, [this](Mail mail) {
-        const std::lock_guard lock{m_mailsLock};
-        m_mails.push_back(std::move(mail));
-    });
+    m_application.emplace(
+        *m_database, clock(), settings,
+        [this](Mail mail) {
+            const std::lock_guard lock{m_mailsLock};
+            m_mails.push_back(std::move(mail));
+        });
     m_http.emplace(HttpServer::Options{},
                    [this](const Request &request) { return m_application->handle(request); });
     m_http->start();

@@ -153,10 +153,9 @@ TEST_F(ClockwellAppTest, TabsAreInTheirOrder)
 {
     startSignedIn();
     QStringList tabs;
-    for (const auto &element : screen->elements()) {
+    for (const auto &element : screen->elements())
         if (element.role == QAccessible::PageTab)
             tabs.append(element.name);
-    }
     EXPECT_EQ(tabs, (QStringList{u"Attendance"_s, u"History"_s, u"Summary"_s, u"Profile"_s}));
 }
 

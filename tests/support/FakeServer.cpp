@@ -14,17 +14,16 @@ namespace clockwell::test {
 
 bool FakeServer::Request::has(const QByteArray &name) const
 {
-    return std::any_of(headers.begin(), headers.end(), [&](const auto &entry) {
-        return entry.first.compare(name, Qt::CaseInsensitive) == 0;
-    });
+    return std::any_of(
+        headers.begin(), headers.end(),
+        [&](const auto &entry) { return entry.first.compare(name, Qt::CaseInsensitive) == 0; });
 }
 
 QByteArray FakeServer::Request::header(const QByteArray &name) const
 {
-    for (const auto &[key, value] : headers) {
+    for (const auto &[key, value] : headers)
         if (key.compare(name, Qt::CaseInsensitive) == 0)
             return value;
-    }
     return {};
 }
 

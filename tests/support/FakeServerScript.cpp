@@ -42,10 +42,9 @@ void parseHead(const QByteArray &head, FakeServer::Request &request)
     request.path = url.path();
     for (const auto &[key, value] : QUrlQuery(url).queryItems(QUrl::FullyDecoded))
         request.query.insert(key, value);
-    for (const QByteArray &line : lines.mid(1)) {
+    for (const QByteArray &line : lines.mid(1))
         if (const qsizetype colon = line.indexOf(':'); colon > 0)
             request.headers.append({line.left(colon).trimmed(), line.mid(colon + 1).trimmed()});
-    }
 }
 
 } // namespace

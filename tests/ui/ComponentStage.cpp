@@ -63,11 +63,9 @@ int ComponentStage::inkOf(QQuickItem *item)
     const QImage image = shot().copy(area);
     const QRgb background = theme().background().rgb();
     int ink = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
             ink += image.pixel(x, y) != background;
-        }
-    }
     return ink;
 }
 

@@ -124,20 +124,18 @@ protected:
     QStringList offered() const
     {
         QStringList names;
-        for (const auto &element : stage.screen().elements()) {
+        for (const auto &element : stage.screen().elements())
             if (element.role == QAccessible::MenuItem)
                 names.append(element.name);
-        }
         return names;
     }
     bool isOpen() const { return !menus().isEmpty(); }
     QList<ScreenDriver::Element> menus() const
     {
         QList<ScreenDriver::Element> found;
-        for (const auto &element : stage.screen().elements()) {
+        for (const auto &element : stage.screen().elements())
             if (element.role == QAccessible::PopupMenu)
                 found.append(element);
-        }
         return found;
     }
     QRect menu() const { return isOpen() ? menus().constFirst().rect : QRect(); }
@@ -150,10 +148,9 @@ protected:
     /// The entry that the keyboard has reached.
     QString reached() const
     {
-        for (const auto &element : stage.screen().elements()) {
+        for (const auto &element : stage.screen().elements())
             if (element.role == QAccessible::MenuItem && element.state.focused)
                 return element.name;
-        }
         return {};
     }
 

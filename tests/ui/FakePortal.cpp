@@ -25,9 +25,8 @@ PrivateBus::PrivateBus()
 
 PrivateBus::~PrivateBus()
 {
-    for (const QString &name : std::as_const(m_connections)) {
+    for (const QString &name : std::as_const(m_connections))
         QDBusConnection::disconnectFromBus(name);
-    }
     m_daemon.terminate();
     EXPECT_TRUE(m_daemon.waitForFinished(startLimit));
 }
@@ -68,11 +67,10 @@ void FakePortal::change(const QString &group, const QString &key, const QVariant
 FakePortal::Groups FakePortal::ReadAll(const QStringList &groups)
 {
     askedGroups = groups;
-    if (refuses) {
+    if (refuses)
         sendErrorReply(QDBusError::AccessDenied, QStringLiteral("No"));
-    } else if (silent) {
+    else if (silent)
         setDelayedReply(true);
-    }
     return m_groups;
 }
 

@@ -32,9 +32,8 @@ void pressInEveryWay(ComponentStage &stage)
 {
     QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
     stage.item()->forceActiveFocus(Qt::TabFocusReason);
-    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
         QTest::keyClick(&stage.window(), key);
-    }
     stage.screen().press(title);
     QMetaObject::invokeMethod(stage.item(), "press");
 }

@@ -33,15 +33,12 @@ QString everythingReadable(QAccessibleInterface *interface)
 {
     QString all;
     for (const auto text :
-         {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help}) {
+         {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help})
         all += interface->text(text) + u'\n';
-    }
-    if (auto *text = interface->textInterface()) {
+    if (auto *text = interface->textInterface())
         all += text->text(0, text->characterCount()) + u'\n';
-    }
-    for (int i = 0; i < interface->childCount(); ++i) {
+    for (int i = 0; i < interface->childCount(); ++i)
         all += everythingReadable(interface->child(i));
-    }
     return all;
 }
 
@@ -82,11 +79,10 @@ TEST(QorField, TellsOfTextThatAssistiveTechnologySets)
     ComponentStage stage(plainField);
     QSignalSpy edited(stage.item(), SIGNAL(textEdited()));
     auto *text = accessible(stage)->editableTextInterface();
-    if (text) {
+    if (text)
         text->insertText(0, QStringLiteral("x"));
-    } else {
+    else
         accessible(stage)->setText(QAccessible::Value, QStringLiteral("x"));
-    }
     EXPECT_EQ(stage.item()->property("text").toString(), QStringLiteral("x"));
     EXPECT_EQ(edited.count(), 1);
 }
@@ -341,9 +337,8 @@ TEST(QorField, KeepsALongTextInsideItsFrame)
     ComponentStage stage(plainField);
     stage.screen().type(QStringLiteral("Email"), QString(100, u'W'));
     stage.part("input")->setFocus(false);
-    for (const int x : {4, 8, 342, 346}) {
+    for (const int x : {4, 8, 342, 346})
         EXPECT_EQ(stage.colorAt(x, 22), QColor(19, 38, 69)) << x;
-    }
 }
 
 TEST(QorField, GrowsWithTheTextScale)

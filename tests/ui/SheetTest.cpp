@@ -69,10 +69,9 @@ protected:
     QObject *flickable()
     {
         QList<QQuickItem *> items = content()->findChild<QQuickItem *>(u"formPage"_s)->childItems();
-        for (auto *item : items) {
+        for (auto *item : items)
             if (item->inherits("QQuickFlickable"))
                 return item;
-        }
         return nullptr;
     }
     QPoint bar() { return {195, static_cast<int>(sheet->panel()->y()) + 22}; }

@@ -15,9 +15,8 @@ namespace {
 qreal diagonalGap(const QPainterPath &path)
 {
     qreal nearest = std::numeric_limits<qreal>::max();
-    for (int i = 0; i < path.elementCount(); ++i) {
+    for (int i = 0; i < path.elementCount(); ++i)
         nearest = std::min(nearest, std::hypot(path.elementAt(i).x, path.elementAt(i).y));
-    }
     return nearest;
 }
 
@@ -47,9 +46,8 @@ TEST(Superellipse, IsAPlainCapsuleAtHalfTheHeight)
     EXPECT_DOUBLE_EQ(continuousCornerExtent({80, 20}, 10), 10);
     for (int i = 0; i < path.elementCount(); ++i) {
         const QPointF point(path.elementAt(i));
-        if (point.x() < 10) {
+        if (point.x() < 10)
             EXPECT_NEAR(std::hypot(point.x() - 10, point.y() - 10), 10, 1e-6);
-        }
     }
 }
 

@@ -65,11 +65,9 @@ QImage draw(const QPainterPath &path)
 int difference(const QImage &a, const QImage &b)
 {
     int largest = 0;
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x)
             largest = std::max(largest, std::abs(qAlpha(a.pixel(x, y)) - qAlpha(b.pixel(x, y))));
-        }
-    }
     return largest;
 }
 
@@ -107,9 +105,8 @@ INSTANTIATE_TEST_SUITE_P(Names, EverySymbol, testing::ValuesIn(names));
 TEST(Symbol, KnowsExactlyTheNamesInUse)
 {
     QStringList expected;
-    for (const char *name : names) {
+    for (const char *name : names)
         expected.append(QLatin1String(name));
-    }
     expected.sort();
     QStringList known = symbolNames();
     known.sort();
@@ -131,11 +128,9 @@ TEST(Symbol, HasADifferentOutlineForEveryName)
 int inkBetween(const QImage &shot, int left, int right)
 {
     int ink = 0;
-    for (int y = 0; y < shot.height(); ++y) {
-        for (int x = left; x < right; ++x) {
+    for (int y = 0; y < shot.height(); ++y)
+        for (int x = left; x < right; ++x)
             ink += shot.pixelColor(x, y).red();
-        }
-    }
     return ink;
 }
 
@@ -166,13 +161,11 @@ TEST(Symbol, IsDrawnAsAnSvgRendererDrawsItsIcon)
         painter.setRenderHint(QPainter::Antialiasing);
         renderer.render(&painter);
         painter.end();
-        if (icons.fileName() == QStringLiteral("circle-half-fill.svg")) {
+        if (icons.fileName() == QStringLiteral("circle-half-fill.svg"))
             image = image.mirrored(true, false); // the one icon that is drawn the other way round
-        }
         int nearest = 255;
-        for (const QString &name : symbolNames()) {
+        for (const QString &name : symbolNames())
             nearest = std::min(nearest, difference(draw(symbolPath(name)), image));
-        }
         EXPECT_LE(nearest, 24) << icons.filePath().toStdString();
         ++count;
     }

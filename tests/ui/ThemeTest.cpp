@@ -84,9 +84,8 @@ TEST(Theme, HasNoDurationsWithReducedMotion)
 TEST(Theme, NamesFontsThatAreThere)
 {
     const Theme theme;
-    for (const QString &family : {theme.fontFamily(), theme.monospacedFamily()}) {
+    for (const QString &family : {theme.fontFamily(), theme.monospacedFamily()})
         EXPECT_EQ(QFontInfo(QFont(family)).family().toStdString(), family.toStdString());
-    }
     EXPECT_FALSE(QFontInfo(QFont(theme.fontFamily())).fixedPitch());
     EXPECT_TRUE(QFontInfo(QFont(theme.monospacedFamily())).fixedPitch());
 }
@@ -102,9 +101,8 @@ TEST(Theme, IsTestedWithoutTheOtherFontsOfTheMachine)
         const QString drawn = QFontInfo(QFont(family)).family(); // of what "Sans Serif" stands for
         EXPECT_TRUE(ours.match(drawn).hasMatch()) << drawn.toStdString() << " (is FONTCONFIG_FILE set?)";
     }
-    for (const auto script : {QFontDatabase::Arabic, QFontDatabase::Devanagari, QFontDatabase::Thai}) {
+    for (const auto script : {QFontDatabase::Arabic, QFontDatabase::Devanagari, QFontDatabase::Thai})
         EXPECT_FALSE(QFontDatabase::families(script).isEmpty()) << script;
-    }
 }
 
 TEST(Theme, GivesDigitsTheWidthOfTheWidest)

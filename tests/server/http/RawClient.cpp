@@ -102,10 +102,9 @@ RawResponse RawClient::receive(bool toHead)
     m_received.erase(0, headEnd + 4);
     const auto length = response.headers.find("content-length");
     const std::size_t size = toHead || length == response.headers.end() ? 0 : std::stoul(length->second);
-    while (m_received.size() < size) {
+    while (m_received.size() < size)
         if (readMore(end) != Wait::Data)
             return {};
-    }
     response.body = m_received.substr(0, size);
     m_received.erase(0, size);
     return response;

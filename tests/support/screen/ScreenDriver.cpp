@@ -80,10 +80,9 @@ QStringList ScreenDriver::texts() const
 
 std::optional<ScreenDriver::Element> ScreenDriver::find(const QString &name, QAccessible::Role role) const
 {
-    for (const auto &element : elements()) {
+    for (const auto &element : elements())
         if (element.name == name && (role == QAccessible::NoRole || element.role == role))
             return element;
-    }
     return std::nullopt;
 }
 

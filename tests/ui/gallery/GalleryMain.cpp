@@ -31,9 +31,8 @@ int main(int argc, char **argv)
         view.engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
         view.rootContext()->setContextProperty(QStringLiteral("symbols"), clockwell::symbolNames());
         view.setSource(QUrl(QStringLiteral("qrc:/gallery/%1.qml").arg(page)));
-        if (!view.rootObject()) {
+        if (!view.rootObject())
             return 1;
-        }
         clockwell::Theme *theme = clockwell::Theme::of(*view.engine());
         theme->setTextScale(parser.value(QStringLiteral("text-scale")).toDouble());
         view.show();
@@ -44,9 +43,8 @@ int main(int argc, char **argv)
             QTest::qWait(50);
             const QString file = QStringLiteral("%1/%2-%3%4.png")
                                      .arg(folder, page, name, parser.value(QStringLiteral("suffix")));
-            if (!view.grabWindow().save(file)) {
+            if (!view.grabWindow().save(file))
                 return 1;
-            }
         }
     }
     return 0;
