@@ -32,7 +32,7 @@ CurlMulti::~CurlMulti()
 
 void CurlMulti::add(CURL *transfer, std::function<void(CURLcode)> done)
 {
-    m_transfers.insert(transfer, std::move(done));
+    m_transfers[transfer] = std::move(done);
     curl_multi_add_handle(m_multi, transfer);
 }
 

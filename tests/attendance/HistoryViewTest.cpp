@@ -424,17 +424,17 @@ TEST_P(HistoryViewFormats, RowsFitTheScreenAndDoNotOverlap)
     Theme::of(*stage->view().engine())->setTextScale(GetParam().textScale);
     ASSERT_TRUE(spinUntil([&] { return rows().size() == 2; }));
     QTest::qWait(50);
-    QRect above;
+    QList<QRect> rects;
     for (const auto &element : screen().elements()) {
         if (element.role != QAccessible::ListItem)
             continue;
+        rects.append(element.rect);
         EXPECT_GE(element.rect.left(), 20);
         EXPECT_LE(element.rect.right(), GetParam().size.width() - 20);
-        if (above.isValid())
-            EXPECT_EQ(element.rect.top() - above.bottom() - 1, 10);
-        above = element.rect;
     }
-    EXPECT_TRUE(above.isValid());
+    EXPECT_FALSE(rects.isEmpty());
+    for (qsizetype i = 1; i < rects.size(); ++i)
+        EXPECT_EQ(rects[i].top() - rects[i - 1].bottom() - 1, 10);
 }
 
 INSTANTIATE_TEST_SUITE_P(HistoryView, HistoryViewFormats,

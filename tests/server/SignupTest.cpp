@@ -144,8 +144,9 @@ TEST_F(SignupTest, NewestSignUpOfAnUnverifiedAddressReplacesTheOlder)
     body["fullName"] = "Kim Renamed";
     ASSERT_EQ(call("signup", body).status, 201);
     const std::string fresh = world.code("KIM@example.org");
-    if (old != fresh) // one in a million
-        EXPECT_EQ(verify(old).error(), "INVALID_CODE");
+    if (old == fresh)
+        GTEST_SKIP() << "one in a million codes is the same again";
+    EXPECT_EQ(verify(old).error(), "INVALID_CODE");
     EXPECT_EQ(verify(fresh).status, 200);
     EXPECT_EQ(employee().fullName, "Kim Renamed");
     EXPECT_EQ(world.login("kim@example.org", "Other-Horse-9").error(), "ACCOUNT_PENDING");
@@ -286,8 +287,9 @@ TEST_F(SignupTest, OldCodeIsDeadAfterAResend)
     signup();
     const std::string old = world.code();
     EXPECT_EQ(resend().status, 200);
-    if (old != world.code()) // one in a million
-        EXPECT_EQ(verify(old).error(), "INVALID_CODE");
+    if (old == world.code())
+        GTEST_SKIP() << "one in a million codes is the same again";
+    EXPECT_EQ(verify(old).error(), "INVALID_CODE");
     EXPECT_EQ(verify(world.code()).status, 200);
 }
 
