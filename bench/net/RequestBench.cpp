@@ -42,7 +42,7 @@ void finish(QCoro::Task<> task)
     const auto outcome = std::make_shared<test::Outcome<void>>();
     const auto ended = [](QCoro::Task<> inner, std::shared_ptr<test::Outcome<void>> done,
                           QEventLoop &events) -> QCoro::Task<> {
-        co_await test::follow<void>(std::move(inner), done);
+        co_await test::storeOutcome<void>(std::move(inner), done);
         events.quit();
     };
     const QCoro::Task<> running = ended(std::move(task), outcome, loop);
