@@ -92,6 +92,7 @@ TEST_F(HomeViewTest, OffersTheCheckInBeforeTheFirstResponse)
     openOnly();
     EXPECT_TRUE(showsAll({u"—"_s, u"Tap refresh"_s, u"Check In"_s}));
     EXPECT_TRUE(screen().isEnabled(u"Check In"_s));
+    EXPECT_TRUE(spinUntil([&] { return services.server.requests().size() == 1; }));
 }
 
 TEST_F(HomeViewTest, NothingMovesWhenTheFirstResponseArrives)
