@@ -14,7 +14,8 @@ dev_test() {
     export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
     export LSAN_OPTIONS=suppressions=$root/support/leaks.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1
-    ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error "${filter[@]}"
+    # Tests often wait, so two for each processor are at work.
+    ctest --preset "$preset" --parallel "$(($(nproc) * 2))" --no-tests=error "${filter[@]}"
 }
 
 dev_screens() {
