@@ -1,8 +1,8 @@
 #include "server/Application.h"
 
-#include "server/ApiError.h"
-#include "server/JsonReply.h"
 #include "server/http/AccessLog.h"
+#include "server/http/ApiError.h"
+#include "server/http/JsonReply.h"
 
 #include <spdlog/spdlog.h>
 
@@ -11,6 +11,36 @@ namespace clockwell::server {
 namespace {
 
 constexpr std::size_t longestReason = 200;
+constexpr std::chrono::seconds retryBusy{2};
+constexpr std::chrono::seconds retryStorage{60};
+
+/// What a client is told when the database failed; nothing of the request was recorded.
+ApiError toApiError(const DatabaseError &error)
+{
+    using Kind = DatabaseError::Kind;
+    switch (error.kind()) {
+    case Kind::Busy:
+        return ApiError{503, "BUSY",
+                        "The server is busy. Nothing was recorded; please try again in a moment."}
+            .retryAfter(retryBusy);
+    case Kind::Full:
+        return ApiError{503, "STORAGE_FULL",
+                        "The server's storage is full. Nothing was recorded; please tell your administrator."}
+            .retryAfter(retryStorage);
+    case Kind::ReadOnly:
+        return ApiError{503, "STORAGE_READ_ONLY",
+                        "The server cannot write to its storage. Nothing was recorded; please tell your"
+                        " administrator."}
+            .retryAfter(retryStorage);
+    case Kind::Damaged:
+        return ApiError{
+            500, "STORAGE_DAMAGED",
+            "The server's storage is damaged. Nothing was recorded; please tell your administrator."};
+    default:
+        return ApiError{500, "STORAGE_ERROR",
+                        "The server's storage failed. Nothing was recorded; please tell your administrator."};
+    }
+}
 
 SendMail orNowhere(SendMail sendMail)
 {

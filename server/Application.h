@@ -1,18 +1,18 @@
 #pragma once
 
-#include "server/AttendanceEndpoints.h"
-#include "server/AuthEndpoints.h"
-#include "server/Codes.h"
-#include "server/Database.h"
-#include "server/Instant.h"
-#include "server/LoginThrottle.h"
-#include "server/PasswordEndpoints.h"
-#include "server/Passwords.h"
-#include "server/Punches.h"
-#include "server/Router.h"
-#include "server/Sessions.h"
-#include "server/SignupEndpoints.h"
+#include "server/attendance/AttendanceEndpoints.h"
+#include "server/attendance/Punches.h"
+#include "server/auth/AuthEndpoints.h"
+#include "server/auth/Codes.h"
+#include "server/auth/LoginThrottle.h"
+#include "server/auth/PasswordEndpoints.h"
+#include "server/auth/Passwords.h"
+#include "server/auth/Sessions.h"
+#include "server/auth/SignupEndpoints.h"
+#include "server/http/Router.h"
 #include "server/mail/Mail.h"
+#include "server/storage/Database.h"
+#include "server/storage/Instant.h"
 
 #include <chrono>
 

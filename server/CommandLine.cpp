@@ -1,9 +1,9 @@
 #include "server/CommandLine.h"
 
-#include "server/DemoCommand.h"
-#include "server/ListenAddress.h"
 #include "server/ServeCommand.h"
 #include "server/admin/AdminCommand.h"
+#include "server/demo/DemoCommand.h"
+#include "server/http/ListenAddress.h"
 #include "server/mail/MailOptions.h"
 
 #include <CLI/CLI.hpp>

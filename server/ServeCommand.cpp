@@ -1,9 +1,9 @@
 #include "server/ServeCommand.h"
 
 #include "server/Application.h"
-#include "server/DemoData.h"
-#include "server/ListenAddress.h"
+#include "server/demo/DemoData.h"
 #include "server/http/HttpServer.h"
+#include "server/http/ListenAddress.h"
 #include "server/http/StopSignal.h"
 #include "server/mail/MailQueue.h"
 

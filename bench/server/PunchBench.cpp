@@ -1,9 +1,9 @@
 #include "BareCommits.h"
 #include "PunchClient.h"
 #include "Ratio.h"
-#include "server/Accounts.h"
 #include "server/Application.h"
-#include "server/DemoData.h"
+#include "server/auth/Accounts.h"
+#include "server/demo/DemoData.h"
 #include "server/http/HttpServer.h"
 
 #include <spdlog/sinks/null_sink.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/Database.h"
+#include "server/storage/Database.h"
 
 #include <concepts>
 #include <stdexcept>

@@ -1,12 +1,12 @@
 #include "server/admin/CompanyGroup.h"
 
-#include "server/Accounts.h"
-#include "server/Tokens.h"
 #include "server/admin/AdminDatabase.h"
 #include "server/admin/AdminError.h"
 #include "server/admin/CommandParts.h"
 #include "server/admin/CompanyLookup.h"
 #include "server/admin/FieldTexts.h"
+#include "server/auth/Accounts.h"
+#include "server/auth/Tokens.h"
 
 #include <algorithm>
 

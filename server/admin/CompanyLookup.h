@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/Connection.h"
+#include "server/storage/Connection.h"
 
 #include <optional>
 #include <string>

@@ -1,9 +1,9 @@
 #include "server/admin/DatabaseCheck.h"
 
-#include "server/DatabaseError.h"
-#include "server/Migrations.h"
-#include "server/Schema.h"
 #include "server/admin/AdminError.h"
+#include "server/storage/DatabaseError.h"
+#include "server/storage/Migrations.h"
+#include "server/storage/Schema.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #include "server/admin/EmployeeChanges.h"
 
-#include "server/CalendarDay.h"
-#include "server/TimeZone.h"
 #include "server/admin/AdminError.h"
 #include "server/admin/OfficeLookup.h"
 #include "server/admin/Table.h"
+#include "server/attendance/CalendarDay.h"
+#include "server/attendance/TimeZone.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/Instant.h"
-#include "server/Sessions.h"
 #include "server/admin/EmployeeLookup.h"
+#include "server/auth/Sessions.h"
+#include "server/storage/Instant.h"
 
 #include <optional>
 #include <string>

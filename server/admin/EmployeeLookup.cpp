@@ -1,8 +1,8 @@
 #include "server/admin/EmployeeLookup.h"
 
-#include "server/Accounts.h"
 #include "server/admin/AdminError.h"
 #include "server/admin/Table.h"
+#include "server/auth/Accounts.h"
 
 #include <algorithm>
 #include <numeric>

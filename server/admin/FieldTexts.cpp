@@ -1,9 +1,9 @@
 #include "server/admin/FieldTexts.h"
 
-#include "server/Accounts.h"
-#include "server/EmailAddress.h"
-#include "server/NumberText.h"
 #include "server/admin/Table.h"
+#include "server/auth/Accounts.h"
+#include "server/auth/EmailAddress.h"
+#include "server/http/NumberText.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/CalendarDay.h"
 #include "server/admin/CommandParts.h"
 #include "server/admin/OfficeLookup.h"
+#include "server/attendance/CalendarDay.h"
 
 #include <string>
 #include <tuple>

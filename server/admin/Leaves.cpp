@@ -1,8 +1,8 @@
 #include "server/admin/Leaves.h"
 
-#include "server/Tokens.h"
 #include "server/admin/AdminError.h"
 #include "server/admin/EmployeeLookup.h"
+#include "server/auth/Tokens.h"
 
 namespace clockwell::server {
 

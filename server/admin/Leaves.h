@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/CalendarDay.h"
-#include "server/Connection.h"
 #include "server/admin/CommandParts.h"
+#include "server/attendance/CalendarDay.h"
+#include "server/storage/Connection.h"
 
 #include <optional>
 #include <string>

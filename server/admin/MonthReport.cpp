@@ -1,8 +1,8 @@
 #include "server/admin/MonthReport.h"
 
-#include "server/History.h"
 #include "server/admin/AdminError.h"
 #include "server/admin/OfficeLookup.h"
+#include "server/attendance/History.h"
 
 #include <array>
 #include <cstdio>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "server/CalendarDay.h"
-#include "server/Connection.h"
-#include "server/Instant.h"
 #include "server/admin/ReportTable.h"
+#include "server/attendance/CalendarDay.h"
+#include "server/storage/Connection.h"
+#include "server/storage/Instant.h"
 
 #include <optional>
 #include <string>

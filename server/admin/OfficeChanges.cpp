@@ -1,11 +1,11 @@
 #include "server/admin/OfficeChanges.h"
 
-#include "server/Accounts.h"
-#include "server/Tokens.h"
 #include "server/admin/AdminError.h"
 #include "server/admin/CompanyLookup.h"
 #include "server/admin/FieldTexts.h"
 #include "server/admin/OfficeLookup.h"
+#include "server/auth/Accounts.h"
+#include "server/auth/Tokens.h"
 
 #include <tuple>
 

@@ -1,7 +1,7 @@
 #include "server/admin/OfficeFields.h"
 
-#include "server/TimeZone.h"
 #include "server/admin/FieldTexts.h"
+#include "server/attendance/TimeZone.h"
 
 namespace clockwell::server {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/Offices.h"
+#include "server/attendance/Offices.h"
 
 #include <string>
 #include <tuple>

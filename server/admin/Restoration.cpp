@@ -1,10 +1,10 @@
 #include "server/admin/Restoration.h"
 
-#include "server/Connection.h"
-#include "server/DatabaseError.h"
-#include "server/Migrations.h"
 #include "server/admin/AdminDatabase.h"
 #include "server/admin/AdminError.h"
+#include "server/storage/Connection.h"
+#include "server/storage/DatabaseError.h"
+#include "server/storage/Migrations.h"
 
 #include <algorithm>
 #include <filesystem>

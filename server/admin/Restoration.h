@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/Instant.h"
 #include "server/admin/DatabaseCheck.h"
 #include "server/admin/NewFile.h"
+#include "server/storage/Instant.h"
 
 #include <optional>
 #include <string>

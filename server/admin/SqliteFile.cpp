@@ -1,7 +1,7 @@
 #include "server/admin/SqliteFile.h"
 
-#include "server/SqliteError.h"
 #include "server/admin/AdminError.h"
+#include "server/storage/SqliteError.h"
 
 #include <sqlite3.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "server/Instant.h"
 #include "server/mail/Mail.h"
+#include "server/storage/Instant.h"
 
 #include <string>
 #include <string_view>

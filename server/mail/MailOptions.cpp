@@ -1,6 +1,6 @@
 #include "server/mail/MailOptions.h"
 
-#include "server/EmailAddress.h"
+#include "server/auth/EmailAddress.h"
 #include "server/mail/SmtpDelivery.h"
 
 #include <CLI/CLI.hpp>

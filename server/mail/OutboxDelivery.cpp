@@ -1,6 +1,6 @@
 #include "server/mail/OutboxDelivery.h"
 
-#include "server/Tokens.h"
+#include "server/auth/Tokens.h"
 #include "server/mail/MailMessage.h"
 
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "server/mail/SmtpDelivery.h"
 
-#include "server/EmailAddress.h"
-#include "server/Tokens.h"
+#include "server/auth/EmailAddress.h"
+#include "server/auth/Tokens.h"
 #include "server/mail/MailMessage.h"
 
 #include <curl/curl.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "server/Instant.h"
 #include "server/mail/MailDelivery.h"
+#include "server/storage/Instant.h"
 
 #include <chrono>
 #include <string>

@@ -1,6 +1,6 @@
 #include "BackupFixture.h"
-#include "server/Migrations.h"
-#include "server/Schema.h"
+#include "server/storage/Migrations.h"
+#include "server/storage/Schema.h"
 
 #include <sys/stat.h>
 

@@ -1,6 +1,6 @@
-#include "server/CalendarDay.h"
+#include "server/attendance/CalendarDay.h"
 
-#include "server/Instant.h"
+#include "server/storage/Instant.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "World.h"
-#include "server/Migrations.h"
+#include "server/storage/Migrations.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "server/DeviceMonth.h"
+#include "server/attendance/DeviceMonth.h"
 
 #include "World.h"
 

@@ -1,4 +1,4 @@
-#include "server/History.h"
+#include "server/attendance/History.h"
 
 #include "World.h"
 

@@ -1,9 +1,9 @@
 #include "World.h"
-#include "server/ApiError.h"
-#include "server/ListenAddress.h"
-#include "server/NumberText.h"
-#include "server/RateLimit.h"
-#include "server/Tokens.h"
+#include "server/auth/RateLimit.h"
+#include "server/auth/Tokens.h"
+#include "server/http/ApiError.h"
+#include "server/http/ListenAddress.h"
+#include "server/http/NumberText.h"
 
 #include <gtest/gtest.h>
 

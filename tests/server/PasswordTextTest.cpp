@@ -1,4 +1,4 @@
-#include "server/PasswordText.h"
+#include "server/auth/PasswordText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "server/Policy.h"
+#include "server/attendance/Policy.h"
 
 #include "World.h"
 

@@ -1,7 +1,7 @@
 #include "World.h"
-#include "server/Accounts.h"
-#include "server/ApiError.h"
-#include "server/Sessions.h"
+#include "server/auth/Accounts.h"
+#include "server/auth/Sessions.h"
+#include "server/http/ApiError.h"
 
 #include <gtest/gtest.h>
 

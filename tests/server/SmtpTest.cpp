@@ -1,9 +1,9 @@
 #include "LogCatcher.h"
 #include "SmtpServer.h"
 #include "http/TlsClient.h"
-#include "server/Instant.h"
 #include "server/mail/MailQueue.h"
 #include "server/mail/SmtpDelivery.h"
+#include "server/storage/Instant.h"
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>

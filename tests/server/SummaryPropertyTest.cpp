@@ -1,6 +1,6 @@
 #include "World.h"
-#include "server/ApiError.h"
-#include "server/Punches.h"
+#include "server/attendance/Punches.h"
+#include "server/http/ApiError.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "server/TimeZone.h"
+#include "server/attendance/TimeZone.h"
 
 #include "World.h"
 

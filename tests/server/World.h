@@ -3,7 +3,7 @@
 #include "HttpClient.h"
 #include "TempFolder.h"
 #include "server/Application.h"
-#include "server/CalendarDay.h"
+#include "server/attendance/CalendarDay.h"
 #include "server/http/HttpServer.h"
 
 #include <atomic>

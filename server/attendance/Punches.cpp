@@ -1,0 +1,153 @@
+#include "server/attendance/Punches.h"
+
+#include "server/auth/Tokens.h"
+#include "server/http/ApiError.h"
+
+#include <cmath>
+
+namespace clockwell::server {
+
+namespace {
+
+struct StoredPunch
+{
+    std::string type;
+    long long at = 0;
+    std::string deviceId;
+    double distance = 0;
+
+    auto columns() { return std::tie(type, at, deviceId, distance); }
+};
+
+PunchAnswer answerFor(const Office &office, const AttendanceRow &row, const std::string &type,
+                      double distance)
+{
+    // Assessed as of its own day, also when a repeat arrives just after midnight.
+    return {type, assess(row.worked(), false), row, office.name, distance};
+}
+
+/// Whole metres, rounded up: a refused distance never reads like the radius itself.
+std::string metersText(double meters)
+{
+    if (meters >= 10'000)
+        return std::to_string(std::llround(meters / 1000)) + " km";
+    return std::to_string(std::llround(std::ceil(meters))) + " m";
+}
+
+double requireInside(const Office &office, const PunchClaim &claim)
+{
+    if (claim.accuracy > static_cast<double>(office.maxAccuracyMeters))
+        throw ApiError{422, "LOCATION_TOO_IMPRECISE",
+                       "Your position is only known to within " + metersText(claim.accuracy) + "; " +
+                           metersText(static_cast<double>(office.maxAccuracyMeters)) +
+                           " is needed. Move to open sky and try again."};
+    const double distance = office.distanceTo(claim.latitude, claim.longitude);
+    if (distance <= static_cast<double>(office.radiusMeters))
+        return distance;
+    const std::string precision =
+        claim.accuracy > 0 ? " (your position is known to within " + metersText(claim.accuracy) + ")" : "";
+    throw ApiError{422, "OUTSIDE_GEOFENCE",
+                   "You are " + metersText(distance) + " away from " + office.name + precision +
+                       ". Attendance can be marked within " +
+                       metersText(static_cast<double>(office.radiusMeters)) + "."};
+}
+
+void recordPunch(Connection &connection, const std::string &attendanceId, const char *type, Instant now,
+                 const PunchClaim &claim, double distance)
+{
+    connection.execute(
+        "INSERT INTO punches (id, attendance_id, type, at, device_id, latitude, longitude, accuracy, "
+        "distance)"
+        " VALUES (:id, :attendance, :type, :at, :device, :latitude, :longitude, :accuracy, :distance)",
+        newId(), attendanceId, type, toMillis(now), claim.deviceId, claim.latitude, claim.longitude,
+        claim.accuracy, distance);
+}
+
+PunchAnswer checkIn(Connection &connection, const Employee &employee, const Office &office, Day today,
+                    const PunchClaim &claim, Instant now)
+{
+    const double distance = requireInside(office, claim);
+    const TimeZone zone = office.timeZone();
+    AttendanceRow row;
+    row.id = newId();
+    row.workDate = toText(today);
+    row.scheduledStartAt = toMillis(zone.at(today, static_cast<int>(office.hours.checkInMinute)));
+    row.scheduledEndAt = toMillis(zone.at(today, static_cast<int>(office.hours.checkOutMinute)));
+    row.graceMinutes = office.hours.graceMinutes;
+    row.fullDayMinutes = office.hours.fullDayMinutes;
+    row.checkInAt = toMillis(now);
+    row.checkInDistance = distance;
+    insertAttendance(connection, employee.id, row);
+    recordPunch(connection, row.id, "IN", now, claim, distance);
+    return answerFor(office, row, "IN", distance);
+}
+
+PunchAnswer checkOut(Connection &connection, const Office &office, AttendanceRow row, const PunchClaim &claim,
+                     Instant now)
+{
+    const double distance = requireInside(office, claim);
+    row.checkOutAt = toMillis(now);
+    row.checkOutDistance = distance;
+    storeCheckOut(connection, row);
+    recordPunch(connection, row.id, "OUT", now, claim, distance);
+    return answerFor(office, row, "OUT", distance);
+}
+
+} // namespace
+
+PunchAnswer Punches::punch(const Employee &employee, const PunchClaim &claim)
+{
+    // The time is taken once it is this punch's turn, so that punches are recorded in the order of their
+    // times.
+    return m_database.write(
+        [&](Connection &connection) { return punchAt(connection, employee, claim, m_clock()); });
+}
+
+PunchAnswer Punches::punchAt(Connection &connection, const Employee &employee, const PunchClaim &claim,
+                             Instant now) const
+{
+    if (claim.mockLocation)
+        throw ApiError{422, "MOCK_LOCATION", "Attendance cannot be marked with a simulated location."};
+    const Office office = requireOffice(connection, employee.officeId);
+    const Day today = office.timeZone().dayOf(now);
+    const auto newest = findNewestAttendance(connection, employee.id);
+    if (newest) {
+        if (auto answer = repeated(office, connection, *newest, claim, now))
+            return std::move(*answer);
+    }
+    const bool todays = newest && newest->workDate == toText(today);
+    const WorkCalendar calendar{connection, employee, office, today, today};
+    const std::string closed = calendar.closedBecause(today);
+    const auto worked = todays ? std::optional{newest->worked()} : std::nullopt;
+    switch (nextPunch(closed.empty(), worked ? &*worked : nullptr)) {
+    case NextPunch::CheckIn:
+        return checkIn(connection, employee, office, today, claim, now);
+    case NextPunch::CheckOut:
+        return checkOut(connection, office, *newest, claim, now);
+    case NextPunch::Closed:
+        throw ApiError{409, "DAY_CLOSED", closed};
+    case NextPunch::Complete:
+        break;
+    }
+    throw ApiError{409, "ALREADY_COMPLETE", "You have already checked in and out today."};
+}
+
+std::optional<PunchAnswer> Punches::repeated(const Office &office, Connection &connection,
+                                             const AttendanceRow &newest, const PunchClaim &claim,
+                                             Instant now) const
+{
+    const auto last = connection.first<StoredPunch>(
+        "SELECT type, at, device_id, distance FROM punches WHERE attendance_id = :id"
+        " ORDER BY CASE type WHEN 'OUT' THEN 0 ELSE 1 END LIMIT 1",
+        newest.id);
+    if (!last || std::chrono::abs(now - fromMillis(last->at)) > m_repeatWindow)
+        return std::nullopt;
+    if (last->deviceId == claim.deviceId)
+        return answerFor(office, newest, last->type, last->distance);
+    if (last->type == "IN")
+        throw ApiError{409, "TOO_SOON",
+                       "You have just checked in on another device. Please wait a moment to check out."};
+    return std::nullopt;
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,61 @@
+#include "server/attendance/WorkCalendar.h"
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+namespace {
+
+std::vector<std::pair<Day, Day>> findLeaves(Connection &connection, const std::string &employeeId, Day first,
+                                            Day last)
+{
+    struct Leave
+    {
+        std::string firstDay;
+        std::string lastDay;
+        auto columns() { return std::tie(firstDay, lastDay); }
+    };
+    std::vector<std::pair<Day, Day>> leaves;
+    for (const Leave &leave :
+         connection.all<Leave>("SELECT first_day, last_day FROM leaves WHERE employee_id = :employee"
+                               " AND last_day >= :first AND first_day <= :last",
+                               employeeId, toText(first), toText(last))) {
+        const auto from = parseDay(leave.firstDay);
+        const auto to = parseDay(leave.lastDay);
+        if (from && to)
+            leaves.emplace_back(*from, *to);
+    }
+    return leaves;
+}
+
+} // namespace
+
+WorkCalendar::WorkCalendar(Connection &connection, const Employee &employee, const Office &office, Day first,
+                           Day last)
+    : m_officeName(office.name),
+      m_hours(office.hours),
+      m_joinedOn(parseDay(employee.joinedOn).value()),
+      m_holidays(findHolidays(connection, office.id, first, last)),
+      m_leaves(findLeaves(connection, employee.id, first, last))
+{}
+
+DayFacts WorkCalendar::factsOf(Day day) const
+{
+    const auto covers = [day](const auto &leave) { return leave.first <= day && day <= leave.second; };
+    return {isWorkingWeekday(m_hours, day), m_holidays.contains(day), m_joinedOn <= day,
+            std::ranges::any_of(m_leaves, covers)};
+}
+
+std::string WorkCalendar::closedBecause(Day day) const
+{
+    const DayFacts facts = factsOf(day);
+    if (isOpen(facts))
+        return {};
+    if (!facts.joined)
+        return "Your first working day is " + toText(m_joinedOn) + ".";
+    if (facts.holiday)
+        return m_officeName + " is closed today: " + m_holidays.at(day) + ".";
+    return m_officeName + " is closed today.";
+}
+
+} // namespace clockwell::server

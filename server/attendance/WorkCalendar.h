@@ -1,0 +1,36 @@
+#pragma once
+
+#include "server/attendance/Offices.h"
+#include "server/attendance/Policy.h"
+#include "server/auth/Accounts.h"
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace clockwell::server {
+
+/// An employee's calendar over a range of days: the office's weekdays and holidays, the employee's leave, the
+/// day they joined. Read from the database once, then asked day by day.
+class WorkCalendar
+{
+public:
+    WorkCalendar(Connection &connection, const Employee &employee, const Office &office, Day first, Day last);
+
+    /// For a day within the range.
+    DayFacts factsOf(Day day) const;
+    /// Why attendance cannot be marked that day, as a sentence; empty on an open day.
+    std::string closedBecause(Day day) const;
+
+    Day joinedOn() const { return m_joinedOn; }
+
+private:
+    std::string m_officeName;
+    OfficeHours m_hours;
+    Day m_joinedOn;
+    std::map<Day, std::string> m_holidays;
+    std::vector<std::pair<Day, Day>> m_leaves; // first and last day of each
+};
+
+} // namespace clockwell::server

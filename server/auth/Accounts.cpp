@@ -1,0 +1,66 @@
+#include "server/auth/Accounts.h"
+
+#include "server/auth/EmailAddress.h"
+#include "server/http/ApiError.h"
+
+#include <array>
+
+namespace clockwell::server {
+
+std::string lowerAscii(std::string_view text)
+{
+    std::string lower{text};
+    for (char &c : lower)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return lower;
+}
+
+std::string emailKey(std::string_view email)
+{
+    return lowerAscii(trimmed(email));
+}
+
+const std::string &employeeColumns()
+{
+    static const std::string columns =
+        "e.id, e.institute_id, e.office_id, e.full_name, e.email, e.phone, e.password_hash, e.role, e.status,"
+        " e.email_verified, e.joined_on";
+    return columns;
+}
+
+std::optional<Employee> findEmployeeByEmail(Connection &connection, std::string_view email)
+{
+    static const std::string sql =
+        "SELECT " + employeeColumns() + " FROM employees e WHERE e.email_key = :key";
+    return connection.first<Employee>(sql, emailKey(email));
+}
+
+std::optional<Employee> findEmployeeById(Connection &connection, const std::string &id)
+{
+    static const std::string sql = "SELECT " + employeeColumns() + " FROM employees e WHERE e.id = :id";
+    return connection.first<Employee>(sql, id);
+}
+
+void requireUsable(const Employee &employee)
+{
+    struct Refusal
+    {
+        std::string_view status;
+        const char *error;
+        const char *message;
+    };
+    static constexpr std::array refusals{
+        Refusal{"PENDING", "ACCOUNT_PENDING", "Your account is waiting for an administrator's approval."},
+        Refusal{"REJECTED", "ACCOUNT_REJECTED",
+                "Your account was not approved. Please ask your administrator."},
+        Refusal{"SUSPENDED", "ACCOUNT_SUSPENDED",
+                "Your account is suspended. Please ask your administrator."},
+    };
+    if (employee.emailVerified == 0)
+        throw ApiError{403, "EMAIL_NOT_VERIFIED", "Please verify your e-mail address first."};
+    for (const Refusal &refusal : refusals)
+        if (employee.status == refusal.status)
+            throw ApiError{403, refusal.error, refusal.message};
+}
+
+} // namespace clockwell::server

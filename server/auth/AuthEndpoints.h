@@ -1,0 +1,39 @@
+#pragma once
+
+#include "server/auth/LoginThrottle.h"
+#include "server/auth/Passwords.h"
+#include "server/auth/Sessions.h"
+#include "server/http/JsonReply.h"
+#include "server/http/Router.h"
+#include "server/storage/Database.h"
+
+#include <vector>
+
+namespace clockwell::server {
+
+/// Sign-in, renewal of tokens and the signed-in user. Safe on several threads.
+class AuthEndpoints
+{
+public:
+    AuthEndpoints(Database &database, Passwords &passwords, LoginThrottle &throttle, Sessions &sessions)
+        : m_database(database), m_passwords(passwords), m_throttle(throttle), m_sessions(sessions)
+    {}
+
+    std::vector<Route> routes();
+
+private:
+    Response login(const Request &request);
+    Response refresh(const Request &request);
+    Response me(const Request &request);
+    Employee checkedEmployee(const std::string &email, const std::string &password, const Request &request);
+
+    Database &m_database;
+    Passwords &m_passwords;
+    LoginThrottle &m_throttle;
+    Sessions &m_sessions;
+};
+
+/// The user as clients see it.
+Json userJson(const Employee &employee);
+
+} // namespace clockwell::server

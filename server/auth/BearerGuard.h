@@ -1,0 +1,13 @@
+#pragma once
+
+#include "server/auth/Sessions.h"
+#include "server/http/Message.h"
+
+namespace clockwell::server {
+
+/// The employee who sends a request, told by its bearer token (RFC 6750, section 2.1).
+/// Throws ApiError 401 when there is no valid one.
+Employee requireEmployee(Sessions &sessions, const Request &request);
+SignedIn requireSignedIn(Sessions &sessions, const Request &request); ///< likewise, with the session
+
+} // namespace clockwell::server

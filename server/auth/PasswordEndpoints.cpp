@@ -1,0 +1,107 @@
+#include "server/auth/PasswordEndpoints.h"
+
+#include "server/auth/Accounts.h"
+#include "server/auth/BearerGuard.h"
+#include "server/auth/BodyReader.h"
+#include "server/auth/EmailAddress.h"
+#include "server/mail/MailTexts.h"
+
+#include <nlohmann/json.hpp>
+#include <spdlog/spdlog.h>
+
+namespace clockwell::server {
+
+namespace {
+
+/// Not 401: a client would take that for the end of its session.
+ApiError wrongPassword()
+{
+    return {400, "WRONG_PASSWORD", "The current password is wrong."};
+}
+
+void storePassword(Connection &connection, const std::string &employeeId, const std::string &hash)
+{
+    connection.execute("UPDATE employees SET password_hash = :hash WHERE id = :id", hash, employeeId);
+}
+
+} // namespace
+
+std::vector<Route> PasswordEndpoints::routes()
+{
+    return {
+        {"POST", "/api/auth/forgot-password", [this](const Request &request) { return forgot(request); }},
+        {"POST", "/api/auth/reset-password", [this](const Request &request) { return reset(request); }},
+        {"POST", "/api/auth/change-password", [this](const Request &request) { return change(request); }},
+    };
+}
+
+Response PasswordEndpoints::forgot(const Request &request)
+{
+    BodyReader body{request};
+    const std::string key = emailKey(body.emailAddress("email"));
+    body.finish();
+    m_codes.countRequest(key, request.remoteAddress);
+    const Codes::Fresh fresh = m_codes.make();
+    const auto employee = m_database.write([&](Connection &connection) {
+        m_codes.store(connection, key, CodePurpose::Reset, fresh);
+        return findEmployeeByEmail(connection, key);
+    });
+    if (employee)
+        m_sendMail(resetMail(employee->email, fresh.code));
+    return jsonReply({{"message", "If this address is registered, a code is on its way."}});
+}
+
+Response PasswordEndpoints::reset(const Request &request)
+{
+    BodyReader body{request};
+    const std::string key = emailKey(body.account("email"));
+    const std::string code = body.code("code");
+    const std::string password = body.newPassword("newPassword");
+    body.finish();
+    const Codes::Match match = m_codes.judge(key, code);
+    if (match.purpose != CodePurpose::Reset)
+        throw invalidCode();
+    const std::string hash = m_passwords.hash(password);
+    const std::string id = m_database.write([&](Connection &connection) {
+        m_codes.consume(connection, key, match);
+        const auto employee = findEmployeeByEmail(connection, key);
+        if (!employee)
+            throw invalidCode();
+        storePassword(connection, employee->id, hash);
+        connection.execute("UPDATE employees SET email_verified = 1 WHERE id = :id", employee->id);
+        m_sessions.endAll(connection, employee->id);
+        return employee->id;
+    });
+    m_codes.forgetWrongCodes(key);
+    m_throttle.forgetAccount(key);
+    spdlog::info("event=passwordReset employee={} request={}", id, request.requestId);
+    return jsonReply({{"message", "Your new password is set. Please sign in with it."}});
+}
+
+Response PasswordEndpoints::change(const Request &request)
+{
+    const SignedIn caller = requireSignedIn(m_sessions, request);
+    BodyReader body{request};
+    const std::string current = body.password("currentPassword");
+    const std::string next = body.newPassword("newPassword");
+    body.finish();
+    const std::string account = emailKey(caller.employee.email);
+    m_throttle.begin(account, request.remoteAddress, "Too many wrong passwords.");
+    if (!m_passwords.matches(caller.employee.passwordHash, current))
+        throw wrongPassword();
+    m_throttle.succeed(account, request.remoteAddress);
+    const std::string hash = m_passwords.hash(next);
+    m_database.write([&](Connection &connection) {
+        m_sessions.requireLive(connection, caller.familyId); // a reset may have ended it meanwhile
+        const auto now = findEmployeeById(connection, caller.employee.id);
+        if (!now || now->passwordHash != caller.employee.passwordHash)
+            throw wrongPassword();
+        storePassword(connection, caller.employee.id, hash);
+        m_sessions.endAll(connection, caller.employee.id, caller.familyId);
+        Codes::revoke(connection, account); // whoever asked for it: it would undo the change
+    });
+    spdlog::info("event=passwordChanged employee={} request={}", caller.employee.id, request.requestId);
+    return jsonReply({{"message", "Your password is changed."}});
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,80 @@
+#include "server/auth/RateLimit.h"
+
+#include "server/http/ApiError.h"
+
+#include <algorithm>
+
+namespace clockwell::server {
+
+std::string waitText(std::chrono::seconds wait)
+{
+    if (wait <= std::chrono::seconds{90})
+        return std::to_string(wait.count()) + (wait.count() == 1 ? " second" : " seconds");
+    if (wait <= std::chrono::minutes{90})
+        return std::to_string(std::chrono::ceil<std::chrono::minutes>(wait).count()) + " minutes";
+    return std::to_string(std::chrono::ceil<std::chrono::hours>(wait).count()) + " hours";
+}
+
+void RateLimit::take(const std::string &key, std::string_view complaint)
+{
+    const std::lock_guard lock{m_lock};
+    const Instant now = m_clock(); // under the lock, so that events are in order of time
+    Entry &entry = used(key);
+    const auto wait = waitOf(entry, now);
+    if (wait > std::chrono::seconds{0})
+        throw ApiError{429, "TOO_MANY_ATTEMPTS",
+                       std::string{complaint} + " Please try again in " + waitText(wait) + "."}
+            .retryAfter(wait);
+    entry.events.push_back(now);
+}
+
+std::chrono::seconds RateLimit::waitFor(const std::string &key)
+{
+    const std::lock_guard lock{m_lock};
+    const auto entry = m_entries.find(key);
+    return entry == m_entries.end() ? std::chrono::seconds{0} : waitOf(entry->second, m_clock());
+}
+
+void RateLimit::forget(const std::string &key)
+{
+    const std::lock_guard lock{m_lock};
+    const auto entry = m_entries.find(key);
+    if (entry == m_entries.end())
+        return;
+    m_uses.erase(entry->second.use);
+    m_entries.erase(entry);
+}
+
+void RateLimit::forgetIf(const std::function<bool(std::string_view)> &matches)
+{
+    const std::lock_guard lock{m_lock};
+    m_uses.remove_if([&](const std::string &key) { return matches(key) && m_entries.erase(key) == 1; });
+}
+
+RateLimit::Entry &RateLimit::used(const std::string &key)
+{
+    const auto known = m_entries.find(key);
+    if (known != m_entries.end()) {
+        m_uses.splice(m_uses.end(), m_uses, known->second.use);
+        return known->second;
+    }
+    if (m_entries.size() >= m_limits.entries) {
+        m_entries.erase(m_uses.front());
+        m_uses.pop_front();
+    }
+    m_uses.push_back(key);
+    return m_entries.emplace(key, Entry{{}, std::prev(m_uses.end())}).first->second;
+}
+
+/// Zero when another event is within the limit.
+std::chrono::seconds RateLimit::waitOf(Entry &entry, Instant now) const
+{
+    for (Instant &event : entry.events)
+        event = std::min(event, now);
+    std::erase_if(entry.events, [&](Instant event) { return event + m_limits.window <= now; });
+    if (entry.events.size() < m_limits.attempts)
+        return std::chrono::seconds{0};
+    return std::chrono::ceil<std::chrono::seconds>(entry.events.front() + m_limits.window - now);
+}
+
+} // namespace clockwell::server

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "server/storage/Instant.h"
+
+#include <chrono>
+#include <functional>
+#include <list>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace clockwell::server {
+
+struct ThrottleLimits
+{
+    std::size_t attempts = 5;         ///< events within the window before one is refused
+    std::chrono::seconds window{900}; ///< counted back from now
+    std::size_t entries = 100'000; ///< keys remembered at most; the one idle for longest is forgotten first
+};
+
+/// "45 seconds", "7 minutes" or "22 hours": a wait as people say it, never shorter than it is.
+std::string waitText(std::chrono::seconds wait);
+
+/// Counts events by key in a sliding window, in memory. Events that are in the future happened before the
+/// machine's clock was set back, nobody knows when: they count as of now, so that they are neither forgiven
+/// nor held against anybody for longer than the window. Safe on several threads.
+class RateLimit
+{
+public:
+    RateLimit(ThrottleLimits limits, Clock clock) : m_limits(limits), m_clock(std::move(clock)) {}
+
+    /// Counts an event. Throws ApiError 429 TOO_MANY_ATTEMPTS with Retry-After, and without counting, when
+    /// there were too many: its text is `complaint` followed by when to try again.
+    void take(const std::string &key, std::string_view complaint);
+
+    /// How long until another event is within the limit; zero when it is already.
+    std::chrono::seconds waitFor(const std::string &key);
+
+    /// Forgets what was counted for the key.
+    void forget(const std::string &key);
+
+    /// Forgets what was counted for the keys that `matches` accepts; goes through all of them.
+    void forgetIf(const std::function<bool(std::string_view)> &matches);
+
+private:
+    struct Entry
+    {
+        std::vector<Instant> events; // in order of time
+        std::list<std::string>::iterator use;
+    };
+
+    Entry &used(const std::string &key);
+    std::chrono::seconds waitOf(Entry &entry, Instant now) const;
+
+    ThrottleLimits m_limits;
+    Clock m_clock;
+    std::mutex m_lock;
+    std::unordered_map<std::string, Entry> m_entries;
+    std::list<std::string> m_uses; // keys, the one idle for longest first
+};
+
+} // namespace clockwell::server

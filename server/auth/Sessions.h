@@ -1,0 +1,75 @@
+#pragma once
+
+#include "server/auth/Accounts.h"
+#include "server/storage/Database.h"
+#include "server/storage/Instant.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <tuple>
+
+namespace clockwell::server {
+
+struct SessionLifetimes
+{
+    std::chrono::minutes access{15};
+    std::chrono::hours refresh{24 * 30}; ///< from its issue; every refresh gives a new one
+    std::chrono::seconds grace{20}; ///< how long a used refresh token may come again: its reply may be lost
+};
+
+struct TokenPair
+{
+    std::string accessToken;
+    std::string refreshToken;
+};
+
+/// Who sends a request, and in which session.
+struct SignedIn
+{
+    std::string familyId;
+    Employee employee;
+
+    auto columns() { return std::tuple_cat(std::tie(familyId), employee.columns()); }
+};
+
+/// The sessions and their tokens, kept as hashes only. One sign-in starts a family; each refresh uses up one
+/// refresh token and issues a pair. Safe on several threads. See docs/server.md for the rules of replay.
+class Sessions
+{
+public:
+    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {})
+        : m_database(database), m_clock(std::move(clock)), m_lifetimes(lifetimes)
+    {}
+
+    /// Starts a family for a device on which the employee has just signed in. Nothing when the password that
+    /// was checked has been replaced since: its check takes a while, and what ended the sessions meanwhile
+    /// did not know of this one. Throws ApiError 403 for an account that may no longer sign in.
+    std::optional<TokenPair> start(const Employee &checked, const std::string &deviceId);
+
+    /// Exchanges a refresh token for a new pair. Throws ApiError 401 for one that is unknown, expired,
+    /// revoked or replayed (which ends the family), and 403 for an account that may no longer sign in.
+    TokenPair refresh(const std::string &refreshToken);
+
+    /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
+    /// also when the account was suspended meanwhile.
+    Employee authenticate(const std::string &accessToken) { return signedIn(accessToken).employee; }
+    SignedIn signedIn(const std::string &accessToken); ///< likewise, with the session
+
+    /// Ends the employee's sessions but the one named, as part of the caller's transaction.
+    void endAll(Connection &connection, const std::string &employeeId,
+                const std::string &exceptFamily = {}) const;
+
+    /// Throws ApiError 401 when the session was ended.
+    static void requireLive(Connection &connection, const std::string &familyId);
+
+private:
+    TokenPair issue(Connection &connection, const std::string &familyId, long long generation);
+    void forgetExpired(Connection &connection);
+
+    Database &m_database;
+    Clock m_clock;
+    SessionLifetimes m_lifetimes;
+};
+
+} // namespace clockwell::server

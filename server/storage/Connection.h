@@ -1,0 +1,98 @@
+#pragma once
+
+#include "server/storage/SqlBinding.h"
+
+#include <soci/soci.h>
+
+#include <optional>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+#include <vector>
+
+namespace clockwell::server {
+
+/// One connection to the database, with its prepared statements. Used by one thread at a time.
+///
+/// Parameters are written `:name` in the SQL, each once, and are bound in the order of the arguments; values
+/// never become part of the SQL text. A row type lists its members, in the order of the columns, in `auto
+/// columns()` returning `std::tie(...)`; members are std::string, long long, double or std::optional of
+/// these. All operations throw DatabaseError.
+class Connection
+{
+public:
+    /// `busySeconds`: how long a statement waits for another process's lock.
+    Connection(const std::string &file, int busySeconds);
+
+    /// Runs a statement without a result; returns how many rows it changed.
+    template <class... Arguments>
+    long long execute(const std::string &sql, const Arguments &...arguments)
+    {
+        std::tuple<> nothing;
+        long long changed = 0;
+        run(
+            sql, nothing, [] {}, changed, arguments...);
+        return changed;
+    }
+
+    template <class Row, class... Arguments>
+    std::vector<Row> all(const std::string &sql, const Arguments &...arguments)
+    {
+        std::vector<Row> rows;
+        Row row;
+        long long changed = 0;
+        auto into = sqlColumns(row);
+        run(
+            sql, into,
+            [&] {
+                storeColumns(into);
+                rows.push_back(row);
+            },
+            changed, arguments...);
+        return rows;
+    }
+
+    template <class Row, class... Arguments>
+    std::optional<Row> first(const std::string &sql, const Arguments &...arguments)
+    {
+        auto rows = all<Row>(sql, arguments...);
+        return rows.empty() ? std::nullopt : std::optional<Row>{std::move(rows.front())};
+    }
+
+    /// The one column of the one row of a query.
+    template <class Value, class... Arguments>
+    Value value(const std::string &sql, const Arguments &...arguments)
+    {
+        return std::move(first<SingleColumn<Value>>(sql, arguments...).value().value);
+    }
+
+private:
+    template <class Into, class OnRow, class... Arguments>
+    void run(const std::string &sql, Into &into, OnRow onRow, long long &changed,
+             const Arguments &...arguments)
+    {
+        try {
+            soci::statement &statement = prepared(sql);
+            auto parameters = std::make_tuple(SqlParameter<Arguments>{arguments}...);
+            std::apply([&](auto &...column) { (column.bind(statement), ...); }, into);
+            std::apply([&](auto &...parameter) { (parameter.bind(statement), ...); }, parameters);
+            statement.define_and_bind();
+            // Reading to the end also lets SQLite drop the statement's hold on its snapshot.
+            for (bool more = statement.execute(true); more; more = statement.fetch())
+                onRow();
+            changed = statement.get_affected_rows();
+            statement.bind_clean_up();
+        } catch (...) {
+            m_statements.erase(sql); // it may be in the middle of its rows
+            rethrow();
+        }
+    }
+
+    soci::statement &prepared(const std::string &sql);
+    [[noreturn]] static void rethrow();
+
+    soci::session m_session;
+    std::unordered_map<std::string, soci::statement> m_statements;
+};
+
+} // namespace clockwell::server

@@ -1,0 +1,107 @@
+#include "server/storage/Database.h"
+
+#include "server/storage/Migrations.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+namespace clockwell::server {
+
+namespace {
+
+int secondsOf(const DatabaseOptions &options)
+{
+    return static_cast<int>(options.patience.count());
+}
+
+/// SQLite would make the file readable by others, and gives its companions the same rights as the file.
+const std::string &madePrivate(const std::string &file)
+{
+    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (descriptor < 0) {
+        const auto reason = std::error_code{errno, std::system_category()};
+        const bool denied =
+            reason == std::errc::permission_denied || reason == std::errc::read_only_file_system;
+        throw DatabaseError{denied ? DatabaseError::Kind::ReadOnly : DatabaseError::Kind::Unusable,
+                            "The database " + file + " cannot be opened: " + reason.message() + "."};
+    }
+    ::close(descriptor);
+    return file;
+}
+
+} // namespace
+
+Database::Database(const std::string &file, DatabaseOptions options)
+    : m_options(options), m_writer(madePrivate(file), secondsOf(options))
+{
+    try {
+        prepareWriter();
+        openReaders(file);
+    } catch (const DatabaseError &error) {
+        if (error.kind() == DatabaseError::Kind::Newer)
+            throw;
+        throw DatabaseError{error.kind(), "The database " + file + " cannot be used: " + error.what() + "."};
+    }
+}
+
+void Database::prepareWriter()
+{
+    if (m_writer.value<std::string>("PRAGMA journal_mode = WAL") != "wal")
+        throw DatabaseError{DatabaseError::Kind::Unusable, "it cannot be switched to write-ahead logging"};
+    m_writer.execute("PRAGMA synchronous = FULL");
+    m_writer.execute("PRAGMA foreign_keys = ON");
+    if (m_options.maximumBytes > 0) {
+        const auto pageBytes = m_writer.value<long long>("PRAGMA page_size");
+        const auto pages = m_options.maximumBytes / static_cast<unsigned long long>(pageBytes);
+        m_writer.execute("PRAGMA max_page_count = " + std::to_string(std::max(pages, 1ULL)));
+    }
+    inTransaction(m_writer, "BEGIN IMMEDIATE", [](Connection &connection) { migrate(connection); });
+}
+
+void Database::openReaders(const std::string &file)
+{
+    for (std::size_t i = 0; i < m_options.readers; ++i) {
+        m_readers.push_back(std::make_unique<Connection>(file, secondsOf(m_options)));
+        m_readers.back()->execute("PRAGMA query_only = ON");
+        m_freeReaders.push_back(m_readers.back().get());
+    }
+}
+
+void Database::rollBack(Connection &connection) noexcept
+{
+    try {
+        connection.execute("ROLLBACK");
+    } catch (
+        const DatabaseError &) { // NOLINT(bugprone-empty-catch): SQLite has already rolled back by itself
+    }
+}
+
+DatabaseError Database::tooBusy()
+{
+    return {DatabaseError::Kind::Busy, "no connection to the database became free in time"};
+}
+
+Connection *Database::takeReader()
+{
+    std::unique_lock lock{m_readersLock};
+    if (!m_readerFreed.wait_for(lock, m_options.patience, [this] { return !m_freeReaders.empty(); }))
+        throw tooBusy();
+    Connection *connection = m_freeReaders.back();
+    m_freeReaders.pop_back();
+    return connection;
+}
+
+void Database::giveReader(Connection *connection) noexcept
+{
+    {
+        const std::lock_guard lock{m_readersLock};
+        m_freeReaders.push_back(connection); // never grows beyond its first size, so never allocates
+    }
+    m_readerFreed.notify_one();
+}
+
+} // namespace clockwell::server

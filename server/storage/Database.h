@@ -1,0 +1,104 @@
+#pragma once
+
+#include "server/storage/Connection.h"
+#include "server/storage/DatabaseError.h"
+
+#include <chrono>
+#include <concepts>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace clockwell::server {
+
+struct DatabaseOptions
+{
+    std::chrono::seconds patience{5};    ///< how long a request waits for its turn, and for other processes
+    std::size_t readers = 4;             ///< connections for reading; more requests than that wait
+    unsigned long long maximumBytes = 0; ///< the file never grows beyond this; 0 for no limit
+};
+
+/// The SQLite database: one connection that writes, some that read beside it, all in WAL mode with every
+/// commit flushed to the disk. Safe on several threads.
+class Database
+{
+public:
+    /// Opens the file, making it when it is not there (readable by its owner only), and brings its schema up
+    /// to date.
+    explicit Database(const std::string &file, DatabaseOptions options = {});
+
+    /// Runs `work(Connection &)` in a transaction that is the only one that writes, from its first statement
+    /// on. When this returns, everything is on the disk; when it throws, nothing is. `work` runs at most
+    /// once.
+    template <std::invocable<Connection &> Work>
+    auto write(Work work)
+    {
+        std::unique_lock turn{m_writing, m_options.patience};
+        if (!turn)
+            throw tooBusy();
+        return inTransaction(m_writer, "BEGIN IMMEDIATE", std::move(work));
+    }
+
+    /// Runs `work(Connection &)` on one unchanging view of the data, beside a writer if there is one.
+    template <std::invocable<Connection &> Work>
+    auto read(Work work)
+    {
+        const ReaderLease lease{*this};
+        return inTransaction(lease.connection(), "BEGIN", std::move(work));
+    }
+
+private:
+    class ReaderLease
+    {
+    public:
+        explicit ReaderLease(Database &database) : m_database(database), m_connection(database.takeReader())
+        {}
+        ~ReaderLease() { m_database.giveReader(m_connection); }
+        ReaderLease(const ReaderLease &) = delete;
+        ReaderLease &operator=(const ReaderLease &) = delete;
+        Connection &connection() const { return *m_connection; }
+
+    private:
+        Database &m_database;
+        Connection *m_connection;
+    };
+
+    template <class Work>
+    static auto inTransaction(Connection &connection, const char *begin, Work work)
+    {
+        connection.execute(begin);
+        try {
+            if constexpr (std::is_void_v<std::invoke_result_t<Work, Connection &>>) {
+                work(connection);
+                connection.execute("COMMIT");
+            } else {
+                auto result = work(connection);
+                connection.execute("COMMIT");
+                return result;
+            }
+        } catch (...) {
+            rollBack(connection);
+            throw;
+        }
+    }
+
+    static void rollBack(Connection &connection) noexcept;
+    static DatabaseError tooBusy();
+    void prepareWriter();
+    void openReaders(const std::string &file);
+    Connection *takeReader();
+    void giveReader(Connection *connection) noexcept;
+
+    DatabaseOptions m_options;
+    std::timed_mutex m_writing;
+    Connection m_writer;
+    std::vector<std::unique_ptr<Connection>> m_readers;
+    std::mutex m_readersLock; // guards m_freeReaders
+    std::condition_variable m_readerFreed;
+    std::vector<Connection *> m_freeReaders;
+};
+
+} // namespace clockwell::server

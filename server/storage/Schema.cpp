@@ -1,0 +1,154 @@
+#include "server/storage/Schema.h"
+
+namespace clockwell::server {
+
+namespace {
+
+// Conventions, for SQLite and PostgreSQL alike: identifiers are random texts, instants are milliseconds UTC
+// (columns ending in _at), days are "yyyy-MM-dd", times of day are minutes from midnight, booleans are 0
+// and 1.
+
+std::vector<std::string> organisationTables()
+{
+    return {
+        "CREATE TABLE institutes ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " name VARCHAR(200) NOT NULL,"
+        " code VARCHAR(64) NOT NULL UNIQUE)",
+        "CREATE TABLE offices ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " institute_id VARCHAR(36) NOT NULL REFERENCES institutes (id),"
+        " name VARCHAR(200) NOT NULL,"
+        " latitude DOUBLE PRECISION NOT NULL CHECK (latitude BETWEEN -90 AND 90),"
+        " longitude DOUBLE PRECISION NOT NULL CHECK (longitude BETWEEN -180 AND 180),"
+        " radius_meters BIGINT NOT NULL CHECK (radius_meters > 0),"
+        " max_accuracy_meters BIGINT NOT NULL CHECK (max_accuracy_meters > 0),"
+        " time_zone VARCHAR(64) NOT NULL,"
+        " check_in_minute BIGINT NOT NULL CHECK (check_in_minute BETWEEN 0 AND 1439),"
+        " check_out_minute BIGINT NOT NULL CHECK (check_out_minute BETWEEN 1 AND 1440),"
+        " grace_minutes BIGINT NOT NULL CHECK (grace_minutes >= 0),"
+        " full_day_minutes BIGINT NOT NULL CHECK (full_day_minutes >= 0),"
+        " working_weekdays BIGINT NOT NULL CHECK (working_weekdays BETWEEN 0 AND 127)," // bit 0 is Monday
+        " CHECK (check_in_minute < check_out_minute))",
+        "CREATE TABLE holidays ("
+        " office_id VARCHAR(36) NOT NULL REFERENCES offices (id),"
+        " day CHAR(10) NOT NULL,"
+        " name VARCHAR(200) NOT NULL,"
+        " PRIMARY KEY (office_id, day))",
+        "CREATE TABLE employees ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " institute_id VARCHAR(36) REFERENCES institutes (id),"
+        " office_id VARCHAR(36) REFERENCES offices (id),"
+        " full_name VARCHAR(200) NOT NULL,"
+        " email VARCHAR(254) NOT NULL,"
+        " email_key VARCHAR(254) NOT NULL UNIQUE," // the address in lower case
+        " phone VARCHAR(64),"
+        " password_hash VARCHAR(128) NOT NULL,"
+        " role VARCHAR(32) NOT NULL,"
+        " status VARCHAR(16) NOT NULL CHECK (status IN ('PENDING', 'APPROVED', 'REJECTED', 'SUSPENDED')),"
+        " email_verified BIGINT NOT NULL CHECK (email_verified IN (0, 1)),"
+        " joined_on CHAR(10) NOT NULL,"
+        " created_at BIGINT NOT NULL)",
+        "CREATE TABLE leaves ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " employee_id VARCHAR(36) NOT NULL REFERENCES employees (id),"
+        " first_day CHAR(10) NOT NULL,"
+        " last_day CHAR(10) NOT NULL,"
+        " reason VARCHAR(200),"
+        " CHECK (first_day <= last_day))",
+        "CREATE INDEX leaves_by_employee ON leaves (employee_id, last_day)",
+    };
+}
+
+std::vector<std::string> attendanceTables()
+{
+    return {
+        // The office's rules are kept with the day: changing the hours later does not rewrite what was.
+        "CREATE TABLE attendance ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " employee_id VARCHAR(36) NOT NULL REFERENCES employees (id),"
+        " work_date CHAR(10) NOT NULL,"
+        " scheduled_start_at BIGINT NOT NULL,"
+        " scheduled_end_at BIGINT NOT NULL,"
+        " grace_minutes BIGINT NOT NULL,"
+        " full_day_minutes BIGINT NOT NULL,"
+        " check_in_at BIGINT NOT NULL,"
+        " check_in_distance DOUBLE PRECISION NOT NULL,"
+        " check_out_at BIGINT,"
+        " check_out_distance DOUBLE PRECISION,"
+        " UNIQUE (employee_id, work_date))",
+        "CREATE TABLE punches ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " attendance_id VARCHAR(36) NOT NULL REFERENCES attendance (id),"
+        " type VARCHAR(3) NOT NULL CHECK (type IN ('IN', 'OUT')),"
+        " at BIGINT NOT NULL,"
+        " device_id VARCHAR(128) NOT NULL,"
+        " latitude DOUBLE PRECISION NOT NULL,"
+        " longitude DOUBLE PRECISION NOT NULL,"
+        " accuracy DOUBLE PRECISION NOT NULL,"
+        " distance DOUBLE PRECISION NOT NULL,"
+        " UNIQUE (attendance_id, type))",
+    };
+}
+
+std::vector<std::string> sessionTables()
+{
+    return {
+        // One sign-in on one device; all tokens that follow from it are its family.
+        "CREATE TABLE token_families ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " employee_id VARCHAR(36) NOT NULL REFERENCES employees (id),"
+        " device_id VARCHAR(128) NOT NULL,"
+        " created_at BIGINT NOT NULL,"
+        " generation BIGINT NOT NULL," // of the newest refresh token that was used; 0 at sign-in
+        " used_hash CHAR(64),"         // that token's hash
+        " used_at BIGINT,"
+        " revoked_at BIGINT)",
+        "CREATE INDEX token_families_by_employee ON token_families (employee_id)",
+        "CREATE TABLE refresh_tokens ("
+        " hash CHAR(64) NOT NULL PRIMARY KEY,"
+        " family_id VARCHAR(36) NOT NULL REFERENCES token_families (id),"
+        " generation BIGINT NOT NULL,"
+        " expires_at BIGINT NOT NULL)",
+        "CREATE INDEX refresh_tokens_by_family ON refresh_tokens (family_id)",
+        "CREATE INDEX refresh_tokens_by_expiry ON refresh_tokens (expires_at)",
+        "CREATE TABLE access_tokens ("
+        " hash CHAR(64) NOT NULL PRIMARY KEY,"
+        " family_id VARCHAR(36) NOT NULL REFERENCES token_families (id),"
+        " expires_at BIGINT NOT NULL)",
+        "CREATE INDEX access_tokens_by_family ON access_tokens (family_id)",
+        "CREATE INDEX access_tokens_by_expiry ON access_tokens (expires_at)",
+    };
+}
+
+std::vector<std::string> firstSchema()
+{
+    std::vector<std::string> all = organisationTables();
+    for (const auto &tables : {attendanceTables(), sessionTables()})
+        all.insert(all.end(), tables.begin(), tables.end());
+    return all;
+}
+
+std::vector<std::string> codeTables()
+{
+    return {
+        // The key is no reference: addresses without an account have codes too.
+        "CREATE TABLE codes ("
+        " email_key VARCHAR(254) NOT NULL PRIMARY KEY,"
+        " purpose VARCHAR(16) NOT NULL CHECK (purpose IN ('VERIFY', 'RESET')),"
+        " hash VARCHAR(128) NOT NULL," // argon2id
+        " expires_at BIGINT NOT NULL,"
+        " tries BIGINT NOT NULL)", // that were judged, right or wrong
+        "CREATE INDEX codes_by_expiry ON codes (expires_at)",
+    };
+}
+
+} // namespace
+
+const std::vector<std::vector<std::string>> &schemaSteps()
+{
+    static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables()};
+    return steps;
+}
+
+} // namespace clockwell::server
