@@ -18,8 +18,8 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr int refused = 1;
-constexpr int notFound = 3;
+constexpr int exitRefused = 1;
+constexpr int exitNotFound = 3;
 
 int guarded(const std::function<void()> &command)
 {
@@ -28,7 +28,7 @@ int guarded(const std::function<void()> &command)
         return 0;
     } catch (const AdminError &error) {
         std::fprintf(stderr, "clockwell-server: %s\n", error.what());
-        return error.kind() == AdminError::Kind::NotFound ? notFound : refused;
+        return error.kind() == AdminError::Kind::NotFound ? exitNotFound : exitRefused;
     }
 }
 
