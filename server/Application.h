@@ -40,6 +40,9 @@ public:
     /// Answers any request; failures become error replies, and those that are the server's own are logged.
     Response handle(const Request &request) const;
 
+    /// Whose work a request is, told by its method and path.
+    Lane laneOf(const Request &request) const { return m_router.laneOf(request); }
+
 private:
     Passwords m_passwords;
     LoginThrottle m_loginThrottle;

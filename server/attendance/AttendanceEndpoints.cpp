@@ -42,11 +42,16 @@ double degrees(const Request &request, const std::string &key, double largest,
 std::vector<Route> AttendanceEndpoints::routes()
 {
     return {
-        {"GET", "/api/attendance/today", [this](const Request &request) { return today(request); }},
-        {"GET", "/api/attendance/distance", [this](const Request &request) { return distance(request); }},
-        {"POST", "/api/attendance/punch", [this](const Request &request) { return punch(request); }},
-        {"GET", "/api/attendance/me", [this](const Request &request) { return history(request); }},
-        {"GET", "/api/attendance/me/summary", [this](const Request &request) { return summary(request); }},
+        {"GET", "/api/attendance/today", Lane::SignedIn,
+         [this](const Request &request) { return today(request); }},
+        {"GET", "/api/attendance/distance", Lane::SignedIn,
+         [this](const Request &request) { return distance(request); }},
+        {"POST", "/api/attendance/punch", Lane::SignedIn,
+         [this](const Request &request) { return punch(request); }},
+        {"GET", "/api/attendance/me", Lane::SignedIn,
+         [this](const Request &request) { return history(request); }},
+        {"GET", "/api/attendance/me/summary", Lane::SignedIn,
+         [this](const Request &request) { return summary(request); }},
     };
 }
 

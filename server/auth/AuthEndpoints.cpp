@@ -39,9 +39,11 @@ Json userJson(const Employee &employee)
 std::vector<Route> AuthEndpoints::routes()
 {
     return {
-        {"POST", "/api/auth/login", [this](const Request &request) { return login(request); }},
-        {"POST", "/api/auth/refresh", [this](const Request &request) { return refresh(request); }},
-        {"GET", "/api/auth/me", [this](const Request &request) { return me(request); }},
+        {"POST", "/api/auth/login", Lane::Password,
+         [this](const Request &request) { return login(request); }},
+        {"POST", "/api/auth/refresh", Lane::Renewal,
+         [this](const Request &request) { return refresh(request); }},
+        {"GET", "/api/auth/me", Lane::Renewal, [this](const Request &request) { return me(request); }},
     };
 }
 

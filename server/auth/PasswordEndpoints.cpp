@@ -29,9 +29,12 @@ void storePassword(Connection &connection, const std::string &employeeId, const 
 std::vector<Route> PasswordEndpoints::routes()
 {
     return {
-        {"POST", "/api/auth/forgot-password", [this](const Request &request) { return forgot(request); }},
-        {"POST", "/api/auth/reset-password", [this](const Request &request) { return reset(request); }},
-        {"POST", "/api/auth/change-password", [this](const Request &request) { return change(request); }},
+        {"POST", "/api/auth/forgot-password", Lane::Password,
+         [this](const Request &request) { return forgot(request); }},
+        {"POST", "/api/auth/reset-password", Lane::Password,
+         [this](const Request &request) { return reset(request); }},
+        {"POST", "/api/auth/change-password", Lane::Password,
+         [this](const Request &request) { return change(request); }},
     };
 }
 

@@ -37,9 +37,12 @@ std::string nextStep(const std::string &status)
 std::vector<Route> SignupEndpoints::routes()
 {
     return {
-        {"POST", "/api/auth/signup", [this](const Request &request) { return signup(request); }},
-        {"POST", "/api/auth/verify-otp", [this](const Request &request) { return verify(request); }},
-        {"POST", "/api/auth/resend-otp", [this](const Request &request) { return resend(request); }},
+        {"POST", "/api/auth/signup", Lane::Password,
+         [this](const Request &request) { return signup(request); }},
+        {"POST", "/api/auth/verify-otp", Lane::Password,
+         [this](const Request &request) { return verify(request); }},
+        {"POST", "/api/auth/resend-otp", Lane::Password,
+         [this](const Request &request) { return resend(request); }},
     };
 }
 

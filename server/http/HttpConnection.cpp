@@ -22,6 +22,7 @@ namespace {
 constexpr std::size_t readSize = 16 * 1024;
 constexpr std::size_t lingerBytes = 8 * 1024 * 1024; // what a peer may still send after its last answer
 constexpr long busyRetrySeconds = 1;
+constexpr int noAnswer = 0; // the status in the log of a request whose connection was closed instead
 constexpr const char *supportedMethods = "GET, HEAD, POST, OPTIONS";
 
 const auto withoutThrowing = asio::as_tuple(asio::use_awaitable);
@@ -129,7 +130,8 @@ awaitable<void> HttpConnection::serveRequest()
     m_parser.emplace(m_context.options);
     m_keepAlive = false;
     const Response response = co_await answer();
-    const Encoded encoded = encode(response);
+    m_keepAlive = m_keepAlive && !response.unanswered;
+    const Encoded encoded = response.unanswered ? Encoded{{}, noAnswer} : encode(response);
     const std::size_t bytes = co_await write(encoded.text);
     const auto duration =
         std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - m_requestStart);

@@ -23,12 +23,20 @@ struct Request
     std::string requestId;     ///< names this request in the log
 };
 
+/// Whose work a request is. Each lane has threads of its own, so that none waits for another.
+enum class Lane {
+    Renewal,  ///< keeps a session alive: never refused for want of room, for the app would sign its user out
+    SignedIn, ///< needs a valid access token
+    Password, ///< computes or compares hashes of passwords or codes
+};
+
 struct Response
 {
     int status = 200;
     std::string body; ///< JSON text; empty for 204
     std::string contentType = "application/json";
     std::vector<std::pair<std::string, std::string>> headers; ///< further ones, e.g. Retry-After
+    bool unanswered = false; ///< the connection is closed without a byte, and all of the above is ignored
 };
 
 /// Called on a worker thread, several at once; may block. What it throws becomes a 500 that does not show the

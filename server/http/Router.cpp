@@ -2,6 +2,7 @@
 
 #include "server/http/ApiError.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace clockwell::server {
@@ -26,6 +27,14 @@ Response Router::dispatch(const Request &request) const
         throw ApiError{404, "NOT_FOUND", "There is nothing at this address."};
     throw ApiError{405, "METHOD_NOT_ALLOWED", "This address only answers " + allowed + "."}.with("Allow",
                                                                                                  allowed);
+}
+
+Lane Router::laneOf(const Request &request) const
+{
+    const auto route = std::ranges::find_if(m_routes, [&](const Route &candidate) {
+        return candidate.path == request.path && candidate.method == request.method;
+    });
+    return route == m_routes.end() ? Lane::SignedIn : route->lane;
 }
 
 } // namespace clockwell::server

@@ -12,6 +12,7 @@ struct Route
 {
     std::string method;
     std::string path;
+    Lane lane;
     std::function<Response(const Request &)> handle;
 };
 
@@ -24,6 +25,9 @@ public:
     /// Throws ApiError 404 for a path that is not in the table and 405, with Allow, for one that is but not
     /// with this method.
     Response dispatch(const Request &request) const;
+
+    /// The lane of the route; SignedIn for what is not in the table, for saying so is quick.
+    Lane laneOf(const Request &request) const;
 
 private:
     std::vector<Route> m_routes;

@@ -93,6 +93,23 @@ TEST(HttpServerTest, ConnectionCloseIsHonouredAndSaid)
     EXPECT_TRUE(client.closesWithin(std::chrono::seconds(1)));
 }
 
+TEST(HttpServerTest, UnansweredRequestEndsTheConnectionWithoutAByte)
+{
+    TestServer server([](const Request &request) {
+        Response response = TestServer::echo(request);
+        response.unanswered = request.path == "/silent";
+        return response;
+    });
+    RawClient client(server.port());
+    ASSERT_EQ(client.exchange(get("/")).status, 200);
+    client.send(get("/silent") + get("/after"));
+    EXPECT_EQ(client.receiveAll(), "");
+    EXPECT_EQ(RawClient(server.port()).exchange(get("/")).status, 200);
+    const std::string log = server.log();
+    EXPECT_NE(log.find("path=/silent status=0 "), std::string::npos) << log;
+    EXPECT_EQ(log.find("path=/after"), std::string::npos) << log;
+}
+
 TEST(HttpServerTest, Http10ClosesUnlessItAsksNotTo)
 {
     TestServer server;
