@@ -36,8 +36,8 @@ std::string passwordProblem(const std::string &text)
                                                                     : "";
 }
 
-constexpr int failure = 1;
-constexpr int wrongUsage = 2;
+constexpr int exitFailure = 1;
+constexpr int exitWrongUsage = 2;
 
 void addDatabase(CLI::App &command, std::string &file)
 {
@@ -134,14 +134,14 @@ int runCommandLine(int argc, const char *const *argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : wrongUsage;
+        return app.exit(error) == 0 ? 0 : exitWrongUsage;
     }
     spdlog::set_default_logger(spdlog::stderr_color_mt("clockwell-server"));
     try {
         return run();
     } catch (const std::exception &error) {
         std::fprintf(stderr, "clockwell-server: %s\n", error.what());
-        return failure;
+        return exitFailure;
     }
 }
 

@@ -12,7 +12,7 @@ namespace clockwell {
 
 namespace {
 
-constexpr int side = 46;
+constexpr int logoSide = 46;
 constexpr int largestScale = 3;
 
 /// The logo drawn for this many pixels a point; the pixels stay in the program's own read-only memory.
@@ -20,7 +20,7 @@ QImage logo(int scale)
 {
     const QString suffix = scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale);
     const QResource pixels(QStringLiteral(":/clockwell/AppLogo%1.pixels").arg(suffix));
-    const int length = side * scale;
+    const int length = logoSide * scale;
     if (pixels.size() != qint64(4) * length * length)
         return {};
     return {pixels.data(), length, length, QImage::Format_ARGB32_Premultiplied};
@@ -31,13 +31,13 @@ QImage logo(int scale)
 AppLogo::AppLogo(QQuickItem *parent) : QQuickItem(parent)
 {
     setFlag(ItemHasContents);
-    setImplicitSize(side, side);
+    setImplicitSize(logoSide, logoSide);
 }
 
 QSGNode *AppLogo::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
     const qreal ratio = window()->effectiveDevicePixelRatio();
-    const int pixels = qRound(side * ratio);
+    const int pixels = qRound(logoSide * ratio);
     const QImage drawn = logo(std::clamp(static_cast<int>(std::ceil(ratio)), 1, largestScale));
     if (drawn.width() == pixels)
         return updateImageNode(node, this, drawn);
