@@ -21,9 +21,10 @@ WorkedDay AttendanceRow::worked() const
             checkOutAt ? std::optional{fromMillis(*checkOutAt)} : std::nullopt};
 }
 
-std::optional<AttendanceRow> findNewestAttendance(Connection &connection, const std::string &employeeId)
+std::optional<AttendanceRow> findAttendanceOn(Connection &connection, const std::string &employeeId, Day day)
 {
-    return connection.first<AttendanceRow>(attendanceSelect + " ORDER BY work_date DESC LIMIT 1", employeeId);
+    static const std::string sql = attendanceSelect + " AND work_date = :day";
+    return connection.first<AttendanceRow>(sql, employeeId, toText(day));
 }
 
 std::vector<AttendanceRow> findAttendance(Connection &connection, const std::string &employeeId, Day first,

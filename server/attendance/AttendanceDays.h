@@ -34,8 +34,9 @@ struct AttendanceRow
     WorkedDay worked() const;
 };
 
-/// The employee's newest day with a punch.
-std::optional<AttendanceRow> findNewestAttendance(Connection &connection, const std::string &employeeId);
+/// The employee's day with a check-in of this date. Never found by being the newest: there may be rows of
+/// later days, when a clock was ahead or an office moved west.
+std::optional<AttendanceRow> findAttendanceOn(Connection &connection, const std::string &employeeId, Day day);
 /// The employee's days with punches from the first to the last, oldest first.
 std::vector<AttendanceRow> findAttendance(Connection &connection, const std::string &employeeId, Day first,
                                           Day last);
