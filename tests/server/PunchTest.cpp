@@ -112,13 +112,15 @@ TEST_F(PunchTest, FarAwayIsSaidInKilometres)
 TEST_F(PunchTest, DistancesLongerThanTheEarthIsRoundAreNotCounted)
 {
     for (const char *accuracy : {"1e300", "9.3e21", "4e7"}) {
-        const Reply reply = world.post("/api/attendance/punch",
-                                       R"({"lat":48,"lng":11,"deviceId":"d","isMockLocation":false,"accuracy":)" +
-                                           std::string{accuracy} + "}",
-                                       token);
+        const Reply reply =
+            world.post("/api/attendance/punch",
+                       R"({"lat":48,"lng":11,"deviceId":"d","isMockLocation":false,"accuracy":)" +
+                           std::string{accuracy} + "}",
+                       token);
         EXPECT_EQ(reply.error(), "LOCATION_TOO_IMPRECISE");
-        EXPECT_EQ(reply.message(), "Your position is only known to within more than 20000 km; 100 m is needed."
-                                   " Move to open sky and try again.");
+        EXPECT_EQ(reply.message(),
+                  "Your position is only known to within more than 20000 km; 100 m is needed."
+                  " Move to open sky and try again.");
     }
     EXPECT_NE(world.punch(token, -48.0, -169.0).message().find("You are 20004 km away"), std::string::npos);
 }
