@@ -26,8 +26,8 @@ PunchAnswer answerFor(const Office &office, const AttendanceRow &row, const std:
     return {type, assess(row.worked(), false), row, office.name, distance};
 }
 
-/// The employee's last punch if it was made between two instants. The day that it belongs to need not be
-/// today: midnight may lie between, or a move to an office in another time zone.
+/// The employee's last punch, not on a day that was voided, if it was made between two instants. The day that
+/// it belongs to need not be today: midnight may lie between, or a move to an office in another time zone.
 std::optional<StoredPunch> findPunchBetween(Connection &connection, const std::string &employeeId,
                                             Instant first, Instant last)
 {
@@ -39,7 +39,8 @@ std::optional<StoredPunch> findPunchBetween(Connection &connection, const std::s
         "SELECT p.type, p.device_id, p.distance, a.work_date FROM attendance a"
         " JOIN punches p ON p.attendance_id = a.id WHERE a.employee_id = :employee"
         " AND a.work_date BETWEEN :earliest AND :latest AND p.at BETWEEN :first AND :last"
-        " AND (p.type = 'OUT' OR a.check_out_at IS NULL) ORDER BY p.at DESC LIMIT 1",
+        " AND a.check_in_at IS NOT NULL AND NOT EXISTS (SELECT 1 FROM punches later"
+        " WHERE later.attendance_id = a.id AND later.ordinal > p.ordinal) ORDER BY p.at DESC LIMIT 1",
         employeeId, toText(dayInUtc(first) - atMost), toText(dayInUtc(last) + atMost), toMillis(first),
         toMillis(last));
 }
@@ -77,28 +78,21 @@ void recordPunch(Connection &connection, const std::string &attendanceId, const 
                  const PunchClaim &claim, double distance)
 {
     connection.execute(
-        "INSERT INTO punches (id, attendance_id, type, at, device_id, latitude, longitude, accuracy, "
-        "distance)"
-        " VALUES (:id, :attendance, :type, :at, :device, :latitude, :longitude, :accuracy, :distance)",
-        newId(), attendanceId, type, toMillis(now), claim.deviceId, claim.latitude, claim.longitude,
-        claim.accuracy, distance);
+        "INSERT INTO punches (id, attendance_id, ordinal, type, at, device_id, latitude, longitude, accuracy,"
+        " distance) VALUES (:id, :attendance, (SELECT COUNT(*) + 1 FROM punches WHERE attendance_id = :same),"
+        " :type, :at, :device, :latitude, :longitude, :accuracy, :distance)",
+        newId(), attendanceId, attendanceId, type, toMillis(now), claim.deviceId, claim.latitude,
+        claim.longitude, claim.accuracy, distance);
 }
 
 PunchAnswer checkIn(Connection &connection, const Employee &employee, const Office &office, Day today,
                     const PunchClaim &claim, Instant now)
 {
     const double distance = requireInside(office, claim);
-    const TimeZone zone = office.timeZone();
-    AttendanceRow row;
-    row.id = newId();
-    row.workDate = toText(today);
-    row.scheduledStartAt = toMillis(zone.at(today, static_cast<int>(office.hours.checkInMinute)));
-    row.scheduledEndAt = toMillis(zone.at(today, static_cast<int>(office.hours.checkOutMinute)));
-    row.graceMinutes = office.hours.graceMinutes;
-    row.fullDayMinutes = office.hours.fullDayMinutes;
+    AttendanceRow row = newAttendance(office, today);
     row.checkInAt = toMillis(now);
     row.checkInDistance = distance;
-    insertAttendance(connection, employee.id, row);
+    row.id = storeAttendance(connection, employee.id, row);
     recordPunch(connection, row.id, "IN", now, claim, distance);
     return answerFor(office, row, "IN", distance);
 }
