@@ -35,6 +35,12 @@ std::string valueText(const Json &value)
     return value.dump();
 }
 
+/// "checkInAt" beside "checkIn" is the same time once more, for scripts.
+bool repeatsInUtc(const std::string &key, const Json &object)
+{
+    return key.ends_with("At") && object.contains(key.substr(0, key.size() - 2));
+}
+
 void list(const AuditOptions &options)
 {
     AdminDatabase database{options.common->database};
@@ -84,7 +90,7 @@ std::string changeText(const AuditEntry &entry)
     std::string text;
     for (const auto &[key, value] : all.items()) {
         const Json was = both ? before.value(key, Json(nullptr)) : Json(nullptr);
-        if (was != value)
+        if (was != value && !repeatsInUtc(key, all))
             text += (text.empty() ? "" : ", ") + key + " " + (both ? valueText(was) + " -> " : "") +
                     valueText(value);
     }
