@@ -108,7 +108,7 @@ void addDemo(CLI::App &app, DemoCommandOptions &options, std::function<int()> &r
     CLI::App *demo = app.add_subcommand(
         "demo", "Fill an empty database with a small organisation and an employee ready to sign in");
     addDatabase(*demo, options.database);
-    demo->add_flag("--fresh", options.fresh, "Delete everything in the database first");
+    demo->add_flag("--fresh", options.fresh, "Delete everything in the database but the audit first");
     demo->add_option("--password", options.password, "The password of the demonstration's accounts")
         ->check(passwordProblem)
         ->capture_default_str();

@@ -9,9 +9,11 @@
 
 #include <spdlog/spdlog.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <system_error>
 
 namespace clockwell::server {
 
@@ -60,7 +62,8 @@ void writePortFile(const std::string &file, std::uint16_t port)
         std::ofstream stream{unfinished};
         stream << port << '\n';
         if (!stream.flush())
-            throw std::runtime_error{"The port file " + file + " cannot be written."};
+            throw std::runtime_error{"The port file " + file +
+                                     " cannot be written: " + std::generic_category().message(errno) + "."};
     }
     std::filesystem::rename(unfinished, file);
 }

@@ -1,8 +1,10 @@
 #include "server/admin/AdminCommand.h"
 
 #include "server/admin/AdminError.h"
+#include "server/admin/AuditCommand.h"
 #include "server/admin/BackupCommand.h"
 #include "server/admin/CompanyGroup.h"
+#include "server/admin/DayGroup.h"
 #include "server/admin/EmployeeGroup.h"
 #include "server/admin/HolidayGroup.h"
 #include "server/admin/LeaveGroup.h"
@@ -36,8 +38,9 @@ int guarded(const std::function<void()> &command)
 void nameCommonOptions(CLI::App &group)
 {
     for (CLI::App *command : group.get_subcommands({})) {
-        command->footer("Also: --database FILE (or CLOCKWELL_DATABASE) and --json, as for admin itself\n" +
-                        command->get_footer());
+        command->footer(
+            "Also: --database FILE (or CLOCKWELL_DATABASE), --as EMAIL and --json, as for admin itself\n" +
+            command->get_footer());
         nameCommonOptions(*command);
     }
 }
@@ -56,6 +59,7 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
         ->envname("CLOCKWELL_DATABASE")
         ->required()
         ->type_name("FILE");
+    admin->add_option("--as", options->as, "The administrator who acts, for the audit")->type_name("EMAIL");
     admin->add_flag("--json", options->json, "Print JSON for scripts");
     const ChooseCommand choose = [&run](std::function<void()> command) {
         run = [command = std::move(command)] { return guarded(command); };
@@ -65,7 +69,9 @@ void addAdmin(CLI::App &app, std::function<int()> &run)
     addOfficeGroup(*admin, options, choose);
     addHolidayGroup(*admin, options, choose);
     addLeaveGroup(*admin, options, choose);
+    addDayGroup(*admin, options, choose);
     addReportCommand(*admin, options, choose);
+    addAuditCommand(*admin, options, choose);
     addBackupCommand(*admin, options, choose);
     addRestoreCommand(*admin, options, choose);
     nameCommonOptions(*admin);

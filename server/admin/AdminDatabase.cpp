@@ -34,6 +34,7 @@ const std::string &requireDatabase(const std::string &file)
     }
     if (tables == 0)
         throw std::runtime_error{"The file " + file + " is not a database of clockwell-server."};
+    requirePrivate(file);
     return file;
 }
 

@@ -33,8 +33,8 @@ private:
     Database m_database;
 };
 
-/// Returns the file's name. Throws std::runtime_error when it is not there or is not a database of this
-/// program.
+/// Returns the file's name. Throws std::runtime_error when it is not there, is not a database of this
+/// program, or can be read by others.
 const std::string &requireDatabase(const std::string &file);
 
 /// Throws AdminError Refused when `file` is the database or one of the files that SQLite keeps beside it:

@@ -2,6 +2,7 @@
 
 #include "server/admin/AdminDatabase.h"
 #include "server/admin/AdminError.h"
+#include "server/admin/Audit.h"
 #include "server/admin/CommandParts.h"
 #include "server/admin/CompanyLookup.h"
 #include "server/admin/FieldTexts.h"
@@ -67,8 +68,14 @@ void add(const CompanyOptions &options)
 {
     AdminDatabase database{options.common->database};
     const Company company{newId(), *options.name, *options.code};
-    const Outcome outcome =
-        database.write([&](Connection &connection) { return insertUnlessThere(connection, company); });
+    const Outcome outcome = database.write([&](Connection &connection) {
+        const Audit audit{connection, options.common->as};
+        Outcome done = insertUnlessThere(connection, company);
+        if (done.changed)
+            audit.add(
+                {"companies add", company.name, company.id, std::nullopt, nullptr, companyJson(company)});
+        return done;
+    });
     printOutcome(outcome, "company", companyJson(company), options.common->json);
 }
 

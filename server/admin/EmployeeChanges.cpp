@@ -75,7 +75,8 @@ EmployeeChange EmployeeChanges::approve(const ApprovalWishes &wishes)
     const OfficeEntry office = officeToBe(m_connection, employee, wishes.office);
     const std::string role = wishes.role.value_or(employee.role);
     if (approved && employee.officeId == office.id && employee.instituteId && employee.role == role)
-        return {false, personText(employee) + " is approved already; nothing was changed.", employee};
+        return {false, personText(employee) + " is approved already; nothing was changed.", employee,
+                employee};
     const std::string joinedOn = neverApproved(employee) ? todayIn(office, m_now) : employee.joinedOn;
     place(employee, office.id);
     m_connection.execute("UPDATE employees SET status = 'APPROVED', role = :role, joined_on = :joined"
@@ -87,7 +88,7 @@ EmployeeChange EmployeeChanges::approve(const ApprovalWishes &wishes)
     return {true,
             verb + personText(employee) + ": office " + printable(office.name) + ", role " + role +
                 ", joined on " + joinedOn + ".",
-            requireEmployee(m_connection, employee.email)};
+            employee, requireEmployee(m_connection, employee.email)};
 }
 
 EmployeeChange EmployeeChanges::reject(const std::string &email)
@@ -113,9 +114,10 @@ EmployeeChange EmployeeChanges::lockOut(const EmployeeEntry &employee, const std
 {
     m_sessions.endAll(m_connection, employee.id); // also the second time: none may be left over
     if (employee.status == status)
-        return {false, personText(employee) + " is " + verb + " already; nothing was changed.", employee};
+        return {false, personText(employee) + " is " + verb + " already; nothing was changed.", employee,
+                employee};
     m_connection.execute("UPDATE employees SET status = :status WHERE id = :id", status, employee.id);
-    return {true, personText(employee) + " is " + verb + " now and signed out everywhere.",
+    return {true, personText(employee) + " is " + verb + " now and signed out everywhere.", employee,
             requireEmployee(m_connection, employee.email)};
 }
 
@@ -127,10 +129,10 @@ EmployeeChange EmployeeChanges::assignOffice(const std::string &email, const std
         return {false,
                 personText(employee) + " has the office " + printable(office.name) +
                     " already; nothing was changed.",
-                employee};
+                employee, employee};
     place(employee, office.id);
     return {true, "Assigned " + personText(employee) + " to the office " + printable(office.name) + ".",
-            requireEmployee(m_connection, employee.email)};
+            employee, requireEmployee(m_connection, employee.email)};
 }
 
 void EmployeeChanges::place(const EmployeeEntry &employee, const std::string &officeId)

@@ -12,8 +12,9 @@ namespace clockwell::server {
 /// What a command did to an employee.
 struct EmployeeChange
 {
-    bool changed = false;   ///< false: it was so already
-    std::string text;       ///< one sentence for the administrator
+    bool changed = false; ///< false: it was so already
+    std::string text;     ///< one sentence for the administrator
+    EmployeeEntry before;
     EmployeeEntry employee; ///< as it is now
 };
 

@@ -1,6 +1,7 @@
 #include "server/admin/EmployeeGroup.h"
 
 #include "server/admin/AdminDatabase.h"
+#include "server/admin/Audit.h"
 #include "server/admin/CommandParts.h"
 #include "server/admin/EmployeeChanges.h"
 #include "server/admin/EmployeePrinter.h"
@@ -67,13 +68,18 @@ void show(const EmployeeOptions &options)
 
 using EmployeeAction = std::function<EmployeeChange(EmployeeChanges &, const EmployeeOptions &)>;
 
-void change(const EmployeeOptions &options, const EmployeeAction &what)
+void change(const EmployeeOptions &options, const std::string &name, const EmployeeAction &what)
 {
     AdminDatabase database{options.common->database};
     const Sessions sessions{database.database(), systemClock()};
     const EmployeeChange done = database.write([&](Connection &connection) {
+        const Audit audit{connection, options.common->as};
         EmployeeChanges changes{connection, sessions, systemClock()()};
-        return what(changes, options);
+        EmployeeChange outcome = what(changes, options);
+        if (outcome.changed)
+            audit.add({"employees " + name, outcome.employee.email, outcome.employee.id, std::nullopt,
+                       employeeJson(outcome.before), employeeJson(outcome.employee)});
+        return outcome;
     });
     printChange(done, options.common->json);
 }
@@ -89,7 +95,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
 {
     CLI::App *command = addCommand(group, name, help, " kim@example.org" + example);
     addEmail(*command, options);
-    command->callback([=] { choose([=] { change(*options, what); }); });
+    command->callback([=] { choose([=] { change(*options, name, what); }); });
     return command;
 }
 

@@ -1,6 +1,5 @@
 #include "server/admin/EmployeePrinter.h"
 
-#include "server/admin/AdminJson.h"
 #include "server/admin/Table.h"
 
 #include <cstdio>
@@ -8,6 +7,13 @@
 namespace clockwell::server {
 
 namespace {
+
+std::string verifiedText(const EmployeeEntry &employee)
+{
+    return employee.emailVerified != 0 ? "yes" : "no";
+}
+
+} // namespace
 
 Json employeeJson(const EmployeeEntry &employee)
 {
@@ -23,13 +29,6 @@ Json employeeJson(const EmployeeEntry &employee)
     json["joinedOn"] = employee.joinedOn;
     return json;
 }
-
-std::string verifiedText(const EmployeeEntry &employee)
-{
-    return employee.emailVerified != 0 ? "yes" : "no";
-}
-
-} // namespace
 
 void printEmployees(const std::vector<EmployeeEntry> &employees, bool json)
 {

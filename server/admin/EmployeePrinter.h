@@ -1,10 +1,14 @@
 #pragma once
 
+#include "server/admin/AdminJson.h"
 #include "server/admin/EmployeeChanges.h"
 
 #include <vector>
 
 namespace clockwell::server {
+
+/// Of the form in docs/administration.md.
+Json employeeJson(const EmployeeEntry &employee);
 
 // All print to standard output: a text for people, or JSON of the form in docs/administration.md.
 

@@ -1,6 +1,7 @@
 #include "server/admin/HolidayGroup.h"
 
 #include "server/admin/AdminDatabase.h"
+#include "server/admin/Audit.h"
 #include "server/admin/FieldTexts.h"
 #include "server/admin/Holidays.h"
 
@@ -66,11 +67,20 @@ void list(const HolidayOptions &options)
 
 using HolidayAction = std::function<HolidayChange(Connection &, const HolidayOptions &)>;
 
-void change(const HolidayOptions &options, const HolidayAction &what)
+void change(const HolidayOptions &options, const std::string &name, const HolidayAction &what)
 {
     AdminDatabase database{options.common->database};
-    const HolidayChange done =
-        database.write([&](Connection &connection) { return what(connection, options); });
+    const HolidayChange done = database.write([&](Connection &connection) {
+        const Audit audit{connection, options.common->as};
+        HolidayChange outcome = what(connection, options);
+        const HolidayEntry &entry = outcome.entry;
+        const bool added = name == "add";
+        if (outcome.outcome.changed)
+            audit.add({"holidays " + name, entry.officeName, entry.officeId, entry.day,
+                       added ? Json(nullptr) : holidayJson(entry),
+                       added ? holidayJson(entry) : Json(nullptr)});
+        return outcome;
+    });
     printOutcome(done.outcome, "holiday", holidayJson(done.entry), options.common->json);
 }
 
@@ -83,7 +93,7 @@ CLI::App *addChange(CLI::App &group, const std::string &name, const std::string 
     addField(*command, "DATE", "The day, yyyy-MM-dd", options->day, parseDay, dayRule)
         ->required()
         ->type_name("DAY");
-    command->callback([=] { choose([=] { change(*options, what); }); });
+    command->callback([=] { choose([=] { change(*options, name, what); }); });
     return command;
 }
 

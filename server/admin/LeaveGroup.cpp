@@ -1,6 +1,7 @@
 #include "server/admin/LeaveGroup.h"
 
 #include "server/admin/AdminDatabase.h"
+#include "server/admin/Audit.h"
 #include "server/admin/EmployeeLookup.h"
 #include "server/admin/FieldTexts.h"
 #include "server/admin/Leaves.h"
@@ -64,27 +65,38 @@ void list(const LeaveOptions &options)
     printListing(listing, options.common->json);
 }
 
-void printChange(const LeaveChange &done, const LeaveOptions &options)
+using LeaveAction = std::function<LeaveChange(Connection &)>;
+
+void change(const LeaveOptions &options, const std::string &name, const LeaveAction &what)
 {
+    AdminDatabase database{options.common->database};
+    const LeaveChange done = database.write([&](Connection &connection) {
+        const Audit audit{connection, options.common->as};
+        LeaveChange outcome = what(connection);
+        const LeaveEntry &entry = outcome.entry;
+        const bool added = name == "add";
+        if (outcome.outcome.changed)
+            audit.add({"leave " + name, entry.email, entry.id, entry.firstDay,
+                       added ? Json(nullptr) : leaveJson(entry), added ? leaveJson(entry) : Json(nullptr)});
+        return outcome;
+    });
     printOutcome(done.outcome, "leave", leaveJson(done.entry), options.common->json);
 }
 
 void add(const LeaveOptions &options)
 {
-    AdminDatabase database{options.common->database};
     const LeaveWishes wishes{options.email, *options.firstDay, *options.lastDay, options.reason};
-    printChange(database.write([&](Connection &connection) { return grantLeave(connection, wishes); }),
-                options);
+    change(options, "add", [&](Connection &connection) { return grantLeave(connection, wishes); });
 }
 
 void remove(const LeaveOptions &options)
 {
-    AdminDatabase database{options.common->database};
-    const auto done = database.write([&](Connection &connection) {
-        return options.firstDay ? withdrawLeave(connection, options.email, *options.firstDay)
-                                : withdrawLeave(connection, options.email);
-    });
-    printChange(done, options);
+    change(
+        options, "remove",
+        [&](Connection &connection) {
+            return options.firstDay ? withdrawLeave(connection, options.email, *options.firstDay)
+                                    : withdrawLeave(connection, options.email);
+        });
 }
 
 void addList(CLI::App &group, const SharedLeaveOptions &options, const ChooseCommand &choose)

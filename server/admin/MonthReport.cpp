@@ -1,11 +1,10 @@
 #include "server/admin/MonthReport.h"
 
 #include "server/admin/AdminError.h"
+#include "server/admin/ClockTime.h"
 #include "server/admin/OfficeLookup.h"
 #include "server/attendance/History.h"
 
-#include <array>
-#include <cstdio>
 #include <map>
 
 namespace clockwell::server {
@@ -25,17 +24,9 @@ Json orNull(const std::optional<Value> &value)
     return value ? Json(*value) : Json(nullptr);
 }
 
-/// "HH:mm:ss" on the office's wall clock.
 Json clockText(const std::optional<long long> &millis, const TimeZone &zone)
 {
-    if (!millis)
-        return nullptr;
-    const auto seconds =
-        std::chrono::duration_cast<std::chrono::seconds>(zone.timeOfDay(fromMillis(*millis))).count();
-    std::array<char, 72> text{};
-    std::snprintf(text.data(), text.size(), "%02lld:%02lld:%02lld", static_cast<long long>(seconds / 3600),
-                  static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60));
-    return text.data();
+    return millis ? Json(wallClockText(zone, fromMillis(*millis))) : Json(nullptr);
 }
 
 Json instantText(const std::optional<long long> &millis)

@@ -101,7 +101,9 @@ OfficeChange addOffice(Connection &connection, const std::optional<std::string> 
         office.maxAccuracyMeters, office.timeZoneName, office.hours.checkInMinute,
         office.hours.checkOutMinute, office.hours.graceMinutes, office.hours.fullDayMinutes,
         office.hours.workingWeekdays);
-    return {{true, "Added the office " + office.name + " of " + printable(company.name) + "."}, record};
+    return {{true, "Added the office " + office.name + " of " + printable(company.name) + "."},
+            std::nullopt,
+            record};
 }
 
 OfficeChange editOffice(Connection &connection, const std::string &name, const OfficeWishes &wishes)
@@ -114,7 +116,7 @@ OfficeChange editOffice(Connection &connection, const std::string &name, const O
     const std::string what = differences(before, record);
     const std::string who = printable(before.office.name);
     if (what.empty())
-        return {{false, "The office " + who + " is like that already; nothing was changed."}, record};
+        return {{false, "The office " + who + " is like that already; nothing was changed."}, before, record};
     requireSensible(connection, office, companyId);
     connection.execute(
         "UPDATE offices SET name = :name, latitude = :lat, longitude = :lng, radius_meters = :radius,"
@@ -123,7 +125,7 @@ OfficeChange editOffice(Connection &connection, const std::string &name, const O
         office.name, office.latitude, office.longitude, office.radiusMeters, office.maxAccuracyMeters,
         office.timeZoneName, office.hours.checkInMinute, office.hours.checkOutMinute,
         office.hours.graceMinutes, office.hours.fullDayMinutes, office.hours.workingWeekdays, office.id);
-    return {{true, "Changed the office " + who + ": " + what + "."}, record};
+    return {{true, "Changed the office " + who + ": " + what + "."}, before, record};
 }
 
 } // namespace clockwell::server

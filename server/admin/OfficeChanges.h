@@ -29,7 +29,8 @@ struct OfficeWishes
 struct OfficeChange
 {
     Outcome outcome;
-    OfficeRecord record; ///< as it is now
+    std::optional<OfficeRecord> before; ///< nothing for a new office
+    OfficeRecord record;                ///< as it is now
 };
 
 // Both are a part of the caller's transaction and throw AdminError when they are refused: a name that another

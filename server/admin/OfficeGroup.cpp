@@ -1,6 +1,7 @@
 #include "server/admin/OfficeGroup.h"
 
 #include "server/admin/AdminDatabase.h"
+#include "server/admin/Audit.h"
 #include "server/admin/FieldTexts.h"
 #include "server/admin/OfficeChanges.h"
 #include "server/admin/OfficeFields.h"
@@ -80,20 +81,35 @@ void show(const OfficeOptions &options)
     std::fputs(tableText(first, lines).c_str(), stdout);
 }
 
-void add(const OfficeOptions &options)
+using OfficeAction = std::function<OfficeChange(Connection &)>;
+
+void change(const OfficeOptions &options, const std::string &command, const OfficeAction &what)
 {
     AdminDatabase database{options.common->database};
-    const auto done = database.write(
-        [&](Connection &connection) { return addOffice(connection, options.company, options.wishes); });
+    const auto done = database.write([&](Connection &connection) {
+        const Audit audit{connection, options.common->as};
+        OfficeChange outcome = what(connection);
+        if (outcome.outcome.changed)
+            audit.add({command, outcome.record.office.name, outcome.record.office.id, std::nullopt,
+                       outcome.before ? officeRecordJson(*outcome.before) : Json(nullptr),
+                       officeRecordJson(outcome.record)});
+        return outcome;
+    });
     printOutcome(done.outcome, "office", officeRecordJson(done.record), options.common->json);
+}
+
+void add(const OfficeOptions &options)
+{
+    change(
+        options, "offices add",
+        [&](Connection &connection) { return addOffice(connection, options.company, options.wishes); });
 }
 
 void edit(const OfficeOptions &options)
 {
-    AdminDatabase database{options.common->database};
-    const auto done = database.write(
+    change(
+        options, "offices edit",
         [&](Connection &connection) { return editOffice(connection, options.office, options.wishes); });
-    printOutcome(done.outcome, "office", officeRecordJson(done.record), options.common->json);
 }
 
 void addAdd(CLI::App &group, const SharedOfficeOptions &options, const ChooseCommand &choose)

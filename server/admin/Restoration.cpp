@@ -2,6 +2,7 @@
 
 #include "server/admin/AdminDatabase.h"
 #include "server/admin/AdminError.h"
+#include "server/admin/Audit.h"
 #include "server/storage/Connection.h"
 #include "server/storage/DatabaseError.h"
 #include "server/storage/Migrations.h"
@@ -69,8 +70,9 @@ void takeAlone(SqliteFile &live, const std::string &database)
         " is in use by a server or another program. Stop it, then restore again. Nothing was changed.");
 }
 
-/// Brings an older schema up to date as well.
-void endSessionsAndCodes(const std::string &file)
+/// Brings an older schema up to date, ends all sessions and codes and enters the restoration into the audit.
+void makeReady(const std::string &file, const AuditedChange &restoration,
+               const std::optional<std::string> &as)
 {
     constexpr int busySeconds = 5;
     Connection connection{file, busySeconds};
@@ -78,12 +80,13 @@ void endSessionsAndCodes(const std::string &file)
     migrate(connection);
     for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families"})
         connection.execute(std::string{"DELETE FROM "} + table);
+    Audit{connection, as}.add(restoration);
     connection.execute("COMMIT");
 }
 
 } // namespace
 
-Restoration::Restoration(std::string database, std::string backup)
+Restoration::Restoration(std::string database, std::string backup, const std::optional<std::string> &as)
     : m_database(resolved(database)),
       m_backup(std::move(backup)),
       m_replaces(isThere(m_database)),
@@ -97,10 +100,10 @@ Restoration::Restoration(std::string database, std::string backup)
     else
         requireNoCompanions(m_database);
     requireNoPartOf(m_database, m_backup);
-    prepare();
+    prepare(as);
 }
 
-void Restoration::prepare()
+void Restoration::prepare(const std::optional<std::string> &as)
 {
     const std::string name = "The backup " + m_backup;
     try {
@@ -110,7 +113,10 @@ void Restoration::prepare()
         copy.execute("PRAGMA journal_mode = DELETE");
         m_contents = requireSound(copy, name);
         copy.close();
-        endSessionsAndCodes(m_prepared.unfinished());
+        Json restored;
+        restored["backup"] = m_backup;
+        addContents(restored, m_contents);
+        makeReady(m_prepared.unfinished(), {"restore", m_database, "", std::nullopt, nullptr, restored}, as);
     } catch (const DatabaseError &error) {
         throw refused(name + " cannot be used: " + error.what() + ". Nothing was changed.");
     }

@@ -16,7 +16,8 @@ class Restoration
 public:
     /// Copies the backup beside the database, checks it, brings its schema up to date, and ends all sessions
     /// and codes in it: some may have been ended since. Throws AdminError when the backup cannot be used.
-    Restoration(std::string database, std::string backup);
+    /// `as`: the administrator who acts, for the audit, or nothing.
+    Restoration(std::string database, std::string backup, const std::optional<std::string> &as);
 
     const DatabaseContents &contents() const { return m_contents; }
     /// There is a database that will be replaced.
@@ -27,7 +28,7 @@ public:
     std::optional<std::string> finish(Instant now);
 
 private:
-    void prepare();
+    void prepare(const std::optional<std::string> &as);
     std::string keepAndReplace(Instant now);
 
     std::string m_database; // where a symbolic link leads to

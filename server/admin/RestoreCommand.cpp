@@ -37,7 +37,7 @@ void say(const RestoreOptions &options, const DatabaseContents &contents,
 
 void restore(const RestoreOptions &options)
 {
-    Restoration restoration{options.common->database, options.file};
+    Restoration restoration{options.common->database, options.file, options.common->as};
     if (restoration.replaces() && !options.yes)
         throw AdminError{AdminError::Kind::Refused,
                          "The backup is sound: " + describe(restoration.contents()) + ". It would replace " +

@@ -28,10 +28,11 @@ std::size_t widthOf(UChar32 character)
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-/// Control characters, the line and paragraph separators, and the marks that turn the direction of a line.
+/// Control characters, the line and paragraph separators, the marks that turn the direction of a line, and
+/// whatever else is not seen and would let two names look the same. Only the joiners are spelling.
 bool steersTerminal(UChar32 character)
 {
-    return u_iscntrl(character) != 0 || u_hasBinaryProperty(character, UCHAR_BIDI_CONTROL);
+    return u_iscntrl(character) != 0 && !u_hasBinaryProperty(character, UCHAR_JOIN_CONTROL);
 }
 
 std::string lineText(const std::vector<std::string> &cells, const std::vector<std::size_t> &widths)

@@ -1,13 +1,16 @@
 #include "server/attendance/AttendanceDays.h"
 
+#include "server/auth/Tokens.h"
+
 namespace clockwell::server {
 
 namespace {
 
-const std::string attendanceSelect =
+const std::string attendanceColumns =
     "SELECT id, work_date, scheduled_start_at, scheduled_end_at, grace_minutes, full_day_minutes, "
     "check_in_at,"
     " check_in_distance, check_out_at, check_out_distance FROM attendance WHERE employee_id = :employee";
+const std::string attendanceSelect = attendanceColumns + " AND check_in_at IS NOT NULL";
 
 } // namespace
 
@@ -21,9 +24,10 @@ WorkedDay AttendanceRow::worked() const
             checkOutAt ? std::optional{fromMillis(*checkOutAt)} : std::nullopt};
 }
 
-std::optional<AttendanceRow> findNewestAttendance(Connection &connection, const std::string &employeeId)
+std::optional<AttendanceRow> findAttendanceOn(Connection &connection, const std::string &employeeId, Day day)
 {
-    return connection.first<AttendanceRow>(attendanceSelect + " ORDER BY work_date DESC LIMIT 1", employeeId);
+    static const std::string sql = attendanceSelect + " AND work_date = :day";
+    return connection.first<AttendanceRow>(sql, employeeId, toText(day));
 }
 
 std::vector<AttendanceRow> findAttendance(Connection &connection, const std::string &employeeId, Day first,
@@ -34,15 +38,40 @@ std::vector<AttendanceRow> findAttendance(Connection &connection, const std::str
                                          employeeId, toText(first), toText(last));
 }
 
-void insertAttendance(Connection &connection, const std::string &employeeId, const AttendanceRow &row)
+std::optional<AttendanceRow> findVoidedAttendance(Connection &connection, const std::string &employeeId,
+                                                  Day day)
 {
-    connection.execute("INSERT INTO attendance (id, employee_id, work_date, scheduled_start_at, "
-                       "scheduled_end_at, grace_minutes,"
-                       " full_day_minutes, check_in_at, check_in_distance) VALUES (:id, :employee, :date, "
-                       ":start, :end, :grace,"
-                       " :full, :at, :distance)",
-                       row.id, employeeId, row.workDate, row.scheduledStartAt, row.scheduledEndAt,
-                       row.graceMinutes, row.fullDayMinutes, row.checkInAt, row.checkInDistance);
+    static const std::string sql = attendanceColumns + " AND check_in_at IS NULL AND work_date = :day";
+    return connection.first<AttendanceRow>(sql, employeeId, toText(day));
+}
+
+AttendanceRow newAttendance(const Office &office, Day day)
+{
+    const TimeZone zone = office.timeZone();
+    AttendanceRow row;
+    row.id = newId();
+    row.workDate = toText(day);
+    row.scheduledStartAt = toMillis(zone.at(day, static_cast<int>(office.hours.checkInMinute)));
+    row.scheduledEndAt = toMillis(zone.at(day, static_cast<int>(office.hours.checkOutMinute)));
+    row.graceMinutes = office.hours.graceMinutes;
+    row.fullDayMinutes = office.hours.fullDayMinutes;
+    return row;
+}
+
+std::string storeAttendance(Connection &connection, const std::string &employeeId, const AttendanceRow &row)
+{
+    return connection.value<std::string>(
+        "INSERT INTO attendance (id, employee_id, work_date, scheduled_start_at, scheduled_end_at,"
+        " grace_minutes, full_day_minutes, check_in_at, check_in_distance, check_out_at, check_out_distance)"
+        " VALUES (:id, :employee, :date, :start, :end, :grace, :full, :in, :inDistance, :out, :outDistance)"
+        " ON CONFLICT (employee_id, work_date) DO UPDATE SET scheduled_start_at = "
+        "excluded.scheduled_start_at,"
+        " scheduled_end_at = excluded.scheduled_end_at, grace_minutes = excluded.grace_minutes,"
+        " full_day_minutes = excluded.full_day_minutes, check_in_at = excluded.check_in_at,"
+        " check_in_distance = excluded.check_in_distance, check_out_at = excluded.check_out_at,"
+        " check_out_distance = excluded.check_out_distance RETURNING id",
+        row.id, employeeId, row.workDate, row.scheduledStartAt, row.scheduledEndAt, row.graceMinutes,
+        row.fullDayMinutes, row.checkInAt, row.checkInDistance, row.checkOutAt, row.checkOutDistance);
 }
 
 void storeCheckOut(Connection &connection, const AttendanceRow &row)
@@ -50,6 +79,14 @@ void storeCheckOut(Connection &connection, const AttendanceRow &row)
     connection.execute(
         "UPDATE attendance SET check_out_at = :at, check_out_distance = :distance WHERE id = :id",
         row.checkOutAt, row.checkOutDistance, row.id);
+}
+
+void voidAttendance(Connection &connection, const std::string &id)
+{
+    connection.execute(
+        "UPDATE attendance SET check_in_at = NULL, check_in_distance = NULL, check_out_at = NULL,"
+        " check_out_distance = NULL WHERE id = :id",
+        id);
 }
 
 } // namespace clockwell::server

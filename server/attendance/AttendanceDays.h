@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/attendance/CalendarDay.h"
+#include "server/attendance/Offices.h"
 #include "server/attendance/Policy.h"
 #include "server/storage/Connection.h"
 
@@ -11,7 +12,7 @@
 
 namespace clockwell::server {
 
-/// One row of the table of attendance: an employee's working day with its punches.
+/// One row of the table of attendance: what counts of an employee's working day.
 struct AttendanceRow
 {
     std::string id;
@@ -21,7 +22,7 @@ struct AttendanceRow
     long long graceMinutes = 0;
     long long fullDayMinutes = 0;
     long long checkInAt = 0;
-    double checkInDistance = 0;
+    std::optional<double> checkInDistance; ///< metres; nothing for a corrected time, here and below
     std::optional<long long> checkOutAt;
     std::optional<double> checkOutDistance;
 
@@ -34,13 +35,25 @@ struct AttendanceRow
     WorkedDay worked() const;
 };
 
-/// The employee's newest day with a punch.
-std::optional<AttendanceRow> findNewestAttendance(Connection &connection, const std::string &employeeId);
-/// The employee's days with punches from the first to the last, oldest first.
+/// The employee's day with a check-in of this date. Never found by being the newest: there may be rows of
+/// later days, when a clock was ahead or an office moved west.
+std::optional<AttendanceRow> findAttendanceOn(Connection &connection, const std::string &employeeId, Day day);
+/// The employee's days with a check-in from the first to the last, oldest first.
 std::vector<AttendanceRow> findAttendance(Connection &connection, const std::string &employeeId, Day first,
                                           Day last);
 
-void insertAttendance(Connection &connection, const std::string &employeeId, const AttendanceRow &row);
+/// The employee's day of this date if it was voided, with its schedule but without any time.
+std::optional<AttendanceRow> findVoidedAttendance(Connection &connection, const std::string &employeeId,
+                                                  Day day);
+
+/// A day on which the office's present schedule is in force, without a check-in so far.
+AttendanceRow newAttendance(const Office &office, Day day);
+
+/// Makes the row what counts of the employee's day, also where another one was stored. Returns its
+/// identifier, which is the one that was stored if there was one.
+std::string storeAttendance(Connection &connection, const std::string &employeeId, const AttendanceRow &row);
 void storeCheckOut(Connection &connection, const AttendanceRow &row);
+/// From now on the day counts as one without punches.
+void voidAttendance(Connection &connection, const std::string &id);
 
 } // namespace clockwell::server

@@ -42,7 +42,7 @@ Json recordJson(const HistoryDay &day)
     addKnown(json, "earlyLeaveMinutes", day.assessment.earlyLeaveMinutes);
     addKnown(json, "workingMinutes", day.assessment.workingMinutes);
     if (day.row) {
-        json["checkInDistanceMeters"] = day.row->checkInDistance;
+        addKnown(json, "checkInDistanceMeters", day.row->checkInDistance);
         addKnown(json, "checkOutDistanceMeters", day.row->checkOutDistance);
     }
     return json;

@@ -12,11 +12,11 @@ namespace {
 struct StoredPunch
 {
     std::string type;
-    long long at = 0;
     std::string deviceId;
     double distance = 0;
+    std::string workDate;
 
-    auto columns() { return std::tie(type, at, deviceId, distance); }
+    auto columns() { return std::tie(type, deviceId, distance, workDate); }
 };
 
 PunchAnswer answerFor(const Office &office, const AttendanceRow &row, const std::string &type,
@@ -26,9 +26,31 @@ PunchAnswer answerFor(const Office &office, const AttendanceRow &row, const std:
     return {type, assess(row.worked(), false), row, office.name, distance};
 }
 
+/// The employee's last punch, not on a day that was voided, if it was made between two instants. The day that
+/// it belongs to need not be today: midnight may lie between, or a move to an office in another time zone.
+std::optional<StoredPunch> findPunchBetween(Connection &connection, const std::string &employeeId,
+                                            Instant first, Instant last)
+{
+    constexpr std::chrono::days atMost{1}; // between the dates of any place and of UTC
+    const auto dayInUtc = [](Instant instant) {
+        return Day{std::chrono::floor<std::chrono::days>(instant).time_since_epoch()};
+    };
+    return connection.first<StoredPunch>(
+        "SELECT p.type, p.device_id, p.distance, a.work_date FROM attendance a"
+        " JOIN punches p ON p.attendance_id = a.id WHERE a.employee_id = :employee"
+        " AND a.work_date BETWEEN :earliest AND :latest AND p.at BETWEEN :first AND :last"
+        " AND a.check_in_at IS NOT NULL AND NOT EXISTS (SELECT 1 FROM punches later"
+        " WHERE later.attendance_id = a.id AND later.ordinal > p.ordinal) ORDER BY p.at DESC LIMIT 1",
+        employeeId, toText(dayInUtc(first) - atMost), toText(dayInUtc(last) + atMost), toMillis(first),
+        toMillis(last));
+}
+
 /// Whole metres, rounded up: a refused distance never reads like the radius itself.
 std::string metersText(double meters)
 {
+    constexpr double farthest = 20'005'000; // no two places on earth are further apart
+    if (meters > farthest)
+        return "more than 20000 km";
     if (meters >= 10'000)
         return std::to_string(std::llround(meters / 1000)) + " km";
     return std::to_string(std::llround(std::ceil(meters))) + " m";
@@ -56,28 +78,21 @@ void recordPunch(Connection &connection, const std::string &attendanceId, const 
                  const PunchClaim &claim, double distance)
 {
     connection.execute(
-        "INSERT INTO punches (id, attendance_id, type, at, device_id, latitude, longitude, accuracy, "
-        "distance)"
-        " VALUES (:id, :attendance, :type, :at, :device, :latitude, :longitude, :accuracy, :distance)",
-        newId(), attendanceId, type, toMillis(now), claim.deviceId, claim.latitude, claim.longitude,
-        claim.accuracy, distance);
+        "INSERT INTO punches (id, attendance_id, ordinal, type, at, device_id, latitude, longitude, accuracy,"
+        " distance) VALUES (:id, :attendance, (SELECT COUNT(*) + 1 FROM punches WHERE attendance_id = :same),"
+        " :type, :at, :device, :latitude, :longitude, :accuracy, :distance)",
+        newId(), attendanceId, attendanceId, type, toMillis(now), claim.deviceId, claim.latitude,
+        claim.longitude, claim.accuracy, distance);
 }
 
 PunchAnswer checkIn(Connection &connection, const Employee &employee, const Office &office, Day today,
                     const PunchClaim &claim, Instant now)
 {
     const double distance = requireInside(office, claim);
-    const TimeZone zone = office.timeZone();
-    AttendanceRow row;
-    row.id = newId();
-    row.workDate = toText(today);
-    row.scheduledStartAt = toMillis(zone.at(today, static_cast<int>(office.hours.checkInMinute)));
-    row.scheduledEndAt = toMillis(zone.at(today, static_cast<int>(office.hours.checkOutMinute)));
-    row.graceMinutes = office.hours.graceMinutes;
-    row.fullDayMinutes = office.hours.fullDayMinutes;
+    AttendanceRow row = newAttendance(office, today);
     row.checkInAt = toMillis(now);
     row.checkInDistance = distance;
-    insertAttendance(connection, employee.id, row);
+    row.id = storeAttendance(connection, employee.id, row);
     recordPunch(connection, row.id, "IN", now, claim, distance);
     return answerFor(office, row, "IN", distance);
 }
@@ -110,20 +125,17 @@ PunchAnswer Punches::punchAt(Connection &connection, const Employee &employee, c
         throw ApiError{422, "MOCK_LOCATION", "Attendance cannot be marked with a simulated location."};
     const Office office = requireOffice(connection, employee.officeId);
     const Day today = office.timeZone().dayOf(now);
-    const auto newest = findNewestAttendance(connection, employee.id);
-    if (newest) {
-        if (auto answer = repeated(office, connection, *newest, claim, now))
-            return std::move(*answer);
-    }
-    const bool todays = newest && newest->workDate == toText(today);
+    if (auto answer = repeated(connection, employee, office, claim, now))
+        return std::move(*answer);
+    const auto row = findAttendanceOn(connection, employee.id, today);
     const WorkCalendar calendar{connection, employee, office, today, today};
     const std::string closed = calendar.closedBecause(today);
-    const auto worked = todays ? std::optional{newest->worked()} : std::nullopt;
+    const auto worked = row ? std::optional{row->worked()} : std::nullopt;
     switch (nextPunch(closed.empty(), worked ? &*worked : nullptr)) {
     case NextPunch::CheckIn:
         return checkIn(connection, employee, office, today, claim, now);
     case NextPunch::CheckOut:
-        return checkOut(connection, office, *newest, claim, now);
+        return checkOut(connection, office, *row, claim, now);
     case NextPunch::Closed:
         throw ApiError{409, "DAY_CLOSED", closed};
     case NextPunch::Complete:
@@ -132,18 +144,17 @@ PunchAnswer Punches::punchAt(Connection &connection, const Employee &employee, c
     throw ApiError{409, "ALREADY_COMPLETE", "You have already checked in and out today."};
 }
 
-std::optional<PunchAnswer> Punches::repeated(const Office &office, Connection &connection,
-                                             const AttendanceRow &newest, const PunchClaim &claim,
-                                             Instant now) const
+std::optional<PunchAnswer> Punches::repeated(Connection &connection, const Employee &employee,
+                                             const Office &office, const PunchClaim &claim, Instant now) const
 {
-    const auto last = connection.first<StoredPunch>(
-        "SELECT type, at, device_id, distance FROM punches WHERE attendance_id = :id"
-        " ORDER BY CASE type WHEN 'OUT' THEN 0 ELSE 1 END LIMIT 1",
-        newest.id);
-    if (!last || std::chrono::abs(now - fromMillis(last->at)) > m_repeatWindow)
+    const auto last = findPunchBetween(connection, employee.id, now - m_repeatWindow, now + m_repeatWindow);
+    if (!last)
         return std::nullopt;
-    if (last->deviceId == claim.deviceId)
-        return answerFor(office, newest, last->type, last->distance);
+    if (last->deviceId == claim.deviceId) {
+        const Day day = parseDay(last->workDate).value();
+        return answerFor(office, findAttendanceOn(connection, employee.id, day).value(), last->type,
+                         last->distance);
+    }
     if (last->type == "IN")
         throw ApiError{409, "TOO_SOON",
                        "You have just checked in on another device. Please wait a moment to check out."};

@@ -48,9 +48,8 @@ public:
                         Instant now) const;
 
 private:
-    std::optional<PunchAnswer> repeated(const Office &office, Connection &connection,
-                                        const AttendanceRow &newest, const PunchClaim &claim,
-                                        Instant now) const;
+    std::optional<PunchAnswer> repeated(Connection &connection, const Employee &employee,
+                                        const Office &office, const PunchClaim &claim, Instant now) const;
 
     Database &m_database;
     Clock m_clock;

@@ -25,7 +25,7 @@ std::string idOf(const icu::TimeZone &zone)
     return text;
 }
 
-milliseconds offsetAt(const icu::BasicTimeZone &zone, Instant instant)
+milliseconds offsetOf(const icu::BasicTimeZone &zone, Instant instant)
 {
     int32_t raw = 0;
     int32_t daylight = 0;
@@ -36,14 +36,14 @@ milliseconds offsetAt(const icu::BasicTimeZone &zone, Instant instant)
     return milliseconds{raw + daylight};
 }
 
-/// The offset for a wall-clock time; where that is skipped or shown twice, the one before the clock change.
-milliseconds offsetForLocal(const icu::BasicTimeZone &zone, milliseconds local)
+/// The offset for a wall-clock time; where that is skipped or shown twice, the one before or after the clock
+/// change.
+milliseconds offsetForLocal(const icu::BasicTimeZone &zone, milliseconds local, UTimeZoneLocalOption which)
 {
     int32_t raw = 0;
     int32_t daylight = 0;
     UErrorCode error = U_ZERO_ERROR;
-    zone.getOffsetFromLocal(static_cast<UDate>(local.count()), UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_FORMER,
-                            raw, daylight, error);
+    zone.getOffsetFromLocal(static_cast<UDate>(local.count()), which, which, raw, daylight, error);
     if (U_FAILURE(error))
         throw std::runtime_error{std::string{"no time zone offset: "} + u_errorName(error)};
     return milliseconds{raw + daylight};
@@ -74,13 +74,13 @@ TimeZone TimeZone::ofMachine()
 
 Day TimeZone::dayOf(Instant instant) const
 {
-    const auto local = instant.time_since_epoch() + offsetAt(zoneOf(m_zone), instant);
+    const auto local = instant.time_since_epoch() + offsetAt(instant);
     return Day{std::chrono::floor<std::chrono::days>(local)};
 }
 
 milliseconds TimeZone::timeOfDay(Instant instant) const
 {
-    const auto local = instant.time_since_epoch() + offsetAt(zoneOf(m_zone), instant);
+    const auto local = instant.time_since_epoch() + offsetAt(instant);
     return local - std::chrono::floor<std::chrono::days>(local);
 }
 
@@ -88,13 +88,31 @@ Instant TimeZone::at(Day day, int minute) const
 {
     const icu::BasicTimeZone &zone = zoneOf(m_zone);
     const milliseconds local = day.time_since_epoch() + std::chrono::minutes{minute};
-    const Instant instant{local - offsetForLocal(zone, local)};
-    if (instant.time_since_epoch() + offsetAt(zone, instant) == local)
+    const Instant instant{local - offsetForLocal(zone, local, UCAL_TZ_LOCAL_FORMER)};
+    if (instant.time_since_epoch() + offsetAt(instant) == local)
         return instant;
     icu::TimeZoneTransition change; // skipped: the moment at which the clock jumped over it
     if (!zone.getPreviousTransition(static_cast<UDate>(toMillis(instant)), true, change))
         return instant;
     return fromMillis(static_cast<long long>(change.getTime()));
+}
+
+std::vector<Instant> TimeZone::showing(Day day, int minute) const
+{
+    const milliseconds local = day.time_since_epoch() + std::chrono::minutes{minute};
+    std::vector<Instant> instants;
+    for (const auto which : {UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_LATTER}) {
+        const Instant instant{local - offsetForLocal(zoneOf(m_zone), local, which)};
+        const bool shown = instant.time_since_epoch() + offsetAt(instant) == local;
+        if (shown && (instants.empty() || instants.back() != instant))
+            instants.push_back(instant);
+    }
+    return instants;
+}
+
+milliseconds TimeZone::offsetAt(Instant instant) const
+{
+    return offsetOf(zoneOf(m_zone), instant);
 }
 
 } // namespace clockwell::server

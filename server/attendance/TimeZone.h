@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace clockwell::server {
 
@@ -34,6 +35,13 @@ public:
     /// from midnight, 0 to 1440). So a time that a clock change skips happens at the end of the gap, and a
     /// time that is shown twice happens the first time.
     Instant at(Day day, int minute) const;
+
+    /// The instants at which the wall clock shows exactly this time of this day, the earlier one first:
+    /// mostly one, none for a time that a clock change skips, two for one that is shown twice.
+    std::vector<Instant> showing(Day day, int minute) const;
+
+    /// How far the wall clock is ahead of UTC at this instant.
+    std::chrono::milliseconds offsetAt(Instant instant) const;
 
 private:
     using Zone = std::shared_ptr<const void>; // ICU's headers stay out of everybody else's

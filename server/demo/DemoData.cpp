@@ -1,5 +1,6 @@
 #include "server/demo/DemoData.h"
 
+#include "server/admin/Audit.h"
 #include "server/auth/Accounts.h"
 #include "server/auth/Tokens.h"
 #include "server/demo/DemoHistory.h"
@@ -91,6 +92,14 @@ bool fillWithDemoData(Database &database, Passwords &passwords, const Clock &clo
 void deleteAllData(Database &database)
 {
     database.write([](Connection &connection) {
+        const auto count = [&](const std::string &table) {
+            return connection.value<long long>("SELECT COUNT(*) FROM " + table);
+        };
+        Json before;
+        before["employees"] = count("employees");
+        before["attendanceDays"] = count("attendance");
+        Audit{connection, std::nullopt}.add(
+            {"demo --fresh", "everything", "", std::nullopt, before, nullptr});
         for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families", "punches",
                                   "attendance", "leaves", "employees", "holidays", "offices", "institutes"})
             connection.execute(std::string{"DELETE FROM "} + table);

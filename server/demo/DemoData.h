@@ -32,7 +32,7 @@ struct DemoFacts
 bool fillWithDemoData(Database &database, Passwords &passwords, const Clock &clock, const TimeZone &zone,
                       const std::string &password);
 
-/// Deletes everything but the schema.
+/// Deletes everything but the schema and the audit, and enters that there.
 void deleteAllData(Database &database);
 
 /// The demonstration's facts; nothing when the database holds something else.

@@ -66,8 +66,10 @@ OutboxDelivery::OutboxDelivery(std::filesystem::path folder, std::string from, C
     struct stat facts
     {};
     const bool made = ::mkdir(m_folder.c_str(), ownerOnlyFolder) == 0;
-    if (!made && (errno != EEXIST || ::stat(m_folder.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode)))
-        throw std::runtime_error{"The outbox folder " + m_folder.string() + " cannot be made."};
+    const int failure = made ? 0 : errno;
+    if (!made && (failure != EEXIST || ::stat(m_folder.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode)))
+        throw std::runtime_error{"The outbox folder " + m_folder.string() +
+                                 " cannot be made: " + std::generic_category().message(failure) + "."};
     if (!made && (facts.st_mode & 0077U) != 0)
         throw std::runtime_error{
             "The outbox folder " + m_folder.string() +

@@ -6,10 +6,27 @@
 
 namespace clockwell::server {
 
+namespace {
+
+/// Translates the exception that is being handled, without SOCI's context: that would carry the values of the
+/// parameters, and so into the log.
+[[noreturn]] void rethrowTranslated(int systemError)
+{
+    try {
+        throw;
+    } catch (const soci::sqlite3_soci_error &error) {
+        throw sqliteError(error.result(), systemError);
+    } catch (const soci::soci_error &error) {
+        throw DatabaseError{DatabaseError::Kind::Unusable, error.get_error_message()};
+    }
+}
+
+} // namespace
+
 Connection::Connection(const std::string &file, int busySeconds)
 try : m_session(soci::sqlite3, "dbname=\"" + file + "\" timeout=" + std::to_string(busySeconds)) {
 } catch (...) {
-    rethrow();
+    rethrowTranslated(0);
 }
 
 soci::statement &Connection::prepared(const std::string &sql)
@@ -25,14 +42,8 @@ soci::statement &Connection::prepared(const std::string &sql)
 
 void Connection::rethrow()
 {
-    try {
-        throw;
-    } catch (const soci::sqlite3_soci_error &error) {
-        // Without SOCI's context: that would carry the values of the parameters, and so into the log.
-        throw sqliteError(error.result());
-    } catch (const soci::soci_error &error) {
-        throw DatabaseError{DatabaseError::Kind::Unusable, error.get_error_message()};
-    }
+    const auto *backend = static_cast<soci::sqlite3_session_backend *>(m_session.get_backend());
+    rethrowTranslated(sqlite_api::sqlite3_system_errno(backend->conn_));
 }
 
 } // namespace clockwell::server

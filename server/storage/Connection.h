@@ -89,7 +89,7 @@ private:
     }
 
     soci::statement &prepared(const std::string &sql);
-    [[noreturn]] static void rethrow();
+    [[noreturn]] void rethrow();
 
     soci::session m_session;
     std::unordered_map<std::string, soci::statement> m_statements;

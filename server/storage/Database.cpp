@@ -3,10 +3,12 @@
 #include "server/storage/Migrations.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 namespace clockwell::server {
@@ -18,22 +20,48 @@ int secondsOf(const DatabaseOptions &options)
     return static_cast<int>(options.patience.count());
 }
 
+DatabaseError::Kind kindOfOpenFailure(const std::error_code &reason)
+{
+    using Kind = DatabaseError::Kind;
+    if (reason == std::errc::permission_denied || reason == std::errc::read_only_file_system)
+        return Kind::ReadOnly;
+    const bool full = reason == std::errc::no_space_on_device || reason.value() == EDQUOT;
+    return full ? Kind::Full : Kind::Unusable;
+}
+
 /// SQLite would make the file readable by others, and gives its companions the same rights as the file.
 const std::string &madePrivate(const std::string &file)
 {
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor < 0) {
         const auto reason = std::error_code{errno, std::system_category()};
-        const bool denied =
-            reason == std::errc::permission_denied || reason == std::errc::read_only_file_system;
-        throw DatabaseError{denied ? DatabaseError::Kind::ReadOnly : DatabaseError::Kind::Unusable,
+        throw DatabaseError{kindOfOpenFailure(reason),
                             "The database " + file + " cannot be opened: " + reason.message() + "."};
     }
     ::close(descriptor);
+    requirePrivate(file);
     return file;
 }
 
 } // namespace
+
+void requirePrivate(const std::string &file)
+{
+    std::error_code ignored;
+    const auto real = std::filesystem::canonical(file, ignored); // the companions stand beside that
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
+        const std::string name = real.string() + suffix;
+        struct stat facts
+        {};
+        if (::stat(name.c_str(), &facts) == 0 && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+            throw DatabaseError{
+                DatabaseError::Kind::Unusable,
+                "The file " + name +
+                    " of the database can be read or written by others than its owner; it holds"
+                    " password hashes and attendance. Try: chmod 600 " +
+                    name};
+    }
+}
 
 Database::Database(const std::string &file, DatabaseOptions options)
     : m_options(options), m_writer(madePrivate(file), secondsOf(options))

@@ -21,13 +21,17 @@ struct DatabaseOptions
     unsigned long long maximumBytes = 0; ///< the file never grows beyond this; 0 for no limit
 };
 
+/// Throws DatabaseError when others than the owner may read or write the file, or one that SQLite keeps
+/// beside it.
+void requirePrivate(const std::string &file);
+
 /// The SQLite database: one connection that writes, some that read beside it, all in WAL mode with every
 /// commit flushed to the disk. Safe on several threads.
 class Database
 {
 public:
     /// Opens the file, making it when it is not there (readable by its owner only), and brings its schema up
-    /// to date.
+    /// to date. Throws DatabaseError, also for a file that others may read.
     explicit Database(const std::string &file, DatabaseOptions options = {});
 
     /// Runs `work(Connection &)` in a transaction that is the only one that writes, from its first statement

@@ -143,11 +143,93 @@ std::vector<std::string> codeTables()
     };
 }
 
+/// The tables of days and punches anew, for a day can be corrected: a day that was voided has no check-in, a
+/// corrected time no distance, and a voided day may be checked in to again. Both at once, so that no row ever
+/// refers to one that is not there.
+std::vector<std::string> correctableAttendance()
+{
+    return {
+        "CREATE TABLE new_attendance ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " employee_id VARCHAR(36) NOT NULL REFERENCES employees (id),"
+        " work_date CHAR(10) NOT NULL,"
+        " scheduled_start_at BIGINT NOT NULL,"
+        " scheduled_end_at BIGINT NOT NULL,"
+        " grace_minutes BIGINT NOT NULL,"
+        " full_day_minutes BIGINT NOT NULL,"
+        " check_in_at BIGINT," // what counts; none on a day that was voided
+        " check_in_distance DOUBLE PRECISION,"
+        " check_out_at BIGINT,"
+        " check_out_distance DOUBLE PRECISION,"
+        " UNIQUE (employee_id, work_date),"
+        " CHECK (check_in_at IS NOT NULL OR check_out_at IS NULL))",
+        "INSERT INTO new_attendance (id, employee_id, work_date, scheduled_start_at, scheduled_end_at,"
+        " grace_minutes, full_day_minutes, check_in_at, check_in_distance, check_out_at, check_out_distance)"
+        " SELECT id, employee_id, work_date, scheduled_start_at, scheduled_end_at, grace_minutes,"
+        " full_day_minutes, check_in_at, check_in_distance, check_out_at, check_out_distance FROM attendance",
+        "CREATE TABLE new_punches ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " attendance_id VARCHAR(36) NOT NULL REFERENCES new_attendance (id),"
+        " ordinal BIGINT NOT NULL," // counts the day's punches from 1, in the order in which they came
+        " type VARCHAR(3) NOT NULL CHECK (type IN ('IN', 'OUT')),"
+        " at BIGINT NOT NULL,"
+        " device_id VARCHAR(128) NOT NULL,"
+        " latitude DOUBLE PRECISION NOT NULL,"
+        " longitude DOUBLE PRECISION NOT NULL,"
+        " accuracy DOUBLE PRECISION NOT NULL,"
+        " distance DOUBLE PRECISION NOT NULL,"
+        " UNIQUE (attendance_id, ordinal))",
+        "INSERT INTO new_punches (id, attendance_id, ordinal, type, at, device_id, latitude, longitude,"
+        " accuracy, distance) SELECT id, attendance_id, CASE type WHEN 'IN' THEN 1 ELSE 2 END, type, at,"
+        " device_id, latitude, longitude, accuracy, distance FROM punches",
+        "DROP TABLE punches",
+        "DROP TABLE attendance",
+        "ALTER TABLE new_attendance RENAME TO attendance",
+        "ALTER TABLE new_punches RENAME TO punches",
+    };
+}
+
+std::vector<std::string> auditTable()
+{
+    return {
+        // No references: entries outlive what they are about.
+        "CREATE TABLE audit ("
+        " number INTEGER NOT NULL PRIMARY KEY," // counts from 1
+        " at BIGINT NOT NULL,"
+        " os_user VARCHAR(256) NOT NULL,"
+        " administrator VARCHAR(254)," // an e-mail address
+        " command VARCHAR(64) NOT NULL,"
+        " subject VARCHAR(254) NOT NULL,"
+        " subject_id VARCHAR(36) NOT NULL,"
+        " day CHAR(10),"
+        " reason VARCHAR(200),"
+        " value_before TEXT," // JSON, as is the next
+        " value_after TEXT)",
+        "CREATE INDEX audit_by_subject ON audit (subject_id, day)",
+        "CREATE TRIGGER audit_is_not_changed BEFORE UPDATE ON audit"
+        " BEGIN SELECT RAISE(ABORT, 'the audit is only added to'); END",
+        "CREATE TRIGGER audit_is_not_deleted BEFORE DELETE ON audit"
+        " BEGIN SELECT RAISE(ABORT, 'the audit is only added to'); END",
+        // REPLACE deletes without asking the trigger above.
+        "CREATE TRIGGER audit_is_not_replaced BEFORE INSERT ON audit"
+        " WHEN EXISTS (SELECT 1 FROM audit WHERE number = NEW.number)"
+        " BEGIN SELECT RAISE(ABORT, 'the audit is only added to'); END",
+    };
+}
+
+std::vector<std::string> correctionTables()
+{
+    std::vector<std::string> all = correctableAttendance();
+    const auto audit = auditTable();
+    all.insert(all.end(), audit.begin(), audit.end());
+    return all;
+}
+
 } // namespace
 
 const std::vector<std::vector<std::string>> &schemaSteps()
 {
-    static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables()};
+    static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables(), correctionTables()};
     return steps;
 }
 

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <cerrno>
+
 namespace clockwell::server {
 
 namespace {
@@ -27,11 +29,19 @@ DatabaseError::Kind kindOf(int code)
     }
 }
 
+/// No room on the disk, for this user, or for a file of this size.
+bool meansFull(int systemError)
+{
+    return systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
+}
+
 } // namespace
 
-DatabaseError sqliteError(int code)
+DatabaseError sqliteError(int code, int systemError)
 {
-    return {kindOf(code), sqlite3_errstr(code)};
+    const bool full = (code & 0xff) == SQLITE_IOERR && meansFull(systemError);
+    const int meant = full ? SQLITE_FULL : code;
+    return {kindOf(meant), sqlite3_errstr(meant)};
 }
 
 } // namespace clockwell::server

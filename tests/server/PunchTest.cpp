@@ -109,6 +109,22 @@ TEST_F(PunchTest, FarAwayIsSaidInKilometres)
     EXPECT_NE(world.punch(token, 49.0, 11.0).message().find("111 km"), std::string::npos);
 }
 
+TEST_F(PunchTest, DistancesLongerThanTheEarthIsRoundAreNotCounted)
+{
+    for (const char *accuracy : {"1e300", "9.3e21", "4e7"}) {
+        const Reply reply =
+            world.post("/api/attendance/punch",
+                       R"({"lat":48,"lng":11,"deviceId":"d","isMockLocation":false,"accuracy":)" +
+                           std::string{accuracy} + "}",
+                       token);
+        EXPECT_EQ(reply.error(), "LOCATION_TOO_IMPRECISE");
+        EXPECT_EQ(reply.message(),
+                  "Your position is only known to within more than 20000 km; 100 m is needed."
+                  " Move to open sky and try again.");
+    }
+    EXPECT_NE(world.punch(token, -48.0, -169.0).message().find("You are 20004 km away"), std::string::npos);
+}
+
 TEST_F(PunchTest, TooImpreciseFixIsRefused)
 {
     const Reply reply = world.punch(token, 48.0, 11.0, "dev-1", 100.5);
