@@ -69,16 +69,17 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
                                         const Request &request)
 {
     const std::string account = emailKey(email);
-    m_throttle.begin(account, request.remoteAddress);
+    auto attempt = m_throttle.begin(account, request.remoteAddress);
     auto employee =
         m_database.read([&](Connection &connection) { return findEmployeeByEmail(connection, account); });
     const bool matches = employee ? m_passwords.matches(employee->passwordHash, password)
                                   : m_passwords.matchesNobody(password);
     if (!matches) {
+        attempt.wasWrong();
         spdlog::info("event=signInRefused request={}", request.requestId);
         throw invalidCredentials();
     }
-    m_throttle.succeed(account, request.remoteAddress);
+    attempt.wasRight();
     requireUsable(*employee);
     return std::move(*employee);
 }

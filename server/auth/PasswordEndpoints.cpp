@@ -89,10 +89,12 @@ Response PasswordEndpoints::change(const Request &request)
     const std::string next = body.newPassword("newPassword");
     body.finish();
     const std::string account = emailKey(caller.employee.email);
-    m_throttle.begin(account, request.remoteAddress, "Too many wrong passwords.");
-    if (!m_passwords.matches(caller.employee.passwordHash, current))
+    auto attempt = m_throttle.begin(account, request.remoteAddress, "Too many wrong passwords.");
+    if (!m_passwords.matches(caller.employee.passwordHash, current)) {
+        attempt.wasWrong();
         throw wrongPassword();
-    m_throttle.succeed(account, request.remoteAddress);
+    }
+    attempt.wasRight();
     const std::string hash = m_passwords.hash(next);
     m_database.write([&](Connection &connection) {
         m_sessions.requireLive(connection, caller.familyId); // a reset may have ended it meanwhile
