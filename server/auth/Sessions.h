@@ -15,7 +15,9 @@ struct SessionLifetimes
 {
     std::chrono::minutes access{15};
     std::chrono::hours refresh{24 * 30}; ///< from its issue; every refresh gives a new one
-    std::chrono::seconds grace{20}; ///< how long a used refresh token may come again: its reply may be lost
+    /// How long a used refresh token may come again, for its reply may be lost: longer than the app waits for
+    /// a reply, and until somebody has tried again.
+    std::chrono::seconds grace{120};
 };
 
 struct TokenPair
