@@ -55,8 +55,7 @@ public:
 
     /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
     /// also when the account was suspended meanwhile.
-    Employee authenticate(const std::string &accessToken) { return signedIn(accessToken).employee; }
-    SignedIn signedIn(const std::string &accessToken); ///< likewise, with the session
+    SignedIn signedIn(const std::string &accessToken);
 
     /// Ends the employee's sessions but the one named, as part of the caller's transaction.
     void endAll(Connection &connection, const std::string &employeeId,
@@ -66,8 +65,15 @@ public:
     static void requireLive(Connection &connection, const std::string &familyId);
 
 private:
-    TokenPair issue(Connection &connection, const std::string &familyId, long long generation);
-    void forgetExpired(Connection &connection);
+    struct PresentedToken;
+
+    PresentedToken requirePresented(Connection &connection, const std::string &hash) const;
+    TokenPair issue(Connection &connection, const std::string &familyId, long long generation,
+                    Instant now) const;
+    long long endOf(Instant issued) const { return toMillis(issued + m_lifetimes.refresh); }
+    std::optional<TokenPair> exchange(Connection &connection, const PresentedToken &token,
+                                      const std::string &hash) const;
+    SignedIn requireSignedIn(Connection &connection, const std::string &accessToken) const;
 
     Database &m_database;
     Clock m_clock;

@@ -65,8 +65,8 @@ TEST_F(RestoreTest, DatabaseIsAsInTheBackupAndTheOldOneIsKept)
 TEST_F(RestoreTest, JsonSaysWhereTheOldDatabaseIs)
 {
     const auto json = nlohmann::ordered_json::parse(admin({"restore", copy, "--yes", "--json"}).output);
-    EXPECT_EQ(json.dump(), R"({"file":")" + copy + R"(","before":")" + keptFile() +
-                               R"(","schema":2,"employees":1,"attendanceDays":0})");
+    EXPECT_EQ(json.dump(), R"({"file":")" + copy + R"(","before":")" + keptFile() + R"(","schema":)" +
+                               std::to_string(schemaVersion()) + R"(,"employees":1,"attendanceDays":0})");
 }
 
 TEST_F(RestoreTest, SessionsAndCodesOfTheBackupAreOver)
