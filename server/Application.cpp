@@ -53,7 +53,7 @@ Application::Application(Database &database, Clock clock, const Settings &settin
     : m_passwords(settings.passwordCost),
       m_loginThrottle(settings.loginLimits, clock),
       m_codes(database, m_passwords, clock, settings.codes),
-      m_sessions(database, clock, settings.sessions),
+      m_sessions(database, clock, settings.sessions, settings.accounts),
       m_punches(database, clock, settings.repeatWindow),
       m_auth(database, m_passwords, m_loginThrottle, m_sessions),
       m_signup(database, m_passwords, m_codes, clock, orNowhere(sendMail)),

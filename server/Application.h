@@ -24,6 +24,7 @@ struct Settings
     ThrottleLimits loginLimits;
     CodeLimits codes;
     SessionLifetimes sessions;
+    AccountLimits accounts;
     /// A punch of the same device this soon is the last one again: longer than the app waits for an answer.
     std::chrono::seconds repeatWindow{90};
 };

@@ -95,7 +95,7 @@ Response AuthEndpoints::refresh(const Request &request)
 
 Response AuthEndpoints::me(const Request &request)
 {
-    return jsonReply(userJson(requireEmployee(m_sessions, request)));
+    return jsonReply(userJson(requireEmployeeFirst(m_sessions, request)));
 }
 
 } // namespace clockwell::server

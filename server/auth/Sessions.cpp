@@ -1,5 +1,6 @@
 #include "server/auth/Sessions.h"
 
+#include "server/auth/RateLimit.h"
 #include "server/auth/SessionCleanup.h"
 #include "server/auth/Tokens.h"
 #include "server/http/ApiError.h"
@@ -13,6 +14,14 @@ namespace {
 ApiError sessionEnded()
 {
     return {401, "SESSION_EXPIRED", "Your session has ended. Please sign in again."};
+}
+
+ApiError tooManyRequests(std::chrono::milliseconds wait)
+{
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(wait);
+    return ApiError{429, "TOO_MANY_REQUESTS",
+                    "Too many requests. Please try again in " + waitText(seconds) + "."}
+        .retryAfter(seconds);
 }
 
 } // namespace
@@ -104,6 +113,16 @@ std::optional<TokenPair> Sessions::exchange(Connection &connection, const Presen
 }
 
 SignedIn Sessions::signedIn(const std::string &accessToken)
+{
+    auto caller =
+        m_database.read([&](Connection &connection) { return requireSignedIn(connection, accessToken); });
+    const auto wait = m_limit.take(caller.employee.id, AccountLimit::Clock::now());
+    if (wait > std::chrono::milliseconds{0})
+        throw tooManyRequests(wait);
+    return caller;
+}
+
+SignedIn Sessions::signedInFirst(const std::string &accessToken)
 {
     return m_database.read([&](Connection &connection) { return requireSignedIn(connection, accessToken); });
 }

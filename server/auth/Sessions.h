@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/auth/AccountLimit.h"
 #include "server/auth/Accounts.h"
 #include "server/storage/Database.h"
 #include "server/storage/Instant.h"
@@ -40,8 +41,8 @@ struct SignedIn
 class Sessions
 {
 public:
-    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {})
-        : m_database(database), m_clock(std::move(clock)), m_lifetimes(lifetimes)
+    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {}, AccountLimits limits = {})
+        : m_database(database), m_clock(std::move(clock)), m_lifetimes(lifetimes), m_limit(limits)
     {}
 
     /// Starts a family for a device on which the employee has just signed in. Nothing when the password that
@@ -54,8 +55,11 @@ public:
     TokenPair refresh(const std::string &refreshToken);
 
     /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
-    /// also when the account was suspended meanwhile.
+    /// also when the account was suspended meanwhile, and 429 when the account sends too many requests.
     SignedIn signedIn(const std::string &accessToken);
+
+    /// Likewise, however many requests there were.
+    SignedIn signedInFirst(const std::string &accessToken);
 
     /// Ends the employee's sessions but the one named, as part of the caller's transaction.
     void endAll(Connection &connection, const std::string &employeeId,
@@ -78,6 +82,7 @@ private:
     Database &m_database;
     Clock m_clock;
     SessionLifetimes m_lifetimes;
+    AccountLimit m_limit;
 };
 
 } // namespace clockwell::server
