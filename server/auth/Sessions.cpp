@@ -64,15 +64,29 @@ std::optional<TokenPair> Sessions::start(const Employee &checked, const std::str
 TokenPair Sessions::refresh(const std::string &refreshToken)
 {
     const std::string hash = tokenHash(refreshToken);
-    const auto pair = m_database.write([&](Connection &connection) {
+    const auto began = Wait::Clock::now();
+    Wait wait = renewalWait(began);
+    // Reading first: whoever guesses tokens must not hold up those who write.
+    const PresentedToken found =
+        m_database.read(wait, [&](Connection &connection) { return requirePresented(connection, hash); });
+    wait.first = m_limit.take(found.employeeId, began) == std::chrono::milliseconds{0};
+    const auto work = [&](Connection &connection) {
         const PresentedToken token = requirePresented(connection, hash);
         requireUsable(findEmployeeById(connection, token.employeeId).value());
         removeSomeEndedSessions(connection, m_clock());
         return exchange(connection, token, hash);
-    });
-    if (!pair)
-        throw sessionEnded();
-    return *pair;
+    };
+    try {
+        const auto pair = m_database.write(wait, work);
+        m_patience.succeeded();
+        if (!pair)
+            throw sessionEnded();
+        return *pair;
+    } catch (const DatabaseError &error) {
+        if (error.kind() == DatabaseError::Kind::Busy)
+            m_patience.gaveUp(began, Wait::Clock::now());
+        throw;
+    }
 }
 
 /// What the database knows of a token that may still be good.
@@ -124,7 +138,9 @@ SignedIn Sessions::signedIn(const std::string &accessToken)
 
 SignedIn Sessions::signedInFirst(const std::string &accessToken)
 {
-    return m_database.read([&](Connection &connection) { return requireSignedIn(connection, accessToken); });
+    return m_database.read(
+        Wait{Wait::Clock::now() + m_lifetimes.patience, true},
+        [&](Connection &connection) { return requireSignedIn(connection, accessToken); });
 }
 
 SignedIn Sessions::requireSignedIn(Connection &connection, const std::string &accessToken) const

@@ -2,6 +2,7 @@
 
 #include "server/auth/AccountLimit.h"
 #include "server/auth/Accounts.h"
+#include "server/auth/RenewalPatience.h"
 #include "server/storage/Database.h"
 #include "server/storage/Instant.h"
 
@@ -19,6 +20,8 @@ struct SessionLifetimes
     /// How long a used refresh token may come again, for its reply may be lost: longer than the app waits for
     /// a reply, and until somebody has tried again.
     std::chrono::seconds grace{120};
+    /// How long a renewal waits for a database that is held: less than the app waits.
+    std::chrono::milliseconds patience{std::chrono::seconds{20}};
 };
 
 struct TokenPair
@@ -42,7 +45,11 @@ class Sessions
 {
 public:
     Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {}, AccountLimits limits = {})
-        : m_database(database), m_clock(std::move(clock)), m_lifetimes(lifetimes), m_limit(limits)
+        : m_database(database),
+          m_clock(std::move(clock)),
+          m_lifetimes(lifetimes),
+          m_limit(limits),
+          m_patience(lifetimes.patience)
     {}
 
     /// Starts a family for a device on which the employee has just signed in. Nothing when the password that
@@ -50,15 +57,16 @@ public:
     /// did not know of this one. Throws ApiError 403 for an account that may no longer sign in.
     std::optional<TokenPair> start(const Employee &checked, const std::string &deviceId);
 
-    /// Exchanges a refresh token for a new pair. Throws ApiError 401 for one that is unknown, expired,
-    /// revoked or replayed (which ends the family), and 403 for an account that may no longer sign in.
+    /// Exchanges a refresh token for a new pair, before everybody else who waits for the database. Throws
+    /// ApiError 401 for one that is unknown, expired, revoked or replayed (which ends the family), and 403
+    /// for an account that may no longer sign in.
     TokenPair refresh(const std::string &refreshToken);
 
     /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
     /// also when the account was suspended meanwhile, and 429 when the account sends too many requests.
     SignedIn signedIn(const std::string &accessToken);
 
-    /// Likewise, however many requests there were.
+    /// Likewise, before everybody else who waits for the database, and however many requests there were.
     SignedIn signedInFirst(const std::string &accessToken);
 
     /// Ends the employee's sessions but the one named, as part of the caller's transaction.
@@ -71,6 +79,7 @@ public:
 private:
     struct PresentedToken;
 
+    Wait renewalWait(Wait::Clock::time_point began) { return {m_patience.until(began), true}; }
     PresentedToken requirePresented(Connection &connection, const std::string &hash) const;
     TokenPair issue(Connection &connection, const std::string &familyId, long long generation,
                     Instant now) const;
@@ -83,6 +92,7 @@ private:
     Clock m_clock;
     SessionLifetimes m_lifetimes;
     AccountLimit m_limit;
+    RenewalPatience m_patience;
 };
 
 } // namespace clockwell::server
