@@ -11,6 +11,8 @@ namespace clockwell::server {
 namespace {
 
 constexpr std::size_t longestReason = 200;
+constexpr int tooManyRequests = 429;
+constexpr int firstServerError = 500;
 constexpr std::chrono::seconds retryBusy{2};
 constexpr std::chrono::seconds retryStorage{60};
 
@@ -53,7 +55,7 @@ Application::Application(Database &database, Clock clock, const Settings &settin
     : m_passwords(settings.passwordCost),
       m_loginThrottle(settings.loginLimits, clock),
       m_codes(database, m_passwords, clock, settings.codes),
-      m_sessions(database, clock, settings.sessions),
+      m_sessions(database, clock, settings.sessions, settings.accounts),
       m_punches(database, clock, settings.repeatWindow),
       m_auth(database, m_passwords, m_loginThrottle, m_sessions),
       m_signup(database, m_passwords, m_codes, clock, orNowhere(sendMail)),
@@ -67,6 +69,15 @@ Application::Application(Database &database, Clock clock, const Settings &settin
 }
 
 Response Application::handle(const Request &request) const
+{
+    Response response = answer(request);
+    const bool undecided = response.status == tooManyRequests || response.status >= firstServerError;
+    // A client takes any refusal for the end of its session, but no answer for a lost one.
+    response.unanswered = undecided && m_router.laneOf(request) == Lane::Renewal;
+    return response;
+}
+
+Response Application::answer(const Request &request) const
 {
     try {
         return m_router.dispatch(request);

@@ -24,6 +24,7 @@ struct Settings
     ThrottleLimits loginLimits;
     CodeLimits codes;
     SessionLifetimes sessions;
+    AccountLimits accounts;
     /// A punch of the same device this soon is the last one again: longer than the app waits for an answer.
     std::chrono::seconds repeatWindow{90};
 };
@@ -38,12 +39,15 @@ public:
     Application &operator=(const Application &) = delete;
 
     /// Answers any request; failures become error replies, and those that are the server's own are logged.
+    /// Leaves a request for the renewal of a session unanswered when it cannot decide it.
     Response handle(const Request &request) const;
 
     /// Whose work a request is, told by its method and path.
     Lane laneOf(const Request &request) const { return m_router.laneOf(request); }
 
 private:
+    Response answer(const Request &request) const;
+
     Passwords m_passwords;
     LoginThrottle m_loginThrottle;
     Codes m_codes;

@@ -62,6 +62,20 @@ void addCodes(CLI::App &serve, ServeCommandOptions &options)
     addMailOptions(serve, options.mail);
 }
 
+void addAccounts(CLI::App &serve, ServeCommandOptions &options)
+{
+    serve
+        .add_option("--account-requests", options.accountRequests,
+                    "Requests a minute that one signed-in account may make; 0: no limit")
+        ->check(CLI::Range(0, 1'000'000))
+        ->capture_default_str();
+    serve
+        .add_option("--account-burst", options.accountBurst,
+                    "Requests that one signed-in account may make at once, after a rest")
+        ->check(CLI::Range(1, 1'000'000))
+        ->capture_default_str();
+}
+
 void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> &run)
 {
     CLI::App *serve = app.add_subcommand("serve", "Answer the app's requests until SIGINT or SIGTERM");
@@ -99,6 +113,7 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
                      "Seconds within which a device's next punch is the last one again")
         ->check(CLI::Range(0, 300))
         ->default_str("90 (demonstration: 5)");
+    addAccounts(*serve, options);
     addCodes(*serve, options);
     serve->callback([&] { run = [&] { return runServe(options); }; });
 }

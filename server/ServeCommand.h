@@ -20,6 +20,8 @@ struct ServeCommandOptions
     std::optional<unsigned> repeatWindowSeconds; ///< none: 90, and 5 for the demonstration
     unsigned codeRequests = 30;                  ///< from one network address within 15 minutes
     unsigned codesPerAddress = 5;                ///< within an hour
+    unsigned accountRequests = 240;              ///< of one account in a minute; 0: no limit
+    unsigned accountBurst = 120;                 ///< of one account at once
     MailSettings mail;
 };
 

@@ -3,6 +3,7 @@
 #include "server/auth/BearerGuard.h"
 #include "server/auth/BodyReader.h"
 #include "server/auth/EmailAddress.h"
+#include "server/http/AccessLog.h"
 #include "server/http/ApiError.h"
 
 #include <nlohmann/json.hpp>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::size_t longestDeviceId = 128;
 constexpr std::size_t longestToken = 256;
+constexpr std::size_t longestReason = 200; // in the log
 
 ApiError invalidCredentials()
 {
@@ -54,10 +56,13 @@ Response AuthEndpoints::login(const Request &request)
     const std::string password = body.password("password");
     const std::string deviceId = body.text("deviceId", longestDeviceId);
     body.finish();
-    const Employee employee = checkedEmployee(email, password, request);
-    const auto pair = m_sessions.start(employee, deviceId);
+    Employee employee = checkedEmployee(email, password, request);
+    auto pair = m_sessions.start(employee, deviceId);
+    if (!pair && isStillRight(employee, password))
+        pair = m_sessions.start(employee, deviceId);
     if (!pair)
         throw invalidCredentials();
+    storeAtTodaysCost(employee, password, request);
     spdlog::info("event=signedIn employee={} request={}", employee.id, request.requestId);
     return jsonReply({{"accessToken", pair->accessToken},
                       {"refreshToken", pair->refreshToken},
@@ -69,18 +74,52 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
                                         const Request &request)
 {
     const std::string account = emailKey(email);
-    m_throttle.begin(account, request.remoteAddress);
-    auto employee =
-        m_database.read([&](Connection &connection) { return findEmployeeByEmail(connection, account); });
-    const bool matches = employee ? m_passwords.matches(employee->passwordHash, password)
-                                  : m_passwords.matchesNobody(password);
+    auto attempt = m_throttle.begin(account, request.remoteAddress);
+    std::string standIn;
+    auto employee = m_database.read([&](Connection &connection) {
+        standIn = m_standIns.hashFor(connection, account);
+        return findEmployeeByEmail(connection, account);
+    });
+    const bool matches =
+        m_passwords.matches(employee ? employee->passwordHash : standIn, password) && employee;
     if (!matches) {
+        attempt.wasWrong();
         spdlog::info("event=signInRefused request={}", request.requestId);
         throw invalidCredentials();
     }
-    m_throttle.succeed(account, request.remoteAddress);
+    attempt.wasRight();
     requireUsable(*employee);
     return std::move(*employee);
+}
+
+/// After another sign-in has stored the same password anew; the employee becomes what is stored now.
+bool AuthEndpoints::isStillRight(Employee &employee, const std::string &password)
+{
+    auto now =
+        m_database.read([&](Connection &connection) { return findEmployeeById(connection, employee.id); });
+    if (!now || !m_passwords.matches(now->passwordHash, password))
+        return false;
+    employee = std::move(*now);
+    return true;
+}
+
+/// A hash of another cost is replaced, now that the password is known. Nobody's sign-in depends on that.
+void AuthEndpoints::storeAtTodaysCost(const Employee &employee, const std::string &password,
+                                      const Request &request)
+{
+    if (!m_passwords.hasOtherCost(employee.passwordHash))
+        return;
+    try {
+        const std::string hash = m_passwords.hash(password);
+        m_database.write([&](Connection &connection) {
+            connection.execute("UPDATE employees SET password_hash = :hash"
+                               " WHERE id = :id AND password_hash = :checked",
+                               hash, employee.id, employee.passwordHash);
+        });
+    } catch (const std::exception &error) {
+        spdlog::warn("event=rehashFailed what={} request={}", logValue(error.what(), longestReason),
+                     request.requestId);
+    }
 }
 
 Response AuthEndpoints::refresh(const Request &request)
@@ -94,7 +133,7 @@ Response AuthEndpoints::refresh(const Request &request)
 
 Response AuthEndpoints::me(const Request &request)
 {
-    return jsonReply(userJson(requireEmployee(m_sessions, request)));
+    return jsonReply(userJson(requireEmployeeFirst(m_sessions, request)));
 }
 
 } // namespace clockwell::server

@@ -3,6 +3,7 @@
 #include "server/auth/LoginThrottle.h"
 #include "server/auth/Passwords.h"
 #include "server/auth/Sessions.h"
+#include "server/auth/StandIns.h"
 #include "server/http/JsonReply.h"
 #include "server/http/Router.h"
 #include "server/storage/Database.h"
@@ -16,7 +17,11 @@ class AuthEndpoints
 {
 public:
     AuthEndpoints(Database &database, Passwords &passwords, LoginThrottle &throttle, Sessions &sessions)
-        : m_database(database), m_passwords(passwords), m_throttle(throttle), m_sessions(sessions)
+        : m_database(database),
+          m_passwords(passwords),
+          m_throttle(throttle),
+          m_sessions(sessions),
+          m_standIns(passwords.nobodysHash())
     {}
 
     std::vector<Route> routes();
@@ -26,11 +31,14 @@ private:
     Response refresh(const Request &request);
     Response me(const Request &request);
     Employee checkedEmployee(const std::string &email, const std::string &password, const Request &request);
+    bool isStillRight(Employee &employee, const std::string &password);
+    void storeAtTodaysCost(const Employee &employee, const std::string &password, const Request &request);
 
     Database &m_database;
     Passwords &m_passwords;
     LoginThrottle &m_throttle;
     Sessions &m_sessions;
+    StandIns m_standIns;
 };
 
 /// The user as clients see it.

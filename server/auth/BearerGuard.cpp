@@ -24,6 +24,14 @@ std::string_view bearerToken(std::string_view authorization)
     return first == std::string_view::npos ? std::string_view{} : authorization.substr(first);
 }
 
+std::string requireBearerToken(const Request &request)
+{
+    const auto token = bearerToken(request.authorization);
+    if (token.empty())
+        throw ApiError{401, "UNAUTHORIZED", "Please sign in."};
+    return std::string{token};
+}
+
 } // namespace
 
 Employee requireEmployee(Sessions &sessions, const Request &request)
@@ -33,10 +41,12 @@ Employee requireEmployee(Sessions &sessions, const Request &request)
 
 SignedIn requireSignedIn(Sessions &sessions, const Request &request)
 {
-    const auto token = bearerToken(request.authorization);
-    if (token.empty())
-        throw ApiError{401, "UNAUTHORIZED", "Please sign in."};
-    return sessions.signedIn(std::string{token});
+    return sessions.signedIn(requireBearerToken(request));
+}
+
+Employee requireEmployeeFirst(Sessions &sessions, const Request &request)
+{
+    return sessions.signedInFirst(requireBearerToken(request)).employee;
 }
 
 } // namespace clockwell::server

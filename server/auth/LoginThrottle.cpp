@@ -14,14 +14,26 @@ std::string failureKey(const std::string &account, const std::string &address)
 
 } // namespace
 
-void LoginThrottle::begin(const std::string &account, const std::string &address, const char *complaint)
+LoginThrottle::Attempt::Attempt(RateLimit &failures, std::string key, const char *complaint)
+    : m_failures(failures), m_key(std::move(key)), m_event(failures.take(m_key, complaint))
+{}
+
+LoginThrottle::Attempt::~Attempt()
 {
-    m_failures.take(failureKey(account, address), complaint);
+    if (!m_judged)
+        m_failures.giveBack(m_key, m_event);
 }
 
-void LoginThrottle::succeed(const std::string &account, const std::string &address)
+void LoginThrottle::Attempt::wasRight()
 {
-    m_failures.forget(failureKey(account, address));
+    m_judged = true;
+    m_failures.forget(m_key);
+}
+
+LoginThrottle::Attempt LoginThrottle::begin(const std::string &account, const std::string &address,
+                                            const char *complaint)
+{
+    return {m_failures, failureKey(account, address), complaint};
 }
 
 void LoginThrottle::forgetAccount(const std::string &account)

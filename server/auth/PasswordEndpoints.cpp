@@ -89,15 +89,19 @@ Response PasswordEndpoints::change(const Request &request)
     const std::string next = body.newPassword("newPassword");
     body.finish();
     const std::string account = emailKey(caller.employee.email);
-    m_throttle.begin(account, request.remoteAddress, "Too many wrong passwords.");
-    if (!m_passwords.matches(caller.employee.passwordHash, current))
+    auto attempt = m_throttle.begin(account, request.remoteAddress, "Too many wrong passwords.");
+    if (!m_passwords.matches(caller.employee.passwordHash, current)) {
+        attempt.wasWrong();
         throw wrongPassword();
-    m_throttle.succeed(account, request.remoteAddress);
+    }
+    attempt.wasRight();
     const std::string hash = m_passwords.hash(next);
     m_database.write([&](Connection &connection) {
         m_sessions.requireLive(connection, caller.familyId); // a reset may have ended it meanwhile
         const auto now = findEmployeeById(connection, caller.employee.id);
-        if (!now || now->passwordHash != caller.employee.passwordHash)
+        // The same password may have been stored anew, by a sign-in: rare, or nobody would check it here.
+        if (!now || (now->passwordHash != caller.employee.passwordHash &&
+                     !m_passwords.matches(now->passwordHash, current)))
             throw wrongPassword();
         storePassword(connection, caller.employee.id, hash);
         m_sessions.endAll(connection, caller.employee.id, caller.familyId);

@@ -59,4 +59,10 @@ bool Passwords::matches(const std::string &storedHash, const std::string &passwo
     return crypto_pwhash_str_verify(storedHash.c_str(), prepared.data(), prepared.size()) == 0;
 }
 
+bool Passwords::hasOtherCost(const std::string &storedHash) const
+{
+    requireSodium();
+    return crypto_pwhash_str_needs_rehash(storedHash.c_str(), m_cost.passes, m_cost.bytes) != 0;
+}
+
 } // namespace clockwell::server

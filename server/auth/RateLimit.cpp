@@ -15,7 +15,7 @@ std::string waitText(std::chrono::seconds wait)
     return std::to_string(std::chrono::ceil<std::chrono::hours>(wait).count()) + " hours";
 }
 
-void RateLimit::take(const std::string &key, std::string_view complaint)
+RateLimit::Event RateLimit::take(const std::string &key, std::string_view complaint)
 {
     const std::lock_guard lock{m_lock};
     const Instant now = m_clock(); // under the lock, so that events are in order of time
@@ -25,7 +25,16 @@ void RateLimit::take(const std::string &key, std::string_view complaint)
         throw ApiError{429, "TOO_MANY_ATTEMPTS",
                        std::string{complaint} + " Please try again in " + waitText(wait) + "."}
             .retryAfter(wait);
-    entry.events.push_back(now);
+    entry.events.push_back({now, ++m_newest});
+    return m_newest;
+}
+
+void RateLimit::giveBack(const std::string &key, Event event)
+{
+    const std::lock_guard lock{m_lock};
+    const auto entry = m_entries.find(key);
+    if (entry != m_entries.end())
+        std::erase_if(entry->second.events, [&](const Counted &counted) { return counted.event == event; });
 }
 
 std::chrono::seconds RateLimit::waitFor(const std::string &key)
@@ -69,12 +78,12 @@ RateLimit::Entry &RateLimit::used(const std::string &key)
 /// Zero when another event is within the limit.
 std::chrono::seconds RateLimit::waitOf(Entry &entry, Instant now) const
 {
-    for (Instant &event : entry.events)
-        event = std::min(event, now);
-    std::erase_if(entry.events, [&](Instant event) { return event + m_limits.window <= now; });
+    for (Counted &counted : entry.events)
+        counted.at = std::min(counted.at, now);
+    std::erase_if(entry.events, [&](const Counted &counted) { return counted.at + m_limits.window <= now; });
     if (entry.events.size() < m_limits.attempts)
         return std::chrono::seconds{0};
-    return std::chrono::ceil<std::chrono::seconds>(entry.events.front() + m_limits.window - now);
+    return std::chrono::ceil<std::chrono::seconds>(entry.events.front().at + m_limits.window - now);
 }
 
 } // namespace clockwell::server

@@ -31,9 +31,15 @@ class RateLimit
 public:
     RateLimit(ThrottleLimits limits, Clock clock) : m_limits(limits), m_clock(std::move(clock)) {}
 
+    /// One counted event.
+    using Event = unsigned long long;
+
     /// Counts an event. Throws ApiError 429 TOO_MANY_ATTEMPTS with Retry-After, and without counting, when
     /// there were too many: its text is `complaint` followed by when to try again.
-    void take(const std::string &key, std::string_view complaint);
+    Event take(const std::string &key, std::string_view complaint);
+
+    /// Counts this event no more.
+    void giveBack(const std::string &key, Event event);
 
     /// How long until another event is within the limit; zero when it is already.
     std::chrono::seconds waitFor(const std::string &key);
@@ -45,9 +51,14 @@ public:
     void forgetIf(const std::function<bool(std::string_view)> &matches);
 
 private:
+    struct Counted
+    {
+        Instant at;
+        Event event;
+    };
     struct Entry
     {
-        std::vector<Instant> events; // in order of time
+        std::vector<Counted> events; // in order of time
         std::list<std::string>::iterator use;
     };
 
@@ -58,6 +69,7 @@ private:
     Clock m_clock;
     std::mutex m_lock;
     std::unordered_map<std::string, Entry> m_entries;
+    Event m_newest = 0;
     std::list<std::string> m_uses; // keys, the one idle for longest first
 };
 

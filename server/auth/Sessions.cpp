@@ -1,18 +1,32 @@
 #include "server/auth/Sessions.h"
 
+#include "server/auth/RateLimit.h"
+#include "server/auth/SessionCleanup.h"
 #include "server/auth/Tokens.h"
 #include "server/http/ApiError.h"
 
 #include <spdlog/spdlog.h>
 
-#include <cstdlib>
-#include <variant>
-
 namespace clockwell::server {
 
 namespace {
 
-struct PresentedToken
+ApiError sessionEnded()
+{
+    return {401, "SESSION_EXPIRED", "Your session has ended. Please sign in again."};
+}
+
+ApiError tooManyRequests(std::chrono::milliseconds wait)
+{
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(wait);
+    return ApiError{429, "TOO_MANY_REQUESTS",
+                    "Too many requests. Please try again in " + waitText(seconds) + "."}
+        .retryAfter(seconds);
+}
+
+} // namespace
+
+struct Sessions::PresentedToken
 {
     std::string familyId;
     long long generation = 0;
@@ -29,74 +43,113 @@ struct PresentedToken
     }
 };
 
-const char *const presentedSql =
-    "SELECT r.family_id, r.generation, r.expires_at, f.employee_id, f.generation, f.used_hash, f.used_at,"
-    " f.revoked_at FROM refresh_tokens r JOIN token_families f ON f.id = r.family_id WHERE r.hash = :hash";
-
-ApiError sessionEnded()
-{
-    return {401, "SESSION_EXPIRED", "Your session has ended. Please sign in again."};
-}
-
-} // namespace
-
 std::optional<TokenPair> Sessions::start(const Employee &checked, const std::string &deviceId)
 {
     return m_database.write([&](Connection &connection) -> std::optional<TokenPair> {
-        const auto now = findEmployeeById(connection, checked.id);
-        if (!now || now->passwordHash != checked.passwordHash)
+        const auto employee = findEmployeeById(connection, checked.id);
+        if (!employee || employee->passwordHash != checked.passwordHash)
             return std::nullopt;
-        requireUsable(*now);
-        forgetExpired(connection);
+        requireUsable(*employee);
+        const Instant now = m_clock();
+        removeSomeEndedSessions(connection, now);
         const std::string familyId = newId();
-        connection.execute("INSERT INTO token_families (id, employee_id, device_id, created_at, generation)"
-                           " VALUES (:id, :employee, :device, :now, 0)",
-                           familyId, checked.id, deviceId, toMillis(m_clock()));
-        return issue(connection, familyId, 1);
+        connection.execute(
+            "INSERT INTO token_families (id, employee_id, device_id, created_at, generation, ends_at)"
+            " VALUES (:id, :employee, :device, :now, 0, :end)",
+            familyId, checked.id, deviceId, toMillis(now), endOf(now));
+        return issue(connection, familyId, 1, now);
     });
 }
 
 TokenPair Sessions::refresh(const std::string &refreshToken)
 {
     const std::string hash = tokenHash(refreshToken);
-    using Outcome =
-        std::variant<TokenPair, ApiError>; // a refusal is returned, for a revocation has to be committed
-    auto outcome = m_database.write([&](Connection &connection) -> Outcome {
-        forgetExpired(connection);
-        const auto now = toMillis(m_clock());
-        const auto token = connection.first<PresentedToken>(presentedSql, hash);
-        if (!token || token->revokedAt || token->expiresAt <= now)
-            return sessionEnded();
-        requireUsable(findEmployeeById(connection, token->employeeId).value());
-        if (token->generation == token->newestUsed + 1) {
-            connection.execute("UPDATE token_families SET generation = :generation, used_hash = :hash,"
-                               " used_at = :now WHERE id = :id",
-                               token->generation, hash, now, token->familyId);
-            return issue(connection, token->familyId, token->generation + 1);
-        }
-        const auto grace = std::chrono::duration_cast<std::chrono::milliseconds>(m_lifetimes.grace).count();
-        if (token->usedHash == hash && std::abs(now - token->usedAt.value_or(0)) <= grace)
-            return issue(connection, token->familyId, token->generation + 1);
-        connection.execute("UPDATE token_families SET revoked_at = :now WHERE id = :id", now,
-                           token->familyId);
-        spdlog::warn("event=sessionRevoked reason=replay employee={} session={}", token->employeeId,
-                     token->familyId);
-        return sessionEnded();
-    });
-    if (auto *refusal = std::get_if<ApiError>(&outcome))
-        throw *refusal;
-    return std::get<TokenPair>(std::move(outcome));
+    const auto began = Wait::Clock::now();
+    Wait wait = renewalWait(began);
+    // Reading first: whoever guesses tokens must not hold up those who write.
+    const PresentedToken found =
+        m_database.read(wait, [&](Connection &connection) { return requirePresented(connection, hash); });
+    wait.first = m_limit.take(found.employeeId, began) == std::chrono::milliseconds{0};
+    const auto work = [&](Connection &connection) {
+        const PresentedToken token = requirePresented(connection, hash);
+        requireUsable(findEmployeeById(connection, token.employeeId).value());
+        removeSomeEndedSessions(connection, m_clock());
+        return exchange(connection, token, hash);
+    };
+    try {
+        const auto pair = m_database.write(wait, work);
+        m_patience.succeeded();
+        if (!pair)
+            throw sessionEnded();
+        return *pair;
+    } catch (const DatabaseError &error) {
+        if (error.kind() == DatabaseError::Kind::Busy)
+            m_patience.gaveUp(began, Wait::Clock::now());
+        throw;
+    }
+}
+
+/// What the database knows of a token that may still be good.
+Sessions::PresentedToken Sessions::requirePresented(Connection &connection, const std::string &hash) const
+{
+    const auto token = connection.first<PresentedToken>(
+        "SELECT r.family_id, r.generation, r.expires_at, f.employee_id, f.generation, f.used_hash, f.used_at,"
+        " f.revoked_at FROM refresh_tokens r JOIN token_families f ON f.id = r.family_id WHERE r.hash = "
+        ":hash",
+        hash);
+    if (!token || token->revokedAt || token->expiresAt <= toMillis(m_clock()))
+        throw sessionEnded();
+    return *token;
+}
+
+/// Nothing when the token is replayed: then the family was ended, which has to be committed.
+std::optional<TokenPair> Sessions::exchange(Connection &connection, const PresentedToken &token,
+                                            const std::string &hash) const
+{
+    const Instant now = m_clock();
+    const auto millis = toMillis(now);
+    const bool inGrace = std::chrono::abs(now - fromMillis(token.usedAt.value_or(0))) <= m_lifetimes.grace;
+    if (token.generation == token.newestUsed + 1)
+        connection.execute("UPDATE token_families SET generation = :generation, used_hash = :hash,"
+                           " used_at = :now, ends_at = :end WHERE id = :id",
+                           token.generation, hash, millis, endOf(now), token.familyId);
+    else if (token.usedHash == hash && inGrace)
+        connection.execute("UPDATE token_families SET ends_at = :end WHERE id = :id", endOf(now),
+                           token.familyId);
+    else {
+        connection.execute("UPDATE token_families SET revoked_at = :now, ends_at = :end WHERE id = :id",
+                           millis, millis, token.familyId);
+        spdlog::warn("event=sessionRevoked reason=replay employee={} session={}", token.employeeId,
+                     token.familyId);
+        return std::nullopt;
+    }
+    return issue(connection, token.familyId, token.generation + 1, now);
 }
 
 SignedIn Sessions::signedIn(const std::string &accessToken)
+{
+    auto caller =
+        m_database.read([&](Connection &connection) { return requireSignedIn(connection, accessToken); });
+    const auto wait = m_limit.take(caller.employee.id, AccountLimit::Clock::now());
+    if (wait > std::chrono::milliseconds{0})
+        throw tooManyRequests(wait);
+    return caller;
+}
+
+SignedIn Sessions::signedInFirst(const std::string &accessToken)
+{
+    return m_database.read(
+        Wait{Wait::Clock::now() + m_lifetimes.patience, true},
+        [&](Connection &connection) { return requireSignedIn(connection, accessToken); });
+}
+
+SignedIn Sessions::requireSignedIn(Connection &connection, const std::string &accessToken) const
 {
     static const std::string sql = "SELECT f.id, " + employeeColumns() +
                                    " FROM access_tokens a JOIN token_families f ON f.id = a.family_id"
                                    " JOIN employees e ON e.id = f.employee_id"
                                    " WHERE a.hash = :hash AND a.expires_at > :now AND f.revoked_at IS NULL";
-    auto caller = m_database.read([&](Connection &connection) {
-        return connection.first<SignedIn>(sql, tokenHash(accessToken), toMillis(m_clock()));
-    });
+    auto caller = connection.first<SignedIn>(sql, tokenHash(accessToken), toMillis(m_clock()));
     if (!caller)
         throw ApiError{401, "INVALID_TOKEN", "Please sign in again."};
     try {
@@ -112,9 +165,10 @@ SignedIn Sessions::signedIn(const std::string &accessToken)
 void Sessions::endAll(Connection &connection, const std::string &employeeId,
                       const std::string &exceptFamily) const
 {
-    connection.execute("UPDATE token_families SET revoked_at = :now"
+    const auto now = toMillis(m_clock());
+    connection.execute("UPDATE token_families SET revoked_at = :now, ends_at = :end"
                        " WHERE employee_id = :employee AND id <> :kept AND revoked_at IS NULL",
-                       toMillis(m_clock()), employeeId, exceptFamily);
+                       now, now, employeeId, exceptFamily);
 }
 
 void Sessions::requireLive(Connection &connection, const std::string &familyId)
@@ -124,25 +178,17 @@ void Sessions::requireLive(Connection &connection, const std::string &familyId)
         throw ApiError{401, "INVALID_TOKEN", "Please sign in again."};
 }
 
-TokenPair Sessions::issue(Connection &connection, const std::string &familyId, long long generation)
+TokenPair Sessions::issue(Connection &connection, const std::string &familyId, long long generation,
+                          Instant now) const
 {
-    const Instant now = m_clock();
     TokenPair pair{newToken(), newToken()};
     connection.execute(
         "INSERT INTO access_tokens (hash, family_id, expires_at) VALUES (:hash, :family, :expires)",
         tokenHash(pair.accessToken), familyId, toMillis(now + m_lifetimes.access));
     connection.execute("INSERT INTO refresh_tokens (hash, family_id, generation, expires_at)"
                        " VALUES (:hash, :family, :generation, :expires)",
-                       tokenHash(pair.refreshToken), familyId, generation,
-                       toMillis(now + m_lifetimes.refresh));
+                       tokenHash(pair.refreshToken), familyId, generation, endOf(now));
     return pair;
-}
-
-void Sessions::forgetExpired(Connection &connection)
-{
-    const auto now = toMillis(m_clock());
-    connection.execute("DELETE FROM access_tokens WHERE expires_at <= :now", now);
-    connection.execute("DELETE FROM refresh_tokens WHERE expires_at <= :now", now);
 }
 
 } // namespace clockwell::server

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "server/auth/AccountLimit.h"
 #include "server/auth/Accounts.h"
+#include "server/auth/RenewalPatience.h"
 #include "server/storage/Database.h"
 #include "server/storage/Instant.h"
 
@@ -15,7 +17,11 @@ struct SessionLifetimes
 {
     std::chrono::minutes access{15};
     std::chrono::hours refresh{24 * 30}; ///< from its issue; every refresh gives a new one
-    std::chrono::seconds grace{20}; ///< how long a used refresh token may come again: its reply may be lost
+    /// How long a used refresh token may come again, for its reply may be lost: longer than the app waits for
+    /// a reply, and until somebody has tried again.
+    std::chrono::seconds grace{120};
+    /// How long a renewal waits for a database that is held: less than the app waits.
+    std::chrono::milliseconds patience{std::chrono::seconds{20}};
 };
 
 struct TokenPair
@@ -38,8 +44,12 @@ struct SignedIn
 class Sessions
 {
 public:
-    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {})
-        : m_database(database), m_clock(std::move(clock)), m_lifetimes(lifetimes)
+    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {}, AccountLimits limits = {})
+        : m_database(database),
+          m_clock(std::move(clock)),
+          m_lifetimes(lifetimes),
+          m_limit(limits),
+          m_patience(lifetimes.patience)
     {}
 
     /// Starts a family for a device on which the employee has just signed in. Nothing when the password that
@@ -47,14 +57,17 @@ public:
     /// did not know of this one. Throws ApiError 403 for an account that may no longer sign in.
     std::optional<TokenPair> start(const Employee &checked, const std::string &deviceId);
 
-    /// Exchanges a refresh token for a new pair. Throws ApiError 401 for one that is unknown, expired,
-    /// revoked or replayed (which ends the family), and 403 for an account that may no longer sign in.
+    /// Exchanges a refresh token for a new pair, before everybody else who waits for the database. Throws
+    /// ApiError 401 for one that is unknown, expired, revoked or replayed (which ends the family), and 403
+    /// for an account that may no longer sign in.
     TokenPair refresh(const std::string &refreshToken);
 
     /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
-    /// also when the account was suspended meanwhile.
-    Employee authenticate(const std::string &accessToken) { return signedIn(accessToken).employee; }
-    SignedIn signedIn(const std::string &accessToken); ///< likewise, with the session
+    /// also when the account was suspended meanwhile, and 429 when the account sends too many requests.
+    SignedIn signedIn(const std::string &accessToken);
+
+    /// Likewise, before everybody else who waits for the database, and however many requests there were.
+    SignedIn signedInFirst(const std::string &accessToken);
 
     /// Ends the employee's sessions but the one named, as part of the caller's transaction.
     void endAll(Connection &connection, const std::string &employeeId,
@@ -64,12 +77,22 @@ public:
     static void requireLive(Connection &connection, const std::string &familyId);
 
 private:
-    TokenPair issue(Connection &connection, const std::string &familyId, long long generation);
-    void forgetExpired(Connection &connection);
+    struct PresentedToken;
+
+    Wait renewalWait(Wait::Clock::time_point began) { return {m_patience.until(began), true}; }
+    PresentedToken requirePresented(Connection &connection, const std::string &hash) const;
+    TokenPair issue(Connection &connection, const std::string &familyId, long long generation,
+                    Instant now) const;
+    long long endOf(Instant issued) const { return toMillis(issued + m_lifetimes.refresh); }
+    std::optional<TokenPair> exchange(Connection &connection, const PresentedToken &token,
+                                      const std::string &hash) const;
+    SignedIn requireSignedIn(Connection &connection, const std::string &accessToken) const;
 
     Database &m_database;
     Clock m_clock;
     SessionLifetimes m_lifetimes;
+    AccountLimit m_limit;
+    RenewalPatience m_patience;
 };
 
 } // namespace clockwell::server

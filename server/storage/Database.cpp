@@ -15,6 +15,8 @@ namespace clockwell::server {
 
 namespace {
 
+constexpr std::chrono::milliseconds lockTry{100}; // one try to get the lock from another process
+
 int secondsOf(const DatabaseOptions &options)
 {
     return static_cast<int>(options.patience.count());
@@ -64,7 +66,7 @@ void requirePrivate(const std::string &file)
 }
 
 Database::Database(const std::string &file, DatabaseOptions options)
-    : m_options(options), m_writer(madePrivate(file), secondsOf(options))
+    : m_options(options), m_reading(options.readers), m_writer(madePrivate(file), secondsOf(options))
 {
     try {
         prepareWriter();
@@ -87,7 +89,22 @@ void Database::prepareWriter()
         const auto pages = m_options.maximumBytes / static_cast<unsigned long long>(pageBytes);
         m_writer.execute("PRAGMA max_page_count = " + std::to_string(std::max(pages, 1ULL)));
     }
-    inTransaction(m_writer, "BEGIN IMMEDIATE", [](Connection &connection) { migrate(connection); });
+    m_writer.execute("PRAGMA busy_timeout = " + std::to_string(lockTry.count()));
+    write([](Connection &connection) { migrate(connection); });
+}
+
+/// Tries in slices, for SQLite waits for a lock always equally long.
+void Database::beginWriting(Wait::Clock::time_point until)
+{
+    while (true) {
+        try {
+            m_writer.execute("BEGIN IMMEDIATE");
+            return;
+        } catch (const DatabaseError &error) {
+            if (error.kind() != DatabaseError::Kind::Busy || Wait::Clock::now() >= until)
+                throw;
+        }
+    }
 }
 
 void Database::openReaders(const std::string &file)
@@ -108,28 +125,24 @@ void Database::rollBack(Connection &connection) noexcept
     }
 }
 
-DatabaseError Database::tooBusy()
+void Database::takeTurn(Turns &turns, const Wait &wait)
 {
-    return {DatabaseError::Kind::Busy, "no connection to the database became free in time"};
+    if (!turns.take(wait))
+        throw DatabaseError{DatabaseError::Kind::Busy, "no connection to the database became free in time"};
 }
 
 Connection *Database::takeReader()
 {
-    std::unique_lock lock{m_readersLock};
-    if (!m_readerFreed.wait_for(lock, m_options.patience, [this] { return !m_freeReaders.empty(); }))
-        throw tooBusy();
-    Connection *connection = m_freeReaders.back();
+    const std::lock_guard lock{m_readersLock};
+    Connection *connection = m_freeReaders.back(); // there is one for each turn
     m_freeReaders.pop_back();
     return connection;
 }
 
 void Database::giveReader(Connection *connection) noexcept
 {
-    {
-        const std::lock_guard lock{m_readersLock};
-        m_freeReaders.push_back(connection); // never grows beyond its first size, so never allocates
-    }
-    m_readerFreed.notify_one();
+    const std::lock_guard lock{m_readersLock};
+    m_freeReaders.push_back(connection); // never grows beyond its first size, so never allocates
 }
 
 } // namespace clockwell::server

@@ -2,10 +2,10 @@
 
 #include "server/storage/Connection.h"
 #include "server/storage/DatabaseError.h"
+#include "server/storage/Turns.h"
 
 #include <chrono>
 #include <concepts>
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -36,22 +36,36 @@ public:
 
     /// Runs `work(Connection &)` in a transaction that is the only one that writes, from its first statement
     /// on. When this returns, everything is on the disk; when it throws, nothing is. `work` runs at most
-    /// once.
+    /// once. Throws DatabaseError of kind Busy when its turn, and that among other processes, does not come
+    /// within the wait.
+    template <std::invocable<Connection &> Work>
+    auto write(const Wait &wait, Work work)
+    {
+        takeTurn(m_writing, wait);
+        const Turn turn{m_writing};
+        beginWriting(wait.until);
+        return finish(m_writer, std::move(work));
+    }
     template <std::invocable<Connection &> Work>
     auto write(Work work)
     {
-        std::unique_lock turn{m_writing, m_options.patience};
-        if (!turn)
-            throw tooBusy();
-        return inTransaction(m_writer, "BEGIN IMMEDIATE", std::move(work));
+        return write(ordinaryWait(), std::move(work));
     }
 
     /// Runs `work(Connection &)` on one unchanging view of the data, beside a writer if there is one.
     template <std::invocable<Connection &> Work>
+    auto read(const Wait &wait, Work work)
+    {
+        takeTurn(m_reading, wait);
+        const Turn turn{m_reading};
+        const ReaderLease lease{*this};
+        lease.connection().execute("BEGIN");
+        return finish(lease.connection(), std::move(work));
+    }
+    template <std::invocable<Connection &> Work>
     auto read(Work work)
     {
-        const ReaderLease lease{*this};
-        return inTransaction(lease.connection(), "BEGIN", std::move(work));
+        return read(ordinaryWait(), std::move(work));
     }
 
 private:
@@ -70,10 +84,10 @@ private:
         Connection *m_connection;
     };
 
+    /// Runs the work in the transaction that was begun, and ends it.
     template <class Work>
-    static auto inTransaction(Connection &connection, const char *begin, Work work)
+    static auto finish(Connection &connection, Work work)
     {
-        connection.execute(begin);
         try {
             if constexpr (std::is_void_v<std::invoke_result_t<Work, Connection &>>) {
                 work(connection);
@@ -90,18 +104,20 @@ private:
     }
 
     static void rollBack(Connection &connection) noexcept;
-    static DatabaseError tooBusy();
+    static void takeTurn(Turns &turns, const Wait &wait);
+    Wait ordinaryWait() const { return {Wait::Clock::now() + m_options.patience, false}; }
     void prepareWriter();
+    void beginWriting(Wait::Clock::time_point until);
     void openReaders(const std::string &file);
     Connection *takeReader();
     void giveReader(Connection *connection) noexcept;
 
     DatabaseOptions m_options;
-    std::timed_mutex m_writing;
+    Turns m_writing{1};
+    Turns m_reading;
     Connection m_writer;
     std::vector<std::unique_ptr<Connection>> m_readers;
     std::mutex m_readersLock; // guards m_freeReaders
-    std::condition_variable m_readerFreed;
     std::vector<Connection *> m_freeReaders;
 };
 

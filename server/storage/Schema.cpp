@@ -225,11 +225,23 @@ std::vector<std::string> correctionTables()
     return all;
 }
 
+std::vector<std::string> sessionEnds()
+{
+    return {
+        // When the last token of a session expires, or when it was ended: then it can be removed.
+        "ALTER TABLE token_families ADD COLUMN ends_at BIGINT NOT NULL DEFAULT 0",
+        "UPDATE token_families SET ends_at = COALESCE(revoked_at, (SELECT MAX(r.expires_at)"
+        " FROM refresh_tokens r WHERE r.family_id = token_families.id), 0)",
+        "CREATE INDEX token_families_by_end ON token_families (ends_at)",
+    };
+}
+
 } // namespace
 
 const std::vector<std::vector<std::string>> &schemaSteps()
 {
-    static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables(), correctionTables()};
+    static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables(), correctionTables(),
+                                                             sessionEnds()};
     return steps;
 }
 

@@ -141,4 +141,14 @@ TEST_F(AccountTimingTest, KnownAndUnknownAddressesTakeTheSameTime)
     expectAlike("signup", 201, [this](const std::string &email) { return signup(email); });
 }
 
+TEST_F(AccountTimingTest, AccountsWithAHashOfAnotherCostAreNotToldFromUnknownAddresses)
+{
+    Passwords former{{2, 16 * 1024 * 1024}};
+    const std::string hash = former.hash("Correct-Horse-7");
+    world.database().write([&](Connection &connection) {
+        connection.execute("UPDATE employees SET password_hash = :hash", hash);
+    });
+    expectAlike("login", 401, [this](const std::string &email) { return world.login(email, "wrong"); });
+}
+
 } // namespace clockwell::server::test

@@ -1,3 +1,4 @@
+#include "Contains.h"
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
@@ -9,15 +10,6 @@
 #include <fstream>
 
 namespace clockwell::server::test {
-
-namespace {
-
-bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-} // namespace
 
 /// A database file with one company and two offices, made without a server, and one applicant.
 class AdminEmployeesTest : public testing::Test

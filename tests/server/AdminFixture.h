@@ -1,16 +1,12 @@
 #pragma once
 
+#include "Contains.h"
 #include "ServerProcess.h"
 #include "World.h"
 
 #include <gtest/gtest.h>
 
 namespace clockwell::server::test {
-
-inline bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
-}
 
 /// A database file with the company "Sample Works" (code SW) and nothing else, made without a server, and the
 /// program that administers it.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Contains.h"
 #include "ServerProcess.h"
 #include "World.h"
 
@@ -47,10 +48,6 @@ protected:
     static void rename(const std::string &database, const std::string &fullName)
     {
         execute(database, "UPDATE employees SET full_name = '" + fullName + "'");
-    }
-    static bool contains(const std::string &text, const std::string &part)
-    {
-        return text.find(part) != std::string::npos;
     }
     /// How many files there are, to see that a command left nothing behind.
     std::size_t fileCount() const

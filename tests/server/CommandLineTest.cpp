@@ -1,3 +1,4 @@
+#include "Contains.h"
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
@@ -24,11 +25,6 @@ std::string signIn(std::uint16_t port, const std::string &password = "Clockwell-
         send(port, "POST", "/api/auth/login", "",
              nlohmann::json{{"email", email}, {"password", password}, {"deviceId", "dev-1"}}.dump());
     return reply.status == 200 ? reply.json().at("accessToken").get<std::string>() : std::string{};
-}
-
-bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 } // namespace
@@ -78,6 +74,8 @@ TEST(CommandLineTest, WrongValuesAreUsageErrorsThatShowARightOne)
     EXPECT_TRUE(contains(zone.errors, "Europe/Berlin"));
     EXPECT_EQ(runServer({"demo", "--database", "x.db", "--password", ""}).exitCode, 2);
     EXPECT_EQ(runServer({"serve", "--database", "x.db", "--login-attempts", "0"}).exitCode, 2);
+    EXPECT_EQ(runServer({"serve", "--database", "x.db", "--account-burst", "0"}).exitCode, 2);
+    EXPECT_EQ(runServer({"serve", "--database", "x.db", "--account-requests", "-1"}).exitCode, 2);
 }
 
 TEST(CommandLineTest, AddressInUseIsAFailure)
@@ -98,6 +96,21 @@ TEST(CommandLineTest, TerminationIsOrderly)
     ASSERT_NE(server.port(), 0);
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
     EXPECT_EQ(server.terminate(), 0);
+}
+
+TEST(CommandLineTest, RequestsOfAnAccountHaveALimit)
+{
+    const TempFolder folder;
+    runServer({"demo", "--database", folder.file("a.db")});
+    const auto third = [&](std::vector<std::string> options) {
+        const ServerProcess server{folder.file("a.db"), std::move(options)};
+        const std::string token = signIn(server.port());
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(send(server.port(), "GET", "/api/attendance/today", token).status, 200);
+        return send(server.port(), "GET", "/api/attendance/today", token).status;
+    };
+    EXPECT_EQ(third({"--account-requests", "1", "--account-burst", "2"}), 429);
+    EXPECT_EQ(third({"--account-requests", "0", "--account-burst", "2"}), 200);
 }
 
 TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Contains.h"
 #include "ServerProcess.h"
 #include "World.h"
 
@@ -97,10 +98,6 @@ protected:
         return world.get("/api/attendance/me/summary?month=" + month, token).json();
     }
 
-    static bool contains(const std::string &text, const std::string &part)
-    {
-        return text.find(part) != std::string::npos;
-    }
     static testing::AssertionResult fails(const ProcessResult &result, int exitCode, const std::string &words)
     {
         if (result.exitCode == exitCode && contains(result.errors, words))

@@ -188,6 +188,34 @@ TEST_F(LoginTest, RightPasswordForgetsTheFailures)
     }
 }
 
+TEST_F(LoginTest, WhatTheServerCannotJudgeIsNoWrongPassword)
+{
+    world.database().write(
+        [](Connection &connection) { connection.execute("ALTER TABLE employees RENAME TO hidden"); });
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(world.login().status, 500);
+    world.database().write(
+        [](Connection &connection) { connection.execute("ALTER TABLE hidden RENAME TO employees"); });
+    EXPECT_EQ(world.login().status, 200);
+}
+
+TEST_F(LoginTest, WhatTheServerCannotJudgeForgivesNoWrongPassword)
+{
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(world.login("kim@example.org", "wrong").status, 401);
+    world.database().write(
+        [](Connection &connection) { connection.execute("ALTER TABLE employees RENAME TO hidden"); });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 20; ++i)
+        threads.emplace_back([this] { world.login("kim@example.org", "wrong"); });
+    for (std::thread &thread : threads)
+        thread.join();
+    world.database().write(
+        [](Connection &connection) { connection.execute("ALTER TABLE hidden RENAME TO employees"); });
+    EXPECT_EQ(world.login("kim@example.org", "wrong").status, 401);
+    EXPECT_EQ(world.login().status, 429);
+}
+
 TEST(LoginTimingTest, UnknownAddressTakesAboutAsLongAsAWrongPassword)
 {
     Settings settings;

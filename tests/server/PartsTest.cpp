@@ -45,7 +45,7 @@ TEST(PasswordsTest, HashesAreSaltedArgon2idOfTheGivenCost)
 {
     Passwords passwords;
     const std::string hash = passwords.hash("secret");
-    EXPECT_EQ(hash.find("$argon2id$v=19$m=65536,t=2,p=1$"), 0U);
+    EXPECT_EQ(hash.find("$argon2id$v=19$m=19456,t=2,p=1$"), 0U);
     EXPECT_NE(hash, passwords.hash("secret"));
     EXPECT_TRUE(passwords.matches(hash, "secret"));
     EXPECT_FALSE(passwords.matches(hash, "Secret"));
@@ -70,50 +70,64 @@ TEST(LoginThrottleTest, ForgetsTheOneIdleForLongestWhenFull)
     Instant now{};
     LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{100}, .entries = 2},
                            [&] { return now; }};
-    throttle.begin("a", "x");
+    throttle.begin("a", "x").wasWrong();
     now += std::chrono::seconds{1};
-    throttle.begin("b", "x");
+    throttle.begin("b", "x").wasWrong();
     now += std::chrono::seconds{1};
-    throttle.begin("c", "x"); // forgets a
-    EXPECT_THROW(throttle.begin("c", "x"), ApiError);
-    throttle.begin("a", "x"); // forgets b
-    EXPECT_THROW(throttle.begin("c", "x"), ApiError);
+    throttle.begin("c", "x").wasWrong(); // forgets a
+    EXPECT_THROW(throttle.begin("c", "x").wasWrong(), ApiError);
+    throttle.begin("a", "x").wasWrong(); // forgets b
+    EXPECT_THROW(throttle.begin("c", "x").wasWrong(), ApiError);
 }
 
 TEST(LoginThrottleTest, CountsEachAddressOnItsOwn)
 {
     LoginThrottle throttle{{.attempts = 1}, [] { return Instant{}; }};
-    throttle.begin("a", "x");
-    throttle.begin("a", "y");
-    EXPECT_THROW(throttle.begin("a", "x"), ApiError);
+    throttle.begin("a", "x").wasWrong();
+    throttle.begin("a", "y").wasWrong();
+    EXPECT_THROW(throttle.begin("a", "x").wasWrong(), ApiError);
 }
 
 TEST(LoginThrottleTest, AddressesOfOneIpv6NetworkCountAsOne)
 {
     LoginThrottle throttle{{.attempts = 2}, [] { return Instant{}; }};
-    throttle.begin("a", "2001:db8:1:2::1");
-    throttle.begin("a", "2001:db8:1:2:ffff::9");
-    EXPECT_THROW(throttle.begin("a", "2001:db8:1:2::3"), ApiError);
-    EXPECT_NO_THROW(throttle.begin("a", "2001:db8:1:3::1"));
-    EXPECT_NO_THROW(throttle.begin("b", "2001:db8:1:2::1"));
-    throttle.succeed("a", "2001:db8:1:2::4");
-    EXPECT_NO_THROW(throttle.begin("a", "2001:db8:1:2::3"));
+    throttle.begin("a", "2001:db8:1:2::1").wasWrong();
+    throttle.begin("a", "2001:db8:1:2::2").wasRight();
+    throttle.begin("a", "2001:db8:1:2::1").wasWrong();
+    throttle.begin("a", "2001:db8:1:2:ffff::9").wasWrong();
+    EXPECT_THROW(throttle.begin("a", "2001:db8:1:2::3").wasWrong(), ApiError);
+    EXPECT_NO_THROW(throttle.begin("a", "2001:db8:1:3::1").wasWrong());
+    EXPECT_NO_THROW(throttle.begin("b", "2001:db8:1:2::1").wasWrong());
+}
+
+TEST(LoginThrottleTest, AttemptCountsWhileItIsJudgedAndNotWhenItCannotBe)
+{
+    LoginThrottle throttle{{.attempts = 3}, [] { return Instant{}; }};
+    throttle.begin("a", "x").wasWrong();
+    for (int round = 0; round < 5; ++round) {
+        const auto second = throttle.begin("a", "x");
+        const auto third = throttle.begin("a", "x");
+        EXPECT_THROW(throttle.begin("a", "x").wasWrong(), ApiError);
+    }
+    throttle.begin("a", "x").wasWrong();
+    throttle.begin("a", "x").wasWrong();
+    EXPECT_THROW(throttle.begin("a", "x").wasWrong(), ApiError);
 }
 
 TEST(LoginThrottleTest, ClockThatIsSetBackLocksNobodyOutForLongerThanTheWindow)
 {
     Instant now{std::chrono::hours{24 * 365}};
     LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
-    throttle.begin("a", "x");
+    throttle.begin("a", "x").wasWrong();
     now = Instant{};
     try {
-        throttle.begin("a", "x"); // counts on: setting the clock back buys no attempt either
+        throttle.begin("a", "x").wasWrong(); // counts on: setting the clock back buys no attempt either
         FAIL();
     } catch (const ApiError &error) {
         EXPECT_STREQ(error.what(), "Too many attempts to sign in. Please try again in 60 seconds.");
     }
     now += std::chrono::seconds{60};
-    EXPECT_NO_THROW(throttle.begin("a", "x"));
+    EXPECT_NO_THROW(throttle.begin("a", "x").wasWrong());
 }
 
 TEST(RateLimitTest, ClockThatIsSetBackLocksNobodyOutForLongerThanTheWindow)
@@ -136,10 +150,10 @@ TEST(LoginThrottleTest, ShortWaitsAreSaidInSeconds)
 {
     Instant now{};
     LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
-    throttle.begin("a", "x");
+    throttle.begin("a", "x").wasWrong();
     now += std::chrono::milliseconds{59'001};
     try {
-        throttle.begin("a", "x");
+        throttle.begin("a", "x").wasWrong();
         FAIL();
     } catch (const ApiError &error) {
         EXPECT_STREQ(error.what(), "Too many attempts to sign in. Please try again in 1 second.");

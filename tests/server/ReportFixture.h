@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Contains.h"
 #include "ServerProcess.h"
 #include "World.h"
 
@@ -53,11 +54,6 @@ protected:
     {
         words.insert(words.begin(), "2026-05");
         return report(world.databaseFile(), words);
-    }
-
-    static bool contains(const std::string &text, const std::string &part)
-    {
-        return text.find(part) != std::string::npos;
     }
 
     World world{"2026-05-18T06:00:00Z"};

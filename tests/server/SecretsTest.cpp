@@ -24,7 +24,7 @@ TEST(SecretsTest, NeitherFilesNorLogHoldASecret)
             secrets.push_back(pair.at("refreshToken"));
         }
         EXPECT_EQ(world.punch(renewed.at("accessToken")).status, 200);
-        world.advance(std::chrono::minutes{1});
+        world.advance(std::chrono::minutes{3});
         world.post("/api/auth/refresh", nlohmann::json{{"refreshToken", login.at("refreshToken")}}.dump());
         for (const char *suffix : {"", "-wal"})
             files += readFile(world.databaseFile() + suffix);
