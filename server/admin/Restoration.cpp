@@ -42,6 +42,8 @@ void requireReplaceable(const std::string &database)
 {
     try {
         requireDatabase(database);
+    } catch (const DatabaseError &error) { // it is one, but others may read it
+        throw refused(error.what());
     } catch (const std::runtime_error &error) {
         throw refused(error.what() + std::string{moveAway});
     }

@@ -41,7 +41,6 @@ const std::string &madePrivate(const std::string &file)
                             "The database " + file + " cannot be opened: " + reason.message() + "."};
     }
     ::close(descriptor);
-    requirePrivate(file);
     return file;
 }
 
@@ -57,7 +56,7 @@ void requirePrivate(const std::string &file)
         {};
         if (::stat(name.c_str(), &facts) == 0 && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
             throw DatabaseError{
-                DatabaseError::Kind::Unusable,
+                DatabaseError::Kind::Exposed,
                 "The file " + name +
                     " of the database can be read or written by others than its owner; it holds"
                     " password hashes and attendance. Try: chmod 600 " +
@@ -68,12 +67,15 @@ void requirePrivate(const std::string &file)
 Database::Database(const std::string &file, DatabaseOptions options)
     : m_options(options), m_reading(options.readers), m_writer(madePrivate(file), secondsOf(options))
 {
+    using Kind = DatabaseError::Kind;
     try {
+        m_writer.value<long long>("PRAGMA schema_version"); // whether it is a database at all
+        requirePrivate(file);
         prepareWriter();
         openReaders(file);
     } catch (const DatabaseError &error) {
-        if (error.kind() == DatabaseError::Kind::Newer)
-            throw;
+        if (error.kind() == Kind::Newer || error.kind() == Kind::Exposed)
+            throw; // says all in its own words
         throw DatabaseError{error.kind(), "The database " + file + " cannot be used: " + error.what() + "."};
     }
 }
@@ -87,7 +89,8 @@ void Database::prepareWriter()
     if (m_options.maximumBytes > 0) {
         const auto pageBytes = m_writer.value<long long>("PRAGMA page_size");
         const auto pages = m_options.maximumBytes / static_cast<unsigned long long>(pageBytes);
-        m_writer.execute("PRAGMA max_page_count = " + std::to_string(std::max(pages, 1ULL)));
+        // It answers with a row. Unread, that would keep the statement open, and tables from being changed.
+        m_writer.value<long long>("PRAGMA max_page_count = " + std::to_string(std::max(pages, 1ULL)));
     }
     m_writer.execute("PRAGMA busy_timeout = " + std::to_string(lockTry.count()));
     write([](Connection &connection) { migrate(connection); });

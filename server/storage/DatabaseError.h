@@ -16,6 +16,7 @@ public:
         Damaged,    ///< not a database, or a damaged one
         Constraint, ///< a row breaks a rule of the schema
         Newer,      ///< written by a newer version of this program
+        Exposed,    ///< others than the owner may read or write the file
         Unusable    ///< anything else: the file cannot be opened, an input/output error
     };
 

@@ -69,4 +69,11 @@ TEST(MigrationTest, DaysAndPunchesOfAnOlderVersionAreKept)
                  DatabaseError);
 }
 
+TEST(MigrationTest, WorksWithinALimitOfTheFileToo)
+{
+    const TempFolder folder;
+    makeOld(folder.file("a.db"), 2);
+    const Database database{folder.file("a.db"), {.maximumBytes = 1024ULL * 1024}};
+}
+
 } // namespace clockwell::server::test

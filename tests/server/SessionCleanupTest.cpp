@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace clockwell::server::test {
@@ -111,6 +112,7 @@ TEST(SessionCleanupUpgradeTest, SessionsOfAnOlderDatabaseAreRemovedOrKeptByTheir
     const long long now = toMillis(instantOf("2026-06-10T09:00:00Z"));
     {
         Connection connection{file, 1};
+        std::filesystem::permissions(file, std::filesystem::perms{0600});
         connection.execute("CREATE TABLE schema_migrations (version INTEGER NOT NULL PRIMARY KEY)");
         for (std::size_t step = 0; step < 2; ++step) {
             for (const std::string &statement : schemaSteps().at(step))
