@@ -62,6 +62,7 @@ std::string punchTable(const DayRecord &record)
     if (record.punches.empty())
         return "\nNo punches.\n";
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(record.punches.size());
     for (const PunchRecord &punch : record.punches)
         rows.push_back({punch.type, wallClockText(record.day.zone, fromMillis(punch.at)),
                         toIsoText(fromMillis(punch.at)), metresText(punch.distance)});
@@ -73,6 +74,7 @@ std::string correctionTable(const DayRecord &record)
     if (record.corrections.empty())
         return {};
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(record.corrections.size());
     for (const AuditEntry &entry : record.corrections)
         rows.push_back({toIsoText(fromMillis(entry.at)), whoText(entry), entry.command, changeText(entry),
                         entry.reason.value_or("-")});
