@@ -24,12 +24,16 @@ public:
     bool expired() const { return m_expired; }
 
 private:
-    void wait();
-    void expire();
+    static constexpr auto never = Clock::time_point::max();
+
+    void wakeAt(Clock::time_point time);
+    void woken();
 
     boost::asio::ip::tcp::socket &m_socket;
     boost::asio::steady_timer m_timer;
-    std::shared_ptr<unsigned> m_round; // counts settings; waiting handlers of earlier ones do nothing
+    std::shared_ptr<unsigned> m_round; // counts settings of the timer; handlers of earlier ones do nothing
+    Clock::time_point m_time = never;
+    Clock::time_point m_wake = never; // when the timer wakes; not after m_time, often long before
     bool m_expired = false;
 };
 
