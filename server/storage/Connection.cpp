@@ -23,8 +23,9 @@ namespace {
 
 } // namespace
 
-Connection::Connection(const std::string &file, int busySeconds)
-try : m_session(soci::sqlite3, "dbname=\"" + file + "\" timeout=" + std::to_string(busySeconds)) {
+Connection::Connection(const std::string &file, int busySeconds, Access access)
+try : m_session(soci::sqlite3, "dbname=\"" + file + "\" timeout=" + std::to_string(busySeconds) +
+                                   (access == Access::ReadOnly ? " readonly=1" : "")) {
 } catch (...) {
     rethrowTranslated(0);
 }

@@ -21,8 +21,13 @@ namespace clockwell::server {
 class Connection
 {
 public:
+    enum class Access {
+        Full,    ///< makes the file when it is not there
+        ReadOnly ///< throws when the file is not there
+    };
+
     /// `busySeconds`: how long a statement waits for another process's lock.
-    Connection(const std::string &file, int busySeconds);
+    Connection(const std::string &file, int busySeconds, Access access = Access::Full);
 
     /// Runs a statement without a result; returns how many rows it changed.
     template <class... Arguments>
