@@ -1,5 +1,6 @@
 #include "server/Application.h"
 
+#include "server/auth/RequestAccount.h"
 #include "server/http/AccessLog.h"
 #include "server/http/ApiError.h"
 #include "server/http/JsonReply.h"
@@ -66,6 +67,11 @@ Application::Application(Database &database, Clock clock, const Settings &settin
     m_router.add(m_signup.routes());
     m_router.add(m_password.routes());
     m_router.add(m_attendance.routes());
+}
+
+Triage Application::triage() const
+{
+    return {[this](const Request &request) { return m_router.laneOf(request); }, accountOf};
 }
 
 Response Application::handle(const Request &request) const

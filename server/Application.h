@@ -42,8 +42,8 @@ public:
     /// Leaves a request for the renewal of a session unanswered when it cannot decide it.
     Response handle(const Request &request) const;
 
-    /// Whose work a request is, told by its method and path.
-    Lane laneOf(const Request &request) const { return m_router.laneOf(request); }
+    /// Whose work a request is. Refers to this.
+    Triage triage() const;
 
 private:
     Response answer(const Request &request) const;

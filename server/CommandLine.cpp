@@ -1,6 +1,7 @@
 #include "server/CommandLine.h"
 
 #include "server/ServeCommand.h"
+#include "server/TrafficOptions.h"
 #include "server/admin/AdminCommand.h"
 #include "server/demo/DemoCommand.h"
 #include "server/http/ListenAddress.h"
@@ -85,12 +86,19 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
         ->type_name("ADDRESS:PORT")
         ->check(listenProblem)
         ->capture_default_str();
-    auto *certificate =
-        serve->add_option("--certificate", options.certificateFile, "PEM certificate chain; turns HTTPS on")
-            ->envname("CLOCKWELL_CERTIFICATE")
-            ->type_name("FILE");
+    serve
+        ->add_option("--operator-listen", options.operatorListen,
+                     "Another address and port, which answers /health and /ready")
+        ->envname("CLOCKWELL_OPERATOR_LISTEN")
+        ->type_name("ADDRESS:PORT")
+        ->check(listenProblem);
+    auto *certificate = serve
+                            ->add_option("--certificate", options.http.certificateFile,
+                                         "PEM certificate chain; turns HTTPS on")
+                            ->envname("CLOCKWELL_CERTIFICATE")
+                            ->type_name("FILE");
     auto *key =
-        serve->add_option("--private-key", options.privateKeyFile, "PEM private key of the certificate")
+        serve->add_option("--private-key", options.http.privateKeyFile, "PEM private key of the certificate")
             ->envname("CLOCKWELL_PRIVATE_KEY")
             ->type_name("FILE");
     certificate->needs(key);
@@ -115,6 +123,7 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
         ->default_str("90 (demonstration: 5)");
     addAccounts(*serve, options);
     addCodes(*serve, options);
+    addTrafficOptions(*serve, options.http);
     serve->callback([&] { run = [&] { return runServe(options); }; });
 }
 

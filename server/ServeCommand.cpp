@@ -1,17 +1,21 @@
 #include "server/ServeCommand.h"
 
 #include "server/Application.h"
+#include "server/OperatorServer.h"
 #include "server/demo/DemoData.h"
+#include "server/http/DescriptorLimit.h"
 #include "server/http/HttpServer.h"
 #include "server/http/ListenAddress.h"
 #include "server/http/StopSignal.h"
 #include "server/mail/MailQueue.h"
+#include "server/storage/Readiness.h"
 
 #include <spdlog/spdlog.h>
 
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <stdexcept>
 #include <system_error>
 
@@ -22,11 +26,10 @@ namespace {
 HttpServer::Options httpOptions(const ServeCommandOptions &options)
 {
     const ListenAddress listen = parseListenAddress(options.listen).value();
-    HttpServer::Options http;
+    HttpServer::Options http = options.http;
     http.address = listen.address;
     http.port = listen.port;
-    http.certificateFile = options.certificateFile;
-    http.privateKeyFile = options.privateKeyFile;
+    makeRoomForConnections(http);
     return http;
 }
 
@@ -48,12 +51,21 @@ Settings settingsOf(const ServeCommandOptions &options, Database &database)
     return settings;
 }
 
-DatabaseOptions databaseOptions(const ServeCommandOptions &options)
+DatabaseOptions databaseOptions(const ServeCommandOptions &options, const HttpServer::Options &http)
 {
     constexpr unsigned long long megabyte = 1024ULL * 1024;
     DatabaseOptions database;
     database.maximumBytes = options.databaseLimitMegabytes * megabyte;
+    database.readers = std::size_t{http.renewalThreads} + http.signedInThreads + http.passwordThreads;
     return database;
+}
+
+std::unique_ptr<OperatorServer> operatorServer(const ServeCommandOptions &options, const HttpServer &main)
+{
+    if (options.operatorListen.empty())
+        return nullptr;
+    return std::make_unique<OperatorServer>(parseListenAddress(options.operatorListen).value(), main,
+                                            [file = options.database] { requireReadableDatabase(file); });
 }
 
 /// Whoever waits for the file finds it complete or not at all.
@@ -76,12 +88,14 @@ int runServe(const ServeCommandOptions &options)
 {
     const HttpServer::Options http = httpOptions(options);
     StopSignal stopSignal; // before any thread is started
-    Database database{options.database, databaseOptions(options)};
+    Database database{options.database, databaseOptions(options, http)};
     MailQueue mail{openMail(options.mail, options.database)};
     const Settings settings = settingsOf(options, database);
     Application application{database, systemClock(), settings,
                             [&mail](Mail message) { mail.post(std::move(message)); }};
-    HttpServer server{http, [&application](const Request &request) { return application.handle(request); }};
+    HttpServer server{http, [&application](const Request &request) { return application.handle(request); },
+                      application.triage()};
+    auto operators = operatorServer(options, server);
     server.start();
     const bool encrypted = !http.certificateFile.empty();
     spdlog::info("event=listening address={} port={} scheme={} repeat_window={}s", http.address,
@@ -90,6 +104,10 @@ int runServe(const ServeCommandOptions &options)
         spdlog::warn(
             "event=unencrypted advice=\"give --certificate and --private-key, or listen on 127.0.0.1 behind"
             " a proxy that encrypts: passwords travel in requests\"");
+    if (operators) {
+        operators->start();
+        spdlog::info("event=operatorListening port={}", operators->port());
+    }
     if (!options.portFile.empty())
         writePortFile(options.portFile, server.port());
     const int signal = stopSignal.waitThenStop(server);

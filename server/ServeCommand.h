@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/http/HttpOptions.h"
 #include "server/mail/MailSettings.h"
 
 #include <optional>
@@ -11,10 +12,10 @@ struct ServeCommandOptions
 {
     std::string database;
     std::string listen = "127.0.0.1:8460"; ///< of a form that parseListenAddress() reads
-    std::string certificateFile;
-    std::string privateKeyFile;
-    std::string portFile;                ///< empty: none is written
-    unsigned databaseLimitMegabytes = 0; ///< 0: no limit
+    std::string operatorListen;            ///< likewise; empty: nowhere
+    HttpOptions http;                      ///< but for the address
+    std::string portFile;                  ///< empty: none is written
+    unsigned databaseLimitMegabytes = 0;   ///< 0: no limit
     unsigned loginAttempts = 5;
     unsigned loginWindowSeconds = 900;
     std::optional<unsigned> repeatWindowSeconds; ///< none: 90, and 5 for the demonstration

@@ -89,7 +89,6 @@ int run(const std::filesystem::path &directory)
     const auto tokens = signIn(database, (rounds + 1) * punchesARound);
     Application application(database, systemClock());
     HttpServer::Options options;
-    options.requestsPerMinute = 0; // one machine stands for many offices
     options.logger =
         std::make_shared<spdlog::logger>("none", std::make_shared<spdlog::sinks::null_sink_mt>());
     HttpServer http(options, [&](const Request &request) { return application.handle(request); });

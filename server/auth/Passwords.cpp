@@ -3,7 +3,6 @@
 #include "server/auth/PasswordText.h"
 #include "server/auth/Sodium.h"
 #include "server/auth/Tokens.h"
-#include "server/http/ApiError.h"
 
 #include <sodium.h>
 
@@ -12,38 +11,12 @@
 
 namespace clockwell::server {
 
-namespace {
-
-constexpr std::chrono::seconds longestQueue{10};
-
-} // namespace
-
-class Passwords::Turn
-{
-public:
-    explicit Turn(std::counting_semaphore<> &turns) : m_turns(turns)
-    {
-        if (!m_turns.try_acquire_for(longestQueue))
-            throw ApiError{503, "BUSY", "The server is busy. Please try again in a moment."}.retryAfter(
-                std::chrono::seconds{5});
-    }
-    ~Turn() { m_turns.release(); }
-    Turn(const Turn &) = delete;
-    Turn &operator=(const Turn &) = delete;
-
-private:
-    std::counting_semaphore<> &m_turns;
-};
-
-Passwords::Passwords(PasswordCost cost, std::ptrdiff_t atOnce)
-    : m_cost(cost), m_turns(atOnce), m_nobodysHash(hash(newToken()))
-{}
+Passwords::Passwords(PasswordCost cost) : m_cost(cost), m_nobodysHash(hash(newToken())) {}
 
 std::string Passwords::hash(const std::string &password)
 {
     requireSodium();
     const std::string prepared = preparedPassword(password);
-    const Turn turn{m_turns};
     std::array<char, crypto_pwhash_STRBYTES> text{};
     if (crypto_pwhash_str_alg(text.data(), prepared.data(), prepared.size(), m_cost.passes, m_cost.bytes,
                               crypto_pwhash_ALG_ARGON2ID13) != 0)
@@ -55,7 +28,6 @@ bool Passwords::matches(const std::string &storedHash, const std::string &passwo
 {
     requireSodium();
     const std::string prepared = preparedPassword(password);
-    const Turn turn{m_turns};
     return crypto_pwhash_str_verify(storedHash.c_str(), prepared.data(), prepared.size()) == 0;
 }
 

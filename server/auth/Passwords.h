@@ -1,8 +1,6 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
-#include <semaphore>
 #include <string>
 
 namespace clockwell::server {
@@ -15,21 +13,20 @@ struct PasswordCost
     std::size_t bytes = 19ULL * 1024 * 1024;
 };
 
-/// Hashes and checks passwords with argon2id. Safe on several threads; only a few computations run at once,
-/// so that a burst of sign-ins cannot exhaust the machine's memory. Passwords are valid UTF-8; ways to write
-/// the same characters are the same password.
+/// Hashes and checks passwords with argon2id. Safe on several threads; as many computations run at once, each
+/// with the memory of its cost. Passwords are valid UTF-8; ways to write the same characters are the same
+/// password.
 class Passwords
 {
 public:
     static constexpr std::size_t longestPassword = 1024; ///< bytes
 
-    explicit Passwords(PasswordCost cost = {}, std::ptrdiff_t atOnce = 2);
+    explicit Passwords(PasswordCost cost = {});
 
-    /// The text to store; it names its own salt and cost. Throws ApiError 503 when the queue is too long.
+    /// The text to store; it names its own salt and cost. Throws std::bad_alloc.
     std::string hash(const std::string &password);
 
-    /// Takes the same time for every `storedHash` of the same cost. Throws ApiError 503 when the queue is too
-    /// long.
+    /// Takes the same time for every `storedHash` of the same cost.
     bool matches(const std::string &storedHash, const std::string &password);
 
     /// Whether a stored hash has another cost than those that are made now.
@@ -42,10 +39,7 @@ public:
     bool matchesNobody(const std::string &password) { return matches(m_nobodysHash, password) && false; }
 
 private:
-    class Turn;
-
     PasswordCost m_cost;
-    std::counting_semaphore<> m_turns;
     std::string m_nobodysHash; // of a random password
 };
 

@@ -20,6 +20,7 @@ using asio::awaitable;
 namespace {
 
 constexpr std::size_t readSize = 16 * 1024;
+constexpr std::size_t idleReadSize = 1024; // kept by each idle connection; most requests fit into it
 constexpr std::size_t lingerBytes = 8 * 1024 * 1024; // what a peer may still send after its last answer
 constexpr long busyRetrySeconds = 1;
 constexpr int noAnswer = 0; // the status in the log of a request whose connection was closed instead
@@ -34,13 +35,15 @@ long wholeSeconds(std::chrono::milliseconds time)
 
 } // namespace
 
-HttpConnection::HttpConnection(Stream::Socket socket, ServerContext &context, bool overLimit)
+HttpConnection::HttpConnection(Stream::Socket socket, const asio::ip::address &peer, ServerContext &context,
+                               Seat::Kind kind)
     : m_context(context),
       m_stream(std::move(socket), context.tls.get()),
       m_deadline(m_stream.socket()),
-      m_remoteAddress(peerAddress(m_stream.socket()).to_string()),
-      m_throttleKey(throttleKeyOf(peerAddress(m_stream.socket()))),
-      m_overLimit(overLimit)
+      m_remoteAddress(peer.to_string()),
+      m_network(throttleKeyOf(peer)),
+      m_peer(m_stream.socket().native_handle()),
+      m_seat(context.seating, m_network, kind, [this] { cutOff(); })
 {
     boost::system::error_code ignored;
     m_stream.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
@@ -71,19 +74,13 @@ awaitable<bool> HttpConnection::handshake()
 
 awaitable<void> HttpConnection::serveRequests()
 {
-    if (m_overLimit) {
-        m_requestId = m_context.ids.next();
-        const std::size_t bytes = co_await write(encode(toResponse(refusals::busy, busyRetrySeconds)).text);
-        m_context.log.answered(m_requestId, "-", "-", refusals::busy.status, {}, bytes);
-        co_return;
-    }
     do {
         const bool arrived = co_await awaitRequest();
         if (!arrived)
             co_return;
         co_await serveRequest();
         m_firstRequest = false;
-    } while (m_keepAlive && !m_broken);
+    } while (m_keepAlive && !m_broken && !m_seat.isGuest());
 }
 
 bool HttpConnection::nothingArrived()
@@ -104,6 +101,7 @@ void HttpConnection::cutOff()
 {
     m_broken = true;
     m_deadline.clear();
+    m_peer.release();
     boost::system::error_code ignored;
     m_stream.socket().close(ignored);
 }
@@ -115,11 +113,14 @@ awaitable<bool> HttpConnection::awaitRequest()
         co_return true; // sent ahead, with an earlier request
     if (m_stopping && nothingArrived())
         co_return false;
+    std::string().swap(m_buffer); // 20,000 idle connections would keep as many times 16 KiB
     const auto &options = m_context.options;
     m_deadline.setAt(Clock::now() + (m_firstRequest ? options.headDeadline : options.idleDeadline));
+    m_seat.wait();
     m_idle = true;
     const bool arrived = co_await readSome();
     m_idle = false;
+    m_seat.wait(); // it has just been heard of
     co_return arrived;
 }
 
@@ -137,14 +138,20 @@ awaitable<void> HttpConnection::serveRequest()
         std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - m_requestStart);
     m_context.log.answered(m_requestId, m_parser->methodAsSent(), m_parser->path(), encoded.status, duration,
                            bytes);
+    countFailure(encoded.status);
+    m_parser.reset();
 }
 
 awaitable<Response> HttpConnection::answer()
 {
+    m_lane = Lane::SignedIn;
+    m_canFlood = true;
     const auto headRefusal = co_await readHead();
     if (headRefusal)
         co_return refuse(*headRefusal);
     m_keepAlive = m_parser->keepAlive();
+    m_lane = m_context.lanes.laneOf(m_parser->request());
+    m_canFlood = m_lane == Lane::SignedIn && m_parser->request().authorization.empty();
     if (auto response = answerAtOnce()) {
         // A body that nobody reads would be taken for the next request.
         m_keepAlive = m_keepAlive && m_parser->complete();
@@ -154,27 +161,41 @@ awaitable<Response> HttpConnection::answer()
     if (bodyRefusal)
         co_return refuse(*bodyRefusal);
     m_deadline.clear();
+    m_seat.hold();
     Request request = m_parser->takeRequest();
     request.remoteAddress = m_remoteAddress;
     request.requestId = m_requestId;
-    auto response = co_await m_context.pool.run(std::move(request));
-    co_return response ? std::move(*response) : toResponse(refusals::busy, busyRetrySeconds);
+    co_return co_await m_context.lanes.run(m_lane, std::move(request), m_network, m_peer);
 }
 
-/// After a refusal the framing of what follows is unknown, so the connection ends with it.
+/// After a refusal the framing of what follows is unknown, so the connection ends with it. A renewal that did
+/// not arrive whole is left unanswered: the app would take the refusal for the end of its session.
 Response HttpConnection::refuse(const Refusal &refusal)
 {
     m_keepAlive = false;
-    return toResponse(refusal);
+    Response response = toResponse(refusal);
+    response.unanswered = m_lane == Lane::Renewal && !m_parser->refusal();
+    return response;
 }
 
-/// What needs no worker: the health check, OPTIONS, and a client that asks too often.
+void HttpConnection::countFailure(int status)
+{
+    constexpr int firstFailure = 400, firstServerError = 500;
+    if (m_canFlood && status >= firstFailure && status < firstServerError &&
+        status != refusals::throttled.status)
+        m_context.failures.take(m_network, Throttle::Clock::now());
+}
+
+/// What needs no worker: the health check, OPTIONS, a client that fails too often, and a guest.
 std::optional<Response> HttpConnection::answerAtOnce()
 {
     const Request &request = m_parser->request();
     if (request.path == "/health" && request.method == "GET")
         return Response{200, R"({"status":"ok"})", "application/json", {}};
-    const auto wait = m_context.throttle.take(m_throttleKey, Throttle::Clock::now());
+    if (m_seat.isGuest() && m_lane != Lane::Renewal)
+        return toResponse(refusals::busy, busyRetrySeconds);
+    const auto wait = m_canFlood ? m_context.failures.waitFor(m_network, Throttle::Clock::now())
+                                 : std::chrono::milliseconds::zero();
     if (wait > wait.zero())
         return toResponse(refusals::throttled, wholeSeconds(wait));
     if (request.method == "OPTIONS")
@@ -218,16 +239,17 @@ awaitable<std::optional<Refusal>> HttpConnection::fillParser(bool (RequestParser
 awaitable<bool> HttpConnection::readSome()
 {
     const std::size_t before = m_buffer.size();
-    m_buffer.resize(before + readSize);
+    const std::size_t room = m_idle ? idleReadSize : readSize;
+    m_buffer.resize(before + room);
     const auto [error, count] =
-        co_await m_stream.async_read_some(asio::buffer(m_buffer.data() + before, readSize), withoutThrowing);
+        co_await m_stream.async_read_some(asio::buffer(m_buffer.data() + before, room), withoutThrowing);
     m_buffer.resize(before + count);
     co_return !error && !m_deadline.expired();
 }
 
 HttpConnection::Encoded HttpConnection::encode(const Response &response)
 {
-    m_keepAlive = m_keepAlive && !m_stopping;
+    m_keepAlive = m_keepAlive && !m_stopping && !m_seat.isGuest();
     const bool parsed = m_parser && m_parser->headComplete();
     const ResponseFraming framing{m_keepAlive, parsed && m_parser->isHttp10(), parsed && m_parser->isHead()};
     try {
@@ -254,6 +276,7 @@ awaitable<void> HttpConnection::close()
 {
     if (m_broken)
         co_return;
+    m_seat.wait();
     m_deadline.setAt(Clock::now() + m_context.options.lingerDeadline);
     if (m_stream.hasTls())
         co_await m_stream.tls().async_shutdown(withoutThrowing);

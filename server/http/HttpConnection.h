@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Deadline.h"
+#include "PeerWatch.h"
 #include "RequestParser.h"
+#include "Seating.h"
 #include "ServerContext.h"
 #include "Stream.h"
 
@@ -20,8 +22,10 @@ class HttpConnection
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// `context` must outlive the connection. A connection over the limit answers 503 without reading.
-    HttpConnection(Stream::Socket socket, ServerContext &context, bool overLimit);
+    /// `peer` is the other end's address; `context` must outlive the connection. A guest's one request is
+    /// served if it is a renewal, and gets 503 if not.
+    HttpConnection(Stream::Socket socket, const boost::asio::ip::address &peer, ServerContext &context,
+                   Seat::Kind kind);
 
     /// Ends with the connection; the caller keeps the object alive until then.
     boost::asio::awaitable<void> run();
@@ -51,6 +55,7 @@ private:
     boost::asio::awaitable<void> close();
 
     std::optional<Response> answerAtOnce();
+    void countFailure(int status);
     Response refuse(const Refusal &refusal);
     Encoded encode(const Response &response);
     bool nothingArrived();
@@ -59,12 +64,15 @@ private:
     Stream m_stream;
     Deadline m_deadline;
     std::string m_remoteAddress;
-    std::string m_throttleKey;
+    std::string m_network; // what limits by address count by
+    PeerWatch m_peer;
+    Seat m_seat;
     std::string m_buffer; // bytes read and not yet used, and while reading room for more
     std::string m_requestId;
     Clock::time_point m_requestStart{};
     std::optional<RequestParser> m_parser;
-    const bool m_overLimit;
+    Lane m_lane = Lane::SignedIn; // of the request under way, once its head is complete
+    bool m_canFlood = true; // the request under way stands for nobody and its lane has no limits of its own
     bool m_firstRequest = true;
     bool m_idle = false; // waits for the first byte of a request
     bool m_stopping = false;

@@ -15,6 +15,7 @@ namespace clockwell::server {
 /// Where the server listens and how much it lets a client take. Sizes are in bytes.
 struct HttpOptions
 {
+    static constexpr std::chrono::milliseconds defaultPasswordWait = std::chrono::seconds(20);
     static constexpr std::chrono::milliseconds defaultHeadDeadline = std::chrono::seconds(10);
     static constexpr std::chrono::milliseconds defaultRequestDeadline = std::chrono::seconds(30);
     static constexpr std::chrono::milliseconds defaultWriteDeadline = std::chrono::seconds(30);
@@ -27,10 +28,22 @@ struct HttpOptions
     std::string certificateFile;       ///< PEM chain; with privateKeyFile it turns TLS (1.2 and later) on
     std::string privateKeyFile;        ///< PEM
 
-    unsigned workerThreads = 4;
-    std::size_t workerQueueLimit = 256;  ///< requests that may wait for a worker; more get 503
-    std::size_t maxConnections = 1024;   ///< more get 503
-    std::size_t bodyLimit = 1024 * 1024; ///< 413 above, also for chunked bodies
+    unsigned renewalThreads = 2;  ///< of the lane of renewals
+    unsigned signedInThreads = 4; ///< of the lane of those who are signed in
+    unsigned passwordThreads = 2; ///< of the lane of passwords, at low priority
+    /// A request of the lane of passwords that would have to wait for longer is refused with 503: the app
+    /// gives up on an answer after 25 seconds.
+    std::chrono::milliseconds passwordWait = defaultPasswordWait;
+    std::size_t passwordsPerNetwork = 1000; ///< that may wait in that lane from one address; 503 beyond
+    std::size_t passwordsPerAccount = 32;   ///< that may wait in that lane for one account; 503 beyond
+
+    /// A newcomer beyond these takes the place of the connection that has waited longest for its client, of
+    /// all or of its own address (IPv6: /64 network). If none waits, it gets 503, unless it renews a session.
+    std::size_t maxConnections = 20'000;
+    std::size_t connectionsPerNetwork = 10'000;
+    std::size_t guestConnections = 256; ///< beyond the limits, to tell the two apart; more are just closed
+
+    std::size_t bodyLimit = 16 * 1024;   ///< 413 above, also for chunked bodies
     std::size_t headerLimit = 16 * 1024; ///< request line and header fields together, 431 above
 
     /// For the TLS handshake, from there to the first byte of the first request, and from the first byte of
@@ -44,11 +57,11 @@ struct HttpOptions
         defaultLingerDeadline;                                    ///< for a peer to read the last response
     std::chrono::milliseconds stopDeadline = defaultStopDeadline; ///< for requests in flight at stop()
 
-    /// Requests that one address (IPv6: one /64 network) may make; 429 above, 0 switches it off. All
-    /// employees of an office usually come from one address, hence the generous numbers; the health check is
-    /// not counted.
-    unsigned requestsPerMinute = 6000;
-    unsigned requestBurst = 2000;
+    /// Requests of one address (IPv6: /64 network) that may fail with a 4xx; 429 for more, 0 switches it off.
+    /// Counted and refused is only what carries no token and is neither a renewal nor about a password: who
+    /// is signed in has limits by account, whatever others at the same address do.
+    unsigned failuresPerMinute = 6000;
+    unsigned failureBurst = 20'000;
 
     std::shared_ptr<spdlog::logger> logger; ///< null: spdlog's default logger
 };

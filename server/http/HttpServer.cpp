@@ -8,6 +8,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 
+#include <atomic>
 #include <stdexcept>
 #include <thread>
 
@@ -22,10 +23,14 @@ constexpr std::chrono::seconds cutOffDeadline(2); // for connections to notice t
 class HttpServer::Impl
 {
 public:
-    Impl(Options options, Handler handler) : m_options(std::move(options)), m_handler(std::move(handler)) {}
+    Impl(Options options, Handler handler, Triage triage)
+        : m_options(std::move(options)), m_handler(std::move(handler)), m_triage(std::move(triage))
+    {}
 
     void start();
     void stop();
+    void reloadCertificate();
+    bool isStopping() const { return m_stopping; }
     std::uint16_t port() const { return m_listener ? m_listener->port() : std::uint16_t(0); }
 
 private:
@@ -33,6 +38,8 @@ private:
 
     const Options m_options;
     Handler m_handler;
+    Triage m_triage;
+    std::atomic<bool> m_stopping{false};
     std::unique_ptr<ServerContext> m_context; // outlives the I/O context, whose connections use it
     asio::io_context m_io{1};
     asio::executor_work_guard<asio::io_context::executor_type> m_work{m_io.get_executor()};
@@ -46,7 +53,8 @@ void HttpServer::Impl::start()
         throw std::logic_error("the server was started before");
     auto tls = makeTlsContext(m_options.certificateFile, m_options.privateKeyFile);
     auto acceptor = Listener::bind(m_io, m_options.address, m_options.port);
-    m_context = std::make_unique<ServerContext>(m_options, std::move(m_handler), std::move(tls));
+    m_context =
+        std::make_unique<ServerContext>(m_options, std::move(m_handler), std::move(m_triage), std::move(tls));
     m_listener = std::make_unique<Listener>(std::move(acceptor), *m_context);
     m_listener->start();
     m_ioThread = std::thread([this] { runIo(); });
@@ -67,20 +75,34 @@ void HttpServer::Impl::stop()
 {
     if (!m_ioThread.joinable())
         return;
+    m_stopping = true;
     asio::post(m_io, [this] { m_listener->stopSoon(); });
     if (!m_listener->waitUntilIdle(m_options.stopDeadline))
         m_context->log.trouble("stopDeadline", "requests in flight are cut off");
-    m_context->pool.abandonQueue();
+    m_context->lanes.abandonQueues();
     asio::post(m_io, [this] { m_listener->cutOff(); });
-    m_context->pool.join();
+    m_context->lanes.join();
     m_listener->waitUntilIdle(cutOffDeadline);
     m_work.reset();
     m_io.stop();
     m_ioThread.join();
 }
 
-HttpServer::HttpServer(Options options, Handler handler)
-    : m_impl(std::make_unique<Impl>(std::move(options), std::move(handler)))
+void HttpServer::Impl::reloadCertificate()
+{
+    if (!m_ioThread.joinable())
+        return;
+    try {
+        const std::shared_ptr tls = makeTlsContext(m_options.certificateFile, m_options.privateKeyFile);
+        asio::post(m_io, [this, tls] { m_context->tls = tls; });
+        m_context->log.notice("certificateReloaded", tls ? m_options.certificateFile : "none is used");
+    } catch (const std::runtime_error &error) {
+        m_context->log.trouble("certificateKept", error.what());
+    }
+}
+
+HttpServer::HttpServer(Options options, Handler handler, Triage triage)
+    : m_impl(std::make_unique<Impl>(std::move(options), std::move(handler), std::move(triage)))
 {}
 
 HttpServer::~HttpServer()
@@ -96,6 +118,16 @@ void HttpServer::start()
 std::uint16_t HttpServer::port() const
 {
     return m_impl->port();
+}
+
+void HttpServer::reloadCertificate()
+{
+    m_impl->reloadCertificate();
+}
+
+bool HttpServer::isStopping() const
+{
+    return m_impl->isStopping();
 }
 
 void HttpServer::stop()

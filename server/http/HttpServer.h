@@ -8,7 +8,7 @@
 
 namespace clockwell::server {
 
-/// An HTTP/1.1 server: one I/O thread that never blocks and a pool of workers that run the handler. It
+/// An HTTP/1.1 server: one I/O thread that never blocks, and lanes of workers that run the handler. It
 /// answers "GET /health", OPTIONS and every malformed or excessive request by itself; a HEAD reaches the
 /// handler as a GET. Start and stop it from one thread of the owner, which must not be a worker.
 class HttpServer
@@ -16,7 +16,7 @@ class HttpServer
 public:
     using Options = HttpOptions;
 
-    HttpServer(Options options, Handler handler);
+    HttpServer(Options options, Handler handler, Triage triage = {});
     ~HttpServer(); ///< stops
     HttpServer(const HttpServer &) = delete;
     HttpServer &operator=(const HttpServer &) = delete;
@@ -27,6 +27,13 @@ public:
 
     /// The port that is listened on, also when 0 was asked for. 0 before start().
     std::uint16_t port() const;
+
+    /// Reads certificate and key again for the handshakes to come; goes on with those it has when they cannot
+    /// be used. The log says which. On the owner's thread.
+    void reloadCertificate();
+
+    /// True from the beginning of stop() on. Any thread.
+    bool isStopping() const;
 
     /// Accepts no more, closes idle connections, gives requests in flight up to `stopDeadline`, closes the
     /// rest. Then it waits for handlers that still run: a handler must end by itself. Further calls do

@@ -1,5 +1,7 @@
 #include "Listener.h"
 
+#include "PeerAddress.h"
+
 #include <boost/asio/as_tuple.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
@@ -16,8 +18,6 @@ using asio::ip::tcp;
 namespace {
 
 constexpr std::chrono::milliseconds acceptRetryDelay(100); // when the system is out of descriptors or memory
-constexpr std::size_t refusalSlots =
-    64; // connections over the limit that still get a 503; others are just closed
 
 } // namespace
 
@@ -57,7 +57,7 @@ asio::awaitable<void> Listener::acceptConnections()
     while (!m_stopping) {
         auto [error, socket] = co_await m_acceptor.async_accept(asio::as_tuple(asio::use_awaitable));
         if (!error) {
-            admit(std::move(socket));
+            tryToAdmit(std::move(socket));
         } else if (!m_stopping) {
             m_context.log.trouble("acceptFailed", error.message());
             pause.expires_after(acceptRetryDelay);
@@ -66,13 +66,23 @@ asio::awaitable<void> Listener::acceptConnections()
     }
 }
 
+/// Whatever goes wrong with one connection, the next one is accepted.
+void Listener::tryToAdmit(Stream::Socket socket)
+{
+    try {
+        admit(std::move(socket));
+    } catch (const std::exception &exception) {
+        m_context.log.trouble("connectionFailed", exception.what());
+    }
+}
+
 void Listener::admit(Stream::Socket socket)
 {
-    const std::size_t limit = m_context.options.maxConnections;
-    if (m_stopping || m_connections.size() >= limit + refusalSlots)
-        return; // closes it
-    const auto connection =
-        std::make_shared<HttpConnection>(std::move(socket), m_context, m_connections.size() >= limit);
+    const auto address = peerAddress(socket);
+    const auto kind = m_stopping ? std::nullopt : m_context.seating.admit(throttleKeyOf(address));
+    if (!kind)
+        return; // closes it: an app whose request gets no answer keeps its tokens
+    const auto connection = std::make_shared<HttpConnection>(std::move(socket), address, m_context, *kind);
     m_connections.insert(connection);
     asio::co_spawn(m_acceptor.get_executor(), connection->run(),
                    [this, connection](std::exception_ptr error) { ended(connection, error); });

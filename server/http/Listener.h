@@ -39,6 +39,7 @@ public:
 
 private:
     boost::asio::awaitable<void> acceptConnections();
+    void tryToAdmit(Stream::Socket socket);
     void admit(Stream::Socket socket);
     void ended(const std::shared_ptr<HttpConnection> &connection, std::exception_ptr error);
     void publishState();

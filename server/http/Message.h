@@ -43,4 +43,13 @@ struct Response
 /// text.
 using Handler = std::function<Response(const Request &)>;
 
+/// What a server has to know of a request before it is worked on. Called on the I/O thread: both are quick,
+/// whatever the request holds, and throw nothing.
+struct Triage
+{
+    std::function<Lane(const Request &)> laneOf; ///< of a request still without body; none: SignedIn for all
+    /// Whom a complete request of the password lane is about; empty when that cannot be told.
+    std::function<std::string(const Request &)> accountOf;
+};
+
 } // namespace clockwell::server

@@ -28,6 +28,8 @@ inline constexpr Refusal headTooLarge{431, "HEADER_TOO_LARGE", "The header of th
 inline constexpr Refusal internal{500, "INTERNAL", "Something went wrong on the server."};
 inline constexpr Refusal coding{501, "NOT_IMPLEMENTED",
                                 "The transfer coding of the request is not supported."};
+inline constexpr Refusal crowded{503, "BUSY",
+                                 "Too many people are signing in just now. Please try again in a moment."};
 inline constexpr Refusal busy{503, "UNAVAILABLE", "The server is busy. Please try again in a moment."};
 inline constexpr Refusal version{505, "VERSION_NOT_SUPPORTED",
                                  "The HTTP version of the request is not supported."};

@@ -2,8 +2,9 @@
 
 #include "AccessLog.h"
 #include "HttpOptions.h"
+#include "Lanes.h"
+#include "Seating.h"
 #include "Throttle.h"
-#include "WorkerPool.h"
 
 #include <boost/asio/ssl/context.hpp>
 
@@ -11,24 +12,26 @@
 
 namespace clockwell::server {
 
-/// What all connections of one server share. Used on the I/O thread only, but for the log and the pool.
+/// What all connections of one server share. Used on the I/O thread only, but for the log and the lanes.
 struct ServerContext
 {
-    ServerContext(const HttpOptions &httpOptions, Handler handler,
+    ServerContext(const HttpOptions &httpOptions, Handler handler, Triage triage,
                   std::unique_ptr<boost::asio::ssl::context> tlsContext)
         : options(httpOptions),
           log(options.logger),
-          throttle(options.requestsPerMinute, options.requestBurst),
+          failures(options.failuresPerMinute, options.failureBurst),
+          seating({options.maxConnections, options.connectionsPerNetwork, options.guestConnections}),
           tls(std::move(tlsContext)),
-          pool(options.workerThreads, options.workerQueueLimit, std::move(handler), log)
+          lanes(options, std::move(handler), std::move(triage), log)
     {}
 
     const HttpOptions options;
     const AccessLog log;
     RequestIds ids;
-    Throttle throttle;
-    const std::unique_ptr<boost::asio::ssl::context> tls; ///< null without TLS
-    WorkerPool pool;
+    Throttle failures;
+    Seating seating;
+    std::shared_ptr<boost::asio::ssl::context> tls; ///< null without TLS; of handshakes still to come
+    Lanes lanes;
 };
 
 } // namespace clockwell::server

@@ -14,6 +14,7 @@ StopSignal::StopSignal()
     sigemptyset(&m_signals);
     sigaddset(&m_signals, SIGINT);
     sigaddset(&m_signals, SIGTERM);
+    sigaddset(&m_signals, SIGHUP);
     if (const int error = pthread_sigmask(SIG_BLOCK, &m_signals, &m_previous))
         throw std::system_error(error, std::generic_category(), "cannot block signals");
     m_blocked = true;
@@ -21,14 +22,23 @@ StopSignal::StopSignal()
 
 StopSignal::~StopSignal()
 {
-    restoreMask();
+    sigset_t hangUp{};
+    sigemptyset(&hangUp);
+    sigaddset(&hangUp, SIGHUP);
+    const timespec noTime{};
+    if (m_blocked)
+        sigtimedwait(&hangUp, nullptr, &noTime); // one that came too late must not end the process now
+    restoreMask(false);
+    m_blocked = false;
 }
 
-void StopSignal::restoreMask()
+void StopSignal::restoreMask(bool hangUpStaysBlocked)
 {
+    sigset_t mask = m_previous;
+    if (hangUpStaysBlocked)
+        sigaddset(&mask, SIGHUP);
     if (m_blocked)
-        pthread_sigmask(SIG_SETMASK, &m_previous, nullptr);
-    m_blocked = false;
+        pthread_sigmask(SIG_SETMASK, &mask, nullptr);
 }
 
 int StopSignal::wait()
@@ -57,8 +67,10 @@ std::optional<int> StopSignal::waitFor(std::chrono::milliseconds limit)
 
 int StopSignal::waitThenStop(HttpServer &server)
 {
-    const int number = wait();
-    restoreMask();
+    int number = wait();
+    for (; number == SIGHUP; number = wait())
+        server.reloadCertificate();
+    restoreMask(true);
     server.stop();
     return number;
 }

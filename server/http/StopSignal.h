@@ -8,8 +8,9 @@ namespace clockwell::server {
 
 class HttpServer;
 
-/// Turns SIGTERM and SIGINT into an orderly stop. Create it in main() before any thread is started: the
-/// signals are blocked in the creating thread and in those it starts, so that only wait() receives them.
+/// Turns SIGTERM and SIGINT into an orderly stop, and SIGHUP into another look at the certificate. Create it
+/// in main() before any thread is started: the signals are blocked in the creating thread and in those it
+/// starts, so that only wait() receives them.
 class StopSignal
 {
 public:
@@ -22,12 +23,13 @@ public:
     int wait();
     /// The same with a limit; empty when no signal came.
     std::optional<int> waitFor(std::chrono::milliseconds limit);
-    /// wait(), then server.stop(). From the first signal on a second one ends the process at once, as people
-    /// expect of a Ctrl-C pressed twice. Returns the signal's number.
+    /// Has the server reload its certificate at each SIGHUP, until another signal comes; then server.stop().
+    /// From that signal on a second one ends the process at once, as people expect of a Ctrl-C pressed twice.
+    /// Returns the signal's number.
     int waitThenStop(HttpServer &server);
 
 private:
-    void restoreMask();
+    void restoreMask(bool hangUpStaysBlocked);
 
     sigset_t m_signals{};
     sigset_t m_previous{};

@@ -37,10 +37,28 @@ std::chrono::milliseconds Throttle::take(const std::string &address, Clock::time
     auto &bucket =
         m_buckets.try_emplace(crowded ? std::string() : address, Bucket{m_burst, now}).first->second;
     bucket = {refilled(bucket, now), now};
-    if (bucket.tokens < 1)
-        return std::chrono::milliseconds(std::lround(std::ceil((1 - bucket.tokens) / m_perSecond * 1000)));
-    bucket.tokens -= 1;
-    return std::chrono::milliseconds::zero();
+    const auto wait = waitOf(bucket.tokens);
+    if (wait == wait.zero())
+        bucket.tokens -= 1;
+    return wait;
+}
+
+std::chrono::milliseconds Throttle::waitFor(const std::string &address, Clock::time_point now) const
+{
+    if (m_perSecond <= 0)
+        return std::chrono::milliseconds::zero();
+    auto bucket = m_buckets.find(address);
+    if (bucket == m_buckets.end() && m_buckets.size() >= maxAddresses)
+        bucket = m_buckets.find(std::string());
+    return bucket == m_buckets.end() ? std::chrono::milliseconds::zero()
+                                     : waitOf(refilled(bucket->second, now));
+}
+
+std::chrono::milliseconds Throttle::waitOf(double tokens) const
+{
+    if (tokens >= 1)
+        return std::chrono::milliseconds::zero();
+    return std::chrono::milliseconds(std::lround(std::ceil((1 - tokens) / m_perSecond * 1000)));
 }
 
 } // namespace clockwell::server

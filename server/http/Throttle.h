@@ -19,8 +19,11 @@ public:
     /// `perMinute` 0 lets everything pass.
     Throttle(unsigned perMinute, unsigned burst);
 
-    /// Takes one request of `address`. Zero when it may pass, else the time until the next one may.
+    /// Takes one token of `address`. Zero when there was one, else the time until there is.
     std::chrono::milliseconds take(const std::string &address, Clock::time_point now);
+
+    /// Zero when `address` has a token, else the time until it has; takes none.
+    std::chrono::milliseconds waitFor(const std::string &address, Clock::time_point now) const;
 
     std::size_t trackedAddresses() const { return m_buckets.size(); }
 
@@ -31,6 +34,7 @@ private:
         Clock::time_point at;
     };
 
+    std::chrono::milliseconds waitOf(double tokens) const;
     double refilled(const Bucket &bucket, Clock::time_point now) const;
     void forgetFull(Clock::time_point now);
 

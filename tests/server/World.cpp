@@ -89,8 +89,9 @@ World::World(const std::string &now, Settings settings, DatabaseOptions options)
             const std::lock_guard lock{m_mailsLock};
             m_mails.push_back(std::move(mail));
         });
-    m_http.emplace(HttpServer::Options{},
-                   [this](const Request &request) { return m_application->handle(request); });
+    m_http.emplace(
+        HttpServer::Options{}, [this](const Request &request) { return m_application->handle(request); },
+        m_application->triage());
     m_http->start();
 }
 

@@ -138,15 +138,6 @@ TEST(HttpServerTest, PipelinedRequestsAreAnsweredInTheirOrder)
         ASSERT_EQ(client.receive().body, "/" + std::to_string(i) + (i % 2 == 0 ? "" : "b"));
 }
 
-TEST(HttpServerTest, ClientThatClosesItsSideAfterTheRequestStillGetsTheAnswer)
-{
-    TestServer server;
-    RawClient client(server.port());
-    client.send(get("/a"));
-    client.endOutput();
-    EXPECT_EQ(client.receive().status, 200);
-}
-
 TEST(HttpServerTest, ContinueIsSentBeforeTheBodyIsWaitedFor)
 {
     TestServer server;
@@ -171,7 +162,9 @@ TEST(HttpServerTest, BinaryBodiesArriveUnchanged)
     std::string body;
     for (int i = 0; i < 300'000; ++i)
         body.push_back(static_cast<char>(i * 7 + i / 256));
-    TestServer server([](const Request &request) { return Response{200, request.body, "a/b", {}}; });
+    HttpOptions options = TestServer::quickOptions();
+    options.bodyLimit = body.size();
+    TestServer server([](const Request &request) { return Response{200, request.body, "a/b", {}}; }, options);
     RawClient client(server.port());
     EXPECT_TRUE(client.exchange(post("/", body)).body == body);
 }

@@ -97,7 +97,7 @@ TEST(HttpShutdownTest, RequestsBeyondTheStopDeadlineAreCutOff)
     std::atomic<int> running{0};
     HttpOptions options = TestServer::quickOptions();
     options.stopDeadline = milliseconds(100);
-    options.workerThreads = 1;
+    options.signedInThreads = 1;
     TestServer server(slowHandler(milliseconds(1200), running), options);
     RawClient first(server.port()), queued(server.port());
     first.send(get("/"));
@@ -175,6 +175,20 @@ TEST(StopSignalTest, WaitForGivesUpAtItsLimit)
     EXPECT_EQ(signal.waitFor(milliseconds(1000)), SIGTERM);
 }
 
+TEST(StopSignalTest, HangUpOfTheLastMomentDoesNotEndTheProcess)
+{
+    {
+        StopSignal signal;
+        TestServer server;
+        ASSERT_EQ(kill(getpid(), SIGTERM), 0);
+        EXPECT_EQ(signal.waitThenStop(server.server()), SIGTERM);
+        ASSERT_EQ(kill(getpid(), SIGHUP), 0);
+    }
+    sigset_t pending{};
+    sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGHUP), 0);
+}
+
 TEST(StopSignalTest, MaskIsRestoredAtItsEnd)
 {
     sigset_t before{}, after{};
@@ -183,7 +197,7 @@ TEST(StopSignalTest, MaskIsRestoredAtItsEnd)
         StopSignal signal;
     }
     pthread_sigmask(SIG_SETMASK, nullptr, &after);
-    for (const int number : {SIGTERM, SIGINT})
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
         EXPECT_EQ(sigismember(&before, number), sigismember(&after, number));
 }
 

@@ -109,13 +109,11 @@ TEST_F(HttpTlsTest, HalfSentRequestIsTimedOutWithAnAnswer)
 
 TEST_F(HttpTlsTest, LargeBodiesPassBothWays)
 {
-    TestServer server(
-        [](const Request &request) {
-            return Response{200, request.body, "a/b", {}};
-        },
-        options());
-    TlsClient client(server.port(), s_certificate->certificateFile(), tls13);
     const std::string body(900'000, 'x');
+    HttpOptions large = options();
+    large.bodyLimit = body.size();
+    TestServer server([](const Request &request) { return Response{200, request.body, "a/b", {}}; }, large);
+    TlsClient client(server.port(), s_certificate->certificateFile(), tls13);
     ASSERT_TRUE(client.send(post("/", body, "Connection: close\r\n")));
     bool clean = false;
     const std::string all = client.receiveAll(clean);

@@ -41,7 +41,7 @@ RawResponse parseHead(std::string_view head)
 
 } // namespace
 
-RawClient::RawClient(std::uint16_t port, int receiveBuffer)
+RawClient::RawClient(std::uint16_t port, int receiveBuffer, const char *from)
     : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
     if (receiveBuffer > 0)
@@ -50,6 +50,8 @@ RawClient::RawClient(std::uint16_t port, int receiveBuffer)
     setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     sockaddr_in address{};
     address.sin_family = AF_INET;
+    address.sin_addr.s_addr = inet_addr(from);
+    bind(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address);
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     if (connect(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {

@@ -23,8 +23,9 @@ class RawClient
 public:
     static constexpr std::chrono::milliseconds patience = std::chrono::seconds(5);
 
-    /// `receiveBuffer` in bytes, 0 for the system's default. Throws std::system_error when it cannot connect.
-    explicit RawClient(std::uint16_t port, int receiveBuffer = 0);
+    /// `receiveBuffer` in bytes, 0 for the system's default; `from` is the address of loopback to come from.
+    /// Throws std::system_error when it cannot connect.
+    explicit RawClient(std::uint16_t port, int receiveBuffer = 0, const char *from = "127.0.0.1");
     ~RawClient();
     RawClient(const RawClient &) = delete;
     RawClient &operator=(const RawClient &) = delete;

@@ -9,7 +9,7 @@ HttpOptions TestServer::quickOptions()
 {
     using std::chrono::milliseconds;
     HttpOptions options;
-    options.workerThreads = 2;
+    options.signedInThreads = 2;
     options.headDeadline = milliseconds(400);
     options.requestDeadline = milliseconds(600);
     options.writeDeadline = milliseconds(500);
@@ -19,12 +19,12 @@ HttpOptions TestServer::quickOptions()
     return options;
 }
 
-TestServer::TestServer(Handler handler, HttpOptions options)
+TestServer::TestServer(Handler handler, HttpOptions options, Triage triage)
 {
     const auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(m_log);
     options.logger = std::make_shared<spdlog::logger>("http-test", sink);
     options.logger->set_pattern("%l %v");
-    m_server = std::make_unique<HttpServer>(options, std::move(handler));
+    m_server = std::make_unique<HttpServer>(options, std::move(handler), std::move(triage));
     m_server->start();
 }
 
@@ -47,6 +47,16 @@ Response TestServer::echo(const Request &request)
     text += "authorization=" + request.authorization + "\ntype=" + request.contentType +
             "\nbody=" + request.body + "\nfrom=" + request.remoteAddress + "\n";
     return {200, text, "text/plain", {}};
+}
+
+Triage TestServer::byPath()
+{
+    const auto laneOf = [](const Request &request) {
+        if (request.path.starts_with("/renewal"))
+            return Lane::Renewal;
+        return request.path.starts_with("/password") ? Lane::Password : Lane::SignedIn;
+    };
+    return {laneOf, [](const Request &request) { return request.body; }};
 }
 
 } // namespace clockwell::server

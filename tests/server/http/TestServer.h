@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace clockwell::server {
 
@@ -17,7 +18,7 @@ class TestServer
 public:
     static HttpOptions quickOptions(); ///< short deadlines
 
-    explicit TestServer(Handler handler = echo, HttpOptions options = quickOptions());
+    explicit TestServer(Handler handler = echo, HttpOptions options = quickOptions(), Triage triage = {});
     ~TestServer();
 
     std::uint16_t port() const { return m_server->port(); }
@@ -28,6 +29,10 @@ public:
     /// Answers with what it got, one fact a line.
     static Response echo(const Request &request);
 
+    /// "/renewal" and "/password" and what begins like them are in the lane of that name; the account of a
+    /// request is its body.
+    static Triage byPath();
+
 private:
     std::ostringstream m_log;
     std::unique_ptr<HttpServer> m_server;
@@ -37,10 +42,15 @@ private:
 class Gate
 {
 public:
-    void open() { m_promise.set_value(); }
+    void open()
+    {
+        if (!std::exchange(m_isOpen, true))
+            m_promise.set_value();
+    }
     void pass() const { m_future.wait_for(std::chrono::seconds(5)); }
 
 private:
+    bool m_isOpen = false;
     std::promise<void> m_promise;
     std::shared_future<void> m_future = m_promise.get_future().share();
 };

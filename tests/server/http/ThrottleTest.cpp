@@ -43,6 +43,17 @@ TEST_F(ThrottleTest, RefusedRequestsDoNotPushTheNextOneFurtherAway)
     EXPECT_EQ(throttle.take("a", m_now + seconds(1)), milliseconds(0));
 }
 
+TEST_F(ThrottleTest, WaitCanBeAskedForWithoutTaking)
+{
+    Throttle throttle(60, 1);
+    EXPECT_EQ(throttle.waitFor("a", m_now), milliseconds(0));
+    EXPECT_EQ(throttle.waitFor("a", m_now), milliseconds(0));
+    EXPECT_EQ(throttle.take("a", m_now), milliseconds(0));
+    EXPECT_EQ(throttle.waitFor("a", m_now), milliseconds(1000));
+    EXPECT_EQ(throttle.waitFor("a", m_now + seconds(1)), milliseconds(0));
+    EXPECT_EQ(Throttle(0, 1).waitFor("a", m_now), milliseconds(0));
+}
+
 TEST_F(ThrottleTest, AddressesHaveBucketsOfTheirOwn)
 {
     Throttle throttle(60, 1);
