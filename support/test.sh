@@ -1,4 +1,4 @@
-# Tests, screenshots and benchmarks. Sourced by ./dev.
+# Tests, screenshots, benchmarks and load. Sourced by ./dev.
 
 dev_test() {
     local preset=dev
@@ -41,6 +41,14 @@ dev_bench() {
         QT_QPA_PLATFORM=offscreen tests/support/with-secret-service "$bench" || failed=1
     done
     return $failed
+}
+
+# The load generator and the server, both optimised (preset bench). The database and the server's log stay in out/rush.
+dev_rush() {
+    build bench clockwell_rush
+    local folder=(--folder out/rush)
+    case " $* " in *" --server"* | *" --folder"*) folder=() ;; esac
+    build/bench/bin/clockwell_rush "${folder[@]}" "$@"
 }
 
 dev_fuzz() {
