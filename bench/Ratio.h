@@ -30,6 +30,12 @@ inline double secondsOf(const std::function<void()> &work)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+/// How many of `count` things a second are done when `work` does them all.
+inline double perSecond(int count, const std::function<void()> &work)
+{
+    return count / secondsOf(work);
+}
+
 inline double median(std::vector<double> values)
 {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);

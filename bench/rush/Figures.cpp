@@ -79,9 +79,10 @@ void Figures::print(std::ostream &stream) const
             stream << std::exchange(separator, ", ") << outcome << ": " << count;
         stream << '\n';
     }
-    stream << "from a person's first tap to the acknowledgement: p50 " << untilAcknowledged.milliseconds(0.5)
-           << " ms, p99 " << untilAcknowledged.milliseconds(0.99) << " ms, most "
-           << untilAcknowledged.milliseconds(1) << " ms\n";
+    if (untilAcknowledged.count() > 0)
+        stream << "from a person's first tap to the acknowledgement: p50 "
+               << untilAcknowledged.milliseconds(0.5) << " ms, p99 " << untilAcknowledged.milliseconds(0.99)
+               << " ms, most " << untilAcknowledged.milliseconds(1) << " ms\n";
 }
 
 } // namespace clockwell::rush

@@ -24,7 +24,7 @@ namespace {
 constexpr auto away = 1s; // from the kill to the start
 constexpr auto watchPause = 2s;
 constexpr unsigned watchesAReport = 5;
-constexpr std::size_t spareDescriptors = 200;
+constexpr std::size_t spareDescriptors = 60;
 
 // Each of them a network of this machine.
 constexpr asio::ip::address_v4::uint_type firstPerson = 0x7f100001;    // 127.16.0.1
@@ -61,7 +61,8 @@ Rush::~Rush()
         std::filesystem::remove_all(m_folder, ignored);
 }
 
-void Rush::play()
+/// Makes the folder and the database, or adds to the one of the server that runs; the database's file.
+std::string Rush::prepare()
 {
     const rlimit childDescriptors = allowDescriptors(descriptors());
     std::string database = m_options.database;
@@ -72,10 +73,14 @@ void Rush::play()
     } else {
         m_endpoint = parseServerUrl(m_options.server).value();
     }
-    {
-        server::Database prepared{database};
-        m_people = addCompany(prepared, m_options.phones, m_options.signIns);
-    }
+    server::Database prepared{database};
+    m_people = addCompany(prepared, m_options.phones, m_options.signIns);
+    return database;
+}
+
+void Rush::play()
+{
+    const std::string database = prepare();
     asio::signal_set signals(m_io, SIGINT, SIGTERM);
     signals.async_wait([this](boost::system::error_code error, int) {
         if (!error) {
@@ -109,9 +114,9 @@ awaitable<void> Rush::conduct()
     if (m_server) {
         co_await m_server->start(executor());
         m_endpoint = m_server->endpoint();
-        m_atStart = factsOfProcess(m_server->process());
+        m_observed.atStart = factsOfProcess(m_server->process());
     }
-    m_begin = Clock::now();
+    m_observed.begin = Clock::now();
     spawn(watch());
     m_idle = std::make_unique<IdleCrowd>(executor(), m_endpoint);
     co_await gatherIdle();
@@ -125,8 +130,8 @@ awaitable<void> Rush::conduct()
     while (m_done < m_phones.size() || Clock::now() < least || m_isAway)
         co_await sleepFor(executor(), 20ms);
     noteServer();
-    m_end = Clock::now();
-    m_openAtEnd = m_idle->open();
+    m_observed.end = Clock::now();
+    m_observed.idleAtEnd = m_idle->open();
     m_io.stop();
 }
 
@@ -136,8 +141,8 @@ awaitable<void> Rush::gatherIdle()
         co_return;
     co_await m_idle->gather(m_options.idle, asio::ip::address_v4{firstIdle});
     if (m_server)
-        m_withIdle = factsOfProcess(m_server->process());
-    m_openAtFirst = m_idle->open();
+        m_observed.withIdle = factsOfProcess(m_server->process());
+    m_observed.idleAtFirst = m_idle->open();
 }
 
 void Rush::sendPeople()
@@ -177,7 +182,7 @@ awaitable<void> Rush::killServer()
 {
     co_await sleepFor(executor(), std::chrono::seconds{m_options.killAfter});
     noteServer();
-    m_serverSeconds += m_last.processorSeconds;
+    m_observed.secondsBeforeKill += m_observed.last.processorSeconds;
     m_isAway = true;
     m_server->kill();
     ++m_kills;
@@ -194,11 +199,11 @@ awaitable<void> Rush::watch()
         if (m_server && !m_isAway && m_server->hasEnded())
             throw std::runtime_error{"The server ended by itself; its log is " + m_server->log()};
         if (count % watchesAReport == 0)
-            std::fprintf(
-                stderr, "%4lld s: %zu arrived, %zu checked in\n",
-                static_cast<long long>(
-                    std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_begin).count()),
-                m_figures.arrived, m_figures.checkedIn);
+            std::fprintf(stderr, "%4lld s: %zu arrived, %zu checked in\n",
+                         static_cast<long long>(
+                             std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_observed.begin)
+                                 .count()),
+                         m_figures.arrived, m_figures.checkedIn);
     }
 }
 
@@ -206,9 +211,11 @@ void Rush::noteServer()
 {
     if (!m_server || m_isAway)
         return;
-    m_last = factsOfProcess(m_server->process());
-    m_most.residentMebibytes = std::max(m_most.residentMebibytes, m_last.residentMebibytes);
-    m_most.proportionalMebibytes = std::max(m_most.proportionalMebibytes, m_last.proportionalMebibytes);
+    m_observed.last = factsOfProcess(m_server->process());
+    m_observed.most.residentMebibytes =
+        std::max(m_observed.most.residentMebibytes, m_observed.last.residentMebibytes);
+    m_observed.most.proportionalMebibytes =
+        std::max(m_observed.most.proportionalMebibytes, m_observed.last.proportionalMebibytes);
 }
 
 bool Rush::good() const

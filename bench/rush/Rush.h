@@ -44,6 +44,21 @@ public:
     unsigned kills() const { return m_kills; }
 
 private:
+    /// What is seen from outside.
+    struct Observed
+    {
+        Clock::time_point begin;
+        Clock::time_point end;
+        ProcessFacts atStart; ///< all of the server that was started
+        ProcessFacts withIdle;
+        ProcessFacts last;
+        ProcessFacts most;
+        double secondsBeforeKill = 0; ///< processor time of the server that was killed
+        std::size_t idleAtFirst = 0;  ///< open connections
+        std::size_t idleAtEnd = 0;
+    };
+
+    std::string prepare();
     boost::asio::awaitable<void> conduct();
     boost::asio::awaitable<void> gatherIdle();
     boost::asio::awaitable<void> killServer();
@@ -72,16 +87,8 @@ private:
     bool m_isAway = false; // the server was killed and does not answer yet
     unsigned m_kills = 0;
     int m_exitStatus = 0; // of a server that was started
-    Clock::time_point m_begin;
-    Clock::time_point m_end;
     Ledger::Verdict m_verdict;
-    ProcessFacts m_atStart;
-    ProcessFacts m_withIdle;
-    ProcessFacts m_last;
-    ProcessFacts m_most;
-    double m_serverSeconds = 0; // processor time of the server that was killed
-    std::size_t m_openAtFirst = 0;
-    std::size_t m_openAtEnd = 0;
+    Observed m_observed;
 };
 
 } // namespace clockwell::rush

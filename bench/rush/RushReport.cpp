@@ -46,19 +46,20 @@ void Rush::print(std::ostream &stream) const
     stream << "\nrows: " << m_verdict << '\n';
     m_figures.print(stream);
     if (m_options.idle > 0)
-        stream << "idle connections: " << m_openAtFirst << " open at first, " << m_openAtEnd
+        stream << "idle connections: " << m_observed.idleAtFirst << " open at first, " << m_observed.idleAtEnd
                << " at the end, " << m_idle->closed() << " closed by the server\n";
     if (m_server) {
-        stream << "the server's memory: " << m_atStart << " at start";
+        stream << "the server's memory: " << m_observed.atStart << " at start";
         if (m_options.idle > 0)
-            stream << ", " << m_withIdle << " with the idle connections";
-        stream << ", " << m_most << " at most\n";
-        stream << "processor time: server " << m_serverSeconds + m_last.processorSeconds << " s, ";
+            stream << ", " << m_observed.withIdle << " with the idle connections";
+        stream << ", " << m_observed.most << " at most\n";
+        stream << "processor time: server " << m_observed.secondsBeforeKill + m_observed.last.processorSeconds
+               << " s, ";
     } else {
         stream << "processor time: ";
     }
     stream << "load generator " << ownProcessorSeconds() << " s, in "
-           << std::chrono::duration<double>(m_end - m_begin).count() << " s\n";
+           << std::chrono::duration<double>(m_observed.end - m_observed.begin).count() << " s\n";
     if (m_exitStatus != 0)
         stream << "the server's exit status was " << m_exitStatus << '\n';
 }

@@ -1,9 +1,8 @@
 #include "BareCommits.h"
-#include "PunchClient.h"
+#include "BenchCompany.h"
+#include "KeptClient.h"
 #include "Ratio.h"
 #include "server/Application.h"
-#include "server/auth/Accounts.h"
-#include "server/demo/DemoData.h"
 #include "server/http/HttpServer.h"
 
 #include <spdlog/sinks/null_sink.h>
@@ -22,47 +21,12 @@ namespace {
 using namespace clockwell::server;
 using namespace clockwell::server::bench;
 using clockwell::bench::median;
+using clockwell::bench::perSecond;
 
 const int rounds = clockwell::bench::roundsOf(7);
 constexpr int punchesARound = 240;
 constexpr int connections = 8;
 constexpr double leastRatio = 0.25;
-
-template <class Work>
-double perSecond(int count, Work work)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return count / std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
-/// Signed-in employees of the demo's office, each for one check-in; their access tokens.
-std::vector<std::string> signIn(Database &database, int count)
-{
-    Passwords passwords;
-    fillWithDemoData(database, passwords, systemClock(), *TimeZone::named("Etc/UTC"), "Bench-2026");
-    database.write([&](Connection &connection) {
-        for (int index = 0; index < count; ++index) {
-            const std::string id = "bench-" + std::to_string(index);
-            connection.execute(
-                "INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key,"
-                " password_hash, role, status, email_verified, joined_on, created_at)"
-                " SELECT :id, institute_id, office_id, :name, :email, :key, password_hash, role, status,"
-                " 1, joined_on, created_at FROM employees WHERE email_key = :demo",
-                id, id, id, id, std::string{demoEmail});
-        }
-    });
-    Sessions sessions(database, systemClock());
-    std::vector<std::string> tokens;
-    tokens.reserve(static_cast<std::size_t>(count));
-    for (int index = 0; index < count; ++index) {
-        const auto employee = database.read([&](Connection &connection) {
-            return findEmployeeById(connection, "bench-" + std::to_string(index)).value();
-        });
-        tokens.push_back(sessions.start(employee, "device").value().accessToken);
-    }
-    return tokens;
-}
 
 /// Lets this many connections at once send the punches from `first` on; how many were recorded.
 int punch(std::uint16_t port, const std::vector<std::string> &tokens, int first, int lanes)
@@ -73,7 +37,7 @@ int punch(std::uint16_t port, const std::vector<std::string> &tokens, int first,
     threads.reserve(static_cast<std::size_t>(lanes));
     for (int lane = 0; lane < lanes; ++lane) {
         threads.emplace_back([&] {
-            PunchClient client(port);
+            KeptClient client(port);
             for (int index = next++; index < first + punchesARound; index = next++)
                 recorded += client.checkIn(tokens[static_cast<std::size_t>(index)], "device") ? 1 : 0;
         });
@@ -91,7 +55,8 @@ int run(const std::filesystem::path &directory)
     HttpServer::Options options;
     options.logger =
         std::make_shared<spdlog::logger>("none", std::make_shared<spdlog::sinks::null_sink_mt>());
-    HttpServer http(options, [&](const Request &request) { return application.handle(request); });
+    HttpServer http(
+        options, [&](const Request &request) { return application.handle(request); }, application.triage());
     http.start();
     BareCommits bare((directory / "bare.db").string());
 

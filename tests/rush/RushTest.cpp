@@ -135,7 +135,7 @@ TEST(RushTest, FindsACheckInThatBecameTwoPunches)
 {
     const DefectiveServer server{
         "CREATE TRIGGER doubles AFTER INSERT ON punches WHEN NEW.type = 'IN' BEGIN"
-        " INSERT INTO punches SELECT id || '2', attendance_id, 'OUT', at, device_id,"
+        " INSERT INTO punches SELECT id || '2', attendance_id, ordinal + 1, 'OUT', at, device_id,"
         " latitude, longitude, accuracy, distance FROM punches WHERE id = NEW.id; END"};
     Rush rush{server.rush(3)};
     rush.play();

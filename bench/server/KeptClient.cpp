@@ -1,4 +1,4 @@
-#include "PunchClient.h"
+#include "KeptClient.h"
 
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
@@ -10,7 +10,7 @@
 
 namespace clockwell::server::bench {
 
-PunchClient::PunchClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STREAM, 0))
+KeptClient::KeptClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STREAM, 0))
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -24,12 +24,12 @@ PunchClient::PunchClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STR
         throw std::runtime_error{"cannot connect to the server"};
 }
 
-PunchClient::~PunchClient()
+KeptClient::~KeptClient()
 {
     close(m_socket);
 }
 
-bool PunchClient::checkIn(const std::string &token, const std::string &device)
+bool KeptClient::checkIn(const std::string &token, const std::string &device)
 {
     const std::string body =
         R"({"lat":54.1234,"lng":9.5678,"accuracy":8,"deviceId":")" + device + R"(","isMockLocation":false})";
@@ -37,13 +37,26 @@ bool PunchClient::checkIn(const std::string &token, const std::string &device)
         "POST /api/attendance/punch HTTP/1.1\r\nHost: localhost\r\nAuthorization: Bearer " + token +
         "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
         body;
-    if (send(m_socket, request.data(), request.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(request.size()))
-        throw std::runtime_error{"the request was not taken whole"};
-    const std::string reply = readReply();
+    const std::string reply = ask(request);
     return reply.starts_with("HTTP/1.1 20") && reply.find(R"("type":"IN")") != std::string::npos;
 }
 
-std::string PunchClient::readReply()
+std::string KeptClient::today(const std::string &token)
+{
+    const std::string reply =
+        ask("GET /api/attendance/today HTTP/1.1\r\nHost: localhost\r\nAuthorization: Bearer " + token +
+            "\r\n\r\n");
+    return reply.starts_with("HTTP/1.1 200") ? reply.substr(reply.find("\r\n\r\n") + 4) : std::string{};
+}
+
+std::string KeptClient::ask(const std::string &request)
+{
+    if (send(m_socket, request.data(), request.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(request.size()))
+        throw std::runtime_error{"the request was not taken whole"};
+    return readReply();
+}
+
+std::string KeptClient::readReply()
 {
     std::size_t whole = 0;
     for (;;) {

@@ -6,18 +6,22 @@
 namespace clockwell::server::bench {
 
 /// One keep-alive connection to the server on loopback. Throws std::runtime_error when it breaks.
-class PunchClient
+class KeptClient
 {
 public:
-    explicit PunchClient(std::uint16_t port);
-    PunchClient(const PunchClient &) = delete;
-    PunchClient &operator=(const PunchClient &) = delete;
-    ~PunchClient();
+    explicit KeptClient(std::uint16_t port);
+    KeptClient(const KeptClient &) = delete;
+    KeptClient &operator=(const KeptClient &) = delete;
+    ~KeptClient();
 
     /// Sends one punch and waits for its answer: whether it was recorded as a check-in.
     bool checkIn(const std::string &token, const std::string &device);
 
+    /// Asks for the day and waits for the answer: its body, empty unless the status is 200.
+    std::string today(const std::string &token);
+
 private:
+    std::string ask(const std::string &request);
     std::string readReply();
 
     int m_socket = -1;
