@@ -17,11 +17,19 @@ namespace {
 class ClientSocket
 {
 public:
-    explicit ClientSocket(std::uint16_t port) : m_descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    ClientSocket(std::uint16_t port, const std::string &from)
+        : m_descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
     {
         const timeval limit{10, 0};
         ::setsockopt(m_descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         ::setsockopt(m_descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+        const int withoutPort = 1; // the connection gets one: the address alone has too few
+        ::setsockopt(m_descriptor, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &withoutPort, sizeof withoutPort);
+        sockaddr_in own{};
+        own.sin_family = AF_INET;
+        own.sin_addr.s_addr = ::inet_addr(from.c_str());
+        if (::bind(m_descriptor, reinterpret_cast<const sockaddr *>(&own), sizeof own) != 0)
+            return;
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_port = htons(port);
@@ -89,7 +97,7 @@ Reply parseReply(const std::string &text)
 } // namespace
 
 Reply send(std::uint16_t port, const std::string &method, const std::string &target, const std::string &token,
-           const std::string &body, const std::string &contentType)
+           const std::string &body, const std::string &contentType, const std::string &from)
 {
     std::string text = method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n";
     if (!token.empty())
@@ -97,7 +105,7 @@ Reply send(std::uint16_t port, const std::string &method, const std::string &tar
     if (!body.empty() || method == "POST")
         text +=
             "Content-Type: " + contentType + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
-    const ClientSocket socket{port};
+    const ClientSocket socket{port, from};
     return socket.write(text + "\r\n" + body) ? parseReply(socket.readToEnd()) : Reply{};
 }
 

@@ -22,9 +22,10 @@ struct Reply
 };
 
 /// One request on a connection of its own to 127.0.0.1, with a limit of ten seconds.
-/// `token` is sent as bearer token unless it is empty, `body` as JSON unless it is empty.
+/// `token` is sent as bearer token unless it is empty, `body` as JSON unless it is empty. `from` is the
+/// client's own address, any in 127.0.0.0/8.
 Reply send(std::uint16_t port, const std::string &method, const std::string &target,
            const std::string &token = {}, const std::string &body = {},
-           const std::string &contentType = "application/json");
+           const std::string &contentType = "application/json", const std::string &from = "127.0.0.1");
 
 } // namespace clockwell::server::test

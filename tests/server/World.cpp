@@ -118,15 +118,17 @@ Reply World::get(const std::string &target, const std::string &token) const
     return send(port(), "GET", target, token);
 }
 
-Reply World::post(const std::string &target, const std::string &body, const std::string &token) const
+Reply World::post(const std::string &target, const std::string &body, const std::string &token,
+                  const std::string &from) const
 {
-    return send(port(), "POST", target, token, body);
+    return send(port(), "POST", target, token, body, "application/json", from);
 }
 
-Reply World::login(const std::string &email, const std::string &password) const
+Reply World::login(const std::string &email, const std::string &password, const std::string &from) const
 {
     return post("/api/auth/login",
-                nlohmann::json{{"email", email}, {"password", password}, {"deviceId", "dev-1"}}.dump());
+                nlohmann::json{{"email", email}, {"password", password}, {"deviceId", "dev-1"}}.dump(), {},
+                from);
 }
 
 std::string World::token(const std::string &email) const

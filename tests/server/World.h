@@ -77,9 +77,11 @@ public:
     std::uint16_t port() const { return m_http->port(); }
 
     Reply get(const std::string &target, const std::string &token = {}) const;
-    Reply post(const std::string &target, const std::string &body, const std::string &token = {}) const;
-    Reply login(const std::string &email = "kim@example.org",
-                const std::string &password = "Correct-Horse-7") const;
+    /// `from`: the client's own address, any in 127.0.0.0/8; each is a network of its own for the server.
+    Reply post(const std::string &target, const std::string &body, const std::string &token = {},
+               const std::string &from = "127.0.0.1") const;
+    Reply login(const std::string &email = "kim@example.org", const std::string &password = "Correct-Horse-7",
+                const std::string &from = "127.0.0.1") const;
     /// The access token of a sign-in that must succeed.
     std::string token(const std::string &email = "kim@example.org") const;
     /// A punch from within the office of OfficeSpec, unless told otherwise.
