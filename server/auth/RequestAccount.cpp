@@ -1,6 +1,6 @@
 #include "server/auth/RequestAccount.h"
 
-#include "server/auth/EmailAddress.h"
+#include "server/auth/Accounts.h"
 
 #include <nlohmann/json.hpp>
 

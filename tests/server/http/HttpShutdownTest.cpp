@@ -12,7 +12,7 @@
 namespace clockwell::server {
 
 using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
 namespace {
 
@@ -63,12 +63,12 @@ TEST(HttpShutdownTest, IdleConnectionsDoNotDelayIt)
     TestServer server(TestServer::echo, options);
     RawClient used(server.port()), unused(server.port());
     used.exchange(get("/"));
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     std::thread stopping([&server] { server.server().stop(); });
     EXPECT_TRUE(used.closesWithin(milliseconds(1000)));
     EXPECT_TRUE(unused.closesWithin(milliseconds(1000)));
     stopping.join();
-    EXPECT_LT(Clock::now() - start, milliseconds(1500));
+    EXPECT_LT(SteadyClock::now() - start, milliseconds(1500));
 }
 
 TEST(HttpShutdownTest, NewConnectionsAreRefusedFromTheStart)
@@ -104,11 +104,11 @@ TEST(HttpShutdownTest, RequestsBeyondTheStopDeadlineAreCutOff)
     ASSERT_TRUE(eventually([&running] { return running == 1; }));
     queued.send(get("/"));
     std::this_thread::sleep_for(milliseconds(50));
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     std::thread stopping([&server] { server.server().stop(); });
     EXPECT_TRUE(first.closesWithin(milliseconds(1000)));
     EXPECT_TRUE(queued.closesWithin(milliseconds(1000)));
-    EXPECT_LT(Clock::now() - start, milliseconds(1000));
+    EXPECT_LT(SteadyClock::now() - start, milliseconds(1000));
     stopping.join();
     EXPECT_EQ(running, 1) << "the queued one is not begun any more";
     EXPECT_NE(server.log().find("event=stopDeadline"), std::string::npos);
@@ -127,10 +127,10 @@ TEST(HttpShutdownTest, SlowReaderDoesNotHoldItUpBeyondTheDeadline)
     RawClient client(server.port(), 4096);
     client.send(get("/"));
     std::this_thread::sleep_for(milliseconds(50));
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     server.server().stop();
-    EXPECT_GE(Clock::now() - start, milliseconds(190));
-    EXPECT_LT(Clock::now() - start, milliseconds(1500));
+    EXPECT_GE(SteadyClock::now() - start, milliseconds(190));
+    EXPECT_LT(SteadyClock::now() - start, milliseconds(1500));
 }
 
 TEST(HttpShutdownTest, StopTwiceAndStopWithoutStartDoNothing)

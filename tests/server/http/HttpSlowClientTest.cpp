@@ -8,7 +8,7 @@
 namespace clockwell::server {
 
 using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
 namespace {
 
@@ -16,14 +16,14 @@ namespace {
 /// it took.
 milliseconds drip(RawClient &client, std::string_view bytes, milliseconds pause)
 {
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     for (const char byte : bytes) {
         if (!client.send({&byte, 1}) || client.closesWithin(pause))
             break;
-        if (Clock::now() - start > std::chrono::seconds(3))
+        if (SteadyClock::now() - start > std::chrono::seconds(3))
             break;
     }
-    return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+    return std::chrono::duration_cast<milliseconds>(SteadyClock::now() - start);
 }
 
 } // namespace
@@ -32,13 +32,13 @@ TEST(HttpSlowClientTest, HeaderThatStopsHalfwayIsTimedOut)
 {
     TestServer server;
     RawClient client(server.port());
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     const auto response = client.exchange("GET / HTTP/1.1\r\nHost: x\r\n");
     EXPECT_EQ(response.status, 408);
     EXPECT_EQ(response.body, R"({"statusCode":408,"error":"REQUEST_TIMEOUT",)"
                              R"("message":"The request took too long to arrive."})");
-    EXPECT_GE(Clock::now() - start, milliseconds(390));
-    EXPECT_LT(Clock::now() - start, milliseconds(1500));
+    EXPECT_GE(SteadyClock::now() - start, milliseconds(390));
+    EXPECT_LT(SteadyClock::now() - start, milliseconds(1500));
     EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
 }
 
@@ -56,9 +56,9 @@ TEST(HttpSlowClientTest, BodyThatStopsHalfwayIsTimedOut)
 {
     TestServer server;
     RawClient client(server.port());
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     EXPECT_EQ(client.exchange("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf").status, 408);
-    EXPECT_GE(Clock::now() - start, milliseconds(590));
+    EXPECT_GE(SteadyClock::now() - start, milliseconds(590));
     EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
 }
 
@@ -104,9 +104,9 @@ TEST(HttpSlowClientTest, ConnectionWithoutARequestIsClosedSilently)
 {
     TestServer server;
     RawClient client(server.port());
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     EXPECT_TRUE(client.closesWithin(milliseconds(1500)));
-    EXPECT_GE(Clock::now() - start, milliseconds(390));
+    EXPECT_GE(SteadyClock::now() - start, milliseconds(390));
 }
 
 TEST(HttpSlowClientTest, IdleKeptAliveConnectionIsClosedSilently)
@@ -114,9 +114,9 @@ TEST(HttpSlowClientTest, IdleKeptAliveConnectionIsClosedSilently)
     TestServer server;
     RawClient client(server.port());
     ASSERT_EQ(client.exchange(get("/")).status, 200);
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     EXPECT_TRUE(client.closesWithin(milliseconds(1500)));
-    EXPECT_GE(Clock::now() - start, milliseconds(390));
+    EXPECT_GE(SteadyClock::now() - start, milliseconds(390));
 }
 
 TEST(HttpSlowClientTest, HalfSentBodyAtTheEndOfTheStreamIsABadRequest)
@@ -153,13 +153,13 @@ TEST(HttpSlowClientTest, ReaderThatDoesNotReadIsCutOff)
         },
         options);
     RawClient client(server.port(), 4096);
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     client.send(get("/"));
     // The one place is free again only when the slow reader was thrown out.
     std::this_thread::sleep_for(milliseconds(100));
     EXPECT_EQ(RawClient(server.port()).exchange(get("/a")).status, 503);
     EXPECT_TRUE(eventually([&server] { return RawClient(server.port()).exchange(get("/a")).status == 200; }));
-    EXPECT_GE(Clock::now() - start, milliseconds(490));
+    EXPECT_GE(SteadyClock::now() - start, milliseconds(490));
     EXPECT_LT(client.receiveAll().size(), 20'000'000U);
 }
 
@@ -179,9 +179,9 @@ TEST(HttpSlowClientTest, ManyDrippingConnectionsDoNotHinderOthers)
         dripping.push_back(std::make_unique<RawClient>(server.port()));
         dripping.back()->send("GET / HTTP/1.1\r\nX: ");
     }
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     EXPECT_EQ(RawClient(server.port()).exchange(get("/")).status, 200);
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
+    EXPECT_LT(SteadyClock::now() - start, std::chrono::seconds(2));
 }
 
 } // namespace clockwell::server
