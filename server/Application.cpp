@@ -55,10 +55,11 @@ SendMail orNowhere(SendMail sendMail)
 Application::Application(Database &database, Clock clock, const Settings &settings, SendMail sendMail)
     : m_passwords(settings.passwordCost),
       m_loginThrottle(settings.loginLimits, clock),
+      m_networkFailures(settings.failedSignIns, clock),
       m_codes(database, m_passwords, clock, settings.codes),
       m_sessions(database, clock, settings.sessions, settings.accounts),
       m_punches(database, clock, settings.repeatWindow),
-      m_auth(database, m_passwords, m_loginThrottle, m_sessions),
+      m_auth(database, m_passwords, m_loginThrottle, m_networkFailures, m_sessions),
       m_signup(database, m_passwords, m_codes, clock, orNowhere(sendMail)),
       m_password(database, m_passwords, m_codes, m_loginThrottle, m_sessions, orNowhere(sendMail)),
       m_attendance(database, m_sessions, m_punches, clock)

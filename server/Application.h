@@ -5,6 +5,7 @@
 #include "server/auth/AuthEndpoints.h"
 #include "server/auth/Codes.h"
 #include "server/auth/LoginThrottle.h"
+#include "server/auth/NetworkFailures.h"
 #include "server/auth/PasswordEndpoints.h"
 #include "server/auth/Passwords.h"
 #include "server/auth/Sessions.h"
@@ -22,6 +23,7 @@ struct Settings
 {
     PasswordCost passwordCost;
     ThrottleLimits loginLimits;
+    AllowanceLimits failedSignIns{1000, std::chrono::hours{24}}; ///< from one network address
     CodeLimits codes;
     SessionLifetimes sessions;
     AccountLimits accounts;
@@ -50,6 +52,7 @@ private:
 
     Passwords m_passwords;
     LoginThrottle m_loginThrottle;
+    NetworkFailures m_networkFailures;
     Codes m_codes;
     Sessions m_sessions;
     Punches m_punches;

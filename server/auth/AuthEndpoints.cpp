@@ -74,6 +74,7 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
                                         const Request &request)
 {
     const std::string account = emailKey(email);
+    auto fromNetwork = m_networkFailures.begin(request.remoteAddress);
     auto attempt = m_throttle.begin(account, request.remoteAddress);
     std::string standIn;
     auto employee = m_database.read([&](Connection &connection) {
@@ -83,6 +84,7 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
     const bool matches =
         m_passwords.matches(employee ? employee->passwordHash : standIn, password) && employee;
     if (!matches) {
+        fromNetwork.wasWrong();
         attempt.wasWrong();
         spdlog::info("event=signInRefused request={}", request.requestId);
         throw invalidCredentials();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/auth/LoginThrottle.h"
+#include "server/auth/NetworkFailures.h"
 #include "server/auth/Passwords.h"
 #include "server/auth/Sessions.h"
 #include "server/auth/StandIns.h"
@@ -16,10 +17,12 @@ namespace clockwell::server {
 class AuthEndpoints
 {
 public:
-    AuthEndpoints(Database &database, Passwords &passwords, LoginThrottle &throttle, Sessions &sessions)
+    AuthEndpoints(Database &database, Passwords &passwords, LoginThrottle &throttle,
+                  NetworkFailures &networkFailures, Sessions &sessions)
         : m_database(database),
           m_passwords(passwords),
           m_throttle(throttle),
+          m_networkFailures(networkFailures),
           m_sessions(sessions),
           m_standIns(passwords.nobodysHash())
     {}
@@ -37,6 +40,7 @@ private:
     Database &m_database;
     Passwords &m_passwords;
     LoginThrottle &m_throttle;
+    NetworkFailures &m_networkFailures;
     Sessions &m_sessions;
     StandIns m_standIns;
 };
