@@ -56,12 +56,15 @@ Application::Application(Database &database, Clock clock, const Settings &settin
     : m_passwords(settings.passwordCost),
       m_loginThrottle(settings.loginLimits, clock),
       m_networkFailures(settings.failedSignIns, clock),
-      m_codes(database, m_passwords, clock, settings.codes),
+      m_codes(database, settings.passwordCost, clock, settings.codes),
+      m_codeRequests(settings.codeRequests, clock),
       m_sessions(database, clock, settings.sessions, settings.accounts),
       m_punches(database, clock, settings.repeatWindow),
       m_auth(database, m_passwords, m_loginThrottle, m_networkFailures, m_sessions),
-      m_signup(database, m_passwords, m_codes, clock, orNowhere(sendMail)),
-      m_password(database, m_passwords, m_codes, m_loginThrottle, m_sessions, orNowhere(sendMail)),
+      m_signup(database, m_passwords, m_codes, m_codeRequests, clock, orNowhere(sendMail),
+               settings.unverifiedLife),
+      m_password(database, m_passwords, m_codes, m_codeRequests, m_loginThrottle, m_sessions,
+                 orNowhere(sendMail)),
       m_attendance(database, m_sessions, m_punches, clock)
 {
     m_router.add(m_auth.routes());

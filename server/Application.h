@@ -3,6 +3,7 @@
 #include "server/attendance/AttendanceEndpoints.h"
 #include "server/attendance/Punches.h"
 #include "server/auth/AuthEndpoints.h"
+#include "server/auth/CodeRequests.h"
 #include "server/auth/Codes.h"
 #include "server/auth/LoginThrottle.h"
 #include "server/auth/NetworkFailures.h"
@@ -25,6 +26,8 @@ struct Settings
     ThrottleLimits loginLimits;
     AllowanceLimits failedSignIns{1000, std::chrono::hours{24}}; ///< from one network address
     CodeLimits codes;
+    CodeRequestLimits codeRequests;
+    std::chrono::hours unverifiedLife{24 * 7}; ///< of an account whose e-mail address nobody verified
     SessionLifetimes sessions;
     AccountLimits accounts;
     /// A punch of the same device this soon is the last one again: longer than the app waits for an answer.
@@ -54,6 +57,7 @@ private:
     LoginThrottle m_loginThrottle;
     NetworkFailures m_networkFailures;
     Codes m_codes;
+    CodeRequests m_codeRequests;
     Sessions m_sessions;
     Punches m_punches;
     AuthEndpoints m_auth;

@@ -48,21 +48,6 @@ void addDatabase(CLI::App &command, std::string &file)
         ->type_name("FILE");
 }
 
-void addCodes(CLI::App &serve, ServeCommandOptions &options)
-{
-    serve
-        .add_option("--code-requests", options.codeRequests,
-                    "Codes by e-mail that one network address may ask for within 15 minutes")
-        ->check(CLI::Range(1, 1'000'000))
-        ->capture_default_str();
-    serve
-        .add_option("--codes-per-address", options.codesPerAddress,
-                    "Codes that one e-mail address may be sent within an hour")
-        ->check(CLI::Range(1, 1'000'000))
-        ->capture_default_str();
-    addMailOptions(serve, options.mail);
-}
-
 void addAccounts(CLI::App &serve, ServeCommandOptions &options)
 {
     serve
@@ -122,7 +107,8 @@ void addServe(CLI::App &app, ServeCommandOptions &options, std::function<int()> 
         ->check(CLI::Range(0, 300))
         ->default_str("90 (demonstration: 5)");
     addAccounts(*serve, options);
-    addCodes(*serve, options);
+    addStrangerOptions(*serve, options.strangers);
+    addMailOptions(*serve, options.mail);
     addTrafficOptions(*serve, options.http);
     serve->callback([&] { run = [&] { return runServe(options); }; });
 }

@@ -38,10 +38,9 @@ Settings settingsOf(const ServeCommandOptions &options, Database &database)
     Settings settings;
     settings.loginLimits.attempts = options.loginAttempts;
     settings.loginLimits.window = std::chrono::seconds{options.loginWindowSeconds};
-    settings.codes.perNetwork.attempts = options.codeRequests;
-    settings.codes.perAddress.attempts = options.codesPerAddress;
     settings.accounts.perMinute = options.accountRequests;
     settings.accounts.burst = options.accountBurst;
+    applyTo(settings, options.strangers);
     // Whoever tries the demonstration wants to check out right after checking in.
     constexpr std::chrono::seconds demoRepeatWindow{5};
     if (options.repeatWindowSeconds)

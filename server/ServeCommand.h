@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/StrangerOptions.h"
 #include "server/http/HttpOptions.h"
 #include "server/mail/MailSettings.h"
 
@@ -19,10 +20,9 @@ struct ServeCommandOptions
     unsigned loginAttempts = 5;
     unsigned loginWindowSeconds = 900;
     std::optional<unsigned> repeatWindowSeconds; ///< none: 90, and 5 for the demonstration
-    unsigned codeRequests = 30;                  ///< from one network address within 15 minutes
-    unsigned codesPerAddress = 5;                ///< within an hour
     unsigned accountRequests = 240;              ///< of one account in a minute; 0: no limit
     unsigned accountBurst = 120;                 ///< of one account at once
+    StrangerOptions strangers;
     MailSettings mail;
 };
 

@@ -62,6 +62,15 @@ bool isEmailAddress(std::string_view text)
     return localPart && domain;
 }
 
+std::string mailboxOf(std::string_view emailKey)
+{
+    const auto at = emailKey.rfind('@');
+    const auto tag = emailKey.find('+');
+    if (at == std::string_view::npos || tag == 0 || tag > at)
+        return std::string{emailKey};
+    return std::string{emailKey.substr(0, tag)}.append(emailKey.substr(at));
+}
+
 std::string trimmed(std::string_view text)
 {
     const auto atStart = [&](std::string_view blank) { return text.starts_with(blank); };

@@ -4,7 +4,7 @@
 #include "server/auth/BearerGuard.h"
 #include "server/auth/BodyReader.h"
 #include "server/auth/EmailAddress.h"
-#include "server/mail/MailTexts.h"
+#include "server/auth/SignUps.h"
 
 #include <nlohmann/json.hpp>
 #include <spdlog/spdlog.h>
@@ -43,15 +43,10 @@ Response PasswordEndpoints::forgot(const Request &request)
     BodyReader body{request};
     const std::string key = emailKey(body.emailAddress("email"));
     body.finish();
-    m_codes.countRequest(key, request.remoteAddress);
-    const Codes::Fresh fresh = m_codes.make();
-    const auto employee = m_database.write([&](Connection &connection) {
-        m_codes.store(connection, key, CodePurpose::Reset, fresh);
-        return findEmployeeByEmail(connection, key);
-    });
-    if (employee)
-        m_sendMail(resetMail(employee->email, fresh.code));
-    return jsonReply({{"message", "If this address is registered, a code is on its way."}});
+    m_mailer.send(key, request.remoteAddress, CodeMailer::Why::Forgot);
+    return jsonReply(
+        {{"message", "If this address is registered, a code is on its way; one that came in the last"
+                     " 10 minutes may be used as well."}});
 }
 
 Response PasswordEndpoints::reset(const Request &request)
@@ -61,7 +56,7 @@ Response PasswordEndpoints::reset(const Request &request)
     const std::string code = body.code("code");
     const std::string password = body.newPassword("newPassword");
     body.finish();
-    const Codes::Match match = m_codes.judge(key, code);
+    const Codes::Match match = m_codes.judge(key, code, request.remoteAddress);
     if (match.purpose != CodePurpose::Reset)
         throw invalidCode();
     const std::string hash = m_passwords.hash(password);
@@ -70,12 +65,14 @@ Response PasswordEndpoints::reset(const Request &request)
         const auto employee = findEmployeeByEmail(connection, key);
         if (!employee)
             throw invalidCode();
+        if (employee->emailVerified == 0)
+            SignUps::settle(connection, *employee, match.signUpId, hash);
         storePassword(connection, employee->id, hash);
-        connection.execute("UPDATE employees SET email_verified = 1 WHERE id = :id", employee->id);
+        Codes::revoke(connection, key);
         m_sessions.endAll(connection, employee->id);
         return employee->id;
     });
-    m_codes.forgetWrongCodes(key);
+    m_requests.forget(request.remoteAddress);
     m_throttle.forgetAccount(key);
     spdlog::info("event=passwordReset employee={} request={}", id, request.requestId);
     return jsonReply({{"message", "Your new password is set. Please sign in with it."}});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/auth/CodeMailer.h"
+#include "server/auth/CodeRequests.h"
 #include "server/auth/Codes.h"
 #include "server/auth/LoginThrottle.h"
 #include "server/auth/Passwords.h"
@@ -17,14 +19,15 @@ namespace clockwell::server {
 class PasswordEndpoints
 {
 public:
-    PasswordEndpoints(Database &database, Passwords &passwords, Codes &codes, LoginThrottle &throttle,
-                      Sessions &sessions, SendMail sendMail)
+    PasswordEndpoints(Database &database, Passwords &passwords, Codes &codes, CodeRequests &requests,
+                      LoginThrottle &throttle, Sessions &sessions, SendMail sendMail)
         : m_database(database),
           m_passwords(passwords),
           m_codes(codes),
+          m_requests(requests),
+          m_mailer(database, codes, requests, std::move(sendMail)),
           m_throttle(throttle),
-          m_sessions(sessions),
-          m_sendMail(std::move(sendMail))
+          m_sessions(sessions)
     {}
 
     std::vector<Route> routes();
@@ -37,9 +40,10 @@ private:
     Database &m_database;
     Passwords &m_passwords;
     Codes &m_codes;
+    CodeRequests &m_requests;
+    CodeMailer m_mailer;
     LoginThrottle &m_throttle;
     Sessions &m_sessions;
-    SendMail m_sendMail;
 };
 
 } // namespace clockwell::server

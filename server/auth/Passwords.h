@@ -32,11 +32,9 @@ public:
     /// Whether a stored hash has another cost than those that are made now.
     bool hasOtherCost(const std::string &storedHash) const;
 
-    /// Of a random password, at the cost of those that are made now.
+    /// Of a random password that nobody knows, at the cost of those that are made now: for an account without
+    /// a password, and to spend the time of a check on when there is no account.
     const std::string &nobodysHash() const { return m_nobodysHash; }
-
-    /// Spends the time of a check for an account that does not exist; always false.
-    bool matchesNobody(const std::string &password) { return matches(m_nobodysHash, password) && false; }
 
 private:
     PasswordCost m_cost;

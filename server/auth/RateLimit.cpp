@@ -37,11 +37,15 @@ void RateLimit::giveBack(const std::string &key, Event event)
         std::erase_if(entry->second.events, [&](const Counted &counted) { return counted.event == event; });
 }
 
-std::chrono::seconds RateLimit::waitFor(const std::string &key)
+bool RateLimit::tryTake(const std::string &key)
 {
     const std::lock_guard lock{m_lock};
-    const auto entry = m_entries.find(key);
-    return entry == m_entries.end() ? std::chrono::seconds{0} : waitOf(entry->second, m_clock());
+    const Instant now = m_clock();
+    Entry &entry = used(key);
+    if (waitOf(entry, now) > std::chrono::seconds{0})
+        return false;
+    entry.events.push_back({now, ++m_newest});
+    return true;
 }
 
 void RateLimit::forget(const std::string &key)
@@ -83,7 +87,10 @@ std::chrono::seconds RateLimit::waitOf(Entry &entry, Instant now) const
     std::erase_if(entry.events, [&](const Counted &counted) { return counted.at + m_limits.window <= now; });
     if (entry.events.size() < m_limits.attempts)
         return std::chrono::seconds{0};
-    return std::chrono::ceil<std::chrono::seconds>(entry.events.front().at + m_limits.window - now);
+    auto next = entry.events.front().at + m_limits.window;
+    if (m_limits.pause > std::chrono::seconds{0})
+        next = std::min(next, entry.events.back().at + m_limits.pause);
+    return std::max(std::chrono::seconds{0}, std::chrono::ceil<std::chrono::seconds>(next - now));
 }
 
 } // namespace clockwell::server

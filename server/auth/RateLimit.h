@@ -18,6 +18,7 @@ struct ThrottleLimits
     std::size_t attempts = 5;         ///< events within the window before one is refused
     std::chrono::seconds window{900}; ///< counted back from now
     std::size_t entries = 100'000; ///< keys remembered at most; the one idle for longest is forgotten first
+    std::chrono::seconds pause{0}; ///< an event so long after the last one is never refused; 0: none is
 };
 
 /// "45 seconds", "7 minutes" or "22 hours": a wait as people say it, never shorter than it is.
@@ -41,8 +42,8 @@ public:
     /// Counts this event no more.
     void giveBack(const std::string &key, Event event);
 
-    /// How long until another event is within the limit; zero when it is already.
-    std::chrono::seconds waitFor(const std::string &key);
+    /// Counts an event; false, without counting, when there were too many.
+    bool tryTake(const std::string &key);
 
     /// Forgets what was counted for the key.
     void forget(const std::string &key);

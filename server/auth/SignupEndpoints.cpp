@@ -1,10 +1,9 @@
 #include "server/auth/SignupEndpoints.h"
 
-#include "server/attendance/CalendarDay.h"
 #include "server/auth/Accounts.h"
 #include "server/auth/BodyReader.h"
 #include "server/auth/EmailAddress.h"
-#include "server/auth/Tokens.h"
+#include "server/http/PeerAddress.h"
 #include "server/mail/MailTexts.h"
 
 #include <nlohmann/json.hpp>
@@ -20,16 +19,16 @@ constexpr std::size_t longestPhone = 64;
 constexpr std::size_t longestDeviceText = 128;
 constexpr std::size_t longestCompanyCode = 64;
 
-Day utcDayOf(Instant instant)
+std::string verifiedText(const std::string &status, bool contested)
 {
-    return Day{std::chrono::floor<std::chrono::days>(instant).time_since_epoch()};
-}
-
-std::string nextStep(const std::string &status)
-{
-    if (status == "APPROVED")
-        return " You can now sign in.";
-    return status == "PENDING" ? " An administrator now has to approve your account." : "";
+    std::string text = "Your e-mail address is verified.";
+    if (contested)
+        text +=
+            " More than one person signed up with it, so the account has no password yet: please choose one"
+            " with \"Forgot password?\".";
+    else if (status == "APPROVED")
+        text += " You can now sign in.";
+    return status == "PENDING" ? text + " An administrator now has to approve your account." : text;
 }
 
 } // namespace
@@ -60,34 +59,53 @@ std::optional<std::string> SignupEndpoints::readInstitute(BodyReader &body)
     return id ? std::optional{id->value} : std::nullopt;
 }
 
-SignupEndpoints::Applicant SignupEndpoints::readApplicant(const Request &request)
+SignupEndpoints::Form SignupEndpoints::readForm(const Request &request)
 {
     BodyReader body{request};
-    Applicant applicant;
-    applicant.fullName = body.name("fullName", longestFullName);
-    applicant.email = body.emailAddress("email");
-    applicant.phone = body.optionalText("phone", longestPhone);
-    applicant.password = body.newPassword("password");
+    Form form;
+    form.applicant.fullName = body.name("fullName", longestFullName);
+    form.applicant.email = body.emailAddress("email");
+    form.applicant.phone = body.optionalText("phone", longestPhone);
+    form.password = body.newPassword("password");
     body.text("deviceId", longestDeviceText); // checked like the sign-in's; an account is bound to no device
     body.optionalText("deviceModel", longestDeviceText);
     body.optionalText("osVersion", longestDeviceText);
-    applicant.instituteId = readInstitute(body);
+    form.applicant.instituteId = readInstitute(body);
     body.finish();
-    return applicant;
+    return form;
+}
+
+std::optional<SignUps::Claim> SignupEndpoints::repeated(const std::string &emailKey,
+                                                        const std::string &network,
+                                                        const std::string &password)
+{
+    auto latest = m_database.read(
+        [&](Connection &connection) { return SignUps::latest(connection, emailKey, network); });
+    const bool same =
+        m_passwords.matches(latest ? latest->passwordHash : m_passwords.nobodysHash(), password);
+    return same ? latest : std::nullopt;
 }
 
 Response SignupEndpoints::signup(const Request &request)
 {
-    const Applicant applicant = readApplicant(request);
+    const auto [applicant, password] = readForm(request);
     const std::string key = emailKey(applicant.email);
-    m_codes.countRequest(key, request.remoteAddress);
-    const std::string passwordHash = m_passwords.hash(applicant.password);
-    const Codes::Fresh fresh = m_codes.make();
-    const bool recorded = m_database.write([&](Connection &connection) {
-        m_codes.store(connection, key, CodePurpose::Verify, fresh);
-        return record(connection, applicant, passwordHash);
+    const std::string network = networkOf(request.remoteAddress);
+    m_requests.count(request.remoteAddress);
+    const bool due = m_requests.mayMake(CodeRequests::Kind::SignUp, key);
+    const auto same = repeated(key, network, password);
+    const std::string passwordHash = m_passwords.hash(password);
+    const Codes::Fresh fresh = m_codes.make(key);
+    const auto recorded = m_database.write([&](Connection &connection) {
+        auto done = m_signUps.record(connection, applicant, passwordHash, network, same);
+        if (due)
+            m_codes.store(connection,
+                          {key, network, CodePurpose::Verify, done ? std::optional{done->id} : std::nullopt},
+                          fresh);
+        return done;
     });
-    m_sendMail(recorded ? verificationMail(applicant.email, fresh.code) : addressTakenMail(applicant.email));
+    if (due)
+        mailTo(applicant, recorded, fresh);
     spdlog::info("event=signedUp request={}", request.requestId);
     return jsonReply({{"message", "We have sent you an e-mail. Please enter the code from it."},
                       {"status", "PENDING"},
@@ -96,34 +114,14 @@ Response SignupEndpoints::signup(const Request &request)
                      201);
 }
 
-bool SignupEndpoints::record(Connection &connection, const Applicant &applicant,
-                             const std::string &passwordHash) const
+void SignupEndpoints::mailTo(const Applicant &applicant, const std::optional<SignUps::Recorded> &recorded,
+                             const Codes::Fresh &fresh)
 {
-    const Instant now = m_clock();
     const std::string key = emailKey(applicant.email);
-    const auto known = findEmployeeByEmail(connection, key);
-    if (known && known->emailVerified != 0)
-        return false;
-    if (!known) {
-        connection.execute(
-            "INSERT INTO employees (id, institute_id, full_name, email, email_key, phone,"
-            " password_hash, role, status, email_verified, joined_on, created_at) VALUES"
-            " (:id, :institute, :name, :email, :key, :phone, :hash, 'EMPLOYEE', 'PENDING', 0, :day,"
-            " :now)",
-            newId(), applicant.instituteId, applicant.fullName, applicant.email, key, applicant.phone,
-            passwordHash, toText(utcDayOf(now)), toMillis(now));
-        return true;
-    }
-    // What an administrator decided stays: the office, and with it the company, and what was refused. But who
-    // was approved may be somebody else.
-    const auto institute = known->officeId ? known->instituteId : applicant.instituteId;
-    connection.execute("UPDATE employees SET institute_id = :institute, full_name = :name, email = :email,"
-                       " phone = :phone, password_hash = :hash,"
-                       " role = CASE status WHEN 'APPROVED' THEN 'EMPLOYEE' ELSE role END,"
-                       " status = CASE status WHEN 'APPROVED' THEN 'PENDING' ELSE status END WHERE id = :id",
-                       institute, applicant.fullName, applicant.email, applicant.phone, passwordHash,
-                       known->id);
-    return true;
+    if (recorded && m_requests.mayMail(key, false))
+        m_sendMail(verificationMail(applicant.email, {fresh.first, fresh.second}, recorded->contested));
+    else if (!recorded && m_requests.mayNotify(key))
+        m_sendMail(addressTakenMail(applicant.email));
 }
 
 Response SignupEndpoints::verify(const Request &request)
@@ -134,18 +132,21 @@ Response SignupEndpoints::verify(const Request &request)
     body.finish();
     // A code for a new password proves the address as well: whoever got one and then came here need not start
     // over.
-    const Codes::Match match = m_codes.judge(key, code);
+    const Codes::Match match = m_codes.judge(key, code, request.remoteAddress);
+    bool contested = false;
     const Employee employee = m_database.write([&](Connection &connection) {
         m_codes.consume(connection, key, match);
-        auto found = findEmployeeByEmail(connection, key);
+        const auto found = findEmployeeByEmail(connection, key);
         if (!found || found->emailVerified != 0)
             throw invalidCode();
-        connection.execute("UPDATE employees SET email_verified = 1 WHERE id = :id", found->id);
-        return std::move(*found);
+        contested = SignUps::settle(connection, *found, match.signUpId, m_passwords.nobodysHash());
+        return findEmployeeById(connection, found->id).value();
     });
-    m_codes.forgetWrongCodes(key);
+    m_requests.forget(request.remoteAddress);
+    if (contested)
+        m_sendMail(choosePasswordMail(employee.email));
     spdlog::info("event=emailVerified employee={} request={}", employee.id, request.requestId);
-    return jsonReply({{"message", "Your e-mail address is verified." + nextStep(employee.status)},
+    return jsonReply({{"message", verifiedText(employee.status, contested)},
                       {"emailVerified", true},
                       {"status", employee.status}});
 }
@@ -155,21 +156,10 @@ Response SignupEndpoints::resend(const Request &request)
     BodyReader body{request};
     const std::string key = emailKey(body.emailAddress("email"));
     body.finish();
-    m_codes.countRequest(key, request.remoteAddress);
-    const Codes::Fresh fresh = m_codes.make();
-    CodePurpose purpose = CodePurpose::Verify;
-    const auto employee = m_database.write([&](Connection &connection) {
-        auto found = findEmployeeByEmail(connection, key);
-        const auto last = m_codes.lastPurpose(connection, key);
-        const bool verified = found && found->emailVerified != 0;
-        purpose = verified ? CodePurpose::Reset : last.value_or(CodePurpose::Verify);
-        m_codes.store(connection, key, purpose, fresh);
-        return found;
-    });
-    if (employee)
-        m_sendMail(purpose == CodePurpose::Verify ? verificationMail(employee->email, fresh.code)
-                                                  : resetMail(employee->email, fresh.code));
-    return jsonReply({{"message", "If this address is registered, a new code is on its way."}});
+    m_mailer.send(key, request.remoteAddress, CodeMailer::Why::Again);
+    return jsonReply(
+        {{"message", "If this address is registered, a new code is on its way; one that came in the"
+                     " last 10 minutes may be used as well."}});
 }
 
 } // namespace clockwell::server

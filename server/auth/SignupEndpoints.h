@@ -1,12 +1,16 @@
 #pragma once
 
+#include "server/auth/CodeMailer.h"
+#include "server/auth/CodeRequests.h"
 #include "server/auth/Codes.h"
 #include "server/auth/Passwords.h"
+#include "server/auth/SignUps.h"
 #include "server/http/JsonReply.h"
 #include "server/http/Router.h"
 #include "server/mail/Mail.h"
 #include "server/storage/Database.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,39 +24,46 @@ class BodyReader;
 class SignupEndpoints
 {
 public:
-    SignupEndpoints(Database &database, Passwords &passwords, Codes &codes, Clock clock, SendMail sendMail)
+    /// `life`: of an account whose address nobody verified.
+    SignupEndpoints(Database &database, Passwords &passwords, Codes &codes, CodeRequests &requests,
+                    const Clock &clock, SendMail sendMail, std::chrono::hours life)
         : m_database(database),
           m_passwords(passwords),
           m_codes(codes),
-          m_clock(std::move(clock)),
+          m_requests(requests),
+          m_mailer(database, codes, requests, sendMail),
+          m_signUps(clock, life),
           m_sendMail(std::move(sendMail))
     {}
 
     std::vector<Route> routes();
 
 private:
-    struct Applicant
+    struct Form
     {
-        std::string fullName;
-        std::string email;
-        std::optional<std::string> phone;
+        Applicant applicant;
         std::string password;
-        std::optional<std::string> instituteId;
     };
 
     Response signup(const Request &request);
     Response verify(const Request &request);
     Response resend(const Request &request);
 
-    Applicant readApplicant(const Request &request);
+    Form readForm(const Request &request);
     std::optional<std::string> readInstitute(BodyReader &body);
-    /// False when the address belongs to an account that is verified: then nothing was changed.
-    bool record(Connection &connection, const Applicant &applicant, const std::string &passwordHash) const;
+    /// The sign-up that this one repeats: the same address and password. Takes the same time for every
+    /// address.
+    std::optional<SignUps::Claim> repeated(const std::string &emailKey, const std::string &network,
+                                           const std::string &password);
+    void mailTo(const Applicant &applicant, const std::optional<SignUps::Recorded> &recorded,
+                const Codes::Fresh &fresh);
 
     Database &m_database;
     Passwords &m_passwords;
     Codes &m_codes;
-    Clock m_clock;
+    CodeRequests &m_requests;
+    CodeMailer m_mailer;
+    SignUps m_signUps;
     SendMail m_sendMail;
 };
 

@@ -100,8 +100,9 @@ void deleteAllData(Database &database)
         before["attendanceDays"] = count("attendance");
         Audit{connection, std::nullopt}.add(
             {"demo --fresh", "everything", "", std::nullopt, before, nullptr});
-        for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families", "punches",
-                                  "attendance", "leaves", "employees", "holidays", "offices", "institutes"})
+        for (const char *table :
+             {"codes", "wrong_codes", "access_tokens", "refresh_tokens", "token_families", "punches",
+              "attendance", "leaves", "sign_ups", "employees", "holidays", "offices", "institutes"})
             connection.execute(std::string{"DELETE FROM "} + table);
     });
 }

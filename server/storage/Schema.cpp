@@ -236,12 +236,52 @@ std::vector<std::string> sessionEnds()
     };
 }
 
+std::vector<std::string> strangerTables()
+{
+    return {
+        // Codes that were sent before this step are asked for once more.
+        "DROP TABLE codes",
+        "CREATE TABLE codes ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " email_key VARCHAR(254) NOT NULL," // no reference: addresses without an account have codes too
+        " network VARCHAR(64) NOT NULL,"    // from which it was asked for
+        " purpose VARCHAR(16) NOT NULL CHECK (purpose IN ('VERIFY', 'RESET')),"
+        " sign_up_id VARCHAR(36)," // to which it belongs; it may be gone
+        " salt VARCHAR(64) NOT NULL,"
+        " hash CHAR(64) NOT NULL," // argon2id of the first code
+        " second_hash CHAR(64) NOT NULL,"
+        " expires_at BIGINT NOT NULL)",
+        "CREATE INDEX codes_by_address ON codes (email_key, expires_at)",
+        "CREATE INDEX codes_by_expiry ON codes (expires_at)",
+        "CREATE TABLE wrong_codes ("
+        " email_key VARCHAR(254) NOT NULL PRIMARY KEY,"
+        " amount DOUBLE PRECISION NOT NULL," // of the allowance that was spent, at the time
+        " at BIGINT NOT NULL)",
+        "CREATE INDEX wrong_codes_by_time ON wrong_codes (at)",
+        // The sign-ups with an address until one is verified; the first one has its employee's identifier.
+        "CREATE TABLE sign_ups ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " employee_id VARCHAR(36) NOT NULL REFERENCES employees (id),"
+        " full_name VARCHAR(200) NOT NULL,"
+        " email VARCHAR(254) NOT NULL,"
+        " phone VARCHAR(64),"
+        " institute_id VARCHAR(36) REFERENCES institutes (id),"
+        " password_hash VARCHAR(128) NOT NULL,"
+        " network VARCHAR(64) NOT NULL,"
+        " created_at BIGINT NOT NULL)",
+        "CREATE INDEX sign_ups_by_employee ON sign_ups (employee_id, created_at)",
+        // Who may be removed one day: nobody verified the address, no administrator touched the account.
+        "CREATE INDEX employees_left ON employees (created_at)"
+        " WHERE email_verified = 0 AND status = 'PENDING' AND office_id IS NULL",
+    };
+}
+
 } // namespace
 
 const std::vector<std::vector<std::string>> &schemaSteps()
 {
     static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables(), correctionTables(),
-                                                             sessionEnds()};
+                                                             sessionEnds(), strangerTables()};
     return steps;
 }
 

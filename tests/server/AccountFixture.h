@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+#include <string>
+#include <vector>
+
 namespace clockwell::server::test {
 
 using Body = nlohmann::ordered_json;
@@ -21,13 +25,13 @@ protected:
     static Settings roomy()
     {
         Settings settings = World::cheap();
-        settings.codes.perNetwork.attempts = 100'000;
+        settings.codeRequests.perNetwork.size = 100'000;
         return settings;
     }
 
     Reply call(const std::string &operation, const Body &body, const std::string &token = {}) const
     {
-        return world.post("/api/auth/" + operation, body.dump(), token);
+        return world.post("/api/auth/" + operation, body.dump(), token, network);
     }
     static Body application(const std::string &email = "kim@example.org",
                             const std::string &password = "Correct-Horse-7")
@@ -72,7 +76,25 @@ protected:
         });
     }
 
+    /// The numbers of six digits in the newest e-mail to an address that has any, in their order.
+    std::vector<std::string> codesFor(const std::string &email = "kim@example.org") const
+    {
+        static const std::regex sixDigits{"\\b[0-9]{6}\\b"};
+        std::vector<std::string> codes;
+        for (const Mail &mail : world.mails()) {
+            const std::sregex_iterator end;
+            std::vector<std::string> found;
+            for (std::sregex_iterator code{mail.text.begin(), mail.text.end(), sixDigits}; code != end;
+                 ++code)
+                found.push_back(code->str());
+            if (mail.to == email && !found.empty())
+                codes = found;
+        }
+        return codes;
+    }
+
     World world;
+    std::string network = "127.0.0.1"; ///< from where the requests come: any address in 127.0.0.0/8
 };
 
 } // namespace clockwell::server::test

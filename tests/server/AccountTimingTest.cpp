@@ -29,9 +29,10 @@ protected:
         Settings settings = roomy();
         settings.passwordCost = {1, 16 * 1024 * 1024};
         settings.loginLimits.attempts = 1'000'000;
-        settings.codes.perAddress.attempts = 1'000'000;
-        settings.codes.wrongCodes.attempts = 1'000'000;
-        settings.codes.tries = 1'000'000;
+        settings.failedSignIns.size = 1'000'000;
+        settings.codes.wrongCodes.size = 1'000'000;
+        settings.codes.wrongPerNetwork.size = 1'000'000;
+        settings.codes.triesPerNetwork.size = 1'000'000;
         return settings;
     }
 
@@ -84,6 +85,7 @@ protected:
         Series again;
         Series unknown;
         const auto ask = [&](Series &series, const std::string &email) {
+            world.advance(std::chrono::minutes{11}); // the last request's code is over, and a new one is made
             prepare(email);
             Reply reply;
             series.push_back(millisecondsOf([&] { reply = request(email); }));

@@ -1,5 +1,7 @@
 #include "server/auth/Allowance.h"
 
+#include "server/auth/EmailAddress.h"
+#include "server/auth/RateLimit.h"
 #include "server/http/ApiError.h"
 
 #include <gtest/gtest.h>
@@ -108,6 +110,46 @@ TEST_F(AllowanceTest, MemoryIsBounded)
     EXPECT_EQ(takeAll(allowance, "c"), 1); // "a" gave way
     EXPECT_TRUE(allowance.isSpent("b"));
     EXPECT_FALSE(allowance.isSpent("a"));
+}
+
+TEST_F(AllowanceTest, RateLimitWithAPauseNeverRefusesAnEventThatLongAfterTheLast)
+{
+    RateLimit limit{{.attempts = 2, .window = minutes{60}, .pause = minutes{10}}, clock()};
+    const auto at = [&](int minute) {
+        now = 1'000'000'000 + milliseconds{minutes{minute}}.count();
+        return limit.tryTake("a");
+    };
+    EXPECT_TRUE(at(0));
+    EXPECT_TRUE(at(1));
+    EXPECT_FALSE(at(2));
+    EXPECT_FALSE(at(10));
+    EXPECT_TRUE(at(11));
+    EXPECT_FALSE(at(12));
+    EXPECT_TRUE(at(21));
+    EXPECT_TRUE(at(100));
+    EXPECT_TRUE(at(100));
+    EXPECT_FALSE(at(100));
+}
+
+TEST(WaitTextTest, WaitIsNeverShorterThanItIs)
+{
+    EXPECT_EQ(waitText(seconds{1}), "1 second");
+    EXPECT_EQ(waitText(seconds{90}), "90 seconds");
+    EXPECT_EQ(waitText(seconds{91}), "2 minutes");
+    EXPECT_EQ(waitText(seconds{90 * 60}), "90 minutes");
+    EXPECT_EQ(waitText(seconds{90 * 60 + 1}), "2 hours");
+    EXPECT_EQ(waitText(seconds{24 * 3600}), "24 hours");
+}
+
+TEST(MailboxTest, IsTheAddressWithoutItsTag)
+{
+    EXPECT_EQ(mailboxOf("kim@example.org"), "kim@example.org");
+    EXPECT_EQ(mailboxOf("kim+a@example.org"), "kim@example.org");
+    EXPECT_EQ(mailboxOf("kim+a+b@example.org"), "kim@example.org");
+    EXPECT_EQ(mailboxOf("k.i.m+@example.org"), "k.i.m@example.org"); // dots are somebody's own rule
+    EXPECT_EQ(mailboxOf("+kim@example.org"), "+kim@example.org");
+    EXPECT_EQ(mailboxOf("kim@a+b"), "kim@a+b");
+    EXPECT_EQ(mailboxOf("kim+a"), "kim+a");
 }
 
 } // namespace clockwell::server::test

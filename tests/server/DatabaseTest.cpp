@@ -202,7 +202,7 @@ TEST(DatabaseTest, LockedByAnotherProcessIsBusyAfterTheWait)
 TEST(DatabaseTest, LimitOfTheFileIsKeptAndLeavesItUsable)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db"), {.maximumBytes = 200 * 1024}};
+    Database database{folder.file("a.db"), {.maximumBytes = 300 * 1024}};
     int written = 0;
     EXPECT_EQ(kindOfFailure([&] {
                   for (; written < 1000; ++written)

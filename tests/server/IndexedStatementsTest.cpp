@@ -136,6 +136,33 @@ TEST_F(IndexedStatementsTest, CleaningUpGoesThroughNoTable)
     expectNoScan("sign-in after a month");
 }
 
+TEST_F(IndexedStatementsTest, NothingThatAStrangerAsksForGoesThroughATable)
+{
+    const auto ask = [&](const std::string &operation, nlohmann::json body, const std::string &email) {
+        body["email"] = email;
+        body["deviceId"] = "dev-1";
+        const int status = world.post("/api/auth/" + operation, body.dump()).status;
+        expectNoScan(operation.c_str());
+        return status;
+    };
+    const nlohmann::json application{{"fullName", "Lee"}, {"password", "Correct-Horse-7"}};
+    for (int i = 0; i < 30; ++i)
+        world.post("/api/auth/forgot-password",
+                   nlohmann::json{{"email", "nobody" + std::to_string(i) + "@example.org"}}.dump());
+    for (int i = 0; i < 2; ++i) { // the second time with leftovers of the first
+        StatementWatch::forget();
+        for (const char *email : {"lee@example.org", "max@example.org", "kim@example.org"})
+            EXPECT_EQ(ask("signup", application, email), 201);
+        EXPECT_EQ(ask("resend-otp", {}, "lee@example.org"), 200);
+        EXPECT_EQ(ask("verify-otp", {{"code", "000000"}}, "lee@example.org"), 400);
+        EXPECT_EQ(ask("forgot-password", {}, "kim@example.org"), 200);
+        EXPECT_EQ(ask("reset-password", {{"code", world.code()}, {"newPassword", "New-Horse-8"}},
+                      "kim@example.org"),
+                  200);
+        world.advance(std::chrono::hours{24 * 8});
+    }
+}
+
 TEST_F(IndexedStatementsTest, SignedInPersonIsFoundWithOneStatement)
 {
     const std::string access = world.token();

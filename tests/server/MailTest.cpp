@@ -104,11 +104,14 @@ TEST(MailMessageTest, QuotedPrintableKeepsEveryLineShort)
                            std::string(50, 'x') + "\r\n");
 }
 
-TEST(MailTextsTest, CodeAndItsLifeAreInTheText)
+TEST(MailTextsTest, BothCodesAndTheirLifeAreInTheText)
 {
-    for (const Mail &mail :
-         {verificationMail("kim@example.org", "012345"), resetMail("kim@example.org", "012345")}) {
+    const MailedCode code{"012345", "678901"};
+    const std::string to = "kim@example.org";
+    for (const Mail &mail : {verificationMail(to, code, false), verificationMail(to, code, true),
+                             resetMail(to, code), codeMail(to, code)}) {
         EXPECT_NE(mail.text.find("    012345\n"), std::string::npos);
+        EXPECT_NE(mail.text.find("If the app asks for a second code,\nenter 678901."), std::string::npos);
         EXPECT_NE(mail.text.find("10 minutes"), std::string::npos);
         EXPECT_NE(mail.text.find("ignore this message"), std::string::npos);
         EXPECT_NE(mail.text.find("Clockwell"), std::string::npos);
@@ -118,7 +121,7 @@ TEST(MailTextsTest, CodeAndItsLifeAreInTheText)
 
 TEST(MailTextsTest, VerificationWarnsOfACodeThatSomebodyElseAskedFor)
 {
-    const std::string text = verificationMail("kim@example.org", "012345").text;
+    const std::string text = verificationMail("kim@example.org", {"012345", "678901"}, false).text;
     EXPECT_NE(text.find("did not ask for this code just now"), std::string::npos);
     EXPECT_NE(text.find("do not enter it"), std::string::npos);
 }

@@ -54,8 +54,8 @@ TEST(PasswordsTest, HashesAreSaltedArgon2idOfTheGivenCost)
 TEST(PasswordsTest, NobodyIsNeverMatched)
 {
     Passwords passwords{cheapCost};
-    EXPECT_FALSE(passwords.matchesNobody(""));
-    EXPECT_FALSE(passwords.matchesNobody("secret"));
+    EXPECT_FALSE(passwords.matches(passwords.nobodysHash(), ""));
+    EXPECT_FALSE(passwords.matches(passwords.nobodysHash(), "secret"));
 }
 
 TEST(PasswordsTest, BrokenStoredHashMatchesNothing)
