@@ -45,6 +45,8 @@ std::vector<Route> SignupEndpoints::routes()
     };
 }
 
+/// A code that is not one is like none, and an administrator assigns the company: an answer that told them
+/// apart would tell strangers which companies there are.
 std::optional<std::string> SignupEndpoints::readInstitute(BodyReader &body)
 {
     const auto code = body.optionalText("instituteCode", longestCompanyCode);
@@ -54,8 +56,6 @@ std::optional<std::string> SignupEndpoints::readInstitute(BodyReader &body)
         return connection.first<SingleColumn<std::string>>(
             "SELECT id FROM institutes WHERE LOWER(code) = :code ORDER BY code", lowerAscii(*code));
     });
-    if (!id)
-        body.addProblem("There is no company with this code.");
     return id ? std::optional{id->value} : std::nullopt;
 }
 

@@ -20,7 +20,8 @@ namespace clockwell::server {
 class BodyReader;
 
 /// Sign-up and the proof of its e-mail address. Every answer is the same, in content and time, whether the
-/// address is free, waits for its proof or has an account. Safe on several threads.
+/// address is free, waits for its proof or has an account, and whether there is a company with the code that
+/// was typed. Safe on several threads.
 class SignupEndpoints
 {
 public:
