@@ -35,7 +35,8 @@ struct HttpOptions
     /// gives up on an answer after 25 seconds.
     std::chrono::milliseconds passwordWait = defaultPasswordWait;
     std::size_t passwordsPerNetwork = 1000; ///< that may wait in that lane from one address; 503 beyond
-    std::size_t passwordsPerAccount = 32;   ///< that may wait in that lane for one account; 503 beyond
+    /// That may wait in that lane for one account; beyond that one from each address, and 503 for the rest.
+    std::size_t passwordsPerAccount = 32;
 
     /// A newcomer beyond these takes the place of the connection that has waited longest for its client, of
     /// all or of its own address (IPv6: /64 network). If none waits, it gets 503, unless it renews a session.

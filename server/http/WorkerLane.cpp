@@ -89,8 +89,11 @@ std::optional<std::chrono::seconds> WorkerLane::refusal(const std::string &group
         return std::nullopt;
     const std::lock_guard lock(m_lock);
     const auto wait = waitOf(group);
-    if (wait <= m_options.longestWait && m_queue.waitingOf(group) < m_options.perNetwork &&
-        (account.empty() || m_queue.waitingFor(account) < m_options.perAccount))
+    const std::size_t waiting = m_queue.waitingOf(group);
+    // An account's places must not run out for its owner when strangers elsewhere take them all.
+    const bool isInShare =
+        waiting == 0 || account.empty() || m_queue.waitingFor(account) < m_options.perAccount;
+    if (wait <= m_options.longestWait && waiting < m_options.perNetwork && isInShare)
         return std::nullopt;
     return std::clamp(std::chrono::ceil<std::chrono::seconds>(wait), std::chrono::seconds(1), longestRetry);
 }

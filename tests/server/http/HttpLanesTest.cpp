@@ -159,11 +159,25 @@ TEST_F(HttpLanesTest, AccountMayHaveOnlySoManyPasswordsWaiting)
     TestServer server(handler(), narrow, TestServer::byPath());
     const auto occupant = occupy(server, "/password/slow");
     const auto one = queue(server, "/password", "kim"), two = queue(server, "/password", "kim", "127.0.0.2");
-    EXPECT_EQ(RawClient(server.port(), 0, "127.0.0.3").exchange(post("/password", "kim")).status, 503);
+    EXPECT_EQ(RawClient(server.port()).exchange(post("/password", "kim")).status, 503);
     const auto other = queue(server, "/password", "robin"), nobody = queue(server, "/password", "");
     const auto alsoNobody = queue(server, "/password", ""), stillNobody = queue(server, "/password", "");
     gate.open();
     for (const auto *client : {&one, &two, &other, &nobody, &alsoNobody, &stillNobody})
+        EXPECT_EQ((*client)->receive().status, 200);
+}
+
+TEST_F(HttpLanesTest, OwnerGetsAPlaceWhileStrangersElsewhereHoldAllOfTheAccounts)
+{
+    HttpOptions narrow = options();
+    narrow.passwordsPerAccount = 2;
+    TestServer server(handler(), narrow, TestServer::byPath());
+    const auto occupant = occupy(server, "/password/slow");
+    const auto one = queue(server, "/password", "kim"), two = queue(server, "/password", "kim", "127.0.0.2");
+    const auto owner = queue(server, "/password", "kim", "127.0.0.3");
+    EXPECT_EQ(RawClient(server.port(), 0, "127.0.0.3").exchange(post("/password", "kim")).status, 503);
+    gate.open();
+    for (const auto *client : {&one, &two, &owner})
         EXPECT_EQ((*client)->receive().status, 200);
 }
 
