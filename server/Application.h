@@ -50,6 +50,9 @@ public:
     /// Whose work a request is. Refers to this.
     Triage triage() const;
 
+    /// Whether there is an endpoint with this path.
+    bool knows(const std::string &path) const { return m_router.knows(path); }
+
 private:
     Response answer(const Request &request) const;
 

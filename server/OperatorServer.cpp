@@ -6,11 +6,14 @@
 #include <nlohmann/json.hpp>
 #include <spdlog/spdlog.h>
 
+#include <string_view>
+
 namespace clockwell::server {
 
 namespace {
 
 constexpr std::size_t longestProblem = 200;
+constexpr std::string_view readyPath = "/ready";
 
 HttpServer::Options operatorOptions(const ListenAddress &listen)
 {
@@ -21,6 +24,7 @@ HttpServer::Options operatorOptions(const ListenAddress &listen)
     options.maxConnections = options.connectionsPerNetwork = 32;
     options.guestConnections = 1;
     options.failuresPerMinute = 0;
+    options.isOwnPath = [](const std::string &path) { return path == readyPath; };
     return options;
 }
 
@@ -35,7 +39,7 @@ OperatorServer::OperatorServer(const ListenAddress &listen, const HttpServer &ma
 
 Response OperatorServer::answer(const Request &request) const
 {
-    if (request.path != "/ready")
+    if (request.path != readyPath)
         return errorReply({404, "NOT_FOUND", "There is /health and /ready."});
     if (request.method != "GET")
         return errorReply(

@@ -7,6 +7,7 @@
 #include "server/http/HttpServer.h"
 #include "server/http/ListenAddress.h"
 #include "server/http/StopSignal.h"
+#include "server/log/ServiceLog.h"
 #include "server/mail/MailQueue.h"
 #include "server/storage/Readiness.h"
 
@@ -85,13 +86,15 @@ void writePortFile(const std::string &file, std::uint16_t port)
 
 int runServe(const ServeCommandOptions &options)
 {
-    const HttpServer::Options http = httpOptions(options);
     StopSignal stopSignal; // before any thread is started
+    const ServiceLog log;
+    HttpServer::Options http = httpOptions(options);
     Database database{options.database, databaseOptions(options, http)};
     MailQueue mail{openMail(options.mail, options.database)};
     const Settings settings = settingsOf(options, database);
     Application application{database, systemClock(), settings,
                             [&mail](Mail message) { mail.post(std::move(message)); }};
+    http.isOwnPath = [&application](const std::string &path) { return application.knows(path); };
     HttpServer server{http, [&application](const Request &request) { return application.handle(request); },
                       application.triage()};
     auto operators = operatorServer(options, server);

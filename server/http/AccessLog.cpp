@@ -2,27 +2,55 @@
 
 #include <spdlog/spdlog.h>
 
+#include <algorithm>
+#include <array>
 #include <random>
 
 namespace clockwell::server {
 
 namespace {
-constexpr std::size_t methodLogLimit = 16;
-constexpr std::size_t pathLogLimit = 200;
 constexpr std::size_t errorLogLimit = 400;
+constexpr std::string_view unread = "-";
+constexpr std::string_view other = "other";
+
+std::string_view methodToLog(std::string_view method)
+{
+    static constexpr std::array<std::string_view, 8> known{unread, "GET",    "HEAD",  "POST",
+                                                           "PUT",  "DELETE", "PATCH", "OPTIONS"};
+    return std::ranges::find(known, method) == known.end() ? other : method;
+}
+
+bool isPrintable(char c)
+{
+    return c >= ' ' && c <= '~';
+}
+
+void appendPrintable(std::string &text, char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x80)
+        text += fmt::format("\\x{:02X}", byte);
+    else
+        text += isPrintable(c) ? c : '?';
+}
+
 } // namespace
 
-AccessLog::AccessLog(std::shared_ptr<spdlog::logger> logger)
-    : m_logger(logger ? std::move(logger) : spdlog::default_logger())
+AccessLog::AccessLog(std::shared_ptr<spdlog::logger> logger, IsOwnPath isOwnPath)
+    : m_logger(logger ? std::move(logger) : spdlog::default_logger()), m_isOwnPath(std::move(isOwnPath))
 {}
 
-void AccessLog::answered(const std::string &id, std::string_view method, std::string_view path, int status,
+std::string_view AccessLog::pathToLog(const std::string &path) const
+{
+    return path == unread || path == "/health" || (m_isOwnPath && m_isOwnPath(path)) ? path : other;
+}
+
+void AccessLog::answered(const std::string &id, std::string_view method, const std::string &path, int status,
                          std::chrono::microseconds duration, std::size_t bytes) const
 {
     const double milliseconds = static_cast<double>(duration.count()) / 1000;
     m_logger->info("event=request id={} method={} path={} status={} durationMs={:.3f} bytes={}", id,
-                   logValue(method, methodLogLimit), logValue(path, pathLogLimit), status, milliseconds,
-                   bytes);
+                   methodToLog(method), pathToLog(path), status, milliseconds, bytes);
 }
 
 void AccessLog::handlerFailed(const std::string &id, std::string_view what) const
@@ -47,15 +75,24 @@ std::string logValue(std::string_view text, std::size_t limit)
     std::string value;
     bool quoted = text.empty();
     for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\')
             value += '\\';
-        quoted = quoted || byte <= 0x20 || c == '"' || c == '\\' || c == '=';
-        value += byte < 0x20 || byte == 0x7F ? '?' : c;
+        quoted = quoted || static_cast<unsigned char>(c) <= ' ' || c == '"' || c == '\\' || c == '=';
+        appendPrintable(value, c);
     }
     if (cut)
         value += "...";
     return quoted ? '"' + value + '"' : value;
+}
+
+std::string printableAscii(std::string_view text)
+{
+    if (std::ranges::all_of(text, isPrintable)) // as nearly always
+        return std::string{text};
+    std::string result;
+    for (const char c : text)
+        appendPrintable(result, c);
+    return result;
 }
 
 RequestIds::RequestIds()

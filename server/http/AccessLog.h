@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,11 +20,16 @@ namespace clockwell::server {
 class AccessLog
 {
 public:
-    /// Null: spdlog's default logger.
-    explicit AccessLog(std::shared_ptr<spdlog::logger> logger);
+    /// Says whether a path is one of the server's own.
+    using IsOwnPath = std::function<bool(const std::string &path)>;
 
-    /// `method` and `path` are "-" for a request that could not be read that far.
-    void answered(const std::string &id, std::string_view method, std::string_view path, int status,
+    /// A null logger: spdlog's default one. A null function: no path but "/health" is the server's own.
+    explicit AccessLog(std::shared_ptr<spdlog::logger> logger, IsOwnPath isOwnPath = {});
+
+    /// `method` and `path` are "-" for a request that could not be read that far. Others than those that the
+    /// server knows are logged as "other": in a path that somebody made up can stand anything, also a token
+    /// or an e-mail address.
+    void answered(const std::string &id, std::string_view method, const std::string &path, int status,
                   std::chrono::microseconds duration, std::size_t bytes) const;
     /// A handler threw; `what` says what, in the words of our own code or of a library.
     void handlerFailed(const std::string &id, std::string_view what) const;
@@ -32,12 +38,19 @@ public:
     void notice(std::string_view event, std::string_view what) const;
 
 private:
+    std::string_view pathToLog(const std::string &path) const;
+
     std::shared_ptr<spdlog::logger> m_logger;
+    IsOwnPath m_isOwnPath;
 };
 
-/// `text` cut to `limit` bytes and, where it has blanks, quotes or backslashes, in quotes: it stays one value
-/// in a line of key=value pairs.
+/// `text` cut to `limit` bytes, in printable ASCII and, where it has blanks, quotes or backslashes, in
+/// quotes: it stays one value in a line of key=value pairs.
 std::string logValue(std::string_view text, std::size_t limit);
+
+/// Control characters become '?', and bytes beyond ASCII "\xE2": neither they nor the direction marks and
+/// invisible characters of Unicode reach a terminal.
+std::string printableAscii(std::string_view text);
 
 /// Ids of requests: unique over restarts in practice, short, increasing within a process. Not thread-safe.
 class RequestIds

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -65,6 +66,8 @@ struct HttpOptions
     unsigned failureBurst = 20'000;
 
     std::shared_ptr<spdlog::logger> logger; ///< null: spdlog's default logger
+    /// Which paths may stand in the log; null: only "/health". See AccessLog.
+    std::function<bool(const std::string &path)> isOwnPath;
 };
 
 } // namespace clockwell::server

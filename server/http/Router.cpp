@@ -13,6 +13,11 @@ void Router::add(std::vector<Route> routes)
                     std::make_move_iterator(routes.end()));
 }
 
+bool Router::knows(std::string_view path) const
+{
+    return std::ranges::find(m_routes, path, &Route::path) != m_routes.end();
+}
+
 Response Router::dispatch(const Request &request) const
 {
     std::string allowed;

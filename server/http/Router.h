@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace clockwell::server {
@@ -21,6 +22,9 @@ class Router
 {
 public:
     void add(std::vector<Route> routes);
+
+    /// Whether the path is in the table, with whatever method.
+    bool knows(std::string_view path) const;
 
     /// Throws ApiError 404 for a path that is not in the table and 405, with Allow, for one that is but not
     /// with this method.

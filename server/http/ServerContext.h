@@ -18,7 +18,7 @@ struct ServerContext
     ServerContext(const HttpOptions &httpOptions, Handler handler, Triage triage,
                   std::unique_ptr<boost::asio::ssl::context> tlsContext)
         : options(httpOptions),
-          log(options.logger),
+          log(options.logger, options.isOwnPath),
           failures(options.failuresPerMinute, options.failureBurst),
           seating({options.maxConnections, options.connectionsPerNetwork, options.guestConnections}),
           tls(std::move(tlsContext)),

@@ -1,3 +1,4 @@
+#include "Contains.h"
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "World.h"
@@ -52,6 +53,7 @@ TEST_F(OperatorTest, HealthAndReadinessAreToldApart)
     EXPECT_EQ(send(operatorPort(server), "POST", "/ready").status, 405);
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
     EXPECT_EQ(send(server.port(), "GET", "/ready").status, 404) << "not for everybody";
+    EXPECT_TRUE(contains(server.log(), "path=/ready status=200"));
 }
 
 TEST_F(OperatorTest, NothingListensUnlessAsked)

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <csignal>
 #include <thread>
+#include <utility>
 
 namespace clockwell::server::test {
 
@@ -61,13 +62,14 @@ ProcessResult runServer(const std::vector<std::string> &arguments, std::chrono::
     return {exitCode, readFile(folder.file("out")), readFile(folder.file("err"))};
 }
 
-ServerProcess::ServerProcess(const std::string &database, std::vector<std::string> more)
+ServerProcess::ServerProcess(const std::string &database, std::vector<std::string> more,
+                             const std::string &logFile)
 {
     const std::string portFile = m_folder.file("port");
     std::vector<std::string> arguments{"serve",       "--database",  database, "--listen",
                                        "127.0.0.1:0", "--port-file", portFile};
     arguments.insert(arguments.end(), more.begin(), more.end());
-    m_process = spawnServer(arguments, "/dev/null", m_folder.file("log"));
+    m_process = spawnServer(arguments, "/dev/null", logFile.empty() ? m_folder.file("log") : logFile);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
     while (m_port == 0 && m_process > 0 && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(pollPause);
@@ -83,7 +85,15 @@ ServerProcess::~ServerProcess()
 
 std::string ServerProcess::log() const
 {
-    return readFile(m_folder.file("log"));
+    constexpr std::chrono::milliseconds quiet{250}; // the log has a thread of its own
+    std::string text = readFile(m_folder.file("log"));
+    for (int rounds = 0; m_process > 0 && rounds < 40; ++rounds) {
+        std::this_thread::sleep_for(quiet);
+        const std::string before = std::exchange(text, readFile(m_folder.file("log")));
+        if (before == text && !text.empty())
+            break;
+    }
+    return text;
 }
 
 void ServerProcess::kill()

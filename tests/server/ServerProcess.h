@@ -26,17 +26,19 @@ ProcessResult runServer(const std::vector<std::string> &arguments,
 class ServerProcess
 {
 public:
-    /// Starts it on a free port and waits until it listens, at most ten seconds.
-    explicit ServerProcess(const std::string &database, std::vector<std::string> more = {});
+    /// Starts it on a free port and waits until it listens, at most ten seconds. `logFile`: where its
+    /// standard error goes, perhaps a pipe that has a reader; empty: to a file for log().
+    explicit ServerProcess(const std::string &database, std::vector<std::string> more = {},
+                           const std::string &logFile = {});
     ~ServerProcess();
     ServerProcess(const ServerProcess &) = delete;
     ServerProcess &operator=(const ServerProcess &) = delete;
 
     std::uint16_t port() const { return m_port; } ///< 0 when it did not start
     pid_t process() const { return m_process; }   ///< -1 when it does not run
-    std::string log() const;                      ///< what it has written to standard error
-    void kill();                                  ///< SIGKILL, and waits for the end
-    int terminate();                              ///< SIGTERM; returns the exit code
+    std::string log() const; ///< what it has written to standard error, once it writes no more
+    void kill();             ///< SIGKILL, and waits for the end
+    int terminate();         ///< SIGTERM; returns the exit code
 
 private:
     TempFolder m_folder;

@@ -87,6 +87,7 @@ TEST(AccessLogTest, ValuesStayOneValueInALine)
     EXPECT_EQ(logValue("a\" status=200", 50), "\"a\\\" status=200\"");
     EXPECT_EQ(logValue("a\nb", 50), "\"a?b\"");
     EXPECT_EQ(logValue("", 50), "\"\"");
+    EXPECT_EQ(logValue("a\xE2\x80\xAE|\xC2\x9B", 50), "a\\xE2\\x80\\xAE|\\xC2\\x9B");
     EXPECT_EQ(logValue("abcdef", 3), "abc...");
 }
 

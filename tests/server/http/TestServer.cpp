@@ -24,6 +24,7 @@ TestServer::TestServer(Handler handler, HttpOptions options, Triage triage)
     const auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(m_log);
     options.logger = std::make_shared<spdlog::logger>("http-test", sink);
     options.logger->set_pattern("%l %v");
+    options.isOwnPath = [](const std::string &) { return true; };
     m_server = std::make_unique<HttpServer>(options, std::move(handler), std::move(triage));
     m_server->start();
 }
