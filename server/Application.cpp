@@ -45,11 +45,6 @@ ApiError toApiError(const DatabaseError &error)
     }
 }
 
-SendMail orNowhere(SendMail sendMail)
-{
-    return sendMail ? std::move(sendMail) : [](const Mail &) {};
-}
-
 } // namespace
 
 Application::Application(Database &database, Clock clock, const Settings &settings, SendMail sendMail)
@@ -61,10 +56,8 @@ Application::Application(Database &database, Clock clock, const Settings &settin
       m_sessions(database, clock, settings.sessions, settings.accounts),
       m_punches(database, clock, settings.repeatWindow),
       m_auth(database, m_passwords, m_loginThrottle, m_networkFailures, m_sessions),
-      m_signup(database, m_passwords, m_codes, m_codeRequests, clock, orNowhere(sendMail),
-               settings.unverifiedLife),
-      m_password(database, m_passwords, m_codes, m_codeRequests, m_loginThrottle, m_sessions,
-                 orNowhere(sendMail)),
+      m_signup(database, m_passwords, m_codes, m_codeRequests, clock, sendMail, settings.unverifiedLife),
+      m_password(database, m_passwords, m_codes, m_codeRequests, m_loginThrottle, m_sessions, sendMail),
       m_attendance(database, m_sessions, m_punches, clock)
 {
     m_router.add(m_auth.routes());

@@ -12,7 +12,7 @@
 #include "server/auth/Sessions.h"
 #include "server/auth/SignupEndpoints.h"
 #include "server/http/Router.h"
-#include "server/mail/Mail.h"
+#include "server/mail/SendMail.h"
 #include "server/storage/Database.h"
 #include "server/storage/Instant.h"
 
@@ -38,7 +38,7 @@ struct Settings
 class Application
 {
 public:
-    /// The database outlives this. `sendMail` nothing: e-mails go nowhere.
+    /// The database outlives this.
     Application(Database &database, Clock clock, const Settings &settings = {}, SendMail sendMail = {});
     Application(const Application &) = delete;
     Application &operator=(const Application &) = delete;

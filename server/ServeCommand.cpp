@@ -90,10 +90,13 @@ int runServe(const ServeCommandOptions &options)
     const ServiceLog log;
     HttpServer::Options http = httpOptions(options);
     Database database{options.database, databaseOptions(options, http)};
-    MailQueue mail{openMail(options.mail, options.database)};
+    MailQueue mail{openMail(options.mail, options.database), queueOptions(options.mail)};
     const Settings settings = settingsOf(options, database);
-    Application application{database, systemClock(), settings,
-                            [&mail](Mail message) { mail.post(std::move(message)); }};
+    Application application{database,
+                            systemClock(),
+                            settings,
+                            {[&mail](Mail message) { mail.post(std::move(message)); },
+                             [&mail](Precedence precedence) { return mail.excess(precedence); }}};
     http.isOwnPath = [&application](const std::string &path) { return application.knows(path); };
     HttpServer server{http, [&application](const Request &request) { return application.handle(request); },
                       application.triage()};

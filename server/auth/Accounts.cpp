@@ -41,6 +41,11 @@ std::optional<Employee> findEmployeeById(Connection &connection, const std::stri
     return connection.first<Employee>(sql, id);
 }
 
+Precedence precedenceOf(const Employee &employee)
+{
+    return employee.emailVerified != 0 ? Precedence::Own : Precedence::Stranger;
+}
+
 void requireUsable(const Employee &employee)
 {
     struct Refusal

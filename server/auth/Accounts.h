@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/mail/Mail.h"
 #include "server/storage/Connection.h"
 
 #include <optional>
@@ -40,6 +41,9 @@ std::string emailKey(std::string_view email);
 
 std::optional<Employee> findEmployeeByEmail(Connection &connection, std::string_view email);
 std::optional<Employee> findEmployeeById(Connection &connection, const std::string &id);
+
+/// Of an e-mail to the account: who has not proven the address may be anybody.
+Precedence precedenceOf(const Employee &employee);
 
 /// The columns of `Employee`, in its order, for queries elsewhere that join the table under the name `e`.
 const std::string &employeeColumns();

@@ -15,13 +15,15 @@ Mail mailFor(const Employee &employee, const Codes::Fresh &fresh, CodeMailer::Wh
 {
     const MailedCode code{fresh.first, fresh.second};
     const bool either = employee.emailVerified == 0 && why == CodeMailer::Why::Again;
-    return either ? codeMail(employee.email, code) : resetMail(employee.email, code);
+    return either ? codeMail(employee.email, code) : resetMail(employee.email, code, precedenceOf(employee));
 }
 
 } // namespace
 
 void CodeMailer::send(const std::string &emailKey, const std::string &remoteAddress, Why why)
 {
+    // Whoever asks: the answer must not depend on the account.
+    m_sendMail.requireRoom(why == Why::Forgot ? Precedence::Own : Precedence::Stranger);
     m_requests.count(remoteAddress);
     const bool due = m_requests.mayMake(CodeRequests::Kind::Account, emailKey);
     const Codes::Fresh fresh = m_codes.make(emailKey);

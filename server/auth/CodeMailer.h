@@ -2,7 +2,7 @@
 
 #include "server/auth/CodeRequests.h"
 #include "server/auth/Codes.h"
-#include "server/mail/Mail.h"
+#include "server/mail/SendMail.h"
 #include "server/storage/Database.h"
 
 #include <string>
@@ -20,7 +20,8 @@ public:
 
     enum class Why { Forgot, Again };
 
-    /// Throws ApiError 429 when too many codes were asked for from this network address.
+    /// Throws ApiError 429 when too many codes were asked for from this network address, and 503 when an
+    /// e-mail would arrive too late.
     void send(const std::string &emailKey, const std::string &remoteAddress, Why why);
 
 private:

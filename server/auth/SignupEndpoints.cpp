@@ -88,6 +88,7 @@ std::optional<SignUps::Claim> SignupEndpoints::repeated(const std::string &email
 
 Response SignupEndpoints::signup(const Request &request)
 {
+    m_sendMail.requireRoom(Precedence::Stranger);
     const auto [applicant, password] = readForm(request);
     const std::string key = emailKey(applicant.email);
     const std::string network = networkOf(request.remoteAddress);

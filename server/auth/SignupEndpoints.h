@@ -7,7 +7,7 @@
 #include "server/auth/SignUps.h"
 #include "server/http/JsonReply.h"
 #include "server/http/Router.h"
-#include "server/mail/Mail.h"
+#include "server/mail/SendMail.h"
 #include "server/storage/Database.h"
 
 #include <chrono>

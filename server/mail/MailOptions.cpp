@@ -60,6 +60,21 @@ void addMailOptions(CLI::App &command, MailSettings &settings)
                     "PEM file of trusted authorities [the system's]")
         ->type_name("FILE")
         ->check(CLI::ExistingFile);
+    command
+        .add_option("--smtp-connections", settings.connections,
+                    "E-mails that are handed to that server at once, each over a connection of its own")
+        ->check(CLI::Range(1, 50))
+        ->capture_default_str();
+    command
+        .add_option("--mail-wait", settings.longestWaitSeconds,
+                    "Seconds that a code by e-mail may take; when it would be more, none is promised")
+        ->check(CLI::Range(1, 300))
+        ->capture_default_str();
+    command
+        .add_option("--mail-flush", settings.flushSeconds,
+                    "Seconds at the end for delivering e-mails that still wait")
+        ->check(CLI::Range(0, 300))
+        ->capture_default_str();
 }
 
 } // namespace clockwell::server

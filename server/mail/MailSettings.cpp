@@ -72,4 +72,13 @@ std::unique_ptr<MailDelivery> openMail(const MailSettings &settings, const std::
     return outbox;
 }
 
+MailQueueOptions queueOptions(const MailSettings &settings)
+{
+    MailQueueOptions queue;
+    queue.deliveries = settings.smtpUrl.empty() ? 1 : settings.connections; // files keep their order
+    queue.longestWait = std::chrono::seconds{settings.longestWaitSeconds};
+    queue.flushLimit = std::chrono::seconds{settings.flushSeconds};
+    return queue;
+}
+
 } // namespace clockwell::server

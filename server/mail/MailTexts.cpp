@@ -39,7 +39,7 @@ Mail verificationMail(const std::string &to, const MailedCode &code, bool contes
     return {to, "Your Clockwell verification code", text};
 }
 
-Mail resetMail(const std::string &to, const MailedCode &code)
+Mail resetMail(const std::string &to, const MailedCode &code, Precedence precedence)
 {
     return {to, "Your Clockwell password reset code",
             "Hello,\n"
@@ -50,7 +50,8 @@ Mail resetMail(const std::string &to, const MailedCode &code)
                 "to your account will be signed out.\n"
                 "\n"
                 "You did not ask for it? Then ignore this message; your password stays as it\n"
-                "is. Never tell anybody this code.\n"};
+                "is. Never tell anybody this code.\n",
+            precedence};
 }
 
 Mail codeMail(const std::string &to, const MailedCode &code)
@@ -76,7 +77,8 @@ Mail choosePasswordMail(const std::string &to)
             "your e-mail address is verified. More than one person signed up with it, and\n"
             "only you can read this message: so your account has none of their passwords.\n"
             "\n"
-            "Please choose yours with \"Forgot password?\" in the app.\n"};
+            "Please choose yours with \"Forgot password?\" in the app.\n",
+            Precedence::Own};
 }
 
 Mail addressTakenMail(const std::string &to)

@@ -28,7 +28,7 @@ std::string compactTime(Instant instant)
 
 [[noreturn]] void fail()
 {
-    throw DeliveryError{DeliveryError::Kind::Transient, std::generic_category().message(errno)};
+    throw DeliveryError{DeliveryError::Kind::Down, std::generic_category().message(errno)};
 }
 
 class NewFile
@@ -78,6 +78,7 @@ OutboxDelivery::OutboxDelivery(std::filesystem::path folder, std::string from, C
 
 void OutboxDelivery::deliver(const Mail &mail, const std::atomic<bool> & /*giveUp*/)
 {
+    const std::lock_guard lock{m_lock};
     m_last = std::max(m_clock(), m_last + std::chrono::milliseconds{1});
     const std::string id = newId();
     ::mkdir(m_folder.c_str(), ownerOnlyFolder); // it may have been cleared away; a failure shows when writing
@@ -90,6 +91,14 @@ void OutboxDelivery::deliver(const Mail &mail, const std::atomic<bool> & /*giveU
         ::unlink(unfinished.c_str());
         throw;
     }
+}
+
+void OutboxDelivery::check(const std::atomic<bool> & /*giveUp*/)
+{
+    const auto probe = m_folder / (".new-" + newId());
+    ::mkdir(m_folder.c_str(), ownerOnlyFolder);
+    const NewFile file{probe};
+    ::unlink(probe.c_str());
 }
 
 } // namespace clockwell::server

@@ -1,7 +1,6 @@
 #include "TempFolder.h"
 #include "World.h"
 #include "server/mail/MailMessage.h"
-#include "server/mail/MailQueue.h"
 #include "server/mail/MailTexts.h"
 #include "server/mail/OutboxDelivery.h"
 #include "server/mail/SmtpDelivery.h"
@@ -13,55 +12,13 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
-#include <functional>
 #include <optional>
-#include <thread>
 
 namespace clockwell::server::test {
 
 namespace {
 
 const Instant sendingTime = instantOf("2026-11-21T08:15:00.123Z");
-
-/// Fails as often as it is told, then keeps what it gets.
-class ScriptedDelivery : public MailDelivery
-{
-public:
-    struct Record
-    {
-        std::atomic<int> attempts{0};
-        std::atomic<int> delivered{0};
-    };
-    ScriptedDelivery(Record &record, int failures, DeliveryError::Kind kind)
-        : m_record(record), m_failures(failures), m_kind(kind)
-    {}
-    void deliver(const Mail &, const std::atomic<bool> &) override
-    {
-        if (++m_record.attempts <= m_failures)
-            throw DeliveryError{m_kind, "scripted"};
-        ++m_record.delivered;
-    }
-
-private:
-    Record &m_record;
-    int m_failures;
-    DeliveryError::Kind m_kind;
-};
-
-bool within(std::chrono::seconds limit, const std::function<bool()> &holds)
-{
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (!holds() && std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds{5});
-    return holds();
-}
-
-MailQueueOptions quick(std::size_t pauses)
-{
-    MailQueueOptions options;
-    options.pauses.assign(pauses, std::chrono::milliseconds{10});
-    return options;
-}
 
 } // namespace
 
@@ -109,7 +66,7 @@ TEST(MailTextsTest, BothCodesAndTheirLifeAreInTheText)
     const MailedCode code{"012345", "678901"};
     const std::string to = "kim@example.org";
     for (const Mail &mail : {verificationMail(to, code, false), verificationMail(to, code, true),
-                             resetMail(to, code), codeMail(to, code)}) {
+                             resetMail(to, code, Precedence::Own), codeMail(to, code)}) {
         EXPECT_NE(mail.text.find("    012345\n"), std::string::npos);
         EXPECT_NE(mail.text.find("If the app asks for a second code,\nenter 678901."), std::string::npos);
         EXPECT_NE(mail.text.find("10 minutes"), std::string::npos);
@@ -166,7 +123,7 @@ TEST(OutboxDeliveryTest, FolderThatWasRemovedIsMadeAgain)
     EXPECT_EQ(facts.st_mode & 0777U, 0700U);
 }
 
-TEST(OutboxDeliveryTest, FullDiskIsATransientFailureAndLeavesNothingBehind)
+TEST(OutboxDeliveryTest, FullDiskClosesTheWayAndLeavesNothingBehind)
 {
     const TempFolder folder;
     const std::string outbox = folder.file("outbox");
@@ -186,7 +143,7 @@ TEST(OutboxDeliveryTest, FullDiskIsATransientFailureAndLeavesNothingBehind)
     }
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, oldHandler);
-    EXPECT_EQ(failure, DeliveryError::Kind::Transient);
+    EXPECT_EQ(failure, DeliveryError::Kind::Down);
     EXPECT_TRUE(std::filesystem::is_empty(outbox));
     delivery.deliver(mail, giveUp);
     EXPECT_FALSE(std::filesystem::is_empty(outbox));
@@ -199,54 +156,6 @@ TEST(OutboxDeliveryTest, FolderThatOthersCanReadIsRefused)
     std::filesystem::create_directory(outbox);
     std::filesystem::permissions(outbox, std::filesystem::perms{0755});
     EXPECT_THROW(OutboxDelivery(outbox, "a@example.com", [] { return sendingTime; }), std::runtime_error);
-}
-
-TEST(MailQueueTest, TransientFailuresAreTriedAgain)
-{
-    ScriptedDelivery::Record record;
-    MailQueue queue{std::make_unique<ScriptedDelivery>(record, 2, DeliveryError::Kind::Transient), quick(3)};
-    queue.post({});
-    EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.delivered == 1; }));
-    EXPECT_EQ(record.attempts, 3);
-}
-
-TEST(MailQueueTest, AttemptsAreBounded)
-{
-    ScriptedDelivery::Record record;
-    {
-        MailQueue queue{std::make_unique<ScriptedDelivery>(record, 1000, DeliveryError::Kind::Transient),
-                        quick(3)};
-        queue.post({});
-        EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.attempts == 4; }));
-    }
-    EXPECT_EQ(record.attempts, 4);
-}
-
-TEST(MailQueueTest, PermanentFailuresAreNotTriedAgainAndStopNobodyElse)
-{
-    ScriptedDelivery::Record record;
-    {
-        MailQueue queue{std::make_unique<ScriptedDelivery>(record, 1, DeliveryError::Kind::Permanent),
-                        quick(3)};
-        queue.post({});
-        queue.post({});
-    }
-    EXPECT_EQ(record.attempts, 2);
-    EXPECT_EQ(record.delivered, 1);
-}
-
-TEST(MailQueueTest, WhatWaitsIsTriedOnceMoreAtTheEnd)
-{
-    ScriptedDelivery::Record record;
-    {
-        MailQueueOptions options;
-        options.pauses = {std::chrono::minutes{5}};
-        MailQueue queue{std::make_unique<ScriptedDelivery>(record, 1, DeliveryError::Kind::Transient),
-                        options};
-        queue.post({});
-        EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.attempts == 1; }));
-    }
-    EXPECT_EQ(record.delivered, 1);
 }
 
 TEST(SmtpUrlTest, OnlyHostAndPortAreTaken)

@@ -90,7 +90,7 @@ protected:
     TestCertificate certificate;
     std::string database = folder.file("clockwell.db");
     std::string passwordFile = folder.file("mail-password");
-    SmtpServer mail{{SmtpServer::freePort(), certificate.certificateFile(), certificate.keyFile(), {}}};
+    SmtpServer mail{{.certificateFile = certificate.certificateFile(), .keyFile = certificate.keyFile()}};
 };
 
 TEST_F(SecretsProcessTest, CodeComesFromTheMailServerAndVerifiesTheAddress)

@@ -33,9 +33,16 @@ std::uint16_t SmtpServer::freePort()
 SmtpServer::SmtpServer(const Options &options) : m_port(options.port)
 {
     std::filesystem::create_directory(m_folder.file("mail"));
-    std::vector<std::string> words{"/usr/bin/python3",    SMTP_SERVER_SCRIPT,     m_folder.file("port"),
-                                   m_folder.file("mail"), std::to_string(m_port), options.certificateFile,
-                                   options.keyFile};
+    std::vector<std::string> words{"/usr/bin/python3",
+                                   SMTP_SERVER_SCRIPT,
+                                   m_folder.file("port"),
+                                   m_folder.file("mail"),
+                                   std::to_string(m_port),
+                                   options.certificateFile,
+                                   options.keyFile,
+                                   m_folder.file("connections"),
+                                   std::to_string(options.delay.count()),
+                                   std::to_string(options.messagesOfAConnection)};
     words.insert(words.end(), options.firstReplies.begin(), options.firstReplies.end());
     std::vector<char *> argv;
     for (std::string &word : words)
@@ -57,11 +64,17 @@ SmtpServer::~SmtpServer()
     ::waitpid(m_process, nullptr, 0);
 }
 
+std::size_t SmtpServer::connections() const
+{
+    return readFile(m_folder.file("connections")).size(); // a byte for each
+}
+
 std::vector<std::string> SmtpServer::messages() const
 {
     std::vector<std::string> names;
     for (const auto &entry : std::filesystem::directory_iterator{m_folder.file("mail")})
-        names.push_back(entry.path());
+        if (entry.path().extension() != ".new")
+            names.push_back(entry.path());
     std::ranges::sort(names);
     std::vector<std::string> texts;
     std::ranges::transform(names, std::back_inserter(texts), readFile);

@@ -4,6 +4,8 @@
 
 #include <sys/types.h>
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -19,7 +21,9 @@ public:
         std::uint16_t port = freePort();
         std::string certificateFile = "-"; ///< "-": it neither encrypts nor asks for a sign-in
         std::string keyFile = "-";
-        std::vector<std::string> firstReplies; ///< to the first messages; later ones are taken
+        std::vector<std::string> firstReplies{}; ///< to the first messages; later ones are taken
+        std::chrono::milliseconds delay{0};      ///< that it takes for each message
+        int messagesOfAConnection = 0;           ///< after so many it closes the connection; 0: never
     };
 
     /// Waits until it answers, at most ten seconds; throws std::runtime_error when it does not.
@@ -28,9 +32,13 @@ public:
     SmtpServer(const SmtpServer &) = delete;
     SmtpServer &operator=(const SmtpServer &) = delete;
 
+    pid_t process() const { return m_process; }
     std::string url() const { return "smtp://127.0.0.1:" + std::to_string(m_port); }
     /// What it took: a line each for sender, recipients and encryption, then the message.
     std::vector<std::string> messages() const;
+
+    /// How many connections it has accepted.
+    std::size_t connections() const;
 
     /// A port that nobody listens on right now.
     static std::uint16_t freePort();

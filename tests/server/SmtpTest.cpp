@@ -1,5 +1,6 @@
 #include "LogCatcher.h"
 #include "SmtpServer.h"
+#include "Within.h"
 #include "http/TlsClient.h"
 #include "server/mail/MailQueue.h"
 #include "server/mail/SmtpDelivery.h"
@@ -11,7 +12,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <functional>
+#include <csignal>
 #include <optional>
 #include <thread>
 
@@ -21,14 +22,6 @@ namespace {
 
 const Mail sampleMail{"kim@example.org", "Code", "Hello\n.\n..dots\n.\nBye\n"};
 
-bool within(std::chrono::seconds limit, const std::function<bool()> &holds)
-{
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (!holds() && std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds{10});
-    return holds();
-}
-
 } // namespace
 
 class SmtpTest : public testing::Test
@@ -36,8 +29,11 @@ class SmtpTest : public testing::Test
 protected:
     SmtpServer::Options secured(std::vector<std::string> replies = {}) const
     {
-        return {SmtpServer::freePort(), certificate.certificateFile(), certificate.keyFile(),
-                std::move(replies)};
+        SmtpServer::Options options;
+        options.certificateFile = certificate.certificateFile();
+        options.keyFile = certificate.keyFile();
+        options.firstReplies = std::move(replies);
+        return options;
     }
     SmtpOptions client(const std::string &url) const
     {
@@ -87,12 +83,12 @@ TEST_F(SmtpTest, RecipientThatIsNoAddressNeverReachesTheServer)
     EXPECT_TRUE(server.messages().empty());
 }
 
-TEST_F(SmtpTest, WrongPasswordIsAPermanentFailure)
+TEST_F(SmtpTest, WrongPasswordClosesTheWay)
 {
     const SmtpServer server{secured()};
     SmtpOptions options = client(server.url());
     options.password = "wrong";
-    EXPECT_EQ(failureOf(options), DeliveryError::Kind::Permanent);
+    EXPECT_EQ(failureOf(options), DeliveryError::Kind::Down);
     EXPECT_TRUE(server.messages().empty());
 }
 
@@ -102,7 +98,7 @@ TEST_F(SmtpTest, CertificateOfAnUnknownAuthorityIsRefused)
     const SmtpServer server{secured()};
     SmtpOptions options = client(server.url());
     options.certificateAuthorities = stranger.certificateFile();
-    EXPECT_EQ(failureOf(options), DeliveryError::Kind::Permanent);
+    EXPECT_EQ(failureOf(options), DeliveryError::Kind::Down);
     EXPECT_TRUE(server.messages().empty());
 }
 
@@ -111,7 +107,7 @@ TEST_F(SmtpTest, ServerWithoutEncryptionGetsNothingUnlessAllowed)
     const SmtpServer server{SmtpServer::Options{}};
     SmtpOptions options = client(server.url());
     options.user.clear();
-    EXPECT_EQ(failureOf(options), DeliveryError::Kind::Permanent);
+    EXPECT_EQ(failureOf(options), DeliveryError::Kind::Down);
     EXPECT_TRUE(server.messages().empty());
     options.encryption = SmtpEncryption::Optional;
     EXPECT_FALSE(failureOf(options));
@@ -126,6 +122,66 @@ TEST_F(SmtpTest, RefusalsOfThe400sAreTransientAndOfThe500sPermanent)
     EXPECT_EQ(failureOf(client(server.url())), DeliveryError::Kind::Transient);
     EXPECT_EQ(failureOf(client(server.url())), DeliveryError::Kind::Permanent);
     EXPECT_FALSE(failureOf(client(server.url())));
+}
+
+TEST_F(SmtpTest, ConnectionsAreKeptAndNoMoreThanDeliveriesAtOnce)
+{
+    const SmtpServer server{secured()};
+    MailQueueOptions queueOptions;
+    queueOptions.deliveries = 3;
+    MailQueue queue{std::make_unique<SmtpDelivery>(client(server.url()), systemClock()), queueOptions};
+    for (int i = 0; i < 30; ++i)
+        queue.post(sampleMail);
+    EXPECT_TRUE(within(std::chrono::seconds{30}, [&] { return server.messages().size() == 30; }));
+    EXPECT_LE(server.connections(), 3U);
+}
+
+TEST_F(SmtpTest, ConnectionThatTheServerHasClosedIsReplaced)
+{
+    SmtpServer::Options closing = secured();
+    closing.messagesOfAConnection = 1;
+    const SmtpServer server{closing};
+    SmtpDelivery delivery{client(server.url()), systemClock()};
+    const std::atomic<bool> giveUp{false};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_NO_THROW(delivery.deliver(sampleMail, giveUp)) << i;
+        std::this_thread::sleep_for(std::chrono::milliseconds{200});
+    }
+    EXPECT_EQ(server.messages().size(), 3U);
+    EXPECT_EQ(server.connections(), 3U);
+}
+
+TEST_F(SmtpTest, WayCanBeTriedWithoutAMessage)
+{
+    const SmtpServer server{secured()};
+    SmtpDelivery delivery{client(server.url()), systemClock()};
+    const std::atomic<bool> giveUp{false};
+    EXPECT_NO_THROW(delivery.check(giveUp));
+    EXPECT_NO_THROW(delivery.deliver(sampleMail, giveUp));
+    EXPECT_NO_THROW(delivery.check(giveUp));
+    EXPECT_EQ(server.connections(), 1U);
+    SmtpOptions options = client(server.url());
+    options.password = "wrong";
+    EXPECT_THROW(SmtpDelivery(options, systemClock()).check(giveUp), DeliveryError);
+    EXPECT_THROW(
+        SmtpDelivery(client("smtp://127.0.0.1:" + std::to_string(SmtpServer::freePort())), systemClock())
+            .check(giveUp),
+        DeliveryError);
+    EXPECT_EQ(server.messages().size(), 1U);
+}
+
+TEST_F(SmtpTest, ServerThatStallsDoesNotHoldTheEndOfAKeptConnection)
+{
+    const SmtpServer server{secured()};
+    std::chrono::steady_clock::time_point start;
+    {
+        SmtpDelivery delivery{client(server.url()), systemClock()};
+        const std::atomic<bool> giveUp{false};
+        delivery.deliver(sampleMail, giveUp);
+        ::kill(server.process(), SIGSTOP);
+        start = std::chrono::steady_clock::now();
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{10});
 }
 
 TEST_F(SmtpTest, ServerThatIsDownGetsTheMessageWhenItIsBack)

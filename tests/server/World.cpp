@@ -75,7 +75,8 @@ Settings World::cheap()
     return settings;
 }
 
-World::World(const std::string &now, Settings settings, DatabaseOptions options)
+World::World(const std::string &now, Settings settings, DatabaseOptions options,
+             const std::optional<SendMail> &sendMail)
     : m_now(toMillis(instantOf(now)))
 {
     m_database.emplace(databaseFile(), options);
@@ -83,12 +84,10 @@ World::World(const std::string &now, Settings settings, DatabaseOptions options)
         connection.execute(
             "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
     });
-    m_application.emplace(
-        *m_database, clock(), settings,
-        [this](Mail mail) {
-            const std::lock_guard lock{m_mailsLock};
-            m_mails.push_back(std::move(mail));
-        });
+    m_application.emplace(*m_database, clock(), settings, sendMail.value_or([this](Mail mail) {
+        const std::lock_guard lock{m_mailsLock};
+        m_mails.push_back(std::move(mail));
+    }));
     m_http.emplace(
         HttpServer::Options{}, [this](const Request &request) { return m_application->handle(request); },
         m_application->triage());

@@ -61,8 +61,9 @@ void addHoliday(Database &database, const std::string &officeId, const std::stri
 class World
 {
 public:
+    /// `sendMail` takes the e-mails in place of mails().
     explicit World(const std::string &now = "2026-06-10T09:00:00Z", Settings settings = cheap(),
-                   DatabaseOptions options = {});
+                   DatabaseOptions options = {}, const std::optional<SendMail> &sendMail = {});
     static Settings cheap();
 
     void setNow(const std::string &isoText) { m_now = toMillis(instantOf(isoText)); }

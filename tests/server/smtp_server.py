@@ -1,12 +1,14 @@
 #!/usr/bin/python3
 """A mail server on loopback for tests.
 
-    smtp_server.py PORT_FILE MAIL_FOLDER PORT CERTIFICATE KEY [PLAIN_REPLY...]
+    smtp_server.py PORT_FILE MAIL_FOLDER PORT CERTIFICATE KEY CONNECTIONS_FILE DELAY LIMIT [PLAIN_REPLY...]
 
 It wants STARTTLS and the sign-in "clock"/"S3cret-Mail" (CERTIFICATE "-": neither). The replies given answer the first
-messages ("451 ..." or "550 ..."); later messages are taken, and stored as numbered files. It ends by itself after two
-minutes.
+messages ("451 ..." or "550 ..."); later messages are taken, and stored as numbered files. Each message takes DELAY
+milliseconds; after LIMIT messages (0: never) a connection is closed. For each connection a byte is added to
+CONNECTIONS_FILE. It ends by itself after two minutes.
 """
+import asyncio
 import os
 import ssl
 import sys
@@ -15,19 +17,35 @@ import time
 from aiosmtpd.controller import Controller
 from aiosmtpd.smtp import AuthResult
 
-port_file, folder, port, certificate, key, *replies = sys.argv[1:]
+port_file, folder, port, certificate, key, connections_file, delay, limit, *replies = sys.argv[1:]
 
 
 class Store:
+    def __init__(self):
+        self.count = 0
+
     async def handle_DATA(self, server, session, envelope):
+        await asyncio.sleep(int(delay) / 1000)
+        session.taken = getattr(session, "taken", 0) + 1
+        if session.taken == int(limit):
+            asyncio.get_running_loop().call_later(0.05, server.transport.close)
         if replies:
             return replies.pop(0)
-        name = os.path.join(folder, "%03d" % len(os.listdir(folder)))
-        with open(name, "wb") as file:
+        name = os.path.join(folder, "%05d" % self.count)
+        self.count += 1
+        with open(name + ".new", "wb") as file:
             file.write(("MAIL %s\nRCPT %s\nTLS %s\n" % (envelope.mail_from, ",".join(envelope.rcpt_tos),
                                                        session.ssl is not None)).encode())
             file.write(envelope.content)
+        os.rename(name + ".new", name)
         return "250 taken"
+
+
+class CountingController(Controller):
+    def factory(self):
+        with open(connections_file, "ab") as file:
+            file.write(b".")
+        return super().factory()
 
 
 def authenticate(server, session, envelope, mechanism, data):
@@ -41,8 +59,9 @@ if certificate != "-":
     context.load_cert_chain(certificate, key)
     options = {"tls_context": context, "require_starttls": True, "authenticator": authenticate,
                "auth_required": True}
-controller = Controller(Store(), hostname="127.0.0.1", port=int(port), **options)
+controller = CountingController(Store(), hostname="127.0.0.1", port=int(port), **options)
 controller.start()
+open(connections_file, "wb").close()  # the start made a connection of its own
 with open(port_file + ".new", "w") as file:
     file.write(str(controller.server.sockets[0].getsockname()[1]))
 os.rename(port_file + ".new", port_file)

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace clockwell::server::test {
+
+/// Whether it holds before the limit is over; asks every few milliseconds.
+inline bool within(std::chrono::seconds limit, const std::function<bool()> &holds)
+{
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!holds() && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds{5});
+    return holds();
+}
+
+} // namespace clockwell::server::test
