@@ -180,6 +180,7 @@ std::optional<std::size_t> Codes::secondStep(const std::string &key, const std::
                                              const Hits &hits)
 {
     std::vector<std::string> last;
+    last.reserve(hits.first.size());
     for (const std::size_t i : hits.first)
         last.push_back(codes[i].id);
     {
