@@ -34,6 +34,8 @@ EmployeeEntry requireAdministrator(Connection &connection, const std::string &em
         throw refused(personText(person) + " has the role " + person.role + " and is " +
                       lowerAscii(person.status) + ". --as has to name an approved account with the role " +
                       administratorRole + ".");
+    if (hasLeft(connection, findEmployeeById(connection, person.id).value(), systemClock()()))
+        throw refused("The last day of " + personText(person) + " was " + *person.lastDay + ".");
     return person;
 }
 

@@ -30,7 +30,7 @@ class Audit
 {
 public:
     /// `as`: the e-mail address of the administrator who acts, if one is named. Throws AdminError when that
-    /// is not an approved administrator's.
+    /// is not an approved administrator's, or one's who has left.
     Audit(Connection &connection, const std::optional<std::string> &as);
 
     /// The one who was named.

@@ -31,6 +31,8 @@ std::string closedReason(Connection &connection, const EmployeeDay &day)
         return {};
     if (!facts.joined)
         return "The first working day is " + toText(calendar.joinedOn()) + ".";
+    if (facts.hasLeft)
+        return "The last working day was " + toText(*calendar.lastDay()) + ".";
     return printable(day.office.name) + (facts.holiday ? " has a holiday that day." : " is closed that day.");
 }
 

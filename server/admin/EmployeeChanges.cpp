@@ -77,17 +77,19 @@ EmployeeChange EmployeeChanges::approve(const ApprovalWishes &wishes)
     if (approved && employee.officeId == office.id && employee.instituteId && employee.role == role)
         return {false, personText(employee) + " is approved already; nothing was changed.", employee,
                 employee};
-    const std::string joinedOn = neverApproved(employee) ? todayIn(office, m_now) : employee.joinedOn;
+    const bool first = neverApproved(employee); // also when an earlier approval was withdrawn
+    const std::string joinedOn = first ? todayIn(office, m_now) : employee.joinedOn;
+    const auto lastDay = first ? std::nullopt : employee.lastDay;
     place(employee, office.id);
-    m_connection.execute("UPDATE employees SET status = 'APPROVED', role = :role, joined_on = :joined"
-                         " WHERE id = :id",
-                         role, joinedOn, employee.id);
+    m_connection.execute("UPDATE employees SET status = 'APPROVED', role = :role, joined_on = :joined,"
+                         " last_day = :last WHERE id = :id",
+                         role, joinedOn, lastDay, employee.id);
     const std::string verb = employee.status == "SUSPENDED" ? "Reinstated "
                              : approved                     ? "Changed "
                                                             : "Approved ";
     return {true,
             verb + personText(employee) + ": office " + printable(office.name) + ", role " + role +
-                ", joined on " + joinedOn + ".",
+                ", joined on " + joinedOn + (lastDay ? ", last day " + *lastDay : "") + ".",
             employee, requireEmployee(m_connection, employee.email)};
 }
 
@@ -133,6 +135,50 @@ EmployeeChange EmployeeChanges::assignOffice(const std::string &email, const std
     place(employee, office.id);
     return {true, "Assigned " + personText(employee) + " to the office " + printable(office.name) + ".",
             employee, requireEmployee(m_connection, employee.email)};
+}
+
+EmployeeChange EmployeeChanges::setLastDay(const std::string &email, Day lastDay)
+{
+    const EmployeeEntry employee = requireEmployee(m_connection, email);
+    const std::string text = "The last day of " + personText(employee) + " is " + toText(lastDay);
+    if (employee.lastDay == toText(lastDay))
+        return {false, text + " already; nothing was changed.", employee, employee};
+    requirePossible(employee, toText(lastDay));
+    return storeLastDay(employee, toText(lastDay), text + " now.");
+}
+
+EmployeeChange EmployeeChanges::clearLastDay(const std::string &email)
+{
+    const EmployeeEntry employee = requireEmployee(m_connection, email);
+    if (!employee.lastDay)
+        return {false, personText(employee) + " has no last day; nothing was changed.", employee, employee};
+    return storeLastDay(employee, std::nullopt,
+                        "Took back the last day of " + personText(employee) + ", which was " +
+                            *employee.lastDay + ".");
+}
+
+void EmployeeChanges::requirePossible(const EmployeeEntry &employee, const std::string &lastDay)
+{
+    if (neverApproved(employee))
+        throw refusal(personText(employee) + " was never approved, and so has no working days.");
+    if (lastDay < employee.joinedOn)
+        throw refusal(personText(employee) + " joined on " + employee.joinedOn +
+                      ", which is after the last day " + lastDay + ".");
+    const auto checkIn = m_connection.value<std::string>(
+        "SELECT COALESCE(MAX(work_date), '') FROM attendance WHERE employee_id = :employee"
+        " AND check_in_at IS NOT NULL AND work_date > :last",
+        employee.id, lastDay);
+    if (!checkIn.empty())
+        throw refusal(personText(employee) + " checked in on " + checkIn + ", which is after the last day " +
+                      lastDay + ". Choose a later one, or void that day first.");
+}
+
+EmployeeChange EmployeeChanges::storeLastDay(const EmployeeEntry &employee,
+                                             const std::optional<std::string> &lastDay,
+                                             const std::string &text)
+{
+    m_connection.execute("UPDATE employees SET last_day = :last WHERE id = :id", lastDay, employee.id);
+    return {true, text, employee, requireEmployee(m_connection, employee.email)};
 }
 
 void EmployeeChanges::place(const EmployeeEntry &employee, const std::string &officeId)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/admin/EmployeeLookup.h"
+#include "server/attendance/CalendarDay.h"
 #include "server/auth/Sessions.h"
 #include "server/storage/Instant.h"
 
@@ -44,9 +45,16 @@ public:
     /// Locks an approved employee out until the next approval, at once on all devices.
     EmployeeChange suspend(const std::string &email);
     EmployeeChange assignOffice(const std::string &email, const std::string &office);
+    /// Sets the last day of an employment, or changes it. No day with a check-in may be left behind it, for
+    /// what was recorded counts.
+    EmployeeChange setLastDay(const std::string &email, Day lastDay);
+    EmployeeChange clearLastDay(const std::string &email);
 
 private:
     EmployeeChange lockOut(const EmployeeEntry &employee, const std::string &status, const std::string &verb);
+    void requirePossible(const EmployeeEntry &employee, const std::string &lastDay);
+    EmployeeChange storeLastDay(const EmployeeEntry &employee, const std::optional<std::string> &lastDay,
+                                const std::string &text);
     void place(const EmployeeEntry &employee, const std::string &officeId);
 
     Connection &m_connection;

@@ -5,6 +5,7 @@
 #include "server/admin/CommandParts.h"
 #include "server/admin/EmployeeChanges.h"
 #include "server/admin/EmployeePrinter.h"
+#include "server/admin/FieldTexts.h"
 #include "server/admin/OfficeLookup.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ struct EmployeeOptions
     ApprovalWishes wishes; // the e-mail address of all commands is in here
     std::string office;
     std::string status;
+    std::optional<Day> lastDay;
 };
 using SharedEmployeeOptions = std::shared_ptr<EmployeeOptions>;
 
@@ -142,6 +144,22 @@ void addOtherChanges(CLI::App &group, const SharedEmployeeOptions &options, cons
     assign->add_option("OFFICE", options->office, "The office's name or identifier")->required();
 }
 
+void addLastDay(CLI::App &group, const SharedEmployeeOptions &options, const ChooseCommand &choose)
+{
+    CLI::App *set =
+        addChange(group, "set-last-day", "Set or change the last day of an employment", " 2026-12-31",
+                  options, choose, [](EmployeeChanges &changes, const EmployeeOptions &o) {
+                      return changes.setLastDay(o.wishes.email, o.lastDay.value());
+                  });
+    addField(*set, "DATE", "The last date on which the person is employed", options->lastDay, parseDay,
+             dayRule)
+        ->required();
+    addChange(group, "clear-last-day", "Take the last day of an employment back", "", options, choose,
+              [](EmployeeChanges &changes, const EmployeeOptions &o) {
+                  return changes.clearLastDay(o.wishes.email);
+              });
+}
+
 } // namespace
 
 void addEmployeeGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &options,
@@ -154,6 +172,7 @@ void addEmployeeGroup(CLI::App &admin, const std::shared_ptr<AdminOptions> &opti
     addQueries(*group, own, choose);
     addApprove(*group, own, choose);
     addOtherChanges(*group, own, choose);
+    addLastDay(*group, own, choose);
 }
 
 } // namespace clockwell::server

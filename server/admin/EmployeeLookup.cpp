@@ -17,7 +17,7 @@ constexpr std::size_t mostSuggestions = 3;
 std::string employeeSql(const std::string &rest)
 {
     return "SELECT e.id, e.institute_id, e.office_id, e.full_name, e.email, e.phone, e.role, e.status,"
-           " e.email_verified, e.joined_on, i.name, o.name FROM employees e"
+           " e.email_verified, e.joined_on, e.last_day, i.name, o.name FROM employees e"
            " LEFT JOIN institutes i ON i.id = e.institute_id LEFT JOIN offices o ON o.id = e.office_id " +
            rest;
 }

@@ -21,14 +21,15 @@ struct EmployeeEntry
     std::string role;
     std::string status; ///< PENDING, APPROVED, REJECTED or SUSPENDED
     long long emailVerified = 0;
-    std::string joinedOn; ///< "yyyy-MM-dd"; before the approval, the day of the sign-up
+    std::string joinedOn;               ///< "yyyy-MM-dd"; before the approval, the day of the sign-up
+    std::optional<std::string> lastDay; ///< "yyyy-MM-dd", the last date of the employment, if one is known
     std::optional<std::string> companyName;
     std::optional<std::string> officeName;
 
     auto columns()
     {
         return std::tie(id, instituteId, officeId, fullName, email, phone, role, status, emailVerified,
-                        joinedOn, companyName, officeName);
+                        joinedOn, lastDay, companyName, officeName);
     }
 };
 

@@ -27,6 +27,7 @@ Json employeeJson(const EmployeeEntry &employee)
     json["company"] = optionalJson(employee.companyName);
     json["office"] = optionalJson(employee.officeName);
     json["joinedOn"] = employee.joinedOn;
+    json["lastDay"] = optionalJson(employee.lastDay);
     return json;
 }
 
@@ -46,9 +47,10 @@ void printEmployees(const std::vector<EmployeeEntry> &employees, bool json)
     rows.reserve(employees.size());
     for (const EmployeeEntry &employee : employees)
         rows.push_back({employee.fullName, employee.email, employee.status, verifiedText(employee),
-                        employee.role, employee.officeName.value_or("-"), employee.joinedOn});
+                        employee.role, employee.officeName.value_or("-"), employee.joinedOn,
+                        employee.lastDay.value_or("-")});
     const std::string text =
-        tableText({"NAME", "E-MAIL", "STATUS", "VERIFIED", "ROLE", "OFFICE", "JOINED"}, rows);
+        tableText({"NAME", "E-MAIL", "STATUS", "VERIFIED", "ROLE", "OFFICE", "JOINED", "LAST DAY"}, rows);
     std::fputs(text.c_str(), stdout);
 }
 
@@ -64,7 +66,8 @@ void printEmployee(const EmployeeEntry &employee, bool json)
                                                 {"Role", employee.role},
                                                 {"Company", employee.companyName.value_or("-")},
                                                 {"Office", employee.officeName.value_or("-")},
-                                                {"Joined", employee.joinedOn}});
+                                                {"Joined", employee.joinedOn},
+                                                {"Last day", employee.lastDay.value_or("-")}});
     std::fputs(text.c_str(), stdout);
 }
 

@@ -13,7 +13,8 @@ namespace {
 
 const std::vector<std::string> summaryColumns{
     "month",    "office",           "fullName",   "email",     "accountStatus", "presentDays",
-    "lateDays", "totalLateMinutes", "absentDays", "leaveDays", "halfDays",      "totalWorkingMinutes"};
+    "lateDays", "totalLateMinutes", "absentDays", "leaveDays", "halfDays",      "totalWorkingMinutes",
+    "lastDay"};
 const std::vector<std::string> dayColumns{
     "workDate", "office",      "timeZone",          "fullName",       "email",     "status",    "checkIn",
     "checkOut", "lateMinutes", "earlyLeaveMinutes", "workingMinutes", "checkInAt", "checkOutAt"};
@@ -58,9 +59,10 @@ std::vector<Json> dayRow(const Employee &employee, const Office &office, const T
 std::vector<Json> summaryRow(Month month, const Employee &employee, const Office &office,
                              const MonthTotals &totals)
 {
-    return {toText(month),     office.name,        employee.fullName, employee.email,
-            employee.status,   totals.presentDays, totals.lateDays,   totals.totalLateMinutes,
-            totals.absentDays, totals.leaveDays,   totals.halfDays,   totals.totalWorkingMinutes};
+    return {toText(month),           office.name,        employee.fullName, employee.email,
+            employee.status,         totals.presentDays, totals.lateDays,   totals.totalLateMinutes,
+            totals.absentDays,       totals.leaveDays,   totals.halfDays,   totals.totalWorkingMinutes,
+            orNull(employee.lastDay)};
 }
 
 std::vector<Employee> employeesOf(Connection &connection, const ReportWishes &wishes)
@@ -68,8 +70,10 @@ std::vector<Employee> employeesOf(Connection &connection, const ReportWishes &wi
     static const std::string sql = "SELECT " + employeeColumns() +
                                    " FROM employees e LEFT JOIN offices o ON o.id = e.office_id"
                                    " WHERE e.status IN ('APPROVED', 'SUSPENDED') AND e.joined_on <= :last"
+                                   " AND (e.last_day IS NULL OR e.last_day >= :first)"
                                    " ORDER BY o.name, o.id, e.full_name, e.email_key";
-    auto employees = connection.all<Employee>(sql, toText(lastDayOf(wishes.month)));
+    auto employees =
+        connection.all<Employee>(sql, toText(lastDayOf(wishes.month)), toText(firstDayOf(wishes.month)));
     if (wishes.office) {
         const std::string office = requireOfficeNamed(connection, *wishes.office).id;
         std::erase_if(employees, [&](const Employee &employee) { return employee.officeId != office; });

@@ -24,9 +24,10 @@ struct MonthReport
     std::vector<std::string> withoutOffice; ///< e-mail addresses of employees who could not be judged
 };
 
-/// A month of everybody who was approved at some time and had joined by its end, by office and name. The
-/// figures are those that the app's history and summary show, up to today in each office's time zone.
-/// Throws AdminError: NotFound for an unknown office, Refused for a month that has not begun anywhere.
+/// A month of everybody who was approved at some time and had joined by its end and not left before it, by
+/// office and name. The figures are those that the app's history and summary show, up to today in each
+/// office's time zone. Throws AdminError: NotFound for an unknown office, Refused for a month that has not
+/// begun anywhere.
 MonthReport reportOf(Connection &connection, const ReportWishes &wishes, Instant now);
 
 } // namespace clockwell::server

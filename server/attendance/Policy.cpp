@@ -40,7 +40,7 @@ bool isWorkingWeekday(const OfficeHours &hours, Day day)
 
 bool isOpen(const DayFacts &facts)
 {
-    return facts.workingWeekday && !facts.holiday && facts.joined;
+    return facts.workingWeekday && !facts.holiday && facts.joined && !facts.hasLeft;
 }
 
 std::optional<Assessment> assessWithoutPunches(const DayFacts &facts, Day day, Day today)

@@ -51,6 +51,7 @@ struct DayFacts
     bool holiday = false;
     bool joined = false; ///< the employee had joined by then
     bool onLeave = false;
+    bool hasLeft = false; ///< the employee's last day was before
 };
 
 bool isWorkingWeekday(const OfficeHours &hours, Day day);

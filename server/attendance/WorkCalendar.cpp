@@ -35,6 +35,7 @@ WorkCalendar::WorkCalendar(Connection &connection, const Employee &employee, con
     : m_officeName(office.name),
       m_hours(office.hours),
       m_joinedOn(parseDay(employee.joinedOn).value()),
+      m_lastDay(employee.lastDay ? parseDay(*employee.lastDay) : std::nullopt),
       m_holidays(findHolidays(connection, office.id, first, last)),
       m_leaves(findLeaves(connection, employee.id, first, last))
 {}
@@ -43,7 +44,7 @@ DayFacts WorkCalendar::factsOf(Day day) const
 {
     const auto covers = [day](const auto &leave) { return leave.first <= day && day <= leave.second; };
     return {isWorkingWeekday(m_hours, day), m_holidays.contains(day), m_joinedOn <= day,
-            std::ranges::any_of(m_leaves, covers)};
+            std::ranges::any_of(m_leaves, covers), m_lastDay && *m_lastDay < day};
 }
 
 std::string WorkCalendar::closedBecause(Day day) const
@@ -53,6 +54,8 @@ std::string WorkCalendar::closedBecause(Day day) const
         return {};
     if (!facts.joined)
         return "Your first working day is " + toText(m_joinedOn) + ".";
+    if (facts.hasLeft)
+        return "Your last working day was " + toText(*m_lastDay) + ".";
     if (facts.holiday)
         return m_officeName + " is closed today: " + m_holidays.at(day) + ".";
     return m_officeName + " is closed today.";

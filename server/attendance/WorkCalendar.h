@@ -5,6 +5,7 @@
 #include "server/auth/Accounts.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,7 +13,7 @@
 namespace clockwell::server {
 
 /// An employee's calendar over a range of days: the office's weekdays and holidays, the employee's leave, the
-/// day they joined. Read from the database once, then asked day by day.
+/// days they joined and leave for good. Read from the database once, then asked day by day.
 class WorkCalendar
 {
 public:
@@ -24,11 +25,13 @@ public:
     std::string closedBecause(Day day) const;
 
     Day joinedOn() const { return m_joinedOn; }
+    std::optional<Day> lastDay() const { return m_lastDay; }
 
 private:
     std::string m_officeName;
     OfficeHours m_hours;
     Day m_joinedOn;
+    std::optional<Day> m_lastDay;
     std::map<Day, std::string> m_holidays;
     std::vector<std::pair<Day, Day>> m_leaves; // first and last day of each
 };

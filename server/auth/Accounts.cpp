@@ -1,11 +1,27 @@
 #include "server/auth/Accounts.h"
 
+#include "server/attendance/TimeZone.h"
 #include "server/auth/EmailAddress.h"
 #include "server/http/ApiError.h"
 
 #include <array>
 
 namespace clockwell::server {
+
+namespace {
+
+Day dateFor(Connection &connection, const Employee &employee, Instant now)
+{
+    if (employee.officeId) {
+        const auto zone = TimeZone::named(connection.value<std::string>(
+            "SELECT time_zone FROM offices WHERE id = :id", *employee.officeId));
+        if (zone)
+            return zone->dayOf(now);
+    }
+    return Day{std::chrono::floor<std::chrono::days>(now).time_since_epoch()};
+}
+
+} // namespace
 
 std::string lowerAscii(std::string_view text)
 {
@@ -24,7 +40,7 @@ const std::string &employeeColumns()
 {
     static const std::string columns =
         "e.id, e.institute_id, e.office_id, e.full_name, e.email, e.phone, e.password_hash, e.role, e.status,"
-        " e.email_verified, e.joined_on";
+        " e.email_verified, e.joined_on, e.last_day";
     return columns;
 }
 
@@ -46,7 +62,12 @@ Precedence precedenceOf(const Employee &employee)
     return employee.emailVerified != 0 ? Precedence::Own : Precedence::Stranger;
 }
 
-void requireUsable(const Employee &employee)
+bool hasLeft(Connection &connection, const Employee &employee, Instant now)
+{
+    return employee.lastDay && *employee.lastDay < toText(dateFor(connection, employee, now));
+}
+
+void requireUsable(Connection &connection, const Employee &employee, Instant now)
 {
     struct Refusal
     {
@@ -66,6 +87,10 @@ void requireUsable(const Employee &employee)
     for (const Refusal &refusal : refusals)
         if (employee.status == refusal.status)
             throw ApiError{403, refusal.error, refusal.message};
+    if (hasLeft(connection, employee, now))
+        throw ApiError{403, "EMPLOYMENT_ENDED",
+                       "Your last working day was " + *employee.lastDay +
+                           ". If that is wrong, please ask your administrator."};
 }
 
 } // namespace clockwell::server

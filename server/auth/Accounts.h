@@ -2,6 +2,7 @@
 
 #include "server/mail/Mail.h"
 #include "server/storage/Connection.h"
+#include "server/storage/Instant.h"
 
 #include <optional>
 #include <string>
@@ -23,12 +24,13 @@ struct Employee
     std::string role;
     std::string status; ///< PENDING, APPROVED, REJECTED or SUSPENDED
     long long emailVerified = 0;
-    std::string joinedOn; ///< "yyyy-MM-dd", in the office's calendar
+    std::string joinedOn;               ///< "yyyy-MM-dd", in the office's calendar
+    std::optional<std::string> lastDay; ///< likewise, the last date of the employment, if one is known
 
     auto columns()
     {
         return std::tie(id, instituteId, officeId, fullName, email, phone, passwordHash, role, status,
-                        emailVerified, joinedOn);
+                        emailVerified, joinedOn, lastDay);
     }
 };
 
@@ -48,8 +50,11 @@ Precedence precedenceOf(const Employee &employee);
 /// The columns of `Employee`, in its order, for queries elsewhere that join the table under the name `e`.
 const std::string &employeeColumns();
 
-/// Passes only for an account that may use the server: e-mail verified, approved. Throws ApiError 403
-/// otherwise.
-void requireUsable(const Employee &employee);
+/// Whether the employee's last day is over, on the clock of their office or, without one, in UTC.
+bool hasLeft(Connection &connection, const Employee &employee, Instant now);
+
+/// Passes only for an account that may use the server: e-mail verified, approved, its last day not over.
+/// Throws ApiError 403 otherwise.
+void requireUsable(Connection &connection, const Employee &employee, Instant now);
 
 } // namespace clockwell::server

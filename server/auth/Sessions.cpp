@@ -49,8 +49,8 @@ std::optional<TokenPair> Sessions::start(const Employee &checked, const std::str
         const auto employee = findEmployeeById(connection, checked.id);
         if (!employee || employee->passwordHash != checked.passwordHash)
             return std::nullopt;
-        requireUsable(*employee);
         const Instant now = m_clock();
+        requireUsable(connection, *employee, now);
         removeSomeEndedSessions(connection, now);
         const std::string familyId = newId();
         connection.execute(
@@ -72,8 +72,9 @@ TokenPair Sessions::refresh(const std::string &refreshToken)
     wait.first = m_limit.take(found.employeeId, began) == std::chrono::milliseconds{0};
     const auto work = [&](Connection &connection) {
         const PresentedToken token = requirePresented(connection, hash);
-        requireUsable(findEmployeeById(connection, token.employeeId).value());
-        removeSomeEndedSessions(connection, m_clock());
+        const Instant now = m_clock();
+        requireUsable(connection, findEmployeeById(connection, token.employeeId).value(), now);
+        removeSomeEndedSessions(connection, now);
         return exchange(connection, token, hash);
     };
     try {
@@ -149,11 +150,12 @@ SignedIn Sessions::requireSignedIn(Connection &connection, const std::string &ac
                                    " FROM access_tokens a JOIN token_families f ON f.id = a.family_id"
                                    " JOIN employees e ON e.id = f.employee_id"
                                    " WHERE a.hash = :hash AND a.expires_at > :now AND f.revoked_at IS NULL";
-    auto caller = connection.first<SignedIn>(sql, tokenHash(accessToken), toMillis(m_clock()));
+    const Instant now = m_clock();
+    auto caller = connection.first<SignedIn>(sql, tokenHash(accessToken), toMillis(now));
     if (!caller)
         throw ApiError{401, "INVALID_TOKEN", "Please sign in again."};
     try {
-        requireUsable(caller->employee);
+        requireUsable(connection, caller->employee, now);
     } catch (const ApiError &refusal) {
         // 401 and not 403: the app then asks for a refresh, is refused that too, and goes back to its sign-in
         // screen.

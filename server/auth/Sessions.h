@@ -63,7 +63,7 @@ public:
     TokenPair refresh(const std::string &refreshToken);
 
     /// The employee to whom a bearer token belongs. Throws ApiError 401 when it is not (or no longer) valid,
-    /// also when the account was suspended meanwhile, and 429 when the account sends too many requests.
+    /// also when the account may no longer sign in, and 429 when the account sends too many requests.
     SignedIn signedIn(const std::string &accessToken);
 
     /// Likewise, before everybody else who waits for the database, and however many requests there were.

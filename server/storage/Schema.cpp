@@ -276,12 +276,19 @@ std::vector<std::string> strangerTables()
     };
 }
 
+std::vector<std::string> lastDays()
+{
+    return {
+        "ALTER TABLE employees ADD COLUMN last_day CHAR(10)", // of the employment; none while no end is known
+    };
+}
+
 } // namespace
 
 const std::vector<std::vector<std::string>> &schemaSteps()
 {
-    static const std::vector<std::vector<std::string>> steps{firstSchema(), codeTables(), correctionTables(),
-                                                             sessionEnds(), strangerTables()};
+    static const std::vector<std::vector<std::string>> steps{
+        firstSchema(), codeTables(), correctionTables(), sessionEnds(), strangerTables(), lastDays()};
     return steps;
 }
 

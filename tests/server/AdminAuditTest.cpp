@@ -45,6 +45,8 @@ TEST_F(AdminAuditTest, EveryChangeOfEveryCommandIsEntered)
         {"days", "correct", "kim@example.org", "2024-06-10", "--check-in", "09:00", "--reason", "Forgotten",
          "--as", "ada@example.org"},
         {"days", "void", "kim@example.org", "2024-06-10", "--reason", "Misread", "--as", "ada@example.org"},
+        {"employees", "set-last-day", "kim@example.org", "2027-02-28"},
+        {"employees", "clear-last-day", "kim@example.org"},
         {"employees", "suspend", "kim@example.org"},
     };
     for (std::vector<std::string> words : changes) {

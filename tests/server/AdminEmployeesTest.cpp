@@ -229,8 +229,8 @@ TEST_F(AdminEmployeesTest, TableIsAlignedAndNamesDoNotSteerTheTerminal)
 {
     execute("UPDATE employees SET full_name = '王' || CHAR(27) || '[2J', joined_on = '2026-01-02'");
     EXPECT_EQ(employees({"list"}).output,
-              "NAME    E-MAIL           STATUS   VERIFIED  ROLE      OFFICE  JOINED\n"
-              "王?[2J  kim@example.org  PENDING  yes       EMPLOYEE  -       2026-01-02\n");
+              "NAME    E-MAIL           STATUS   VERIFIED  ROLE      OFFICE  JOINED      LAST DAY\n"
+              "王?[2J  kim@example.org  PENDING  yes       EMPLOYEE  -       2026-01-02  -\n");
 }
 
 TEST_F(AdminEmployeesTest, NoSecretIsPrinted)
@@ -238,7 +238,7 @@ TEST_F(AdminEmployeesTest, NoSecretIsPrinted)
     for (const ProcessResult &result :
          {employees({"list", "--json"}), employees({"show", "kim@example.org"})})
         EXPECT_FALSE(contains(result.output, "argon2"));
-    EXPECT_EQ(shown().size(), 9U);
+    EXPECT_EQ(shown().size(), 10U);
 }
 
 TEST_F(AdminEmployeesTest, ApprovalOnADatabaseHeldTooLongFailsAndChangesNothing)

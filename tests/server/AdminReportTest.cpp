@@ -19,7 +19,7 @@ TEST_F(AdminReportTest, MonthIsOneRowForEachEmployee)
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(result.output,
               summaryHeader +
-                  "2026-05,Head Office,Kim Sample,kim@example.org,APPROVED,4,1,25,4,1,1,1104\r\n");
+                  "2026-05,Head Office,Kim Sample,kim@example.org,APPROVED,4,1,25,4,1,1,1104,\r\n");
 }
 
 TEST_F(AdminReportTest, FiguresAreThoseOfTheAppsSummary)
@@ -87,6 +87,21 @@ TEST_F(AdminReportTest, OnlyPeopleWhoWereApprovedAndHadJoinedAreListed)
     EXPECT_EQ(emails("2026-04"), "s@example.org ");
 }
 
+TEST_F(AdminReportTest, EndsAtTheLastDay)
+{
+    world.database().write([](Connection &connection) {
+        connection.execute("UPDATE employees SET last_day = '2026-05-26' WHERE id = 'employee-1'");
+    });
+    EXPECT_EQ(may().output,
+              summaryHeader +
+                  "2026-05,Head Office,Kim Sample,kim@example.org,APPROVED,4,1,25,1,1,1,1104,2026-05-26\r\n");
+    const auto days = nlohmann::json::parse(may({"--days", "--json"}).output);
+    EXPECT_EQ(days.size(), 6U);
+    EXPECT_EQ(days.back().at("workDate"), "2026-05-26");
+    EXPECT_EQ(nlohmann::json::parse(may({"--json"}).output).at(0).at("lastDay"), "2026-05-26");
+    EXPECT_EQ(report(world.databaseFile(), {"2026-06"}).output, summaryHeader);
+}
+
 TEST_F(AdminReportTest, OfficeIsFilteredAndEmployeesWithoutOneAreNamed)
 {
     addOffice(world.database(), {.id = "office-2", .name = "Annex"});
@@ -97,7 +112,7 @@ TEST_F(AdminReportTest, OfficeIsFilteredAndEmployeesWithoutOneAreNamed)
     EXPECT_LT(all.output.find("Annex"), all.output.find("Head Office")); // by office
     EXPECT_TRUE(contains(all.errors, "c@example.org is left out")) << all.errors;
     const ProcessResult annex = may({"--office", "annex"});
-    EXPECT_EQ(annex.output, summaryHeader + "2026-05,Annex,Bo,b@example.org,APPROVED,0,0,0,31,0,0,0\r\n");
+    EXPECT_EQ(annex.output, summaryHeader + "2026-05,Annex,Bo,b@example.org,APPROVED,0,0,0,31,0,0,0,\r\n");
     EXPECT_EQ(may({"--office", "Nowhere"}).exitCode, 3);
 }
 

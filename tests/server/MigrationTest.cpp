@@ -24,13 +24,18 @@ void makeOld(const std::string &file, long long version)
                                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-void addOldDay(Connection &old)
+void addOldEmployee(Connection &old)
 {
     old.execute("INSERT INTO institutes (id, name, code) VALUES ('i', 'Works', 'W')");
     old.execute(
         "INSERT INTO employees (id, institute_id, full_name, email, email_key, password_hash, role, status,"
         " email_verified, joined_on, created_at) VALUES ('e', 'i', 'Kim', 'k@x.org', 'k@x.org', '-',"
         " 'EMPLOYEE', 'APPROVED', 1, '2020-01-01', 0)");
+}
+
+void addOldDay(Connection &old)
+{
+    addOldEmployee(old);
     old.execute("INSERT INTO attendance VALUES ('a', 'e', '2024-06-10', 1, 2, 3, 4, 5, 6.5, 7, 8.5)");
     old.execute("INSERT INTO punches VALUES ('p2', 'a', 'OUT', 7, 'd', 1.5, 2.5, 3.5, 8.5)");
     old.execute("INSERT INTO punches VALUES ('p1', 'a', 'IN', 5, 'd', 1.5, 2.5, 3.5, 6.5)");
@@ -67,6 +72,23 @@ TEST(MigrationTest, DaysAndPunchesOfAnOlderVersionAreKept)
                  DatabaseError); // the references are those of the new tables
     EXPECT_THROW(database.write([](Connection &connection) { connection.execute("DELETE FROM attendance"); }),
                  DatabaseError);
+}
+
+TEST(MigrationTest, EmployeesOfAnOlderVersionHaveNoLastDay)
+{
+    const TempFolder folder;
+    const std::string file = folder.file("a.db");
+    makeOld(file, 5);
+    {
+        Connection old{file, 1};
+        addOldEmployee(old);
+    }
+    Database database{file};
+    const auto employee =
+        database.read([](Connection &connection) { return findEmployeeById(connection, "e"); });
+    ASSERT_TRUE(employee);
+    EXPECT_EQ(employee->joinedOn, "2020-01-01");
+    EXPECT_FALSE(employee->lastDay);
 }
 
 TEST(MigrationTest, WorksWithinALimitOfTheFileToo)

@@ -131,7 +131,8 @@ TEST(PolicyTest, ClosedDaysDoNotCount)
     EXPECT_FALSE(
         assessWithoutPunches({false, false, true, true}, yesterday, today));        // weekend, also on leave
     EXPECT_FALSE(assessWithoutPunches({true, true, true, true}, yesterday, today)); // holiday, also on leave
-    EXPECT_FALSE(assessWithoutPunches({true, false, false, false}, yesterday, today)); // not yet joined
+    EXPECT_FALSE(assessWithoutPunches({true, false, false, false}, yesterday, today));     // not yet joined
+    EXPECT_FALSE(assessWithoutPunches({true, false, true, true, true}, yesterday, today)); // has left
 }
 
 TEST(PolicyTest, PunchesTakeTurns)

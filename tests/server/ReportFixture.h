@@ -10,7 +10,7 @@ namespace clockwell::server::test {
 
 inline const std::string summaryHeader =
     "month,office,fullName,email,accountStatus,presentDays,lateDays,totalLateMinutes,"
-    "absentDays,leaveDays,halfDays,totalWorkingMinutes\r\n";
+    "absentDays,leaveDays,halfDays,totalWorkingMinutes,lastDay\r\n";
 
 inline ProcessResult report(const std::string &database, std::vector<std::string> words)
 {
