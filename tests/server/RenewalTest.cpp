@@ -117,11 +117,12 @@ protected:
         return settings;
     }
 
+    static constexpr int writers = 40;
+
     /// Lets many writers queue, each of whom takes a while, and then a renewal; how many of them still came
-    /// after it.
+    /// after it. On a busy machine some may come to the queue later than it.
     int writersAfterARenewal()
     {
-        constexpr int writers = 40;
         std::atomic<bool> renewed = false;
         std::atomic<int> after = 0;
         std::atomic<int> begun = 0;
@@ -160,14 +161,14 @@ TEST_F(PatientRenewalTest, OutwaitsALockThatOthersDoNot)
 
 TEST_F(PatientRenewalTest, GoesBeforeThoseThatWaitToWrite)
 {
-    EXPECT_GT(writersAfterARenewal(), 0);
+    EXPECT_GT(writersAfterARenewal(), writers / 2);
 }
 
 TEST_F(PatientRenewalTest, AccountThatAsksTooOftenWaitsLikeOthersAndIsAnswered)
 {
     while (world.get("/api/attendance/today", access).status == 200) {
     }
-    EXPECT_EQ(writersAfterARenewal(), 0);
+    EXPECT_LT(writersAfterARenewal(), writers / 2);
 }
 
 TEST(HastyRenewalTest, HeldDatabaseKeepsLaterOnesForAMomentOnly)
