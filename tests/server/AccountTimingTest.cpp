@@ -113,9 +113,10 @@ protected:
         const char *what, int status, const Request &request,
         const Request &prepare = [](const auto &) { return Reply{}; })
     {
+        constexpr int mostTimes = 4; // a burst of other work ends; what tells an address tells it every time
         Measured measured = measure(prepare, request, status);
-        if (measured.difference > measured.allowed)
-            measured = measure(prepare, request, status); // a burst of other work: once more
+        for (int times = 1; times < mostTimes && measured.difference > measured.allowed; ++times)
+            measured = measure(prepare, request, status);
         EXPECT_LE(measured.difference, measured.allowed) << what << ", milliseconds";
     }
 
