@@ -44,7 +44,7 @@ AttendanceRow newRow(Connection &connection, const EmployeeDay &day)
     const std::string closed = closedReason(connection, day);
     if (!closed.empty())
         throw refused("There is no check-in on " + dayText(day) + ", and there could be none: " + closed);
-    return newAttendance(day.office, day.day);
+    return newAttendance(day.office.hours, day.zone, day.day);
 }
 
 Instant pastMoment(const EmployeeDay &day, const ClockTime &time, Instant now)

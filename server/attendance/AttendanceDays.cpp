@@ -45,33 +45,39 @@ std::optional<AttendanceRow> findVoidedAttendance(Connection &connection, const 
     return connection.first<AttendanceRow>(sql, employeeId, toText(day));
 }
 
-AttendanceRow newAttendance(const Office &office, Day day)
+AttendanceRow newAttendance(const OfficeHours &hours, const TimeZone &zone, Day day)
 {
-    const TimeZone zone = office.timeZone();
     AttendanceRow row;
     row.id = newId();
     row.workDate = toText(day);
-    row.scheduledStartAt = toMillis(zone.at(day, static_cast<int>(office.hours.checkInMinute)));
-    row.scheduledEndAt = toMillis(zone.at(day, static_cast<int>(office.hours.checkOutMinute)));
-    row.graceMinutes = office.hours.graceMinutes;
-    row.fullDayMinutes = office.hours.fullDayMinutes;
+    row.scheduledStartAt = toMillis(zone.at(day, static_cast<int>(hours.checkInMinute)));
+    row.scheduledEndAt = toMillis(zone.at(day, static_cast<int>(hours.checkOutMinute)));
+    row.graceMinutes = hours.graceMinutes;
+    row.fullDayMinutes = hours.fullDayMinutes;
     return row;
 }
 
 std::string storeAttendance(Connection &connection, const std::string &employeeId, const AttendanceRow &row)
 {
-    return connection.value<std::string>(
+    const long long added = connection.execute(
         "INSERT INTO attendance (id, employee_id, work_date, scheduled_start_at, scheduled_end_at,"
         " grace_minutes, full_day_minutes, check_in_at, check_in_distance, check_out_at, check_out_distance)"
         " VALUES (:id, :employee, :date, :start, :end, :grace, :full, :in, :inDistance, :out, :outDistance)"
-        " ON CONFLICT (employee_id, work_date) DO UPDATE SET scheduled_start_at = "
-        "excluded.scheduled_start_at,"
-        " scheduled_end_at = excluded.scheduled_end_at, grace_minutes = excluded.grace_minutes,"
-        " full_day_minutes = excluded.full_day_minutes, check_in_at = excluded.check_in_at,"
-        " check_in_distance = excluded.check_in_distance, check_out_at = excluded.check_out_at,"
-        " check_out_distance = excluded.check_out_distance RETURNING id",
+        " ON CONFLICT (employee_id, work_date) DO NOTHING",
         row.id, employeeId, row.workDate, row.scheduledStartAt, row.scheduledEndAt, row.graceMinutes,
         row.fullDayMinutes, row.checkInAt, row.checkInDistance, row.checkOutAt, row.checkOutDistance);
+    if (added == 1)
+        return row.id;
+    // Rare. An upsert with RETURNING would take one statement, and longer than the insertion of a new day.
+    connection.execute(
+        "UPDATE attendance SET scheduled_start_at = :start, scheduled_end_at = :end, grace_minutes = :grace,"
+        " full_day_minutes = :full, check_in_at = :in, check_in_distance = :inDistance, check_out_at = :out,"
+        " check_out_distance = :outDistance WHERE employee_id = :employee AND work_date = :date",
+        row.scheduledStartAt, row.scheduledEndAt, row.graceMinutes, row.fullDayMinutes, row.checkInAt,
+        row.checkInDistance, row.checkOutAt, row.checkOutDistance, employeeId, row.workDate);
+    return connection.value<std::string>(
+        "SELECT id FROM attendance WHERE employee_id = :employee AND work_date = :date", employeeId,
+        row.workDate);
 }
 
 void storeCheckOut(Connection &connection, const AttendanceRow &row)

@@ -46,8 +46,8 @@ std::vector<AttendanceRow> findAttendance(Connection &connection, const std::str
 std::optional<AttendanceRow> findVoidedAttendance(Connection &connection, const std::string &employeeId,
                                                   Day day);
 
-/// A day on which the office's present schedule is in force, without a check-in so far.
-AttendanceRow newAttendance(const Office &office, Day day);
+/// A day with this schedule, in the office's time zone, without a check-in so far.
+AttendanceRow newAttendance(const OfficeHours &hours, const TimeZone &zone, Day day);
 
 /// Makes the row what counts of the employee's day, also where another one was stored. Returns its
 /// identifier, which is the one that was stored if there was one.

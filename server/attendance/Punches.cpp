@@ -3,6 +3,7 @@
 #include "server/auth/Tokens.h"
 #include "server/http/ApiError.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace clockwell::server {
@@ -12,11 +13,12 @@ namespace {
 struct StoredPunch
 {
     std::string type;
+    long long at = 0;
     std::string deviceId;
     double distance = 0;
     std::string workDate;
 
-    auto columns() { return std::tie(type, deviceId, distance, workDate); }
+    auto columns() { return std::tie(type, at, deviceId, distance, workDate); }
 };
 
 PunchAnswer answerFor(const Office &office, const AttendanceRow &row, const std::string &type,
@@ -35,14 +37,17 @@ std::optional<StoredPunch> findPunchBetween(Connection &connection, const std::s
     const auto dayInUtc = [](Instant instant) {
         return Day{std::chrono::floor<std::chrono::days>(instant).time_since_epoch()};
     };
-    return connection.first<StoredPunch>(
-        "SELECT p.type, p.device_id, p.distance, a.work_date FROM attendance a"
+    // One of each day. The last one is chosen here, for sorting costs SQLite as much as all the rest.
+    auto lastOfDays = connection.all<StoredPunch>(
+        "SELECT p.type, p.at, p.device_id, p.distance, a.work_date FROM attendance a"
         " JOIN punches p ON p.attendance_id = a.id WHERE a.employee_id = :employee"
         " AND a.work_date BETWEEN :earliest AND :latest AND p.at BETWEEN :first AND :last"
         " AND a.check_in_at IS NOT NULL AND NOT EXISTS (SELECT 1 FROM punches later"
-        " WHERE later.attendance_id = a.id AND later.ordinal > p.ordinal) ORDER BY p.at DESC LIMIT 1",
+        " WHERE later.attendance_id = a.id AND later.ordinal > p.ordinal)",
         employeeId, toText(dayInUtc(first) - atMost), toText(dayInUtc(last) + atMost), toMillis(first),
         toMillis(last));
+    const auto newest = std::ranges::max_element(lastOfDays, {}, &StoredPunch::at);
+    return newest == lastOfDays.end() ? std::nullopt : std::optional{std::move(*newest)};
 }
 
 /// Whole metres, rounded up: a refused distance never reads like the radius itself.
@@ -85,11 +90,11 @@ void recordPunch(Connection &connection, const std::string &attendanceId, const 
         claim.longitude, claim.accuracy, distance);
 }
 
-PunchAnswer checkIn(Connection &connection, const Employee &employee, const Office &office, Day today,
-                    const PunchClaim &claim, Instant now)
+PunchAnswer checkIn(Connection &connection, const Employee &employee, const Office &office,
+                    const TimeZone &zone, const PunchClaim &claim, Instant now)
 {
     const double distance = requireInside(office, claim);
-    AttendanceRow row = newAttendance(office, today);
+    AttendanceRow row = newAttendance(office.hours, zone, zone.dayOf(now));
     row.checkInAt = toMillis(now);
     row.checkInDistance = distance;
     row.id = storeAttendance(connection, employee.id, row);
@@ -124,7 +129,8 @@ PunchAnswer Punches::punchAt(Connection &connection, const Employee &employee, c
     if (claim.mockLocation)
         throw ApiError{422, "MOCK_LOCATION", "Attendance cannot be marked with a simulated location."};
     const Office office = requireOffice(connection, employee.officeId);
-    const Day today = office.timeZone().dayOf(now);
+    const TimeZone zone = office.timeZone();
+    const Day today = zone.dayOf(now);
     if (auto answer = repeated(connection, employee, office, claim, now))
         return std::move(*answer);
     const auto row = findAttendanceOn(connection, employee.id, today);
@@ -133,7 +139,7 @@ PunchAnswer Punches::punchAt(Connection &connection, const Employee &employee, c
     const auto worked = row ? std::optional{row->worked()} : std::nullopt;
     switch (nextPunch(closed.empty(), worked ? &*worked : nullptr)) {
     case NextPunch::CheckIn:
-        return checkIn(connection, employee, office, today, claim, now);
+        return checkIn(connection, employee, office, zone, claim, now);
     case NextPunch::CheckOut:
         return checkOut(connection, office, *row, claim, now);
     case NextPunch::Closed:

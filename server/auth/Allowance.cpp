@@ -1,7 +1,6 @@
 #include "server/auth/Allowance.h"
 
-#include "server/auth/RateLimit.h"
-#include "server/http/ApiError.h"
+#include "server/auth/TooManyAttempts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,10 +28,7 @@ void Allowance::take(const std::string &key, std::string_view complaint)
     if (missing > rounding) {
         const auto seconds =
             std::ceil(missing / m_limits.size * static_cast<double>(m_limits.window.count()) - rounding);
-        const std::chrono::seconds wait{std::max(1LL, std::llround(seconds))};
-        throw ApiError{429, "TOO_MANY_ATTEMPTS",
-                       std::string{complaint} + " Please try again in " + waitText(wait) + "."}
-            .retryAfter(wait);
+        throw tooManyAttempts(complaint, std::chrono::seconds{std::max(1LL, std::llround(seconds))});
     }
     add(key, 1, now);
 }

@@ -1,19 +1,10 @@
 #include "server/auth/RateLimit.h"
 
-#include "server/http/ApiError.h"
+#include "server/auth/TooManyAttempts.h"
 
 #include <algorithm>
 
 namespace clockwell::server {
-
-std::string waitText(std::chrono::seconds wait)
-{
-    if (wait <= std::chrono::seconds{90})
-        return std::to_string(wait.count()) + (wait.count() == 1 ? " second" : " seconds");
-    if (wait <= std::chrono::minutes{90})
-        return std::to_string(std::chrono::ceil<std::chrono::minutes>(wait).count()) + " minutes";
-    return std::to_string(std::chrono::ceil<std::chrono::hours>(wait).count()) + " hours";
-}
 
 RateLimit::Event RateLimit::take(const std::string &key, std::string_view complaint)
 {
@@ -22,9 +13,7 @@ RateLimit::Event RateLimit::take(const std::string &key, std::string_view compla
     Entry &entry = used(key);
     const auto wait = waitOf(entry, now);
     if (wait > std::chrono::seconds{0})
-        throw ApiError{429, "TOO_MANY_ATTEMPTS",
-                       std::string{complaint} + " Please try again in " + waitText(wait) + "."}
-            .retryAfter(wait);
+        throw tooManyAttempts(complaint, wait);
     entry.events.push_back({now, ++m_newest});
     return m_newest;
 }

@@ -21,9 +21,6 @@ struct ThrottleLimits
     std::chrono::seconds pause{0}; ///< an event so long after the last one is never refused; 0: none is
 };
 
-/// "45 seconds", "7 minutes" or "22 hours": a wait as people say it, never shorter than it is.
-std::string waitText(std::chrono::seconds wait);
-
 /// Counts events by key in a sliding window, in memory. Events that are in the future happened before the
 /// machine's clock was set back, nobody knows when: they count as of now, so that they are neither forgiven
 /// nor held against anybody for longer than the window. Safe on several threads.

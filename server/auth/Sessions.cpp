@@ -1,9 +1,8 @@
 #include "server/auth/Sessions.h"
 
-#include "server/auth/RateLimit.h"
 #include "server/auth/SessionCleanup.h"
 #include "server/auth/Tokens.h"
-#include "server/http/ApiError.h"
+#include "server/auth/TooManyAttempts.h"
 
 #include <spdlog/spdlog.h>
 
@@ -18,10 +17,7 @@ ApiError sessionEnded()
 
 ApiError tooManyRequests(std::chrono::milliseconds wait)
 {
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(wait);
-    return ApiError{429, "TOO_MANY_REQUESTS",
-                    "Too many requests. Please try again in " + waitText(seconds) + "."}
-        .retryAfter(seconds);
+    return tooMany("TOO_MANY_REQUESTS", "Too many requests.", std::chrono::ceil<std::chrono::seconds>(wait));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <list>
+#include <memory>
 #include <mutex>
 
 namespace clockwell::server {
@@ -18,10 +19,14 @@ struct Wait
 };
 
 /// Lets a fixed number of threads on at a time. Those that wait are let on in the order of their coming,
-/// after those that go first; nobody overtakes them. Safe on several threads.
+/// after those that go first. While the next one wakes, a thread that comes then may go before it, which
+/// keeps the processors at work; but not once the next one has waited for longer than `overtaking`. Safe on
+/// several threads.
 class Turns
 {
 public:
+    static constexpr std::chrono::milliseconds overtaking{20};
+
     explicit Turns(std::size_t atOnce) : m_free(atOnce) {}
 
     /// Blocks until it is this thread's turn; false when the time was over before.
@@ -35,13 +40,15 @@ public:
 private:
     struct Waiter
     {
+        const Wait::Clock::time_point since = Wait::Clock::now();
         std::condition_variable called;
-        bool hasTurn = false;
     };
-    using Queue = std::list<Waiter *>;
+    using Queue = std::list<std::shared_ptr<Waiter>>;
 
-    std::mutex m_lock;
-    std::size_t m_free;
+    std::shared_ptr<Waiter> next() const;
+
+    std::mutex m_lock;  // guards all below
+    std::size_t m_free; // whenever one is, who is next has been called or is about to look
     Queue m_first;
     Queue m_others;
 };

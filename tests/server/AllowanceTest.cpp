@@ -2,6 +2,7 @@
 
 #include "server/auth/EmailAddress.h"
 #include "server/auth/RateLimit.h"
+#include "server/auth/TooManyAttempts.h"
 #include "server/http/ApiError.h"
 
 #include <gtest/gtest.h>

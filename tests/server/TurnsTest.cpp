@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <latch>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -76,6 +77,50 @@ TEST_F(TurnsTest, WhoGivesUpLeavesTheQueue)
     m_turns.give();
     EXPECT_EQ(finished(), std::vector<std::string>{"a"});
     EXPECT_TRUE(m_turns.take(wait(milliseconds{0})));
+}
+
+// Somebody who takes every turn as soon as it is over leaves the one who waits hardly the time to wake.
+TEST_F(TurnsTest, NobodyIsOvertakenForLong)
+{
+    std::atomic<bool> over = false;
+    std::thread greedy{[&] {
+        while (!over) {
+            if (!m_turns.take(wait(longest)))
+                return;
+            std::this_thread::sleep_for(milliseconds{2});
+            m_turns.give();
+        }
+    }};
+    const auto start = Wait::Clock::now();
+    for (int turn = 0; turn < 10; ++turn) {
+        EXPECT_TRUE(m_turns.take(wait(longest)));
+        m_turns.give();
+    }
+    EXPECT_LT(Wait::Clock::now() - start, longest / 2);
+    over = true;
+    greedy.join();
+}
+
+TEST_F(TurnsTest, TurnsThatEndTogetherAreTakenTogether)
+{
+    for (int round = 0; round < 100; ++round) {
+        Turns two{2};
+        ASSERT_TRUE(two.take(wait(longest)) && two.take(wait(longest)));
+        std::latch both{2};
+        std::vector<std::thread> threads;
+        for (const bool first : {false, true})
+            threads.emplace_back([&, first] {
+                EXPECT_TRUE(two.take(wait(longest, first)));
+                both.arrive_and_wait(); // for ever when the other one is not called
+                two.give();
+            });
+        while (two.waiting() < 2)
+            std::this_thread::yield();
+        two.give();
+        two.give();
+        for (std::thread &thread : threads)
+            thread.join();
+    }
 }
 
 TEST_F(TurnsTest, AsManyAtOnceAsThereAreTurns)

@@ -2,7 +2,9 @@
 
 #include "RawClient.h"
 #include "server/http/HttpServer.h"
+#include "tests/server/Within.h"
 
+#include <functional>
 #include <future>
 #include <memory>
 #include <sstream>
@@ -56,16 +58,9 @@ private:
 };
 
 /// True as soon as `condition` is; false when it is not within two seconds.
-template <typename Condition>
-bool eventually(Condition condition)
+inline bool eventually(const std::function<bool()> &condition)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
+    return test::within(std::chrono::seconds(2), condition);
 }
 
 } // namespace clockwell::server
