@@ -77,6 +77,20 @@ TEST_F(PunchRepeatTest, RepeatAcrossMidnightIsStillARepeat)
     EXPECT_EQ(rows("attendance"), 1);
 }
 
+TEST_F(PunchRepeatTest, OfTwoDaysWithinTheRepeatWindowTheLaterPunchCounts)
+{
+    world.punch(token);
+    at("2026-06-10T23:59:30Z");
+    EXPECT_EQ(world.punch(token).json().at("type"), "OUT");
+    world.advance(std::chrono::seconds{40});
+    const Reply in = world.punch(token, 48.0, 11.0, "dev-2");
+    EXPECT_EQ(in.json().at("type"), "IN");
+    world.advance(std::chrono::seconds{10});
+    EXPECT_EQ(world.punch(token, 48.0, 11.0, "dev-2").body, in.body);
+    EXPECT_EQ(world.punch(token).error(), "TOO_SOON");
+    EXPECT_EQ(rows("attendance"), 2);
+}
+
 TEST_F(PunchRepeatTest, FiftyParallelPunchesMakeOneRowAndOneAnswer)
 {
     std::vector<Reply> replies(50);
