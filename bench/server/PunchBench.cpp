@@ -2,11 +2,7 @@
 #include "BenchCompany.h"
 #include "KeptClient.h"
 #include "Ratio.h"
-#include "server/Application.h"
-#include "server/http/HttpServer.h"
-
-#include <spdlog/sinks/null_sink.h>
-#include <spdlog/spdlog.h>
+#include "ServedApplication.h"
 
 #include <algorithm>
 #include <atomic>
@@ -51,13 +47,7 @@ int run(const std::filesystem::path &directory)
 {
     Database database((directory / "server.db").string());
     const auto tokens = signIn(database, (rounds + 1) * punchesARound);
-    Application application(database, systemClock());
-    HttpServer::Options options;
-    options.logger =
-        std::make_shared<spdlog::logger>("none", std::make_shared<spdlog::sinks::null_sink_mt>());
-    HttpServer http(
-        options, [&](const Request &request) { return application.handle(request); }, application.triage());
-    http.start();
+    ServedApplication http(database);
     BareCommits bare((directory / "bare.db").string());
 
     std::vector<double> served;
@@ -91,19 +81,8 @@ int run(const std::filesystem::path &directory)
 
 } // namespace
 
-// Both databases are in a new folder of the current directory, on the same disk, and go with it.
+// Both databases are on the same disk.
 int main()
 {
-    spdlog::set_level(spdlog::level::off);
-    const auto directory = std::filesystem::current_path() / "clockwell-bench-punch";
-    std::filesystem::remove_all(directory);
-    std::filesystem::create_directory(directory);
-    int status = 1;
-    try {
-        status = run(directory);
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    std::filesystem::remove_all(directory);
-    return status;
+    return runInNewFolder("clockwell-bench-punch", run);
 }

@@ -2,11 +2,7 @@
 #include "BenchCompany.h"
 #include "KeptClient.h"
 #include "Ratio.h"
-#include "server/Application.h"
-#include "server/http/HttpServer.h"
-
-#include <spdlog/sinks/null_sink.h>
-#include <spdlog/spdlog.h>
+#include "ServedApplication.h"
 
 #include <atomic>
 #include <cstdio>
@@ -51,13 +47,7 @@ int run(const std::filesystem::path &directory)
     const auto tokens = signIn(database, connections);
     Settings settings;
     settings.accounts.perMinute = 0; // each connection stands for many people
-    Application application(database, systemClock(), settings);
-    HttpServer::Options options;
-    options.logger =
-        std::make_shared<spdlog::logger>("none", std::make_shared<spdlog::sinks::null_sink_mt>());
-    HttpServer http(
-        options, [&](const Request &request) { return application.handle(request); }, application.triage());
-    http.start();
+    ServedApplication http(database, settings);
     const std::string body = KeptClient(http.port()).today(tokens.front());
     const BareServer bare(body);
 
@@ -82,19 +72,7 @@ int run(const std::filesystem::path &directory)
 
 } // namespace
 
-// The database is in a new folder of the current directory, and goes with it.
 int main()
 {
-    spdlog::set_level(spdlog::level::off);
-    const auto directory = std::filesystem::current_path() / "clockwell-bench-today";
-    std::filesystem::remove_all(directory);
-    std::filesystem::create_directory(directory);
-    int status = 1;
-    try {
-        status = run(directory);
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    std::filesystem::remove_all(directory);
-    return status;
+    return runInNewFolder("clockwell-bench-today", run);
 }

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "server/auth/RecentMap.h"
 #include "server/storage/Instant.h"
 
 #include <chrono>
 #include <functional>
-#include <list>
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace clockwell::server {
@@ -27,7 +26,9 @@ struct ThrottleLimits
 class RateLimit
 {
 public:
-    RateLimit(ThrottleLimits limits, Clock clock) : m_limits(limits), m_clock(std::move(clock)) {}
+    RateLimit(ThrottleLimits limits, Clock clock)
+        : m_limits(limits), m_clock(std::move(clock)), m_counted(limits.entries)
+    {}
 
     /// One counted event.
     using Event = unsigned long long;
@@ -54,21 +55,15 @@ private:
         Instant at;
         Event event;
     };
-    struct Entry
-    {
-        std::vector<Counted> events; // in order of time
-        std::list<std::string>::iterator use;
-    };
+    using Events = std::vector<Counted>; // in order of time
 
-    Entry &used(const std::string &key);
-    std::chrono::seconds waitOf(Entry &entry, Instant now) const;
+    std::chrono::seconds waitOf(Events &events, Instant now) const;
 
     ThrottleLimits m_limits;
     Clock m_clock;
     std::mutex m_lock;
-    std::unordered_map<std::string, Entry> m_entries;
+    RecentMap<Events> m_counted;
     Event m_newest = 0;
-    std::list<std::string> m_uses; // keys, the one idle for longest first
 };
 
 } // namespace clockwell::server

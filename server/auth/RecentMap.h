@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <list>
 #include <string>
@@ -37,6 +38,21 @@ public:
     {
         const auto known = m_entries.find(key);
         return known == m_entries.end() ? nullptr : &known->second.first;
+    }
+
+    /// Removes the keys that `matches` accepts; goes through all of them.
+    template <std::predicate<const std::string &> Matches>
+    void eraseIf(Matches matches)
+    {
+        m_order.remove_if([&](const std::string &key) { return matches(key) && m_entries.erase(key) == 1; });
+    }
+    void erase(const std::string &key)
+    {
+        const auto known = m_entries.find(key);
+        if (known == m_entries.end())
+            return;
+        m_order.erase(known->second.second);
+        m_entries.erase(known);
     }
 
 private:

@@ -17,10 +17,7 @@ class AdminEmployeesTest : public testing::Test
 protected:
     AdminEmployeesTest()
     {
-        database.write([](Connection &connection) {
-            connection.execute(
-                "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
-        });
+        addInstitute(database);
         addOffice(database, {});
         EmployeeSpec applicant;
         applicant.status = "PENDING";

@@ -13,10 +13,7 @@ namespace clockwell::server::test {
 class AdminFixture : public testing::Test
 {
 protected:
-    AdminFixture()
-    {
-        execute("INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
-    }
+    AdminFixture() { addInstitute(database); }
 
     void execute(const std::string &sql)
     {

@@ -21,10 +21,7 @@ protected:
     static void fill(const std::string &name)
     {
         Database database{name};
-        database.write([](Connection &connection) {
-            connection.execute(
-                "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Works', 'W')");
-        });
+        addInstitute(database);
         addOffice(database, {});
         addEmployee(database, {});
     }

@@ -16,14 +16,8 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
     const std::string file = folder.file("a.db");
     {
         Database database{file};
-        database.write([](Connection &connection) {
-            connection.execute(
-                "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Works', 'W')");
-        });
-        addOffice(database, {});
-        for (int i = 0; i < people; ++i)
-            addEmployee(database,
-                        {.id = "e" + std::to_string(i), .email = std::to_string(i) + "@example.org"});
+        addInstitute(database);
+        addPeople(database, people);
     }
     ServerProcess server{file};
     ASSERT_NE(server.port(), 0);

@@ -41,14 +41,8 @@ class GoneClientsTest : public testing::Test
 protected:
     GoneClientsTest()
     {
-        database.write([](Connection &connection) {
-            connection.execute(
-                "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Works', 'W')");
-        });
-        addOffice(database, {});
-        for (int i = 0; i < people; ++i)
-            addEmployee(database,
-                        {.id = "e" + std::to_string(i), .email = std::to_string(i) + "@example.org"});
+        addInstitute(database);
+        addPeople(database, people);
     }
 
     long long punches()

@@ -97,10 +97,7 @@ TEST(StorageFailureTest, DamagedTableIsSaidAndOtherTablesStillWork)
     const std::string file = folder.file("a.db");
     {
         Database database{file};
-        database.write([](Connection &connection) {
-            connection.execute(
-                "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Works', 'W')");
-        });
+        addInstitute(database);
         addOffice(database, {});
         addEmployee(database, {});
     }

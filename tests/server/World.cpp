@@ -17,6 +17,14 @@ Instant instantOf(std::string_view isoText)
     return Instant{day.time_since_epoch() + time};
 }
 
+void addInstitute(Database &database)
+{
+    database.write([](Connection &connection) {
+        connection.execute(
+            "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
+    });
+}
+
 void addOffice(Database &database, const OfficeSpec &spec)
 {
     database.write([&](Connection &connection) {
@@ -46,6 +54,13 @@ void addEmployee(Database &database, const EmployeeSpec &spec)
                            spec.id, spec.officeId, spec.name, spec.email, emailKey(spec.email), spec.phone,
                            hash, spec.status, spec.verified, spec.joinedOn);
     });
+}
+
+void addPeople(Database &database, int count)
+{
+    addOffice(database, {});
+    for (int i = 0; i < count; ++i)
+        addEmployee(database, {.id = "e" + std::to_string(i), .email = std::to_string(i) + "@example.org"});
 }
 
 void addLeave(Database &database, const std::string &employeeId, const std::string &first,
@@ -80,10 +95,7 @@ World::World(const std::string &now, Settings settings, DatabaseOptions options,
     : m_now(toMillis(instantOf(now)))
 {
     m_database.emplace(databaseFile(), options);
-    m_database->write([](Connection &connection) {
-        connection.execute(
-            "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
-    });
+    addInstitute(*m_database);
     m_application.emplace(*m_database, clock(), settings, sendMail.value_or([this](Mail mail) {
         const std::lock_guard lock{m_mailsLock};
         m_mails.push_back(std::move(mail));

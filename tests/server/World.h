@@ -50,8 +50,12 @@ struct EmployeeSpec
     std::string joinedOn = "2020-01-01";
 };
 
+/// The company "Sample Works" with the code SW, to which offices and employees belong here.
+void addInstitute(Database &database);
 void addOffice(Database &database, const OfficeSpec &spec);
 void addEmployee(Database &database, const EmployeeSpec &spec);
+/// An office and employees "e0", "e1" and so on, with addresses like 0@example.org.
+void addPeople(Database &database, int count);
 void addLeave(Database &database, const std::string &employeeId, const std::string &first,
               const std::string &last);
 void addHoliday(Database &database, const std::string &officeId, const std::string &day,
