@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -119,26 +120,36 @@ protected:
 
     static constexpr int writers = 40;
 
-    /// Lets many writers queue, each of whom takes a while, and then a renewal; how many of them still came
-    /// after it. On a busy machine some may come to the queue later than it.
+    /// Lets many writers queue behind one that holds the database, and then a renewal; how many of them came
+    /// after it.
     int writersAfterARenewal()
     {
-        std::atomic<bool> renewed = false;
+        constexpr std::chrono::milliseconds toQueue{300};
+        const auto tokens = [](Connection &connection) {
+            return connection.value<long long>("SELECT COUNT(*) FROM access_tokens");
+        };
+        const long long before = world.database().read(tokens);
+        std::promise<void> held;
+        std::promise<void> free;
+        std::thread holder{[&] {
+            world.database().write(patient(), [&](Connection &) {
+                held.set_value();
+                free.get_future().wait();
+            });
+        }};
+        held.get_future().wait();
         std::atomic<int> after = 0;
-        std::atomic<int> begun = 0;
         std::vector<std::thread> threads;
         for (int i = 0; i < writers; ++i)
             threads.emplace_back([&] {
-                ++begun;
-                world.database().write(patient(), [&](Connection &) {
-                    after += renewed ? 1 : 0;
-                    std::this_thread::sleep_for(std::chrono::milliseconds{50});
-                });
+                world.database().write(
+                    patient(), [&](Connection &connection) { after += tokens(connection) > before ? 1 : 0; });
             });
-        while (begun < writers)
-            std::this_thread::sleep_for(std::chrono::milliseconds{1});
-        EXPECT_EQ(renew().status, 200);
-        renewed = true;
+        std::this_thread::sleep_for(toQueue);
+        threads.emplace_back([&] { EXPECT_EQ(renew().status, 200); });
+        std::this_thread::sleep_for(toQueue);
+        free.set_value();
+        holder.join();
         for (std::thread &thread : threads)
             thread.join();
         return after;
