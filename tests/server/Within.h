@@ -10,9 +10,12 @@ namespace clockwell::server::test {
 inline bool within(std::chrono::seconds limit, const std::function<bool()> &holds)
 {
     const auto end = std::chrono::steady_clock::now() + limit;
-    while (!holds() && std::chrono::steady_clock::now() < end)
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() >= end)
+            return false;
         std::this_thread::sleep_for(std::chrono::milliseconds{5});
-    return holds();
+    }
+    return true;
 }
 
 } // namespace clockwell::server::test
