@@ -2,32 +2,41 @@
 
 #include "net/APIClientWorker.h"
 
+#include <QEventLoop>
 #include <QThread>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 #include <vector>
 
 namespace clockwell {
 
-/// The client's thread and the queue of work for it.
-class APIClient::Core final : private QThread
+/// The client's thread and the queue of work for it. The thread is no QThread: QThread::wait() returns while
+/// the system still ends the thread, and a process that ends right then frees what libcrypto keeps of the
+/// thread twice.
+class APIClient::Core final
 {
 public:
     Core(Options options, TokenStore &tokens, SessionEvents &events)
         : m_options(std::move(options)), m_tokens(tokens), m_events(events)
     {
-        setObjectName(QStringLiteral("APIClient"));
-        m_inbox->moveToThread(this);
+        m_inbox->moveToThread(nullptr); // until the thread takes it
     }
+    Core(const Core &) = delete;
+    Core &operator=(const Core &) = delete;
 
-    ~Core() override
+    ~Core()
     {
         {
             const std::scoped_lock lock(m_mutex);
             m_closing = true;
+            if (m_thread.joinable())
+                QMetaObject::invokeMethod(
+                    m_inbox.get(), [this] { m_loop->quit(); }, Qt::QueuedConnection);
         }
-        quit();
-        wait();
+        if (m_thread.joinable())
+            m_thread.join();
         // Calls still queued when the thread ended are finished by nothing else.
         for (const auto &pending : m_pending)
             if (const std::shared_ptr<ReplySlot> slot = pending.lock())
@@ -48,20 +57,35 @@ public:
         }
         std::erase_if(m_pending, [](const auto &pending) { return pending.expired(); });
         m_pending.push_back(slot);
-        if (!isRunning())
-            start();
+        if (!m_thread.joinable())
+            m_thread = std::thread([this] { run(); });
         QMetaObject::invokeMethod(
-            m_inbox.get(), [this, slot, work = std::move(work)] { work(*m_worker, slot); },
+            m_inbox.get(),
+            [this, slot, work = std::move(work)] {
+                if (!m_closing)
+                    work(*m_worker, slot);
+            },
             Qt::QueuedConnection);
         return slot;
     }
 
 private:
-    void run() override
+    void run()
     {
+        QEventLoop loop;
+        m_loop = &loop;
         Worker worker(m_options, m_tokens, m_events, m_guard);
         m_worker = &worker;
-        exec();
+        {
+            // Qt does not expect anybody to post while an object that has no thread gets one ...
+            const std::scoped_lock lock(m_mutex);
+            m_inbox->moveToThread(QThread::currentThread());
+        }
+        loop.exec();
+        {
+            // ... or while the event loop of its thread goes: whoever posted the end may not be back yet.
+            const std::scoped_lock lock(m_mutex);
+        }
         worker.close();
         ReplySlot::deliverHere();
     }
@@ -71,10 +95,12 @@ private:
     SessionEvents &m_events;
     const std::shared_ptr<SessionGuard> m_guard = std::make_shared<SessionGuard>();
     const std::unique_ptr<QObject> m_inbox = std::make_unique<QObject>(); // lives on the client's thread
-    Worker *m_worker = nullptr;                                           // only used there
+    QEventLoop *m_loop = nullptr;                                         // this and the next only used there
+    Worker *m_worker = nullptr;
 
-    std::mutex m_mutex;
-    bool m_closing = false;
+    std::mutex m_mutex; // of changes of all below
+    std::atomic<bool> m_closing = false;
+    std::thread m_thread;
     std::vector<std::weak_ptr<ReplySlot>> m_pending;
 };
 

@@ -5,6 +5,8 @@
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
+
 namespace clockwell::test {
 
 namespace {
@@ -87,6 +89,23 @@ TEST_F(Lifetime, DestructionEndsWorkThatHasNotBegun)
     EXPECT_TRUE(busy->done);
     EXPECT_EQ(kindOf(queued), Kind::Cancelled);
     server.expect("GET", "/api/thing").anyNumber();
+}
+
+TEST_F(Lifetime, ThreadIsGoneAfterDestruction)
+{
+    struct SlowEnd
+    {
+        const std::shared_ptr<std::atomic<bool>> gone;
+        ~SlowEnd()
+        {
+            std::this_thread::sleep_for(100ms);
+            *gone = true;
+        }
+    };
+    const auto gone = std::make_shared<std::atomic<bool>>(false);
+    await(client().perform<void>([gone] { thread_local const SlowEnd atThreadEnd{gone}; }));
+    destroyClient();
+    EXPECT_TRUE(*gone);
 }
 
 TEST_F(Lifetime, CallDuringDestructionIsRefused)
