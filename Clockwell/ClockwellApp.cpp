@@ -62,7 +62,7 @@ void ClockwellApp::followDesktop()
         if (m_auth.phase() == AuthStore::Phase::Loading || !disconnect(m_frames))
             return;
         m_preferences->start();
-        QGuiApplication::setWindowIcon(QIcon(u":/clockwell/AppIcon.png"_s));
+        QGuiApplication::setWindowIcon(QIcon(u":/clockwell/AppLogo.svg"_s));
     };
     m_frames =
         connect(window(), &QQuickWindow::frameSwapped, m_preferences.get(), start, Qt::QueuedConnection);

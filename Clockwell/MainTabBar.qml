@@ -1,50 +1,53 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
+import QtQuick.Templates as T
 import Clockwell.Ui
 
-// The bar with the four tabs.
-Rectangle {
+// The bar with the four tabs. The arrow keys select the next one.
+T.TabBar {
     id: bar
 
-    required property int selected
-    signal select(index: int)
-
-    implicitHeight: row.height
-    color: Theme.card
-    Accessible.role: Accessible.PageTabList
+    implicitHeight: contentHeight
+    horizontalPadding: Math.max(0, (width - 560) / 2)
     Accessible.name: "Tabs"
-
-    Rectangle {
-        width: parent.width
-        height: 1
-        color: Theme.divider
+    Keys.onLeftPressed: {
+        decrementCurrentIndex();
+        currentItem.forceActiveFocus(Qt.TabFocusReason);
+    }
+    Keys.onRightPressed: {
+        incrementCurrentIndex();
+        currentItem.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    Row {
-        id: row
+    background: Rectangle {
+        color: Theme.card
 
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width, 560)
-
-        Repeater {
-            model: [
-                {title: "Attendance", symbol: "location.fill.viewfinder"},
-                {title: "History", symbol: "calendar"},
-                {title: "Summary", symbol: "chart.bar.fill"},
-                {title: "Profile", symbol: "person.crop.circle"}
-            ]
-
-            TabBarButton {
-                required property int index
-                required property var modelData
-
-                width: row.width / 4
-                title: modelData.title
-                symbol: modelData.symbol
-                selected: bar.selected === index
-                onTriggered: bar.select(index)
-            }
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: Theme.divider
         }
+    }
+
+    contentItem: Row {
+        Repeater {
+            model: bar.contentModel
+        }
+    }
+
+    TabBarButton {
+        title: "Attendance"
+        symbol: "location.fill.viewfinder"
+    }
+    TabBarButton {
+        title: "History"
+        symbol: "calendar"
+    }
+    TabBarButton {
+        title: "Summary"
+        symbol: "chart.bar.fill"
+    }
+    TabBarButton {
+        title: "Profile"
+        symbol: "person.crop.circle"
     }
 }

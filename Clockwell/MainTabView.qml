@@ -13,7 +13,6 @@ Item {
     required property ClockwellApp app
     readonly property AttendanceStore attendance: app.newAttendanceStore(tabs)
     readonly property LocationManager location: app.newLocationManager(tabs)
-    property int selected: 0
 
     ScreenBackground {
         anchors.fill: parent
@@ -28,45 +27,41 @@ Item {
         }
 
         TabPage {
-            anchors.fill: parent
-            selected: tabs.selected === 0
+            selected: bar.currentIndex === 0
 
-            Component {
-                HomeView {
-                    attendance: tabs.attendance
-                    location: tabs.location
-                    fullName: tabs.app.auth.fullName
-                }
+            HomeView {
+                anchors.fill: parent
+                focus: true
+                attendance: tabs.attendance
+                location: tabs.location
+                fullName: tabs.app.auth.fullName
             }
         }
         TabPage {
-            anchors.fill: parent
-            selected: tabs.selected === 1
+            selected: bar.currentIndex === 1
 
-            Component {
-                HistoryView {
-                    attendance: tabs.attendance
-                }
+            HistoryView {
+                anchors.fill: parent
+                focus: true
+                attendance: tabs.attendance
             }
         }
         TabPage {
-            anchors.fill: parent
-            selected: tabs.selected === 2
+            selected: bar.currentIndex === 2
 
-            Component {
-                SummaryView {
-                    attendance: tabs.attendance
-                }
+            SummaryView {
+                anchors.fill: parent
+                focus: true
+                attendance: tabs.attendance
             }
         }
         TabPage {
-            anchors.fill: parent
-            selected: tabs.selected === 3
+            selected: bar.currentIndex === 3
 
-            Component {
-                ProfileView {
-                    auth: tabs.app.auth
-                }
+            ProfileView {
+                anchors.fill: parent
+                focus: true
+                auth: tabs.app.auth
             }
         }
     }
@@ -78,7 +73,5 @@ Item {
             right: parent.right
             bottom: parent.bottom
         }
-        selected: tabs.selected
-        onSelect: index => tabs.selected = index
     }
 }

@@ -21,20 +21,21 @@ Window {
     // Contents are loaded by file name, so that those for signed-in users cost nothing before the sign-in.
     RootViewModel {
         auth: root.app.auth
-        onSignedOut: animated => contents.replace(Qt.resolvedUrl("Account/AccountStack.qml"), {auth: root.app.auth, timing: root.app.timing}, animated)
-        onSignedIn: animated => contents.replace(Qt.resolvedUrl("MainTabView.qml"), {app: root.app}, animated)
+        onSignedOut: animated => contents.replace(null, Qt.resolvedUrl("Account/AccountStack.qml"), {auth: root.app.auth, timing: root.app.timing}, animated ? NavigationStack.ReplaceTransition : NavigationStack.Immediate)
+        onSignedIn: animated => contents.replace(null, Qt.resolvedUrl("MainTabView.qml"), {app: root.app}, animated ? NavigationStack.ReplaceTransition : NavigationStack.Immediate)
     }
 
-    ScreenStack {
+    NavigationStack {
         id: contents
         objectName: "contents"
         anchors.fill: parent
-        duration: Theme.duration
 
-        initialItem: Item {
-            Spinner {
-                anchors.centerIn: parent
-                color: Theme.brand
+        initialItem: Component {
+            Item {
+                Spinner {
+                    anchors.centerIn: parent
+                    color: Theme.brand
+                }
             }
         }
     }

@@ -1,5 +1,5 @@
 # Finds Qt and the coroutine library, and sets the definitions that all targets of the app share.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Positioning Qml Quick Svg)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Positioning Qml Quick QuickTemplates2 Svg)
 find_package(QCoro6 0.8 REQUIRED COMPONENTS Core)
 # Found at the top level, because the finalisation of executables needs all targets that their libraries link.
 find_package(ICU 72 REQUIRED COMPONENTS i18n uc)
@@ -16,9 +16,9 @@ target_include_directories(clockwell_qt INTERFACE "${PROJECT_SOURCE_DIR}/Clockwe
 target_link_libraries(clockwell_qt INTERFACE clockwell_warnings Qt6::Core)
 
 # Adds a module of the app that contains QML: a static library and its QML module.
-#   clockwell_qml_module(TARGET URI QML_FILES ... SOURCES ... LIBRARIES ... IMPORTS ...)
+#   clockwell_qml_module(TARGET URI QML_FILES ... SOURCES ... LIBRARIES ... IMPORTS ... DEPENDENCIES ...)
 function(clockwell_qml_module target uri)
-    cmake_parse_arguments(PARSE_ARGV 2 module "" "" "QML_FILES;SOURCES;LIBRARIES;IMPORTS")
+    cmake_parse_arguments(PARSE_ARGV 2 module "" "" "QML_FILES;SOURCES;LIBRARIES;IMPORTS;DEPENDENCIES")
     foreach(file IN LISTS module_QML_FILES)
         get_filename_component(alias "${file}" NAME)
         set_source_files_properties("${file}" PROPERTIES QT_RESOURCE_ALIAS "${alias}")
@@ -36,7 +36,7 @@ function(clockwell_qml_module target uri)
         QML_FILES ${module_QML_FILES}
         SOURCES ${module_SOURCES}
         IMPORTS ${module_IMPORTS}
-        DEPENDENCIES QtQuick)
+        DEPENDENCIES QtQuick ${module_DEPENDENCIES})
     set_target_properties(${target}plugin PROPERTIES AUTOMOC ON)
     target_link_libraries(${target} PUBLIC clockwell_qt Qt6::Quick ${module_LIBRARIES})
     target_include_directories(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")

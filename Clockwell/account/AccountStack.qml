@@ -5,13 +5,12 @@ import Clockwell.Ui
 import Clockwell.Account
 
 // The navigation stack of the signed-out interface; the sign-in screen is its root.
-ScreenStack {
+NavigationStack {
     id: stack
 
     required property AuthStore auth
     required property Timing timing
 
-    duration: Theme.duration
     initialItem: LoginView {
         auth: stack.auth
         onForgotPassword: email => stack.push(Qt.resolvedUrl("ForgotPasswordView.qml"), {stack: stack, auth: stack.auth, timing: stack.timing, prefillEmail: email})

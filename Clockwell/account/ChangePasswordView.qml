@@ -91,7 +91,7 @@ FocusScope {
                     title: "Update password"
                     loading: model.loading
                     disabled: model.incomplete
-                    onTriggered: model.submit()
+                    onClicked: model.submit()
                 }
             }
         }

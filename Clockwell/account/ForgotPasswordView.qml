@@ -7,7 +7,7 @@ import Clockwell.Account
 NavigationPage {
     id: view
 
-    required property ScreenStack stack
+    required property NavigationStack stack
     required property AuthStore auth
     required property Timing timing
     required property string prefillEmail
@@ -65,7 +65,6 @@ NavigationPage {
             }
 
             TextLabel {
-                id: info
                 width: parent.width
                 visible: model.informed
                 topPadding: 6
@@ -75,7 +74,6 @@ NavigationPage {
                 Accessible.role: Accessible.AlertMessage
 
                 RevealWhenShown {
-                    item: info
                     text: model.info
                 }
             }
@@ -104,7 +102,7 @@ NavigationPage {
                     title: "Send reset code"
                     loading: model.loading
                     disabled: model.incomplete
-                    onTriggered: model.submit()
+                    onClicked: model.submit()
                 }
             }
         }

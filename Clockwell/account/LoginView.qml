@@ -67,12 +67,12 @@ FormPage {
             width: parent.width
             height: forgot.y + forgot.height
 
-            LinkText {
+            LinkButton {
                 id: forgot
                 y: 4
                 size: 13
                 text: "Forgot password?"
-                onTriggered: view.forgotPassword(model.email)
+                onClicked: view.forgotPassword(model.email)
             }
         }
 
@@ -94,14 +94,14 @@ FormPage {
             height: enterCode.y + enterCode.height
             visible: model.needsVerification
 
-            LinkText {
+            LinkButton {
                 id: enterCode
                 y: 2
                 size: 13
                 weight: Font.DemiBold
                 color: Theme.warning
                 text: "Enter verification code"
-                onTriggered: view.enterCode(model.email)
+                onClicked: view.enterCode(model.email)
             }
         }
 
@@ -110,7 +110,7 @@ FormPage {
             title: "Sign in"
             loading: model.loading
             disabled: model.incomplete
-            onTriggered: model.signIn()
+            onClicked: model.signIn()
         }
     }
 
@@ -129,12 +129,12 @@ FormPage {
             text: "New here?"
         }
 
-        LinkText {
+        LinkButton {
             id: create
             size: 14
             weight: Font.DemiBold
             text: "Create an account"
-            onTriggered: view.createAccount()
+            onClicked: view.createAccount()
         }
     }
 }

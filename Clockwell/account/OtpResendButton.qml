@@ -4,35 +4,23 @@ import Clockwell.Account
 
 // Requests another code. While it is locked, its text shows the remaining seconds, so it is muted but stays readable;
 // while the request runs, it is faded like any disabled button.
-Pressable {
+Button {
     id: root
 
-    required property string text
+    required text
     required property bool locked
     required property bool busy
 
     enabled: !locked && !busy
-    implicitWidth: label.implicitWidth
-    implicitHeight: label.height
+    cornerRadius: 4
 
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-
-    TextLabel {
-        id: label
+    contentItem: TextLabel {
         objectName: "label"
-        width: root.width
         text: root.text
         size: 13
         color: root.locked ? Theme.textMuted : Theme.brand
         opacity: root.pressed || root.busy ? 0.5 : 1
         horizontalAlignment: Text.AlignHCenter
         Accessible.ignored: true
-    }
-
-    FocusRing {
-        objectName: "ring"
-        shown: root.focusVisible
-        cornerRadius: 4
     }
 }

@@ -90,7 +90,6 @@ NavigationPage {
             }
 
             TextLabel {
-                id: info
                 width: parent.width
                 visible: model.informed
                 topPadding: 6
@@ -100,7 +99,6 @@ NavigationPage {
                 Accessible.role: Accessible.AlertMessage
 
                 RevealWhenShown {
-                    item: info
                     text: model.info
                 }
             }
@@ -129,7 +127,7 @@ NavigationPage {
                     title: model.submitTitle
                     loading: model.loading
                     disabled: model.incomplete
-                    onTriggered: model.submit()
+                    onClicked: model.submit()
                 }
             }
 
@@ -145,7 +143,7 @@ NavigationPage {
                     text: model.resendTitle
                     locked: model.resendLocked
                     busy: model.resending
-                    onTriggered: model.resend()
+                    onClicked: model.resend()
                 }
             }
         }

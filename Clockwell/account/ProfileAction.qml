@@ -3,21 +3,19 @@ import Clockwell.Ui
 import Clockwell.Account
 
 // A button in the form of a row, for an action on the account.
-Pressable {
+Button {
     id: root
 
     required property string symbol
     required property string title
     property color color: Theme.textPrimary
 
+    text: title
     implicitHeight: Math.max(48, label.height + 2 * 14)
+    cornerRadius: 12
 
-    Accessible.role: Accessible.Button
-    Accessible.name: title
-
-    ContinuousRectangle {
-        anchors.fill: parent
-        radius: 12
+    background: ContinuousRectangle {
+        radius: root.cornerRadius
         color: root.pressed ? Theme.surface : Theme.card
         borderColor: Theme.divider
         borderWidth: 1
@@ -56,11 +54,5 @@ Pressable {
         name: "chevron.right"
         size: Math.round(13 * Theme.textScale)
         color: Theme.textMuted
-    }
-
-    FocusRing {
-        objectName: "ring"
-        shown: root.focusVisible
-        cornerRadius: 12
     }
 }

@@ -8,13 +8,14 @@ Item {
 
     required property string label
     required property string value
+    required property string spoken
     readonly property real padding: 12
     readonly property bool stacked: heading.implicitWidth + valueLabel.implicitWidth + 3 * padding > width
 
     implicitHeight: valueLabel.y + valueLabel.height + padding
 
     Accessible.role: Accessible.StaticText
-    Accessible.name: label + ", " + value
+    Accessible.name: spoken
 
     TextLabel {
         id: heading

@@ -33,4 +33,9 @@ QString statusText(const QString &status)
     return text;
 }
 
+QString spokenRow(const QString &label, const QString &value)
+{
+    return label + QStringLiteral(", ") + value;
+}
+
 } // namespace clockwell

@@ -16,4 +16,7 @@ QString roleText(const QString &role);
 /// uninterrupted run of letters, digits, marks and apostrophes.
 QString statusText(const QString &status);
 
+/// A labelled value as it is read out: "Role, Employee".
+QString spokenRow(const QString &label, const QString &value);
+
 } // namespace clockwell

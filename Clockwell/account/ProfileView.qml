@@ -24,7 +24,7 @@ FocusScope {
         title: "Profile"
     }
 
-    Flickable {
+    RevealingFlickable {
         id: page
         anchors.top: bar.bottom
         anchors.bottom: parent.bottom
@@ -65,6 +65,7 @@ FocusScope {
                         width: parent.width
                         label: "Role"
                         value: model.role
+                        spoken: model.spoken(label, value)
                     }
                     Rectangle {
                         x: 12
@@ -76,6 +77,7 @@ FocusScope {
                         width: parent.width
                         label: "Phone"
                         value: model.phone
+                        spoken: model.spoken(label, value)
                     }
                     Rectangle {
                         x: 12
@@ -87,6 +89,7 @@ FocusScope {
                         width: parent.width
                         label: "Account status"
                         value: model.status
+                        spoken: model.spoken(label, value)
                     }
                 }
             }
@@ -95,7 +98,7 @@ FocusScope {
                 width: parent.width
                 symbol: "key.fill"
                 title: "Change password"
-                onTriggered: model.showChangePassword = true
+                onClicked: model.showChangePassword = true
             }
 
             ProfileAction {
@@ -103,13 +106,9 @@ FocusScope {
                 symbol: "rectangle.portrait.and.arrow.right"
                 title: "Sign out"
                 color: Theme.danger
-                onTriggered: model.showLogoutConfirm = true
+                onClicked: model.showLogoutConfirm = true
             }
         }
-    }
-
-    FocusFollower {
-        flickable: page
     }
 
     ConfirmationDialog {
@@ -118,13 +117,13 @@ FocusScope {
         action: "Sign out"
         destructive: true
         onAccepted: model.signOut()
-        onDismissed: model.showLogoutConfirm = false
+        onRejected: model.showLogoutConfirm = false
     }
 
     Sheet {
         shown: model.showChangePassword
         title: "Change password"
-        onDismissed: model.showChangePassword = false
+        onRejected: model.showChangePassword = false
         content: Component {
             ChangePasswordView {
                 auth: view.auth

@@ -86,6 +86,11 @@ QString ProfileViewModel::status() const
     return user() ? statusText(user()->status) : none;
 }
 
+QString ProfileViewModel::spoken(const QString &label, const QString &value)
+{
+    return spokenRow(label, value);
+}
+
 void ProfileViewModel::setShowLogoutConfirm(bool show)
 {
     if (std::exchange(m_showLogoutConfirm, show) != show)

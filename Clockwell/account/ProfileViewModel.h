@@ -48,6 +48,9 @@ public:
     QString phone() const;
     QString status() const;
 
+    /// A row of the screen as it is read out.
+    Q_INVOKABLE static QString spoken(const QString &label, const QString &value);
+
     bool showsLogoutConfirm() const { return m_showLogoutConfirm; }
     void setShowLogoutConfirm(bool show);
     bool showsChangePassword() const { return m_showChangePassword; }

@@ -7,7 +7,7 @@ import Clockwell.Account
 NavigationPage {
     id: view
 
-    required property ScreenStack stack
+    required property NavigationStack stack
     required property AuthStore auth
     required property Timing timing
 
@@ -131,7 +131,7 @@ NavigationPage {
                     title: "Create account"
                     loading: model.loading
                     disabled: model.incomplete
-                    onTriggered: model.submit()
+                    onClicked: model.submit()
                 }
             }
         }

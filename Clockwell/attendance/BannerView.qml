@@ -101,6 +101,6 @@ ContinuousRectangle {
         size: Math.round(16 * Theme.textScale)
         color: Theme.white
         opacity: 0.8
-        onTriggered: model.dismiss()
+        onClicked: model.dismiss()
     }
 }

@@ -3,6 +3,7 @@ import Clockwell.Attendance
 import Clockwell.Ui
 
 // A number in digits of equal width, scaled down where it does not fit. A placeholder bar while the text is empty.
+// Read out by the card that it is in.
 Item {
     id: root
 
@@ -29,6 +30,7 @@ Item {
         size: root.size
         weight: Font.Bold
         color: Theme.white
+        Accessible.ignored: true
     }
     ContinuousRectangle {
         y: Math.round((root.height - height) / 2)

@@ -119,7 +119,7 @@ Card {
             width: parent.width
             text: "Refresh my location"
             busy: card.home.checkingDistance
-            onTriggered: card.home.refreshLocation()
+            onClicked: card.home.refreshLocation()
         }
     }
 }

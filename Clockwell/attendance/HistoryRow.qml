@@ -3,7 +3,7 @@ import Clockwell.Attendance
 import Clockwell.Ui
 
 // One day of the history; a single element for screen readers.
-AccessibleElement {
+Item {
     id: row
 
     required property string day
@@ -53,6 +53,7 @@ AccessibleElement {
                     size: 15
                     weight: Font.DemiBold
                     color: Theme.white
+                    Accessible.ignored: true
                 }
                 StatusBadge {
                     id: badge
@@ -61,6 +62,7 @@ AccessibleElement {
                     width: Math.min(implicitWidth, header.width)
                     height: implicitHeight
                     status: row.status
+                    Accessible.ignored: true
                 }
             }
 
@@ -99,6 +101,7 @@ AccessibleElement {
                 text: row.summary
                 size: 12
                 color: row.summaryColor
+                Accessible.ignored: true
             }
         }
     }

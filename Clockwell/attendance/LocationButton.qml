@@ -3,18 +3,13 @@ import Clockwell.Attendance
 import Clockwell.Ui
 
 // Requests a new position. Stays enabled while the request is running.
-Pressable {
+Button {
     id: root
 
-    required property string text
+    required text
     property bool busy: false
 
     implicitHeight: Math.max(Theme.touchTarget, label.height + 16)
-
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-    Accessible.focusable: true
-    Accessible.onPressAction: press()
 
     Row {
         anchors.centerIn: parent
@@ -38,7 +33,6 @@ Pressable {
                 anchors.centerIn: parent
                 size: Math.round(16 * Theme.textScale)
                 color: Theme.brand
-                still: Theme.reducedMotion
                 visible: root.busy
             }
         }
@@ -52,9 +46,5 @@ Pressable {
             color: Theme.brand
             Accessible.ignored: true
         }
-    }
-
-    FocusRing {
-        shown: root.focusVisible
     }
 }

@@ -27,7 +27,7 @@ Rectangle {
         color: bar.home.punchColor
         loading: bar.home.punching
         visible: !bar.home.dayComplete
-        onTriggered: bar.home.punch()
+        onClicked: bar.home.punch()
     }
 
     Row {

@@ -3,7 +3,7 @@ import Clockwell.Attendance
 import Clockwell.Ui
 
 // One counter of the month, with a placeholder before the first response. A single element for screen readers.
-AccessibleElement {
+Item {
     id: tile
 
     required property string label
@@ -42,6 +42,7 @@ AccessibleElement {
                 text: tile.label
                 size: 13
                 color: Theme.textSecondary
+                Accessible.ignored: true
             }
         }
     }

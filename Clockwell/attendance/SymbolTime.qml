@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Attendance
 import Clockwell.Ui
 
-// A time after the symbol that tells check-in from check-out.
+// A time after the symbol that tells check-in from check-out. Read out by the row that it is in.
 Item {
     id: root
 
@@ -27,5 +27,6 @@ Item {
         text: root.text
         horizontalAlignment: Text.AlignLeft // next to its symbol, also for right-to-left scripts
         size: 14
+        Accessible.ignored: true
     }
 }

@@ -3,7 +3,7 @@ import Clockwell.Attendance
 import Clockwell.Ui
 
 // The month's worked time; a single element for screen readers.
-AccessibleElement {
+Item {
     id: root
 
     required property string total
@@ -30,6 +30,7 @@ AccessibleElement {
                 weight: Font.Medium
                 font.letterSpacing: 0.6
                 color: Theme.textMuted
+                Accessible.ignored: true
             }
             CountOrPlaceholder {
                 width: parent.width
@@ -42,6 +43,7 @@ AccessibleElement {
                 text: "this month"
                 size: 13
                 color: Theme.textSecondary
+                Accessible.ignored: true
             }
         }
     }

@@ -8,9 +8,12 @@ Row {
 
     spacing: 12
 
-    AppLogo {
+    Image {
         id: logo
         objectName: "logo"
+        source: Theme.picture("AppLogo")
+        sourceSize.width: 46
+        sourceSize.height: 46
     }
 
     Column {

@@ -1,117 +1,81 @@
 #include "ContinuousRectangle.h"
 
-#include "ImageNode.h"
 #include "Superellipse.h"
 
+#include <QCache>
 #include <QPainter>
+#include <QPointer>
 #include <QQuickWindow>
-#include <QSGImageNode>
-#include <QSGRectangleNode>
+#include <QSGNinePatchNode>
 #include <QSGRendererInterface>
+#include <QSGTexture>
 
 #include <algorithm>
-#include <array>
 
 namespace clockwell {
 
 namespace {
 
-constexpr int seamPixels = 3;
-constexpr int seamMiddle = 1;
+constexpr qsizetype cacheBytes = 1024 * 1024;
 
-/// How one direction of the rectangle is cut into corner, straight side and corner: in points where they are
-/// drawn and in pixels of the image they come from. A side too short for a straight piece is drawn whole, in
-/// two halves.
+/// One direction of the rectangle, in pixels of the screen: its length, that of the picture, and how much of
+/// the picture's ends is not stretched. A side too short for a straight piece is drawn whole.
 struct Cut
 {
-    Cut(qreal points, qreal reach, qreal ratio)
+    Cut(qreal points, qreal reach, qreal ratio) : whole(std::max(1, qRound(points * ratio)))
     {
-        const int whole = std::max(1, qRound(points * ratio));
-        const int corner = std::max(1, qCeil(reach * ratio));
-        const bool straight = whole > 2 * corner + seamPixels;
-        pixels = straight ? 2 * corner + seamPixels : whole;
-        const qreal first = straight ? corner : whole / 2;
-        const qreal last = straight ? corner : whole - whole / 2;
-        at = {0, straight ? first / ratio : points * first / whole,
-              points - (straight ? last / ratio : points * last / whole), points};
-        // Only the middle line of the seam is stretched: its neighbours keep the filter off the corners.
-        from = {0, first + seamMiddle, pixels - last};
-        length = {first, straight ? 1.0 : 0.0, last};
+        // Between the ends, one line is stretched; one more at each side keeps the filter off the corners.
+        const int end = qCeil(reach * ratio) + 1;
+        const bool stretched = whole > 2 * end + 1;
+        kept = stretched ? end : 0;
+        drawn = stretched ? 2 * end + 1 : whole;
     }
 
-    int pixels = 0;
-    std::array<qreal, 4> at{};
-    std::array<qreal, 3> from{};
-    std::array<qreal, 3> length{};
+    int whole;
+    int drawn;
+    int kept;
 };
 
-/// The eight images around the solid middle; all of them show parts of one texture, which the last of them
-/// owns. It is also the last to take a new one: until then the renderer may look at the old one through any
-/// of the others.
-class FrameNode : public QSGNode
+/// A nine-patch in pixels, because Qt 6.4's software renderer takes its padding for points.
+class FrameNode : public QSGTransformNode
 {
 public:
-    explicit FrameNode(QQuickWindow *window) : m_middle(window->createRectangleNode())
+    explicit FrameNode(QQuickWindow *window) : m_window(window), m_patch(window->createNinePatchNode())
     {
-        appendChildNode(m_middle);
-        // The software renderer's smooth stretching loses a level of colour; a graphics card's does not.
-        const bool software = window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software;
-        for (QSGImageNode *&part : m_parts) {
-            part = window->createImageNode();
-            part->setFiltering(software ? QSGTexture::Nearest : QSGTexture::Linear);
-            appendChildNode(part);
-        }
-        m_parts.back()->setOwnsTexture(true);
+        appendChildNode(m_patch);
     }
 
-    void layOut(const Cut &x, const Cut &y, const QColor &fill, QSGTexture *texture)
+    void layOut(const Cut &x, const Cut &y, QSizeF size, const QImage &picture)
     {
-        m_middle->setRect(area(x, y, 1, 1));
-        m_middle->setColor(fill);
-        auto part = m_parts.begin();
-        for (size_t row = 0; row < 3; ++row) {
-            for (size_t column = 0; column < 3; ++column) {
-                if (row == 1 && column == 1)
-                    continue;
-                (*part)->setTexture(texture);
-                (*part)->setRect(area(x, y, column, row));
-                (*part)->setSourceRect(QRectF(x.from[column], y.from[row], x.length[column], y.length[row]));
-                ++part;
-            }
-        }
+        QMatrix4x4 toPoints;
+        toPoints.scale(static_cast<float>(size.width() / x.whole),
+                       static_cast<float>(size.height() / y.whole));
+        setMatrix(toPoints);
+        const QPointer<QSGTexture> texture = m_window->createTextureFromImage(picture);
+        m_patch->setTexture(texture);
+        if (m_window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software)
+            delete texture; // where Qt has not done so: it copied the picture
+        m_patch->setBounds(QRectF(0, 0, x.whole, y.whole));
+        m_patch->setPadding(x.kept, y.kept, x.kept, y.kept);
+        m_patch->setDevicePixelRatio(1);
+        m_patch->update();
     }
 
 private:
-    static QRectF area(const Cut &x, const Cut &y, size_t column, size_t row)
-    {
-        return {QPointF(x.at[column], y.at[row]), QPointF(x.at[column + 1], y.at[row + 1])};
-    }
-
-    QSGRectangleNode *m_middle;
-    std::array<QSGImageNode *, 8> m_parts{};
+    QQuickWindow *m_window;
+    QSGNinePatchNode *m_patch;
 };
 
 // The rasteriser rounds to one side; the eye sees that in corners that stand across from each other.
 void makeSymmetric(QImage &image)
 {
-    const int right = image.width() - 1;
-    const int bottom = image.height() - 1;
-    for (int y = 0; y <= bottom / 2; ++y) {
-        for (int x = 0; x <= right / 2; ++x) {
-            const auto pixel = reinterpret_cast<const QRgb *>(image.constScanLine(y))[x];
-            reinterpret_cast<QRgb *>(image.scanLine(y))[right - x] = pixel;
-            reinterpret_cast<QRgb *>(image.scanLine(bottom - y))[x] = pixel;
-            reinterpret_cast<QRgb *>(image.scanLine(bottom - y))[right - x] = pixel;
-        }
-    }
-}
-
-template <typename Value>
-bool assign(Value &member, const Value &value)
-{
-    const bool different = member != value;
-    member = value;
-    return different;
+    const QImage quarter = image.copy(0, 0, (image.width() + 1) / 2, (image.height() + 1) / 2);
+    const QPoint opposite(image.width() - quarter.width(), image.height() - quarter.height());
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(QPoint(opposite.x(), 0), quarter.mirrored(true, false));
+    painter.drawImage(QPoint(0, opposite.y()), quarter.mirrored(false, true));
+    painter.drawImage(opposite, quarter.mirrored(true, true));
 }
 
 } // namespace
@@ -119,38 +83,43 @@ bool assign(Value &member, const Value &value)
 ContinuousRectangle::ContinuousRectangle(QQuickItem *parent) : QQuickItem(parent)
 {
     setFlag(ItemHasContents);
+    using Self = ContinuousRectangle;
+    for (const auto changed :
+         {&Self::radiusChanged, &Self::colorChanged, &Self::borderColorChanged, &Self::borderWidthChanged})
+        connect(this, changed, this, &QQuickItem::update);
 }
 
-void ContinuousRectangle::setRadius(qreal radius)
+QImage ContinuousRectangle::picture(QSize pixels, qreal ratio) const
 {
-    if (assign(m_radius, radius)) {
-        update();
-        Q_EMIT radiusChanged();
+    // Only updatePaintNode() calls this, where the main thread waits, so that the one cache needs no lock.
+    static QCache<QString, QImage> cache(cacheBytes);
+    const qreal radius = m_radius * ratio;
+    const qreal border = m_borderWidth * ratio;
+    const QString key = QStringLiteral("%1 %2 %3 %4 %5 %6")
+                            .arg(pixels.width())
+                            .arg(pixels.height())
+                            .arg(radius)
+                            .arg(border)
+                            .arg(m_color.rgba())
+                            .arg(m_borderColor.rgba());
+    if (const QImage *known = cache.object(key))
+        return *known;
+    QImage drawn(pixels, QImage::Format_ARGB32_Premultiplied);
+    drawn.fill(Qt::transparent);
+    QPainter painter(&drawn);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF shape(QPointF(), pixels);
+    QPainterPath outline = continuousRectangle(shape, radius);
+    painter.fillPath(outline, m_color);
+    if (border > 0) {
+        outline.addPath(
+            continuousRectangle(shape.adjusted(border, border, -border, -border), radius - border));
+        painter.fillPath(outline, m_borderColor);
     }
-}
-
-void ContinuousRectangle::setColor(const QColor &color)
-{
-    if (assign(m_color, color)) {
-        update();
-        Q_EMIT colorChanged();
-    }
-}
-
-void ContinuousRectangle::setBorderColor(const QColor &color)
-{
-    if (assign(m_borderColor, color)) {
-        update();
-        Q_EMIT borderColorChanged();
-    }
-}
-
-void ContinuousRectangle::setBorderWidth(qreal width)
-{
-    if (assign(m_borderWidth, width)) {
-        update();
-        Q_EMIT borderWidthChanged();
-    }
+    painter.end();
+    makeSymmetric(drawn);
+    cache.insert(key, new QImage(drawn), drawn.sizeInBytes());
+    return drawn;
 }
 
 QSGNode *ContinuousRectangle::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
@@ -163,25 +132,8 @@ QSGNode *ContinuousRectangle::updatePaintNode(QSGNode *node, UpdatePaintNodeData
     const qreal reach = std::max(continuousCornerExtent(size(), m_radius), m_borderWidth);
     const Cut x(width(), reach, ratio);
     const Cut y(height(), reach, ratio);
-    const qreal radius = m_radius * ratio;
-    const qreal border = m_borderWidth * ratio;
-    const QString name = QStringLiteral("frame %1 %2 %3").arg(radius).arg(border).arg(m_borderColor.rgba());
-    const QImage image = cachedImage({name, {x.pixels, y.pixels}, m_color.rgba()}, [&](QImage &drawn) {
-        QPainter painter(&drawn);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const QRectF shape(0, 0, x.pixels, y.pixels);
-        QPainterPath outline = continuousRectangle(shape, radius);
-        painter.fillPath(outline, m_color);
-        if (border > 0) {
-            outline.addPath(
-                continuousRectangle(shape.adjusted(border, border, -border, -border), radius - border));
-            painter.fillPath(outline, m_borderColor);
-        }
-        painter.end();
-        makeSymmetric(drawn);
-    });
     auto *frame = node ? static_cast<FrameNode *>(node) : new FrameNode(window());
-    frame->layOut(x, y, m_color, window()->createTextureFromImage(image));
+    frame->layOut(x, y, size(), picture({x.drawn, y.drawn}, ratio));
     return frame;
 }
 

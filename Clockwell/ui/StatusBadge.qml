@@ -11,6 +11,9 @@ Item {
     implicitWidth: label.x + label.implicitWidth + 11
     implicitHeight: label.implicitHeight + 2 * 4
 
+    Accessible.role: Accessible.StaticText
+    Accessible.name: label.text
+
     ContinuousRectangle {
         objectName: "capsule"
         anchors.fill: parent
@@ -42,5 +45,6 @@ Item {
         monospaced: true
         color: root.tint
         wrapMode: Text.NoWrap
+        Accessible.ignored: true
     }
 }

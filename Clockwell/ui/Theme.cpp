@@ -1,5 +1,6 @@
 #include "Theme.h"
 
+#include "Pictures.h"
 #include "StatusVocabulary.h"
 #include "TabularCells.h"
 
@@ -25,6 +26,12 @@ constexpr bool namesItsFonts = false;
 #endif
 
 } // namespace
+
+Theme *Theme::create(QQmlEngine *engine, QJSEngine *)
+{
+    engine->addImageProvider(QStringLiteral("pictures"), new Pictures);
+    return new Theme(nullptr);
+}
 
 Theme *Theme::of(QQmlEngine &engine)
 {
@@ -70,6 +77,11 @@ QColor Theme::statusColor(const QString &status) const
 QString Theme::statusLabel(const QString &status) const
 {
     return clockwell::statusLabel(status);
+}
+
+QUrl Theme::picture(const QString &file, const QColor &tint) const
+{
+    return Pictures::url(file, tint);
 }
 
 QStringList Theme::tabularCells(const QString &text) const

@@ -6,8 +6,10 @@
 #include <QFont>
 #include <QObject>
 #include <QStringList>
+#include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
+class QJSEngine;
 class QQmlEngine;
 
 namespace clockwell {
@@ -44,7 +46,9 @@ class Theme : public QObject
     Q_PROPERTY(qreal touchTarget READ touchTarget CONSTANT)
 
 public:
-    explicit Theme(QObject *parent = nullptr) : QObject(parent) {}
+    explicit Theme(QObject *parent) : QObject(parent) {}
+    /// For an engine, which from then on has the pictures too.
+    static Theme *create(QQmlEngine *engine, QJSEngine *);
 
     /// The engine's one theme, owned by it. Null while no QML file has imported this module.
     static Theme *of(QQmlEngine &engine);
@@ -87,6 +91,10 @@ public:
 
     Q_INVOKABLE QColor statusColor(const QString &status) const;
     Q_INVOKABLE QString statusLabel(const QString &status) const;
+
+    /// Where an Image finds the SVG file of this name, without ".svg", in the resource folder /clockwell. A
+    /// valid tint replaces its colours. What is not there is not drawn, and Qt warns.
+    Q_INVOKABLE QUrl picture(const QString &file, const QColor &tint = {}) const;
 
     /// See tabularCells().
     Q_INVOKABLE QStringList tabularCells(const QString &text) const;

@@ -8,6 +8,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QQmlEngine>
 
 namespace clockwell::test {
 
@@ -40,7 +41,10 @@ protected:
             {QStringLiteral("email"), email},
             {QStringLiteral("purpose"), purpose}};
         const QUrl file(QStringLiteral("qrc:/qt/qml/Clockwell/Account/OtpView.qml"));
-        QMetaObject::invokeMethod(stage.root(), "push", Q_ARG(QUrl, file), Q_ARG(QVariantMap, properties));
+        QQmlEngine *engine = qmlEngine(stage.root());
+        const QJSValue stack = engine->toScriptValue<QObject *>(stage.root());
+        stack.property(QStringLiteral("push"))
+            .callWithInstance(stack, {engine->toScriptValue(file), engine->toScriptValue(properties)});
         const bool resetting = purpose == OtpPurpose::ResetPassword;
         ASSERT_TRUE(arrivesAt(resetting ? QStringLiteral("Reset password") : QStringLiteral("Verify email")));
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/FieldTraits.h"
 #include "ui/Palette.h"
 #include "ui/Theme.h"
+#include "ui/controls/FieldTraits.h"
 
 #include <QCoreApplication>
 #include <QFont>
@@ -50,7 +50,7 @@ inline Appearance shape(QRgb color, qreal radius, std::optional<qreal> gap = std
 }
 inline Appearance rule(std::optional<qreal> gap = std::nullopt)
 {
-    return {QStringLiteral("[rule]"), Theme().divider(), 1, 0, gap};
+    return {QStringLiteral("[rule]"), Theme(nullptr).divider(), 1, 0, gap};
 }
 inline Appearance logo()
 {
@@ -73,13 +73,13 @@ inline Appearance appearanceOf(const QQuickItem &item)
         appearance.name = font.capitalization() == QFont::AllUppercase ? text.toUpper() : text;
         appearance.size = font.pixelSize();
         appearance.weight = font.weight();
-    } else if (item.inherits("clockwell::Symbol")) {
+    } else if (!item.property("name").toString().isEmpty() && item.property("size").isValid()) { // a symbol
         appearance.name = u'<' + item.property("name").toString() + u'>';
         appearance.size = item.property("size").toReal();
     } else if (item.inherits("clockwell::ContinuousRectangle")) {
         appearance.name = QStringLiteral("[]");
         appearance.size = item.property("radius").toReal();
-    } else if (item.inherits("clockwell::AppLogo")) {
+    } else if (item.objectName() == QLatin1String("logo")) {
         appearance.name = QStringLiteral("[logo]");
         appearance.size = item.width();
     } else if (item.inherits("QQuickRectangle") && item.height() < 4) {
@@ -106,7 +106,10 @@ inline void collectDrawnItems(const QQuickItem &item, QList<DrawnItem> &found)
     const Appearance appearance = appearanceOf(item);
     if (!appearance.name.isEmpty())
         found.append({appearance, rectOf(item)});
-    for (const QQuickItem *child : item.childItems())
+    auto children = item.childItems(); // as they are painted
+    std::stable_sort(children.begin(), children.end(),
+                     [](const QQuickItem *a, const QQuickItem *b) { return a->z() < b->z(); });
+    for (const QQuickItem *child : children)
         collectDrawnItems(*child, found);
 }
 

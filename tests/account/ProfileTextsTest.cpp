@@ -52,6 +52,11 @@ TEST(ProfileTextsTest, UnderscoresInARoleBecomeSpaces)
     EXPECT_EQ(roleText(QString()), QString());
 }
 
+TEST(ProfileTextsTest, ARowIsReadOutAsItsLabelAndItsValue)
+{
+    EXPECT_EQ(spokenRow(u"Role"_s, u"HR MANAGER"_s), u"Role, HR MANAGER"_s);
+}
+
 TEST(ProfileTextsTest, EachWordOfAStatusIsCapitalised)
 {
     EXPECT_EQ(statusText(u"on hold"_s), u"On Hold"_s);

@@ -1,8 +1,8 @@
 #include "AccountScreens.h"
 #include "account/SignupViewModel.h"
 #include "net/DeviceFacts.h"
-#include "ui/FieldTraits.h"
 #include "ui/Theme.h"
+#include "ui/controls/FieldTraits.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -29,8 +29,9 @@ protected:
     /// Also finds a field that is scrolled out of view.
     QQuickItem *fieldNamed(const QString &label)
     {
-        for (auto *item : top()->findChildren<QQuickItem *>(u"input"_s))
-            if (item->parentItem()->property("label").toString() == label)
+        for (auto *item : top()->findChildren<QQuickItem *>())
+            if (item->inherits("QQuickTextInput") &&
+                QAccessible::queryAccessibleInterface(item)->text(QAccessible::Name) == label)
                 return item;
         return nullptr;
     }
@@ -77,10 +78,8 @@ TEST_F(SignupViewTest, EachFieldRequestsItsKeyboard)
     EXPECT_TRUE(hintsOf(u"Phone (optional)"_s) & Qt::ImhDialableCharactersOnly);
     EXPECT_TRUE(hintsOf(u"Company code (optional)"_s) & Qt::ImhPreferUppercase);
     EXPECT_TRUE(hintsOf(u"Password"_s) & Qt::ImhHiddenText);
-    EXPECT_EQ(stage->find(u"Phone (optional)"_s, QAccessible::EditableText)
-                  ->object->parent()
-                  ->property("placeholder")
-                  .toString(),
+    const auto phone = stage->find(u"Phone (optional)"_s, QAccessible::EditableText);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(phone->object)->text(QAccessible::Description),
               u"+92 300 0000000"_s);
 }
 

@@ -28,18 +28,31 @@ ServerProcess::ServerProcess(QString binary, QString directory)
     : m_binary(std::move(binary)), m_directory(std::move(directory))
 {}
 
+ServerProcess::ServerProcess(QString binary, Running running)
+    : m_binary(std::move(binary)), m_running(std::move(running))
+{}
+
 ServerProcess::~ServerProcess()
 {
     stop();
 }
 
+QUrl ServerProcess::baseUrl() const
+{
+    return m_running ? m_running->baseUrl : QUrl(u"http://127.0.0.1:%1/api"_s.arg(m_port));
+}
+
 QString ServerProcess::database() const
 {
+    if (m_running)
+        return m_running->database;
     return QDir(m_directory).filePath(u"demo.db"_s);
 }
 
 QString ServerProcess::outbox() const
 {
+    if (m_running)
+        return m_running->outbox;
     return QDir(m_directory).filePath(u"outbox"_s);
 }
 
@@ -56,9 +69,11 @@ QString ServerProcess::admin(const QStringList &arguments, QString *error) const
 
 bool ServerProcess::fillDatabase(QString *error)
 {
-    QDir(outbox()).removeRecursively();
-    for (const auto *suffix : {"", "-wal", "-shm"})
-        QFile::remove(database() + QLatin1String(suffix));
+    if (!m_running) {
+        QDir(outbox()).removeRecursively();
+        for (const auto *suffix : {"", "-wal", "-shm"})
+            QFile::remove(database() + QLatin1String(suffix));
+    }
     QProcess demo;
     demo.start(m_binary, {u"demo"_s, u"--database"_s, database()});
     if (!demo.waitForFinished(startLimitMs) || demo.exitCode() != 0) {
@@ -81,6 +96,8 @@ bool ServerProcess::fillDatabase(QString *error)
 
 bool ServerProcess::start(QString *error)
 {
+    if (m_running)
+        return fillDatabase(error);
     QDir().mkpath(m_directory);
     if (!fillDatabase(error))
         return false;
@@ -113,8 +130,24 @@ void ServerProcess::stop()
     m_process.waitForFinished(stopLimitMs);
 }
 
+QList<QStringList> ServerProcess::rowsOfPostgres(const QString &sql) const
+{
+    QProcess psql;
+    psql.start(u"psql"_s, {u"--no-psqlrc"_s, u"--tuples-only"_s, u"--no-align"_s, u"--field-separator=\t"_s,
+                           u"--dbname"_s, database(), u"--command"_s, sql});
+    if (!psql.waitForFinished(startLimitMs) || psql.exitCode() != 0)
+        return {};
+    QList<QStringList> rows;
+    const QString said = QString::fromUtf8(psql.readAllStandardOutput());
+    for (const QString &line : said.split(u'\n', Qt::SkipEmptyParts))
+        rows.append(line.split(u'\t'));
+    return rows;
+}
+
 QList<QStringList> ServerProcess::rows(const QString &sql) const
 {
+    if (database().startsWith(u"postgresql://"_s))
+        return rowsOfPostgres(sql);
     sqlite3 *connection = nullptr;
     QList<QStringList> rows;
     if (sqlite3_open_v2(database().toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr) ==

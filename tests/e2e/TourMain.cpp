@@ -7,6 +7,7 @@
 #include "net/SecretServiceTokenStore.h"
 
 #include <QCalendar>
+#include <QDateTime>
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QTextStream>
@@ -99,9 +100,8 @@ void readSummaryIn(Tour &tour, const ServerProcess &server, const QString &email
 bool printRow(const ServerProcess &server, const QString &email)
 {
     const auto rows = server.rows(
-        u"SELECT e.email, a.work_date, p.type, datetime(p.at / 1000, 'unixepoch') || 'Z', p.latitude, "
-        u"p.longitude,"
-        " p.accuracy, round(p.distance, 1) FROM punches p JOIN attendance a ON a.id = p.attendance_id"
+        u"SELECT e.email, a.work_date, p.type, p.at, p.latitude, p.longitude, p.accuracy, p.distance"
+        " FROM punches p JOIN attendance a ON a.id = p.attendance_id"
         " JOIN employees e ON e.id = a.employee_id WHERE e.email = '%1' ORDER BY p.at DESC LIMIT 1"_s.arg(
             email));
     QTextStream out(stdout);
@@ -109,23 +109,31 @@ bool printRow(const ServerProcess &server, const QString &email)
         out << "FAILED: the server recorded no check-in" << Qt::endl;
         return false;
     }
+    QStringList row = rows.first();
+    row[3] = QDateTime::fromMSecsSinceEpoch(row[3].toLongLong(), Qt::UTC).toString(Qt::ISODate);
+    row.last() = QString::number(row.last().toDouble(), 'f', 1);
     out << "The server recorded (employee, day, type, time, latitude, longitude, accuracy, distance):\n   "
-        << rows.first().join(u" | "_s) << Qt::endl;
+        << row.join(u" | "_s) << Qt::endl;
     return true;
 }
 
 } // namespace
 
-// clockwell_tour SERVER DIRECTORY: operates the real app with the real server through real input events.
+// clockwell_tour SERVER DIRECTORY [URL DATABASE OUTBOX]: operates the real app with the real server through
+// real input events; with the one that runs at the URL, if one is given.
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
     const auto arguments = QGuiApplication::arguments();
-    if (arguments.size() != 3) {
-        QTextStream(stderr) << "usage: clockwell_tour SERVER-BINARY OUTPUT-DIRECTORY" << Qt::endl;
+    if (arguments.size() != 3 && arguments.size() != 6) {
+        QTextStream(stderr) << "usage: clockwell_tour SERVER-BINARY OUTPUT-DIRECTORY [URL DATABASE OUTBOX]"
+                            << Qt::endl;
         return 2;
     }
-    ServerProcess server(arguments[1], arguments[2]);
+    auto server = arguments.size() == 3
+                      ? ServerProcess(arguments[1], arguments[2])
+                      : ServerProcess(arguments[1],
+                                      ServerProcess::Running{QUrl(arguments[3]), arguments[4], arguments[5]});
     QString error;
     if (!server.start(&error)) {
         QTextStream(stderr) << error << Qt::endl;

@@ -374,14 +374,17 @@ TEST_F(Request, NothingHappensBeforeTheFirstRequest)
 TEST_F(Request, RunsOnTheClientsThreadAndResumesOnTheCallers)
 {
     QThread *here = QThread::currentThread();
-    QString name;
+    QThread *worked = nullptr;
     QThread *resumed = nullptr;
     const int answer = await(client().perform<int>([&] {
-        name = QThread::currentThread()->objectName();
+        worked = QThread::currentThread();
         return 42;
     }));
     EXPECT_EQ(answer, 42);
-    EXPECT_EQ(name, QStringLiteral("APIClient"));
+    QThread *workedNext = nullptr;
+    await(client().perform<void>([&] { workedNext = QThread::currentThread(); }));
+    EXPECT_NE(worked, here);
+    EXPECT_EQ(workedNext, worked);
     const auto work = [](QCoro::Task<MessageResponse> task, QThread **where) -> QCoro::Task<> {
         try {
             co_await task;

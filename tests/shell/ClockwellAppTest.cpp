@@ -5,6 +5,7 @@
 #include "support/FakeServer.h"
 #include "support/MemoryTokenStore.h"
 #include "support/screen/ScreenDriver.h"
+#include "ui/Palette.h"
 
 #include <QPointer>
 #include <QQuickItem>
@@ -13,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -185,6 +187,56 @@ TEST_F(ClockwellAppTest, ReturningToTheFirstTabReloadsTheDay)
     EXPECT_TRUE(spinUntil([&] { return server.count(u"/api/attendance/today"_s) == 2; }));
 }
 
+TEST_F(ClockwellAppTest, ATabIsBuiltOnceAndKeepsItsPlace)
+{
+    startSignedIn();
+    app->window()->resize(320, 480); // less than a summary is high
+    ASSERT_TRUE(spinUntil([&] { return screen->click(u"Summary"_s, QAccessible::PageTab); }));
+    const auto summary = screen->find(u"Summary"_s, QAccessible::Pane);
+    ASSERT_TRUE(summary);
+    auto *page = static_cast<QQuickItem *>(summary->object);
+    page->forceActiveFocus();
+    screen->key(Qt::Key_Down);
+    ASSERT_TRUE(spinUntil([&] { return page->property("contentY").toReal() > 20; }));
+    ASSERT_TRUE(spinUntil([&] { return !page->property("moving").toBool(); }));
+    const qreal place = page->property("contentY").toReal();
+    ASSERT_TRUE(screen->click(u"Profile"_s, QAccessible::PageTab));
+    EXPECT_FALSE(page->isVisible());
+    ASSERT_TRUE(screen->click(u"Summary"_s, QAccessible::PageTab));
+    EXPECT_TRUE(page->isVisible());
+    EXPECT_EQ(page->property("contentY").toReal(), place);
+    EXPECT_EQ(server.count(u"/api/attendance/me/summary"_s), 1);
+    EXPECT_EQ(server.count(u"/api/attendance/me"_s), 0); // nobody has looked at the history
+}
+
+TEST_F(ClockwellAppTest, KeysReachEveryTabAndSelectIt)
+{
+    startSignedIn();
+    const auto goTo = [this](const QString &tab) {
+        for (int i = 0; i < 30 && !screen->find(tab, QAccessible::PageTab)->state.focused; ++i)
+            screen->key(Qt::Key_Tab);
+    };
+    goTo(u"History"_s);
+    EXPECT_FALSE(isSelected(u"History"_s));
+    screen->key(Qt::Key_Space);
+    EXPECT_TRUE(isSelected(u"History"_s));
+    EXPECT_FALSE(isSelected(u"Attendance"_s));
+    goTo(u"Profile"_s);
+    screen->key(Qt::Key_Return);
+    EXPECT_TRUE(isSelected(u"Profile"_s));
+    goTo(u"Attendance"_s);
+    screen->key(Qt::Key_Space);
+    EXPECT_TRUE(isSelected(u"Attendance"_s));
+    goTo(u"Attendance"_s); // selected, it has passed the focus to its page
+    screen->key(Qt::Key_Right);
+    EXPECT_TRUE(isSelected(u"History"_s));
+    EXPECT_TRUE(screen->find(u"History"_s, QAccessible::PageTab)->state.focused);
+    screen->key(Qt::Key_Left);
+    screen->key(Qt::Key_Left); // there is none
+    EXPECT_TRUE(isSelected(u"Attendance"_s));
+    EXPECT_TRUE(screen->find(u"Tabs"_s, QAccessible::PageTabList));
+}
+
 TEST_F(ClockwellAppTest, RefusalDuringAnotherTabIsShownOnReturn)
 {
     makeLocationSource = [] { return std::make_unique<KnownLocation>(); };
@@ -264,33 +316,35 @@ protected:
         ASSERT_TRUE(screen->waitUntilStill());
         for (const auto &gone : {u"OK"_s, u"Cancel"_s, u"Update password"_s, u"Sign out"_s, u"Profile"_s})
             EXPECT_FALSE(screen->shows(gone)) << gone.toStdString();
-        EXPECT_TRUE(spinUntil([this] { return modals().isEmpty(); }));
+        EXPECT_EQ(dialogs(), 0);
+        EXPECT_TRUE(spinUntil([this] { return !isDim(); }));
         ASSERT_TRUE(screen->type(u"Email"_s, u"ada"_s));
         screen->key(Qt::Key_Tab);
         screen->typeText(u"secret"_s);
         EXPECT_TRUE(screen->isEnabled(u"Sign in"_s));
     }
-    /// All modals in the window, open or not.
-    QList<const QQuickItem *> modals() const
+    /// As screen readers find them.
+    int dialogs() const
     {
-        QList<const QQuickItem *> found;
-        collectModals(app->window()->contentItem(), found);
-        return found;
+        const auto elements = screen->elements();
+        return static_cast<int>(std::count_if(elements.begin(), elements.end(), [](const auto &element) {
+            return element.role == QAccessible::Dialog;
+        }));
     }
-    static void collectModals(const QQuickItem *item, QList<const QQuickItem *> &found)
+    /// A dialog dims the whole window.
+    bool isDim() const
     {
-        if (item->inherits("clockwell::Modal"))
-            found.append(item);
-        for (const auto *child : item->childItems())
-            collectModals(child, found);
+        return app->window()->grabWindow().pixelColor(2, 2) != QColor::fromRgb(palette::background);
     }
 };
 
 TEST_F(OpenDialogTest, CoversTheTabBarToo)
 {
     openProfile();
-    EXPECT_FALSE(modals().isEmpty());
+    EXPECT_FALSE(isDim());
     open(u"Sign out"_s, u"Sign out of Qor?"_s);
+    EXPECT_EQ(dialogs(), 1);
+    EXPECT_TRUE(isDim());
     EXPECT_FALSE(screen->find(u"History"_s, QAccessible::PageTab));
     EXPECT_FALSE(screen->shows(u"Change password"_s));
     ASSERT_TRUE(screen->click(u"Cancel"_s));

@@ -16,9 +16,12 @@
 
 namespace clockwell::test {
 
+/// How long a test waits for what must happen. It only ends a test that hangs, so it outlasts any pause of a
+/// machine that does many things at once.
+inline constexpr std::chrono::seconds patience{40};
+
 /// Processes the calling thread's events until `condition` holds. Returns false after the limit.
-inline bool spinUntil(const std::function<bool()> &condition,
-                      std::chrono::milliseconds limit = std::chrono::seconds(10))
+inline bool spinUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit = patience)
 {
     QElapsedTimer clock;
     clock.start();
@@ -69,7 +72,7 @@ std::shared_ptr<Outcome<T>> observe(QCoro::Task<T> task)
 /// Waits for a task while processing events, and returns its value or rethrows its exception. Throws after
 /// the limit. Replaces QCoro::waitFor, which never returns when the task throws.
 template <class T>
-T await(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seconds(10))
+T await(QCoro::Task<T> task, std::chrono::milliseconds limit = patience)
 {
     const auto outcome = observe<T>(std::move(task));
     if (!spinUntil([&] { return outcome->done; }, limit))
@@ -82,7 +85,7 @@ T await(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seco
 
 /// Returns the exception of type E with which a task ends. Throws when it ends in any other way.
 template <class E, class T>
-E awaitError(QCoro::Task<T> task, std::chrono::milliseconds limit = std::chrono::seconds(10))
+E awaitError(QCoro::Task<T> task, std::chrono::milliseconds limit = patience)
 {
     try {
         await<T>(std::move(task), limit);

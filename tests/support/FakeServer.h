@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Await.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMap>
@@ -107,7 +109,7 @@ public:
     int connections() const;
     /// Processes the calling thread's events until that many requests have arrived. Returns false after the
     /// limit.
-    bool waitForRequests(int count, std::chrono::milliseconds limit = std::chrono::seconds(5));
+    bool waitForRequests(int count, std::chrono::milliseconds limit = patience);
 
     /// Stops listening and drops all connections, like a server that shuts down. The expectations are kept.
     void goDown();

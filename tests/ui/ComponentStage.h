@@ -30,10 +30,16 @@ public:
     /// Its descendant of this object name; the test fails and it is null when there is none.
     QQuickItem *part(const char *objectName) const;
 
+    /// The text that is shown with this wording inside the item; null when there is none.
+    QQuickItem *shownText(const QString &text) const;
+
     /// What the window shows, after everything that is pending.
     QImage shot();
     /// The colour at a point of the item, in points from its top left corner.
     QColor colorAt(qreal x, qreal y);
+    /// The part of the item, in its coordinates, whose pixels have the colour, give or take what smoothing
+    /// adds.
+    QRect areaOf(QColor color);
     /// The number of pixels inside the item whose colour differs from the background's.
     int inkOf(QQuickItem *item);
 

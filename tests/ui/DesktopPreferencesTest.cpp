@@ -34,7 +34,7 @@ protected:
     test::PrivateBus bus;
     test::FakePortal portal{bus.connect()};
     QDBusConnection appBus = bus.connect();
-    Theme theme;
+    Theme theme{nullptr};
     DesktopPreferences preferences{theme};
 };
 
@@ -153,7 +153,7 @@ TEST_F(DesktopPreferencesTest, MayGoAwayWhileThePortalIsAsked)
 TEST(DesktopPreferencesWithoutPortal, KeepsTheDefaults)
 {
     test::PrivateBus bus;
-    Theme theme;
+    Theme theme(nullptr);
     DesktopPreferences preferences(theme);
     preferences.start(bus.connect());
     QTest::qWait(100);
@@ -163,7 +163,7 @@ TEST(DesktopPreferencesWithoutPortal, KeepsTheDefaults)
 
 TEST(DesktopPreferencesWithoutBus, KeepsTheDefaults)
 {
-    Theme theme;
+    Theme theme(nullptr);
     DesktopPreferences preferences(theme);
     preferences.start(QDBusConnection(QStringLiteral("never connected")));
     EXPECT_EQ(theme.textScale(), 1.0);

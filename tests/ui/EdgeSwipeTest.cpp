@@ -1,10 +1,11 @@
 #include "ComponentStage.h"
-#include "ui/ScreenStack.h"
+#include "StackDriver.h"
+#include "ui/Theme.h"
 
-#include <QFile>
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <qpa/qwindowsysteminterface.h>
 
 #include <gtest/gtest.h>
 
@@ -13,9 +14,9 @@ using namespace Qt::StringLiterals;
 namespace clockwell::test {
 namespace {
 
-const QByteArray stackQml =
-    "ScreenStack { x: -20; y: -20; width: 390; height: 400; duration: 150; "
-    "initialItem: PrimaryButton { property int taps: 0; title: \"First\"; onTriggered: ++taps } }";
+const QByteArray stackQml = StackDriver::qml(
+    "x: -20; y: -20; width: 390; height: 400; "
+    "initialItem: PrimaryButton { property int taps: 0; title: \"First\"; onClicked: ++taps }");
 
 const QByteArray pageQml = R"(NavigationPage {
     id: page
@@ -26,7 +27,7 @@ const QByteArray pageQml = R"(NavigationPage {
         objectName: "list"
         anchors.fill: parent
         contentHeight: 2000
-        PrimaryButton { y: 40; width: 200; height: 60; title: "Edge"; onTriggered: ++page.taps }
+        PrimaryButton { y: 40; width: 200; height: 60; title: "Edge"; onClicked: ++page.taps }
         QorField { y: 140; x: 30; width: 300; label: "Field" }
     }
     Alert { shown: page.alertShown; title: "Wait"; button: "OK" }
@@ -37,18 +38,16 @@ class EdgeSwipeTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(stack);
-        stack->push(file("Page.qml", pageQml));
+        ASSERT_TRUE(stage.item());
+        below = stack.currentItem();
+        stack.push(file("Page.qml", pageQml));
         ASSERT_TRUE(stage.screen().waitUntilStill());
-        page = stack->currentItem();
+        page = stack.currentItem();
     }
 
     QUrl file(const char *name, const QByteArray &qml)
     {
-        QFile file(m_files.filePath(QString::fromLatin1(name)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("import QtQuick\nimport Clockwell.Ui\n" + qml);
-        return QUrl::fromLocalFile(file.fileName());
+        return writeScreen(m_files.filePath(QString::fromLatin1(name)), qml);
     }
 
     /// Slowly enough that letting go is no flick. The delay is that of the events' own clock.
@@ -77,14 +76,15 @@ protected:
     }
     bool wentBack()
     {
-        return QTest::qWaitFor([this] { return stack->depth() == 1 && !stack->isBusy(); });
+        return QTest::qWaitFor([this] { return stack.depth() == 1 && !stack.isMoving(); });
     }
-    bool stays() { return stage.screen().waitUntilStill() && stack->depth() == 2 && page && page->x() == 0; }
+    bool stays() { return stage.screen().waitUntilStill() && stack.depth() == 2 && page && page->x() == 0; }
     qreal scrolled() { return page->findChild<QQuickItem *>(u"list"_s)->property("contentY").toReal(); }
 
     QTemporaryDir m_files;
     ComponentStage stage{stackQml};
-    ScreenStack *stack = qobject_cast<ScreenStack *>(stage.item());
+    StackDriver stack{stage.item()};
+    QQuickItem *below = nullptr;
     QPointer<QQuickItem> page;
     QPointingDevice *finger = QTest::createTouchDevice();
 };
@@ -107,7 +107,7 @@ TEST_F(EdgeSwipeTest, BeyondHalfItGoesBackOnce)
     EXPECT_TRUE(wentBack());
     EXPECT_TRUE(stage.screen().shows(u"First"_s));
     EXPECT_TRUE(QTest::qWaitFor([&] { return leaving.isNull(); }));
-    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
 }
 
 TEST_F(EdgeSwipeTest, ByFingerToo)
@@ -133,14 +133,13 @@ TEST_F(EdgeSwipeTest, AFlickBackToTheEdgeStays)
 
 TEST_F(EdgeSwipeTest, BothScreensFollowTheFinger)
 {
-    QQuickItem *below = stack->childItems().constFirst();
     press(edge);
     move(edge + QPoint(40, 0));
     move(edge + QPoint(195, 0));
     EXPECT_EQ(page->x(), 195);
     EXPECT_TRUE(below->isVisible());
     EXPECT_NEAR(below->x(), -49, 1); // a quarter of what is left of the way
-    EXPECT_TRUE(stack->isBusy());
+    EXPECT_TRUE(stack.isMoving());
     move(edge + QPoint(-50, 0));
     EXPECT_EQ(page->x(), 0);
     move(edge + QPoint(60, 0), 300);
@@ -158,7 +157,7 @@ TEST_F(EdgeSwipeTest, GoesOnFromWhereItWasLetGo)
     move(edge + QPoint(301, 0), 400);
     const qreal before = page->x();
     release(edge + QPoint(301, 0));
-    EXPECT_EQ(stack->depth(), 1);
+    EXPECT_EQ(stack.depth(), 1);
     EXPECT_GE(page->x(), before);
     EXPECT_TRUE(wentBack());
 }
@@ -211,34 +210,34 @@ TEST_F(EdgeSwipeTest, FromAnEmptyPlaceOfTheBar)
 
 TEST_F(EdgeSwipeTest, TheLowestScreenStays)
 {
-    stack->pop();
+    stack.pop();
     ASSERT_TRUE(wentBack());
     drag(edge, QPoint(300, 0));
     dragByFinger(edge, QPoint(300, 0));
-    EXPECT_EQ(stack->depth(), 1);
-    EXPECT_EQ(stack->currentItem()->x(), 0);
-    EXPECT_FALSE(stack->isBusy());
+    EXPECT_EQ(stack.depth(), 1);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
+    EXPECT_FALSE(stack.isMoving());
 }
 
 TEST_F(EdgeSwipeTest, AScreenWithoutAWayBackStays)
 {
-    stack->push(file("Dead.qml", "Rectangle { color: \"black\"; MouseArea { anchors.fill: parent } }"));
+    stack.push(file("Dead.qml", "Rectangle { color: \"black\"; MouseArea { anchors.fill: parent } }"));
     ASSERT_TRUE(stage.screen().waitUntilStill());
     drag(edge, QPoint(300, 0));
-    EXPECT_EQ(stack->depth(), 3);
-    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_EQ(stack.depth(), 3);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
 }
 
 TEST_F(EdgeSwipeTest, NotWhileScreensChange)
 {
-    stack->push(file("Second.qml", pageQml));
+    stack.push(file("Second.qml", pageQml));
     press(edge);
     move(edge + QPoint(40, 0), 5);
     move(edge + QPoint(300, 0), 5);
     release(edge + QPoint(300, 0));
     ASSERT_TRUE(stage.screen().waitUntilStill());
-    EXPECT_EQ(stack->depth(), 3);
-    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_EQ(stack.depth(), 3);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
 }
 
 TEST_F(EdgeSwipeTest, NotBelowAnAlert)
@@ -261,7 +260,12 @@ TEST_F(EdgeSwipeTest, AnAlertThatOpensInTheMiddleKeepsTheScreen)
     move(edge + QPoint(300, 0));
     release(edge + QPoint(300, 0));
     EXPECT_TRUE(stays());
-    EXPECT_FALSE(stack->isBusy());
+    EXPECT_FALSE(stack.isMoving());
+    page->setProperty("alertShown", false);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !stage.screen().shows(u"OK"_s); }));
+    ASSERT_TRUE(stage.screen().waitUntilStill());
+    dragByFinger(edge, QPoint(260, 0)); // and the next one is one again
+    EXPECT_TRUE(wentBack());
 }
 
 TEST_F(EdgeSwipeTest, AReleaseThatNeverComesDoesNotLockTheScreen)
@@ -275,9 +279,11 @@ TEST_F(EdgeSwipeTest, AReleaseThatNeverComesDoesNotLockTheScreen)
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&stage.window()));
     QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(100, 330));
     EXPECT_TRUE(stays());
-    EXPECT_FALSE(stack->isBusy());
+    EXPECT_FALSE(stack.isMoving());
     ASSERT_TRUE(stage.screen().click(u"Edge"_s));
     EXPECT_EQ(page->property("taps").toInt(), 1);
+    dragByFinger(edge, QPoint(260, 0));
+    EXPECT_TRUE(wentBack());
 }
 
 TEST_F(EdgeSwipeTest, ASecondFingerEndsIt)
@@ -292,17 +298,53 @@ TEST_F(EdgeSwipeTest, ASecondFingerEndsIt)
     EXPECT_TRUE(stays());
 }
 
+TEST_F(EdgeSwipeTest, ASecondFingerPressesNothing)
+{
+    press(edge);
+    move(edge + QPoint(40, 0));
+    move(edge + QPoint(60, 0));
+    const QPoint button(68 + 60, 44 + 70);
+    QTest::touchEvent(&stage.window(), finger).stationary(0).press(1, button);
+    QTest::touchEvent(&stage.window(), finger).stationary(0).release(1, button);
+    QTest::touchEvent(&stage.window(), finger).release(0, edge + QPoint(60, 0));
+    EXPECT_TRUE(stays());
+    EXPECT_EQ(page->property("taps").toInt(), 0);
+}
+
+TEST_F(EdgeSwipeTest, NothingIsPressedWhileItSpringsBack)
+{
+    drag(edge, QPoint(150, 0));
+    ASSERT_TRUE(stack.isMoving());
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(150, 44 + 70));
+    EXPECT_TRUE(stays());
+    EXPECT_EQ(page->property("taps").toInt(), 0);
+}
+
 TEST_F(EdgeSwipeTest, ASwipeThatIsTakenAwaySpringsBack)
 {
-    QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, edge);
-    QTest::mouseMove(&stage.window(), edge + QPoint(40, 0), 40);
-    QTest::mouseMove(&stage.window(), edge + QPoint(300, 0), 40);
+    press(edge);
+    move(edge + QPoint(40, 0));
+    move(edge + QPoint(300, 0));
     ASSERT_GT(page->x(), 200);
-    ASSERT_EQ(stage.window().mouseGrabberItem(), stack);
-    stack->ungrabMouse();
+    QWindowSystemInterface::handleTouchCancelEvent(&stage.window(), finger);
     EXPECT_TRUE(stays());
-    QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, edge + QPoint(300, 0), 40);
-    EXPECT_TRUE(stays());
+    dragByFinger(edge, QPoint(260, 0)); // and the next one is one again
+    EXPECT_TRUE(wentBack());
+}
+
+TEST_F(EdgeSwipeTest, ADragThatGoesDownMoreThanAsideIsNone)
+{
+    stack.push(file("Plain.qml", "NavigationPage { title: \"Plain\" }"));
+    ASSERT_TRUE(stage.screen().waitUntilStill());
+    page = stack.currentItem();
+    press(QPoint(8, 100));
+    for (const auto &at : {QPoint(10, 130), QPoint(20, 180), QPoint(40, 240), QPoint(300, 250)}) {
+        move(at);
+        EXPECT_EQ(page->x(), 0);
+    }
+    release(QPoint(300, 250));
+    EXPECT_TRUE(stage.screen().waitUntilStill());
+    EXPECT_EQ(stack.depth(), 3);
 }
 
 TEST_F(EdgeSwipeTest, TheKeyboardStaysInTheScreenThatIsPulled)
@@ -326,7 +368,20 @@ TEST_F(EdgeSwipeTest, EscapeInTheMiddleGoesBackOnce)
     move(edge + QPoint(200, 0));
     release(edge + QPoint(200, 0));
     EXPECT_TRUE(wentBack());
-    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
+}
+
+TEST_F(EdgeSwipeTest, TakenAwayMeanwhileItLeavesTheOneBelow)
+{
+    stage.theme().setReducedMotion(true);
+    press(edge);
+    move(edge + QPoint(40, 0));
+    move(edge + QPoint(150, 0));
+    stack.pop();
+    release(edge + QPoint(150, 0));
+    EXPECT_TRUE(wentBack());
+    EXPECT_TRUE(stage.screen().shows(u"First"_s));
+    EXPECT_EQ(stack.currentItem()->x(), 0);
 }
 
 TEST_F(EdgeSwipeTest, AScreenPushedMeanwhileFindsEverythingInItsPlace)
@@ -334,14 +389,14 @@ TEST_F(EdgeSwipeTest, AScreenPushedMeanwhileFindsEverythingInItsPlace)
     press(edge);
     move(edge + QPoint(40, 0));
     move(edge + QPoint(150, 0));
-    stack->push(file("Third.qml", pageQml));
+    stack.push(file("Third.qml", pageQml));
     move(edge + QPoint(300, 0));
     release(edge + QPoint(300, 0));
     ASSERT_TRUE(stage.screen().waitUntilStill());
-    EXPECT_EQ(stack->depth(), 3);
-    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_EQ(stack.depth(), 3);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
     EXPECT_FALSE(page->isVisible());
-    stack->pop();
+    stack.pop();
     ASSERT_TRUE(stage.screen().waitUntilStill());
     EXPECT_EQ(page->x(), 0);
 }
@@ -352,18 +407,18 @@ TEST_F(EdgeSwipeTest, ReplacedMeanwhileItIsGone)
     press(edge);
     move(edge + QPoint(40, 0));
     move(edge + QPoint(150, 0));
-    stack->replace(file("Other.qml", pageQml), {}, true);
+    stack.replace(file("Other.qml", pageQml), {}, true);
     move(edge + QPoint(300, 0));
     release(edge + QPoint(300, 0));
     ASSERT_TRUE(stage.screen().waitUntilStill());
-    EXPECT_EQ(stack->depth(), 1);
-    EXPECT_EQ(stack->currentItem()->x(), 0);
+    EXPECT_EQ(stack.depth(), 1);
+    EXPECT_EQ(stack.currentItem()->x(), 0);
     EXPECT_TRUE(QTest::qWaitFor([&] { return old.isNull(); }));
 }
 
 TEST_F(EdgeSwipeTest, WithoutMotionItFollowsTheFingerStill)
 {
-    stack->setProperty("duration", 0);
+    stage.theme().setReducedMotion(true);
     press(edge);
     move(edge + QPoint(40, 0));
     move(edge + QPoint(100, 0), 200);
@@ -372,8 +427,8 @@ TEST_F(EdgeSwipeTest, WithoutMotionItFollowsTheFingerStill)
     release(edge + QPoint(101, 0));
     EXPECT_EQ(page->x(), 0);
     dragByFinger(edge, QPoint(280, 0));
-    EXPECT_EQ(stack->depth(), 1);
-    EXPECT_FALSE(stack->isBusy());
+    EXPECT_EQ(stack.depth(), 1);
+    EXPECT_FALSE(stack.isMoving());
 }
 
 } // namespace

@@ -28,7 +28,7 @@ protected:
     QPoint middleOf(const char *part) const
     {
         const auto *item = stage.part(part);
-        return item->mapToScene(item->boundingRect().center()).toPoint();
+        return item->mapToScene(QPointF(item->width(), item->height()) / 2).toPoint();
     }
 };
 

@@ -1,9 +1,8 @@
 #include "EditMenuStage.h"
-#include "ui/Modal.h"
-#include "ui/ScreenStack.h"
+#include "StackDriver.h"
+#include "support/screen/TextIn.h"
 #include "ui/Theme.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -19,7 +18,7 @@ const auto everything = QStringList({u"Cut"_s, u"Copy"_s, u"Paste"_s, u"Select a
 class EditMenuPlacesTest : public EditMenuStage
 {
 protected:
-    QRect frame() const { return field()->mapRectToScene(field()->boundingRect()).toRect(); }
+    QRect frame() const { return field()->mapRectToScene(QRectF(QPointF(), field()->size())).toRect(); }
     void offerEverything()
     {
         setText(u"hello world"_s);
@@ -37,7 +36,8 @@ protected:
             EXPECT_TRUE(menu().contains(element->rect)) << name.toStdString();
             EXPECT_GE(element->rect.height(), 44) << name.toStdString();
             EXPECT_GE(element->rect.width(), 44) << name.toStdString();
-            const auto *label = element->object->findChild<QQuickItem *>(u"label"_s);
+            const auto *label = textIn(element->object);
+            ASSERT_TRUE(label) << name.toStdString();
             EXPECT_LE(label->implicitWidth() + 16, element->rect.width()) << name.toStdString();
         }
     }
@@ -63,6 +63,93 @@ TEST_F(EditMenuPlacesTest, BelowTheFieldWhereThereIsNoRoomAbove)
     offerEverything();
     EXPECT_EQ(menu().top(), frame().bottom() + 1 + 8);
     expectInside();
+}
+
+TEST_F(EditMenuPlacesTest, AboveAsSoonAsThereIsRoomForIt)
+{
+    const int aboveIt = 8 + 44 + 8 - 20; // in the page, which begins at 20
+    field()->setY(aboveIt - 1);
+    offerEverything();
+    EXPECT_EQ(menu().top(), frame().bottom() + 1 + 8);
+    key(Qt::Key_Escape);
+    field()->setY(aboveIt);
+    offerEverything();
+    EXPECT_EQ(menu().top(), 8);
+}
+
+TEST_F(EditMenuPlacesTest, BetweenTheSidesOfTheField)
+{
+    field()->setX(10);
+    field()->setWidth(330);
+    setText(u"hello world, how are you, and what are you doing?"_s);
+    select(0, 1);
+    key(Qt::Key_Menu);
+    settle();
+    EXPECT_EQ(menu().left(), frame().left());
+    key(Qt::Key_Escape);
+    const auto end = static_cast<int>(text().size());
+    select(end - 1, end);
+    key(Qt::Key_Menu);
+    settle();
+    EXPECT_EQ(menu().right(), frame().right());
+}
+
+TEST_F(EditMenuPlacesTest, WiderThanTheFieldItStaysInsideTheWindow)
+{
+    field()->setWidth(100);
+    offerEverything();
+    EXPECT_GT(menu().width(), 100);
+    EXPECT_EQ(menu().left(), 8);
+    key(Qt::Key_Escape);
+    field()->setX(250);
+    offerEverything();
+    EXPECT_EQ(menu().right() + 1, 390 - 8);
+    key(Qt::Key_Escape);
+    field()->setX(-100); // a part of it is outside
+    field()->setWidth(350);
+    offerEverything();
+    EXPECT_EQ(menu().left(), 8);
+}
+
+TEST_F(EditMenuPlacesTest, InsideWhereThereIsRoomOnNeitherSide)
+{
+    stage.window().resize(320, 400);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return stage.window().contentItem()->width() == 320; }));
+    stage.theme().setTextScale(2);
+    field()->setWidth(280);
+    field()->setY(180);
+    offerEverything();
+    ASSERT_FALSE(isABar());
+    EXPECT_EQ(menu().top(), 8); // there is more room above than below
+    expectInside();
+    key(Qt::Key_Escape);
+    field()->setY(80);
+    offerEverything();
+    EXPECT_EQ(menu().bottom() + 1, 400 - 8);
+    expectInside();
+}
+
+TEST_F(EditMenuPlacesTest, BeginsAtTheEdgeWhereItIsTooLarge)
+{
+    stage.window().resize(120, 200);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return stage.window().contentItem()->width() == 120; }));
+    stage.theme().setTextScale(3);
+    setText(u"hello world"_s);
+    select(0, 5);
+    key(Qt::Key_Menu);
+    settle();
+    ASSERT_TRUE(isOpen());
+    EXPECT_EQ(menu().topLeft(), QPoint(8, 8));
+}
+
+TEST_F(EditMenuPlacesTest, OnWholePoints)
+{
+    field()->setX(.3);
+    field()->setY(120.4);
+    offerEverything();
+    const QQuickItem *item = qobject_cast<QQuickItem *>(menus().constFirst().object);
+    const QPointF place = item->mapToScene(QPointF());
+    EXPECT_EQ(place, QPointF(place.toPoint()));
 }
 
 TEST_F(EditMenuPlacesTest, OverTheCursor)
@@ -172,34 +259,32 @@ class EditMenuOnAStackTest : public EditMenuStage
 {
 protected:
     EditMenuOnAStackTest()
-        : EditMenuStage(R"(ScreenStack {
-        x: -20; y: -20; width: 390; height: 400; duration: 100
+        : EditMenuStage(StackDriver::qml(R"(
+        x: -20; y: -20; width: 390; height: 400
         initialItem: PrimaryButton { title: "First" }
-    })")
+    )"))
     {
-        QFile file(m_files.filePath(u"Page.qml"_s));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(
-            "import QtQuick\nimport Clockwell.Ui\nNavigationPage { title: \"Page\"; "
-            "QorField { objectName: \"field\"; y: 140; width: 390; label: \"Field\"; text: \"hello\" } }");
-        file.close();
-        stack->push(QUrl::fromLocalFile(file.fileName()));
+        stack.push(page);
         EXPECT_TRUE(stage.screen().waitUntilStill());
     }
     bool wentBack()
     {
-        return QTest::qWaitFor([this] { return stack->depth() == 1 && !stack->isBusy(); });
+        return QTest::qWaitFor([this] { return stack.depth() == 1 && !stack.isMoving(); });
     }
 
     QTemporaryDir m_files;
-    ScreenStack *stack = qobject_cast<ScreenStack *>(stage.item());
+    QUrl page = writeScreen(m_files.filePath(u"Page.qml"_s), R"(NavigationPage {
+        title: "Page"
+        QorField { objectName: "field"; x: 10; y: 140; width: 370; label: "Field"; text: "hello" }
+    })");
+    StackDriver stack{stage.item()};
 };
 
 TEST_F(EditMenuOnAStackTest, GoesWithItsScreen)
 {
     longPress(at());
     ASSERT_TRUE(isOpen());
-    stack->pop();
+    stack.pop();
     EXPECT_FALSE(isOpen());
     EXPECT_TRUE(wentBack());
     EXPECT_FALSE(isOpen());
@@ -209,7 +294,7 @@ TEST_F(EditMenuOnAStackTest, GoesWhenAScreenIsPushedOverIt)
 {
     longPress(at());
     ASSERT_TRUE(isOpen());
-    stack->push(QUrl::fromLocalFile(m_files.filePath(u"Page.qml"_s)));
+    stack.push(page);
     EXPECT_FALSE(isOpen());
 }
 
@@ -219,7 +304,7 @@ TEST_F(EditMenuOnAStackTest, EscapeClosesItAndNotTheScreen)
     ASSERT_TRUE(isOpen());
     key(Qt::Key_Escape);
     EXPECT_FALSE(isOpen());
-    EXPECT_EQ(stack->depth(), 2);
+    EXPECT_EQ(stack.depth(), 2);
     key(Qt::Key_Escape);
     EXPECT_TRUE(wentBack());
 }
@@ -231,6 +316,7 @@ TEST_F(EditMenuOnAStackTest, ASwipeFromTheEdgeOverTheFieldStillGoesBack)
     touch(from);
     for (int step = 1; step <= 10; ++step)
         drag(from + QPoint(27 * step, 0));
+    EXPECT_EQ(stack.currentItem()->x(), 270);
     lift(from + QPoint(270, 0));
     EXPECT_TRUE(wentBack());
     EXPECT_FALSE(isOpen());
@@ -281,7 +367,7 @@ protected:
             objectName: "sheet"
             title: "Sheet"
             shown: page.sheetShown
-            onDismissed: page.sheetShown = false
+            onRejected: page.sheetShown = false
             content: Component {
                 FocusScope {
                     QorField { y: 150; x: 20; width: 350; label: "Inner"; focus: true }

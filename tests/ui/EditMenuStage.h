@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ComponentStage.h"
+#include "support/screen/TextIn.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -40,11 +41,11 @@ protected:
         Keys.onBackPressed: ++escapes
         QorField { objectName: "field"; y: 120; width: 350; label: "Field"; focus: true; onTextEdited: ++page.edits }
         QorField { objectName: "other"; y: 190; width: 350; label: "Other" }
-        PrimaryButton { objectName: "below"; y: 300; width: 350; title: "Below"; onTriggered: ++page.taps }
+        PrimaryButton { objectName: "below"; y: 300; width: 350; title: "Below"; onClicked: ++page.taps }
     })";
 
     QQuickItem *field() const { return stage.part("field"); }
-    QQuickItem *input() const { return field()->findChild<QQuickItem *>(QStringLiteral("input")); }
+    QQuickItem *input() const { return inputIn(field()); }
     QString text() const { return input()->property("text").toString(); }
     QString selected() const { return input()->property("selectedText").toString(); }
     int cursor() const { return input()->property("cursorPosition").toInt(); }
@@ -59,15 +60,10 @@ protected:
     /// In the window, over the middle of the character; without one, behind the text.
     QPoint at(int character = -1) const
     {
-        QRectF from;
-        QRectF to;
-        const auto length = static_cast<int>(text().size());
-        QMetaObject::invokeMethod(input(), "positionToRectangle", Q_RETURN_ARG(QRectF, from),
-                                  Q_ARG(int, character < 0 ? length : character));
-        QMetaObject::invokeMethod(input(), "positionToRectangle", Q_RETURN_ARG(QRectF, to),
-                                  Q_ARG(int, character < 0 ? length : character + 1));
-        const qreal x = character < 0 ? to.x() + 30 : (from.x() + to.x()) / 2;
-        return input()->mapToScene(QPointF(x, input()->height() / 2)).toPoint();
+        auto *drawn = QAccessible::queryAccessibleInterface(input())->textInterface();
+        const QRect rect = drawn->characterRect(character < 0 ? drawn->characterCount() : character);
+        const int x = character < 0 ? rect.left() + 30 : rect.center().x();
+        return stage.window().mapFromGlobal(QPoint(x, rect.center().y()));
     }
 
     void touch(QPoint position) { QTest::touchEvent(&stage.window(), finger).press(0, position); }

@@ -1,4 +1,5 @@
 #include "ComponentStage.h"
+#include "support/screen/TextIn.h"
 
 #include <QFont>
 
@@ -12,7 +13,7 @@ const QByteArray label = "FieldLabel { text: \"Current password\" }";
 
 QFont fontOf(ComponentStage &stage)
 {
-    return stage.part("label")->property("font").value<QFont>();
+    return textIn(stage.item())->property("font").value<QFont>();
 }
 
 } // namespace
@@ -38,15 +39,15 @@ TEST(FieldLabel, HasSmallSpacedMutedType)
     EXPECT_EQ(fontOf(stage).weight(), QFont::Medium);
     EXPECT_EQ(fontOf(stage).letterSpacingType(), QFont::AbsoluteSpacing);
     EXPECT_NEAR(fontOf(stage).letterSpacing(), .6, 1.0 / 64); // fonts count in 64ths
-    EXPECT_EQ(stage.part("label")->property("color").value<QColor>(), QColor(91, 123, 168));
+    EXPECT_EQ(textIn(stage.item())->property("color").value<QColor>(), QColor(91, 123, 168));
 }
 
 TEST(FieldLabel, FillsTheWidthAndStartsAtTheLeadingEdge)
 {
     ComponentStage stage(label);
     EXPECT_EQ(stage.item()->width(), 350);
-    EXPECT_EQ(stage.part("label")->width(), 350);
-    EXPECT_EQ(stage.part("label")->property("effectiveHorizontalAlignment").toInt(), int(Qt::AlignLeft));
+    EXPECT_EQ(textIn(stage.item())->width(), 350);
+    EXPECT_EQ(textIn(stage.item())->property("effectiveHorizontalAlignment").toInt(), int(Qt::AlignLeft));
 }
 
 TEST(FieldLabel, WrapsLargeText)
@@ -54,7 +55,7 @@ TEST(FieldLabel, WrapsLargeText)
     ComponentStage stage("FieldLabel { width: 100; text: \"Company code (optional)\" }");
     const qreal oneLine = stage.item()->height();
     EXPECT_GT(oneLine, 20);
-    EXPECT_FALSE(stage.part("label")->property("truncated").toBool());
+    EXPECT_FALSE(textIn(stage.item())->property("truncated").toBool());
 }
 
 } // namespace clockwell::test

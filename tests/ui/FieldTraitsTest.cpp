@@ -1,79 +1,69 @@
-#include "ui/FieldTraits.h"
-
 #include "ComponentStage.h"
+#include "support/screen/TextIn.h"
+
+#include <QInputMethodEvent>
 
 #include <gtest/gtest.h>
 
-namespace clockwell {
+namespace clockwell::test {
 
 namespace {
 
-Qt::InputMethodHints hints(FieldTraits::Keyboard keyboard, FieldTraits::TextContentType type,
-                           FieldTraits::Autocap autocap, bool secure)
+/// What a field with these traits asks of the on-screen keyboard.
+Qt::InputMethodHints hints(const QByteArray &traits)
 {
-    FieldTraits traits;
-    traits.setProperty("keyboard", keyboard);
-    traits.setProperty("textContentType", type);
-    traits.setProperty("autocap", autocap);
-    traits.setProperty("secure", secure);
-    return traits.hints();
+    ComponentStage stage("QorField { label: \"Field\"; " + traits + " }");
+    QInputMethodQueryEvent query(Qt::ImHints);
+    QCoreApplication::sendEvent(inputIn(stage.item()), &query);
+    return Qt::InputMethodHints(query.value(Qt::ImHints).toInt());
 }
 
 } // namespace
 
 TEST(FieldTraits, NeverCorrect)
 {
-    for (const auto keyboard : {FieldTraits::DefaultKeyboard, FieldTraits::EmailKeyboard,
-                                FieldTraits::NumberPad, FieldTraits::PhonePad}) {
-        EXPECT_TRUE(hints(keyboard, FieldTraits::NoContentType, FieldTraits::Sentences, false) &
-                    Qt::ImhNoPredictiveText);
-    }
+    for (const char *keyboard : {"DefaultKeyboard", "EmailKeyboard", "NumberPad", "PhonePad"})
+        EXPECT_TRUE(hints(QByteArray("autocap: FieldTraits.Sentences; keyboard: FieldTraits.") + keyboard) &
+                    Qt::ImhNoPredictiveText)
+            << keyboard;
 }
 
 TEST(FieldTraits, ChooseTheKeyboard)
 {
-    const auto of = [](FieldTraits::Keyboard keyboard) {
-        return hints(keyboard, FieldTraits::NoContentType, FieldTraits::NoAutocap, false);
-    };
     const Qt::InputMethodHints common = Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase;
-    EXPECT_EQ(of(FieldTraits::DefaultKeyboard), common);
-    EXPECT_EQ(of(FieldTraits::EmailKeyboard), common | Qt::ImhEmailCharactersOnly);
-    EXPECT_EQ(of(FieldTraits::NumberPad), common | Qt::ImhDigitsOnly);
-    EXPECT_EQ(of(FieldTraits::PhonePad), common | Qt::ImhDialableCharactersOnly);
+    EXPECT_EQ(hints(""), common);
+    EXPECT_EQ(hints("keyboard: FieldTraits.DefaultKeyboard"), common);
+    EXPECT_EQ(hints("keyboard: FieldTraits.EmailKeyboard"), common | Qt::ImhEmailCharactersOnly);
+    EXPECT_EQ(hints("keyboard: FieldTraits.NumberPad"), common | Qt::ImhDigitsOnly);
+    EXPECT_EQ(hints("keyboard: FieldTraits.PhonePad"), common | Qt::ImhDialableCharactersOnly);
 }
 
 TEST(FieldTraits, CapitaliseAsAsked)
 {
-    const auto of = [](FieldTraits::Autocap autocap) {
-        return hints(FieldTraits::DefaultKeyboard, FieldTraits::NoContentType, autocap, false);
-    };
-    EXPECT_EQ(of(FieldTraits::NoAutocap), Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
-    EXPECT_EQ(of(FieldTraits::AllCharacters), Qt::ImhNoPredictiveText | Qt::ImhPreferUppercase);
-    EXPECT_EQ(of(FieldTraits::Words), Qt::InputMethodHints(Qt::ImhNoPredictiveText));
-    EXPECT_EQ(of(FieldTraits::Sentences), Qt::InputMethodHints(Qt::ImhNoPredictiveText));
+    EXPECT_EQ(hints("autocap: FieldTraits.NoAutocap"), Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+    EXPECT_EQ(hints("autocap: FieldTraits.AllCharacters"), Qt::ImhNoPredictiveText | Qt::ImhPreferUppercase);
+    EXPECT_EQ(hints("autocap: FieldTraits.Words"), Qt::InputMethodHints(Qt::ImhNoPredictiveText));
+    EXPECT_EQ(hints("autocap: FieldTraits.Sentences"), Qt::InputMethodHints(Qt::ImhNoPredictiveText));
 }
 
 TEST(FieldTraits, KeepSecretsFromKeyboardsThatLearn)
 {
-    const auto of = [](FieldTraits::TextContentType type, bool secure) {
-        return hints(FieldTraits::DefaultKeyboard, type, FieldTraits::NoAutocap, secure);
-    };
-    EXPECT_TRUE(of(FieldTraits::Password, true) & Qt::ImhSensitiveData);
-    EXPECT_TRUE(of(FieldTraits::Password, true) & Qt::ImhHiddenText);
-    EXPECT_TRUE(of(FieldTraits::NoContentType, true) & Qt::ImhSensitiveData);
-    EXPECT_TRUE(of(FieldTraits::NewPassword, false) & Qt::ImhSensitiveData);
-    EXPECT_TRUE(of(FieldTraits::OneTimeCode, false) & Qt::ImhSensitiveData);
-    EXPECT_FALSE(of(FieldTraits::OneTimeCode, false) & Qt::ImhHiddenText);
-    EXPECT_FALSE(of(FieldTraits::UserName, false) & Qt::ImhSensitiveData);
-    EXPECT_FALSE(of(FieldTraits::Name, false) & Qt::ImhSensitiveData);
+    const auto secret = Qt::ImhSensitiveData | Qt::ImhHiddenText;
+    EXPECT_EQ(hints("textContentType: FieldTraits.Password; secure: true") & secret, secret);
+    EXPECT_EQ(hints("secure: true") & secret, secret);
+    EXPECT_TRUE(hints("textContentType: FieldTraits.NewPassword") & Qt::ImhSensitiveData);
+    EXPECT_TRUE(hints("textContentType: FieldTraits.OneTimeCode") & Qt::ImhSensitiveData);
+    EXPECT_FALSE(hints("textContentType: FieldTraits.OneTimeCode") & Qt::ImhHiddenText);
+    EXPECT_FALSE(hints("textContentType: FieldTraits.UserName") & Qt::ImhSensitiveData);
+    EXPECT_FALSE(hints("textContentType: FieldTraits.Name") & Qt::ImhSensitiveData);
+    EXPECT_FALSE(hints("textContentType: FieldTraits.TelephoneNumber") & Qt::ImhSensitiveData);
 }
 
-TEST(FieldTraits, ReachTheInput)
+TEST(FieldTraits, KeepAShownSecretFromKeyboardsThatLearn)
 {
-    test::ComponentStage stage("QorField { label: \"Email\"; keyboard: FieldTraits.EmailKeyboard; "
-                               "textContentType: FieldTraits.UserName; autocap: FieldTraits.NoAutocap }");
-    EXPECT_EQ(stage.part("input")->property("inputMethodHints").value<Qt::InputMethodHints>(),
-              Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase | Qt::ImhEmailCharactersOnly);
+    const auto shown = hints("secure: true; reveal: true");
+    EXPECT_TRUE(shown & Qt::ImhSensitiveData);
+    EXPECT_TRUE(shown & Qt::ImhNoPredictiveText);
 }
 
-} // namespace clockwell
+} // namespace clockwell::test

@@ -32,14 +32,14 @@ TEST(IconButton, IsAButtonWithTheNameOfItsLabel)
 TEST(IconButton, ReactsToTouchKeyAndAssistiveTechnology)
 {
     ComponentStage stage(button);
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, QPoint(22, 62));
-    EXPECT_EQ(triggered.count(), 1);
+    EXPECT_EQ(clicked.count(), 1);
     stage.item()->forceActiveFocus(Qt::TabFocusReason);
     QTest::keyClick(&stage.window(), Qt::Key_Space);
-    EXPECT_EQ(triggered.count(), 2);
+    EXPECT_EQ(clicked.count(), 2);
     EXPECT_TRUE(stage.screen().press(QStringLiteral("Close")));
-    EXPECT_EQ(triggered.count(), 3);
+    EXPECT_EQ(clicked.count(), 3);
 }
 
 } // namespace clockwell::test

@@ -1,4 +1,5 @@
 #include "ComponentStage.h"
+#include "support/screen/TextIn.h"
 #include "ui/Theme.h"
 
 #include <QFont>
@@ -18,7 +19,7 @@ const QByteArray longError = "InlineError { message: \"The code you entered is n
 TEST(InlineError, WrapsALongMessageInsteadOfCuttingIt)
 {
     ComponentStage stage(longError);
-    const auto *label = stage.part("label");
+    const auto *label = textIn(stage.item());
     EXPECT_GE(label->property("lineCount").toInt(), 2);
     EXPECT_FALSE(label->property("truncated").toBool());
     EXPECT_LE(label->property("contentWidth").toReal(), 350);
@@ -28,8 +29,8 @@ TEST(InlineError, WrapsALongMessageInsteadOfCuttingIt)
 TEST(InlineError, BreaksAWordThatIsWiderThanTheLine)
 {
     ComponentStage stage("InlineError { message: \"" + QByteArray(200, 'x') + "\" }");
-    EXPECT_LE(stage.part("label")->property("contentWidth").toReal(), 350);
-    EXPECT_FALSE(stage.part("label")->property("truncated").toBool());
+    EXPECT_LE(textIn(stage.item())->property("contentWidth").toReal(), 350);
+    EXPECT_FALSE(textIn(stage.item())->property("truncated").toBool());
 }
 
 TEST(InlineError, WrapsAtTwiceTheTextSize)
@@ -39,16 +40,16 @@ TEST(InlineError, WrapsAtTwiceTheTextSize)
     stage.theme().setTextScale(2);
     stage.shot();
     EXPECT_GT(stage.item()->height(), 3 * before);
-    EXPECT_FALSE(stage.part("label")->property("truncated").toBool());
+    EXPECT_FALSE(textIn(stage.item())->property("truncated").toBool());
 }
 
 TEST(InlineError, HasRegularTypeInTheDangerColor)
 {
     ComponentStage stage(longError);
-    const auto font = stage.part("label")->property("font").value<QFont>();
+    const auto font = textIn(stage.item())->property("font").value<QFont>();
     EXPECT_EQ(font.pixelSize(), 13);
     EXPECT_EQ(font.weight(), QFont::Normal);
-    EXPECT_EQ(stage.part("label")->property("color").value<QColor>(), QColor(255, 69, 58));
+    EXPECT_EQ(textIn(stage.item())->property("color").value<QColor>(), QColor(255, 69, 58));
     EXPECT_EQ(stage.item()->width(), 350);
 }
 
@@ -63,7 +64,7 @@ TEST(InlineError, IsAnnouncedAsAnAlert)
 TEST(InlineError, ShowsMarkupAsItIsWritten)
 {
     ComponentStage stage("InlineError { message: \"<b>bold</b> &amp;\" }");
-    EXPECT_EQ(stage.part("label")->property("textFormat").toInt(), int(Qt::PlainText));
+    EXPECT_EQ(textIn(stage.item())->property("textFormat").toInt(), int(Qt::PlainText));
 }
 
 } // namespace clockwell::test

@@ -35,7 +35,6 @@ void pressInEveryWay(ComponentStage &stage)
     for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
         QTest::keyClick(&stage.window(), key);
     stage.screen().press(title);
-    QMetaObject::invokeMethod(stage.item(), "press");
 }
 
 } // namespace
@@ -43,42 +42,42 @@ void pressInEveryWay(ComponentStage &stage)
 TEST(PrimaryButton, CallsItsActionForEveryKindOfPress)
 {
     ComponentStage stage(button());
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     pressInEveryWay(stage);
-    EXPECT_EQ(triggered.count(), 6);
+    EXPECT_EQ(clicked.count(), 5);
 }
 
 TEST(PrimaryButton, IgnoresEveryPressWhileLoading)
 {
     ComponentStage stage(button("loading: true"));
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     pressInEveryWay(stage);
-    EXPECT_EQ(triggered.count(), 0);
+    EXPECT_EQ(clicked.count(), 0);
 }
 
 TEST(PrimaryButton, IgnoresEveryPressWhileDisabled)
 {
     ComponentStage stage(button("disabled: true"));
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     pressInEveryWay(stage);
-    EXPECT_EQ(triggered.count(), 0);
+    EXPECT_EQ(clicked.count(), 0);
 }
 
 TEST(PrimaryButton, ShowsASpinnerAndNoTitleWhileLoading)
 {
     ComponentStage stage(button("loading: true"));
-    EXPECT_TRUE(stage.part("spinner")->isVisible());
-    EXPECT_EQ(stage.part("spinner")->property("color").value<QColor>(), QColor(Qt::white));
-    EXPECT_FALSE(stage.part("label")->isVisible() && stage.part("label")->opacity() > 0);
     expectHalf(stage.colorAt(20, 25));
-    EXPECT_EQ(stage.part("fill")->opacity(), 0.5);
+    EXPECT_FALSE(stage.shownText(title));
+    const QRect white = stage.areaOf(Qt::white);
+    EXPECT_FALSE(white.isEmpty());
+    EXPECT_TRUE(QRect(175 - 10, 0, 20, qRound(stage.item()->height())).contains(white));
 }
 
 TEST(PrimaryButton, IsHalfTransparentWithItsTitleWhileDisabled)
 {
     ComponentStage stage(button("disabled: true"));
-    EXPECT_FALSE(stage.part("spinner")->isVisible());
-    EXPECT_EQ(stage.part("label")->opacity(), 1);
+    EXPECT_GT(stage.areaOf(Qt::white).width(), 50);
+    EXPECT_TRUE(stage.shownText(title));
     expectHalf(stage.colorAt(20, 25));
 }
 
@@ -86,7 +85,6 @@ TEST(PrimaryButton, IsFilledWithTheBrandColorByDefault)
 {
     ComponentStage stage(button());
     EXPECT_EQ(stage.colorAt(20, 25), brand);
-    EXPECT_FALSE(stage.part("spinner")->isVisible());
 }
 
 TEST(PrimaryButton, TakesAnotherColor)
@@ -98,8 +96,9 @@ TEST(PrimaryButton, TakesAnotherColor)
 TEST(PrimaryButton, PadsItsTitleByFourteenPointsAboveAndBelow)
 {
     ComponentStage stage(button());
-    const auto *label = stage.part("label");
-    EXPECT_EQ(label->y(), 14);
+    const auto *label = stage.shownText(title);
+    ASSERT_TRUE(label);
+    EXPECT_EQ(label->mapToItem(stage.item(), QPointF()).y(), 14);
     EXPECT_EQ(stage.item()->height(), label->height() + 28);
     EXPECT_GE(stage.item()->height(), 44);
     EXPECT_EQ(label->property("font").value<QFont>().weight(), QFont::DemiBold);
@@ -110,15 +109,13 @@ TEST(PrimaryButton, FillsTheWidthItStandsInAndCentersItsTitle)
 {
     ComponentStage stage(button());
     EXPECT_EQ(stage.item()->width(), 350);
-    const auto *label = stage.part("label");
-    EXPECT_EQ(label->x() + label->width() / 2, 175);
-    EXPECT_EQ(label->property("horizontalAlignment").toInt(), int(Qt::AlignHCenter));
+    const QRect white = stage.areaOf(Qt::white);
+    EXPECT_NEAR(white.left() + white.width() / 2.0, 175, 1);
 }
 
 TEST(PrimaryButton, HasCornersOfTwelvePoints)
 {
     ComponentStage stage(button());
-    EXPECT_EQ(stage.part("fill")->property("radius").toReal(), 12);
     EXPECT_EQ(stage.colorAt(1, 1), background);
     EXPECT_EQ(stage.colorAt(5, 5), brand);
 }
@@ -154,53 +151,73 @@ TEST(PrimaryButton, GetsTheKeyboardBackAfterLoading)
 TEST(PrimaryButton, IgnoresARepeatedKey)
 {
     ComponentStage stage(button());
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     stage.item()->forceActiveFocus(Qt::TabFocusReason);
-    QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Space, {}, QStringLiteral(" "), true);
-    QCoreApplication::sendEvent(&stage.window(), &repeat);
-    EXPECT_EQ(triggered.count(), 0);
+    int expected = 0;
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+        const auto send = [&](QEvent::Type type, bool repeated) {
+            QKeyEvent event(type, key, {}, {}, repeated);
+            QCoreApplication::sendEvent(&stage.window(), &event);
+        };
+        send(QEvent::KeyPress, false);
+        for (int i = 0; i < 3; ++i) { // as X11 says that a key is held
+            send(QEvent::KeyRelease, true);
+            send(QEvent::KeyPress, true);
+        }
+        send(QEvent::KeyRelease, false);
+        EXPECT_EQ(clicked.count(), ++expected) << key;
+    }
 }
 
 TEST(PrimaryButton, ForgetsAPressThatLeavesIt)
 {
     ComponentStage stage(button());
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     QTest::mousePress(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
     EXPECT_TRUE(stage.item()->property("pressed").toBool());
     QTest::mouseMove(&stage.window(), QPoint(195, 300));
     EXPECT_FALSE(stage.item()->property("pressed").toBool());
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, {}, QPoint(195, 300));
-    EXPECT_EQ(triggered.count(), 0);
+    EXPECT_EQ(clicked.count(), 0);
 }
 
 TEST(PrimaryButton, ForgetsAPressDuringWhichItIsDisabled)
 {
     ComponentStage stage(button());
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     QTest::mousePress(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
     stage.item()->setProperty("loading", true);
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
-    EXPECT_EQ(triggered.count(), 0);
+    EXPECT_EQ(clicked.count(), 0);
     EXPECT_FALSE(stage.item()->property("pressed").toBool());
 }
 
 TEST(PrimaryButton, IgnoresTheOtherMouseButtons)
 {
     ComponentStage stage(button());
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     QTest::mouseClick(&stage.window(), Qt::RightButton, {}, QPoint(195, 44));
     QTest::mouseClick(&stage.window(), Qt::MiddleButton, {}, QPoint(195, 44));
-    EXPECT_EQ(triggered.count(), 0);
+    EXPECT_EQ(clicked.count(), 0);
+}
+
+TEST(PrimaryButton, TakesASecondTapHoweverQuick)
+{
+    ComponentStage stage(button());
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
+    QTest::mouseDClick(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
+    EXPECT_EQ(clicked.count(), 3);
 }
 
 TEST(PrimaryButton, ReactsToAFinger)
 {
     ComponentStage stage(button());
-    QSignalSpy triggered(stage.item(), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.item(), SIGNAL(clicked()));
     QPointingDevice *screen = QTest::createTouchDevice();
     QTest::touchEvent(&stage.window(), screen).press(0, QPoint(195, 44));
     QTest::touchEvent(&stage.window(), screen).release(0, QPoint(195, 44));
-    EXPECT_EQ(triggered.count(), 1);
+    EXPECT_EQ(clicked.count(), 1);
 }
 
 TEST(PrimaryButton, LeavesAScrollToTheList)
@@ -208,7 +225,7 @@ TEST(PrimaryButton, LeavesAScrollToTheList)
     ComponentStage stage(
         "Flickable { width: 350; height: 300; contentHeight: 900; "
         "PrimaryButton { objectName: \"button\"; width: 350; y: 100; title: \"Sign in\" } }");
-    QSignalSpy triggered(stage.part("button"), SIGNAL(triggered()));
+    QSignalSpy clicked(stage.part("button"), SIGNAL(clicked()));
     QPointingDevice *screen = QTest::createTouchDevice();
     QTest::touchEvent(&stage.window(), screen).press(0, QPoint(195, 140));
     for (int y = 130; y >= 60; y -= 10) {
@@ -216,7 +233,7 @@ TEST(PrimaryButton, LeavesAScrollToTheList)
         QTest::touchEvent(&stage.window(), screen).move(0, QPoint(195, y));
     }
     QTest::touchEvent(&stage.window(), screen).release(0, QPoint(195, 60));
-    EXPECT_EQ(triggered.count(), 0);
+    EXPECT_EQ(clicked.count(), 0);
     EXPECT_GT(stage.item()->property("contentY").toReal(), 20);
     EXPECT_FALSE(stage.part("button")->property("pressed").toBool());
 }
@@ -228,8 +245,35 @@ TEST(PrimaryButton, ShowsAFocusRingForTheKeyboardOnly)
     EXPECT_TRUE(stage.item()->hasActiveFocus());
     EXPECT_EQ(stage.colorAt(175, -3), brand);
     EXPECT_EQ(stage.colorAt(175, -1), background);
+    QTest::keyClick(&stage.window(), Qt::Key_Space);
+    EXPECT_EQ(stage.colorAt(175, -3), brand);
     QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, QPoint(195, 44));
     EXPECT_EQ(stage.colorAt(175, -3), background);
+}
+
+TEST(PrimaryButton, LeavesTheFocusWhereItIsWhenTapped)
+{
+    ComponentStage stage("Column { width: 350; QorField { objectName: \"field\"; label: \"Email\" } "
+                         "PrimaryButton { objectName: \"button\"; title: \"Sign in\" } }");
+    stage.part("field")->forceActiveFocus();
+    const QQuickItem *focused = stage.window().activeFocusItem();
+    QSignalSpy clicked(stage.part("button"), SIGNAL(clicked()));
+    EXPECT_TRUE(stage.screen().click(title));
+    QPointingDevice *screen = QTest::createTouchDevice();
+    const QPoint middle = stage.screen().find(title)->rect.center();
+    QTest::touchEvent(&stage.window(), screen).press(0, middle);
+    QTest::touchEvent(&stage.window(), screen).release(0, middle);
+    EXPECT_EQ(clicked.count(), 2);
+    EXPECT_EQ(stage.window().activeFocusItem(), focused);
+}
+
+TEST(PrimaryButton, HasTheHandOfALink)
+{
+    ComponentStage stage(button());
+    QTest::mouseMove(&stage.window(), QPoint(195, 44));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return stage.window().cursor().shape() == Qt::PointingHandCursor; }));
+    QTest::mouseMove(&stage.window(), QPoint(195, 300));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return stage.window().cursor().shape() == Qt::ArrowCursor; }));
 }
 
 TEST(PrimaryButton, WrapsItsTitleAtLargeText)
@@ -237,9 +281,11 @@ TEST(PrimaryButton, WrapsItsTitleAtLargeText)
     ComponentStage stage("PrimaryButton { width: 200; title: \"Create an account\" }");
     stage.theme().setTextScale(2);
     stage.shot();
-    EXPECT_GE(stage.part("label")->property("lineCount").toInt(), 2);
-    EXPECT_FALSE(stage.part("label")->property("truncated").toBool());
-    EXPECT_EQ(stage.item()->height(), stage.part("label")->height() + 28);
+    const auto *label = stage.shownText(QStringLiteral("Create an account"));
+    ASSERT_TRUE(label);
+    EXPECT_GE(label->property("lineCount").toInt(), 2);
+    EXPECT_FALSE(label->property("truncated").toBool());
+    EXPECT_EQ(stage.item()->height(), label->height() + 28);
 }
 
 } // namespace clockwell::test

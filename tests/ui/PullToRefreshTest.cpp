@@ -1,26 +1,36 @@
 #include "ComponentStage.h"
-#include "ui/PullToRefreshControl.h"
 #include "ui/Theme.h"
 
 #include <QTest>
 #include <QWheelEvent>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 
 #include <gtest/gtest.h>
+#include <private/qguiapplication_p.h>
+
+#include <cmath>
+#include <numbers>
 
 using namespace Qt::StringLiterals;
 
 namespace clockwell::test {
 namespace {
 
-constexpr qreal rest = 56;
+constexpr qreal threshold = 72; // a pull this long refreshes; points
+constexpr qreal rest = 56;      // meanwhile the content is this far below its top
+constexpr int side = 40;        // of the disc
+const QRect discAtRest((350 - side) / 2, 8, side, side);
 
-/// A page of 2,000 points; the list in its place where asked for.
+/// A page without anything that is drawn on it: what shows is the disc, also while it is above the page.
 QByteArray scene(const QByteArray &flickable)
 {
-    return "Item { id: root; width: 350; height: 360; property int triggers: 0; "
-           "property bool answers: true; property bool busy: false; " +
+    return "Item { id: root; y: 60; width: 350; height: 360; property int triggers: 0; property bool "
+           "answers: true; "
+           "property bool busy: false; property bool loads: false; property real titleCenter: 0; " +
            flickable +
-           "PullToRefresh { id: pull; objectName: \"pull\"; flickable: list; refreshing: root.busy; "
+           "PullToRefresh { flickable: list; refreshing: root.busy; loading: root.loads; "
+           "asideCenter: root.titleCenter; "
            "onTriggered: { root.triggers += 1; root.busy = root.answers } } }";
 }
 const QByteArray page =
@@ -38,12 +48,46 @@ class PullToRefreshTest : public ::testing::TestWithParam<QByteArray>
 protected:
     void open(const QByteArray &qml)
     {
-        stage = std::make_unique<ComponentStage>(qml);
+        stage = std::make_unique<ComponentStage>(qml, QSize(390, 460));
         list = stage->part("list");
-        disc = stage->part("disc");
-        pull = qobject_cast<PullToRefreshControl *>(stage->part("pull"));
-        ASSERT_NE(pull, nullptr);
         top = contentY();
+    }
+    /// Where something is drawn; empty while nothing is.
+    QRect disc()
+    {
+        const QRect area = stage->item()->mapRectToScene(stage->item()->boundingRect()).toRect();
+        const QImage image = stage->shot();
+        const QRgb background = stage->theme().background().rgb();
+        QRect drawn;
+        for (int y = 0; y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                if (image.pixel(x, y) != background)
+                    drawn |= QRect(QPoint(x, y) - area.topLeft(), QSize(1, 1));
+        return drawn;
+    }
+    /// Its colour between the edge and the spokes.
+    QColor discColor() { return stage->colorAt(discAtRest.center().x(), discAtRest.top() + 5); }
+    bool isDiscGone()
+    {
+        return QTest::qWaitFor([&] { return disc().isEmpty(); });
+    }
+    bool turns(int limitMs = 1000)
+    {
+        const QImage before = stage->shot();
+        return QTest::qWaitFor([&] { return stage->shot() != before; }, limitMs);
+    }
+    /// The direction in which the spokes are brightest, in eighths of a turn from 0 to 7; clockwise is
+    /// upwards.
+    int direction()
+    {
+        const QPointF origin = stage->item()->mapToScene(disc().center());
+        const QImage image = stage->shot();
+        QPointF bright;
+        for (int y = -10; y < 10; ++y)
+            for (int x = -10; x < 10; ++x)
+                bright += QPointF(x + 0.5, y + 0.5) * qGray(image.pixel(origin.toPoint() + QPoint(x, y)));
+        const qreal turn = std::atan2(bright.y(), bright.x()) / (2 * std::numbers::pi);
+        return (static_cast<int>(std::round(turn * 8)) + 8) % 8;
     }
     qreal contentY() const { return list->property("contentY").toReal(); }
     qreal beyondTop() const { return list->property("originY").toReal() - contentY(); }
@@ -95,8 +139,6 @@ protected:
 
     std::unique_ptr<ComponentStage> stage;
     QQuickItem *list = nullptr;
-    QQuickItem *disc = nullptr;
-    PullToRefreshControl *pull = nullptr;
     qreal top = 0;
 };
 
@@ -108,15 +150,15 @@ TEST_P(PullToRefreshEverywhere, ALongPullRefreshesOnceWhenItIsLetGo)
     open(GetParam());
     drag(250, false);
     EXPECT_EQ(triggers(), 0);
-    EXPECT_GE(beyondTop(), PullToRefreshControl::threshold);
+    EXPECT_GE(beyondTop(), threshold);
     QTest::mouseRelease(&stage->window(), Qt::LeftButton, {}, QPoint(200, 350));
     EXPECT_EQ(triggers(), 1);
     EXPECT_TRUE(restsAt(rest)) << beyondTop();
-    EXPECT_EQ(disc->y(), 0);
-    EXPECT_EQ(disc->opacity(), 1);
+    EXPECT_EQ(disc(), discAtRest);
+    EXPECT_EQ(discColor(), stage->theme().surface());
     finish();
     EXPECT_TRUE(restsAt(0)) << beyondTop();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !disc->isVisible(); }));
+    EXPECT_TRUE(isDiscGone());
     EXPECT_EQ(contentY(), top);
     EXPECT_EQ(list->property("topMargin").toReal(), 0);
     EXPECT_EQ(triggers(), 1);
@@ -127,11 +169,11 @@ TEST_P(PullToRefreshEverywhere, AShortPullDoesNothing)
     open(GetParam());
     drag(100, false);
     EXPECT_GT(beyondTop(), 10);
-    EXPECT_LT(beyondTop(), PullToRefreshControl::threshold);
+    EXPECT_LT(beyondTop(), threshold);
     QTest::mouseRelease(&stage->window(), Qt::LeftButton, {}, QPoint(200, 200));
     EXPECT_TRUE(restsAt(0)) << beyondTop();
     EXPECT_EQ(triggers(), 0);
-    EXPECT_FALSE(disc->isVisible());
+    EXPECT_TRUE(isDiscGone());
 }
 
 TEST_P(PullToRefreshEverywhere, AFingerPulls)
@@ -163,10 +205,10 @@ TEST_P(PullToRefreshEverywhere, TheWheelPullsBeyondTheTop)
 TEST_P(PullToRefreshEverywhere, ATouchpadPullsUntilItsFingersAreLifted)
 {
     open(GetParam());
-    touchpad(20, Qt::ScrollBegin);
+    touchpad(0, Qt::ScrollBegin);
     for (int i = 0; i < 10; ++i)
         touchpad(20, Qt::ScrollUpdate);
-    EXPECT_GE(beyondTop(), PullToRefreshControl::threshold);
+    EXPECT_GE(beyondTop(), threshold);
     EXPECT_EQ(triggers(), 0);
     touchpad(0, Qt::ScrollEnd);
     EXPECT_EQ(triggers(), 1);
@@ -205,7 +247,7 @@ TEST_P(PullToRefreshEverywhere, AnAnswerToAKeyThatComesAtOnceLeavesTheContentAtI
     EXPECT_FALSE(QTest::qWaitFor([&] { return beyondTop() > 1; }, 600)) << beyondTop();
     EXPECT_TRUE(restsAt(0)) << beyondTop();
     EXPECT_EQ(list->property("topMargin").toReal(), 0);
-    EXPECT_FALSE(disc->isVisible());
+    EXPECT_TRUE(isDiscGone());
 }
 
 TEST_P(PullToRefreshEverywhere, WithReducedMotionNothingSlides)
@@ -219,7 +261,8 @@ TEST_P(PullToRefreshEverywhere, WithReducedMotionNothingSlides)
     drag(250);
     QCoreApplication::processEvents();
     EXPECT_TRUE(restsAt(rest));
-    EXPECT_TRUE(stage->part("spinner")->property("still").toBool());
+    EXPECT_EQ(disc(), discAtRest);
+    EXPECT_FALSE(turns(350));
     finish();
     EXPECT_EQ(beyondTop(), 0);
 }
@@ -241,7 +284,7 @@ TEST_F(PullToRefreshTest, ASecondPullWhileRefreshingStartsNothing)
     touch(250);
     wheel(6);
     stage->screen().key(Qt::Key_F5);
-    EXPECT_TRUE(stage->screen().press(u"Refreshing"_s));
+    stage->screen().press(u"Refreshing"_s);
     EXPECT_TRUE(restsAt(rest)) << beyondTop();
     EXPECT_EQ(triggers(), 1);
 }
@@ -267,27 +310,34 @@ TEST_F(PullToRefreshTest, TheContentResists)
     QTest::mouseRelease(&stage->window(), Qt::LeftButton, {}, QPoint(200, 300));
 }
 
-TEST_F(PullToRefreshTest, TheSpinnerTurnsAndAppearsWithThePull)
+TEST_F(PullToRefreshTest, TheDiscAppearsWithThePullAndItsSpokesTurnWithIt)
 {
     open(page);
-    auto *spinner = stage->part("spinner");
-    QList<qreal> turns;
-    qreal opacity = 0;
-    QTest::mousePress(&stage->window(), Qt::LeftButton, {}, QPoint(200, 30));
-    for (int y = 30; y < 300; y += 5) {
+    QList<int> directions;
+    int brightness = 0;
+    QTest::mousePress(&stage->window(), Qt::LeftButton, {}, QPoint(200, 90));
+    for (int y = 90; y < 360; y += 5) {
         QTest::mouseMove(&stage->window(), QPoint(200, y), 5);
-        EXPECT_GE(disc->opacity(), opacity);
-        opacity = disc->opacity();
-        EXPECT_EQ(disc->y(), std::round(disc->y()));
-        if (turns.isEmpty() || turns.last() != spinner->rotation())
-            turns.append(spinner->rotation());
+        const QRect drawn = disc();
+        if (drawn.isEmpty())
+            continue;
+        EXPECT_EQ(drawn.size(), discAtRest.size()); // in whole points, so that it stays sharp
+        const int now = qGray(stage->colorAt(drawn.center().x(), drawn.top() + 5).rgb());
+        EXPECT_GE(now, brightness);
+        brightness = now;
+        if (directions.isEmpty() || directions.last() != direction())
+            directions.append(direction());
     }
-    EXPECT_EQ(turns, QList<qreal>({0, 45, 90, 135, 180, 225, 270, 315, 360}));
-    EXPECT_EQ(opacity, 1);
-    EXPECT_EQ(spinner->property("color").value<QColor>(), stage->theme().brand());
-    EXPECT_EQ(spinner->property("step").toInt(), 0); // the hand turns it, not the clock
-    QTest::mouseRelease(&stage->window(), Qt::LeftButton, {}, QPoint(200, 300));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return spinner->property("step").toInt() > 0; }));
+    ASSERT_GE(directions.size(), 7); // the first is too faint
+    for (int i = 1; i < directions.size(); ++i)
+        EXPECT_EQ(directions[i], (directions[i - 1] + 1) % 8);
+    EXPECT_EQ(disc(), discAtRest);
+    EXPECT_EQ(discColor(), stage->theme().surface());
+    EXPECT_FALSE(stage->areaOf(stage->theme().brand()).isEmpty()); // let go, it refreshes
+    EXPECT_FALSE(turns(350));                                      // the hand turns it, not the clock
+    QTest::mouseRelease(&stage->window(), Qt::LeftButton, {}, QPoint(200, 360));
+    ASSERT_TRUE(restsAt(rest));
+    EXPECT_TRUE(turns());
 }
 
 TEST_F(PullToRefreshTest, AScrolledContentStaysWhereItIsAndTheDiscShowsOverIt)
@@ -296,11 +346,11 @@ TEST_F(PullToRefreshTest, AScrolledContentStaysWhereItIsAndTheDiscShowsOverIt)
     list->setProperty("contentY", 500);
     stage->screen().key(Qt::Key_F5);
     EXPECT_EQ(triggers(), 1);
-    EXPECT_TRUE(disc->isVisible());
+    EXPECT_EQ(disc(), discAtRest);
     EXPECT_FALSE(QTest::qWaitFor([&] { return contentY() != 500; }, 400));
     finish();
     EXPECT_FALSE(QTest::qWaitFor([&] { return contentY() != 500; }, 400));
-    EXPECT_FALSE(disc->isVisible());
+    EXPECT_TRUE(isDiscGone());
     EXPECT_EQ(list->property("topMargin").toReal(), 0);
 }
 
@@ -329,13 +379,13 @@ TEST_F(PullToRefreshTest, DisabledOrHiddenItRefreshesNothing)
     drag(250);
     wheel(6);
     stage->screen().key(Qt::Key_F5);
-    pull->refresh();
+    stage->screen().press(u"Refresh"_s);
     QTest::qWait(300);
     EXPECT_EQ(triggers(), 0);
     stage->item()->setEnabled(true);
     stage->item()->setVisible(false);
     stage->screen().key(Qt::Key_F5);
-    pull->refresh();
+    EXPECT_FALSE(stage->screen().press(u"Refresh"_s));
     EXPECT_EQ(triggers(), 0);
 }
 
@@ -354,32 +404,45 @@ TEST_F(PullToRefreshTest, AScreenThatDoesNotRefreshGetsItsContentBack)
 TEST_F(PullToRefreshTest, ALoadThatNobodyPulledForShowsTheDiscAndMovesNothing)
 {
     open(page);
-    pull->setProperty("loading", true);
-    EXPECT_TRUE(disc->isVisible());
-    EXPECT_EQ(disc->y(), 0);
+    stage->item()->setProperty("loads", true);
+    const QRect aside(350 - 20 - side, 8, side, side);
+    EXPECT_EQ(disc(), aside);
     EXPECT_FALSE(QTest::qWaitFor([&] { return beyondTop() != 0; }, 400));
-    EXPECT_EQ(disc->mapToItem(list, QPointF()), QPointF(350 - 20 - 40, 8));
-    pull->setProperty("asideCenter", 41);
-    EXPECT_EQ(disc->mapToItem(list, QPointF()), QPointF(350 - 20 - 40, 21));
-    pull->setProperty("loading", false);
-    EXPECT_FALSE(disc->isVisible());
+    stage->item()->setProperty("titleCenter", 41);
+    EXPECT_EQ(disc(), aside.translated(0, 13));
+    EXPECT_TRUE(turns());
+    stage->item()->setProperty("loads", false);
+    EXPECT_TRUE(isDiscGone());
+}
+
+/// What screen readers read out wherever they are: the names of the alerts that appear.
+QStringList announced;
+
+void listen(QAccessibleEvent *event)
+{
+    auto *interface = event->type() == QAccessible::ObjectShow ? event->accessibleInterface() : nullptr;
+    if (interface && interface->role() == QAccessible::AlertMessage)
+        announced.append(interface->text(QAccessible::Name));
 }
 
 TEST_F(PullToRefreshTest, AssistiveTechnologyRefreshesAndIsToldSo)
 {
     open(page);
-    const auto idle = stage->screen().find(u"Refresh"_s, QAccessible::Button);
-    ASSERT_TRUE(idle) << stage->screen().dump().toStdString();
-    EXPECT_FALSE(idle->state.busy);
+    QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
+    const auto before = QAccessible::installUpdateHandler(listen);
+    ASSERT_TRUE(stage->screen().find(u"Refresh"_s, QAccessible::Button))
+        << stage->screen().dump().toStdString();
     ASSERT_TRUE(stage->screen().press(u"Refresh"_s));
     EXPECT_EQ(triggers(), 1);
-    const auto busy = stage->screen().find(u"Refreshing"_s, QAccessible::AlertMessage);
-    ASSERT_TRUE(busy) << stage->screen().dump().toStdString();
-    EXPECT_TRUE(busy->state.busy);
+    EXPECT_EQ(announced, QStringList(u"Refreshing"_s));
+    EXPECT_TRUE(stage->screen().find(u"Refreshing"_s, QAccessible::AlertMessage))
+        << stage->screen().dump().toStdString();
     EXPECT_FALSE(stage->screen().shows(u"Refresh"_s));
     finish();
     EXPECT_TRUE(stage->screen().find(u"Refresh"_s, QAccessible::Button));
-    EXPECT_FALSE(stage->screen().find(u"Refresh"_s)->state.busy);
+    EXPECT_FALSE(stage->screen().shows(u"Refreshing"_s));
+    EXPECT_EQ(announced.size(), 1);
+    QAccessible::installUpdateHandler(before);
 }
 
 } // namespace

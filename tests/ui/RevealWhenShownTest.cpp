@@ -1,10 +1,10 @@
-#include "ui/RevealWhenShown.h"
-
 #include "ComponentStage.h"
 
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +14,12 @@ namespace {
 class RevealWhenShownTest : public ::testing::Test
 {
 protected:
-    RevealWhenShownTest() { list = stage.part("list"); }
+    RevealWhenShownTest()
+    {
+        const auto items = stage.item()->findChildren<QQuickItem *>();
+        list = *std::ranges::find_if(
+            items, [](const QQuickItem *item) { return item->inherits("QQuickFlickable"); });
+    }
 
     void fail(const QString &message)
     {
@@ -24,11 +29,11 @@ protected:
     }
     qreal scrolled() const { return list->property("contentY").toReal(); }
     void scrollTo(qreal y) { list->setProperty("contentY", y); }
-    bool isInView() const
+    bool isInView(const char *part = "error") const
     {
-        const auto *error = stage.part("error");
-        const qreal top = error->mapToItem(list, QPointF()).y();
-        return top >= 0 && top + error->height() <= list->height();
+        const auto *item = stage.part(part);
+        const qreal top = item->mapToItem(list, QPointF()).y();
+        return top >= 0 && top + item->height() <= list->height();
     }
 
     ComponentStage stage{R"(Item {
@@ -36,22 +41,17 @@ protected:
         property bool failed: false
         property string message: ""
         width: 300; height: 200
-        Flickable {
-            objectName: "list"
+        FormPage {
             anchors.fill: parent
-            contentHeight: column.height
-            Column {
-                id: column
-                width: 300
-                PrimaryButton { objectName: "first"; width: 300; title: "First" }
-                Item { width: 10; height: 300 }
-                Item {
-                    width: 300; height: error.height
-                    visible: page.failed
-                    InlineError { id: error; objectName: "error"; width: 300; message: page.message }
-                }
-                Item { width: 10; height: 300 }
+            PrimaryButton { objectName: "first"; width: 300; title: "First" }
+            Item { width: 10; height: 300 }
+            Item {
+                width: 300; height: error.height
+                visible: page.failed
+                InlineError { id: error; objectName: "error"; width: 300; message: page.message }
             }
+            Item { width: 10; height: 300 }
+            PrimaryButton { objectName: "last"; width: 300; title: "Last" }
         }
     })"};
     QQuickItem *list = nullptr;
@@ -68,9 +68,9 @@ TEST_F(RevealWhenShownTest, AMessageBelowTheFoldComesIntoViewAndTheFocusStays)
 
 TEST_F(RevealWhenShownTest, AMessageThatIsInViewMovesNothing)
 {
-    scrollTo(220);
+    scrollTo(300);
     fail(u"No."_s);
-    EXPECT_EQ(scrolled(), 220);
+    EXPECT_EQ(scrolled(), 300);
 }
 
 TEST_F(RevealWhenShownTest, AMessageAboveTheViewComesDown)
@@ -104,6 +104,30 @@ TEST_F(RevealWhenShownTest, AnOldMessageThatIsUncoveredMovesNothing)
     stage.item()->setVisible(false);
     stage.item()->setVisible(true);
     QTest::qWait(100);
+    EXPECT_EQ(scrolled(), 0);
+}
+
+TEST_F(RevealWhenShownTest, WhatGetsTheFocusComesIntoViewByTheLeastAmount)
+{
+    stage.screen().key(Qt::Key_Tab);
+    EXPECT_TRUE(stage.part("first")->hasActiveFocus());
+    EXPECT_EQ(scrolled(), 0);
+    stage.screen().key(Qt::Key_Tab);
+    EXPECT_TRUE(stage.part("last")->hasActiveFocus());
+    EXPECT_TRUE(isInView("last"));
+    EXPECT_FALSE(isInView("first"));
+    stage.screen().key(Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_TRUE(isInView("first"));
+}
+
+TEST_F(RevealWhenShownTest, WhatHasTheFocusStaysInViewWhenTheViewShrinks)
+{
+    stage.item()->setHeight(900);
+    stage.part("last")->forceActiveFocus();
+    EXPECT_EQ(scrolled(), 0);
+    stage.item()->setHeight(200);
+    EXPECT_TRUE(isInView("last"));
+    scrollTo(0); // by hand
     EXPECT_EQ(scrolled(), 0);
 }
 

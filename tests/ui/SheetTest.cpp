@@ -1,5 +1,4 @@
 #include "ComponentStage.h"
-#include "ui/SheetControl.h"
 #include "ui/Theme.h"
 
 #include <QPointer>
@@ -16,16 +15,15 @@ namespace {
 const QByteArray page = R"(Item {
     property bool open: false
     property bool keptOpen: false
-    property int dismissals: 0
+    property int rejections: 0
     property int built: 0
     property int destroyed: 0
     id: page
     width: 350; height: 660
     Sheet {
-        objectName: "sheet"
         title: "A form"
         shown: page.open
-        onDismissed: { ++page.dismissals; page.open = page.keptOpen }
+        onRejected: { ++page.rejections; page.open = page.keptOpen }
         content: Component {
             FocusScope {
                 id: form
@@ -40,7 +38,7 @@ const QByteArray page = R"(Item {
                     anchors { top: bar.bottom; bottom: parent.bottom }
                     width: parent.width
                     QorField { width: parent.width; label: "Field" }
-                    PrimaryButton { width: parent.width; title: "Act"; onTriggered: ++form.taps }
+                    PrimaryButton { width: parent.width; title: "Act"; onClicked: ++form.taps }
                     Item { width: 10; height: 900 }
                 }
             }
@@ -51,8 +49,6 @@ const QByteArray page = R"(Item {
 class SheetTest : public ::testing::Test
 {
 protected:
-    SheetTest() { sheet = qobject_cast<SheetControl *>(stage.part("sheet")); }
-
     void open()
     {
         stage.item()->setProperty("open", true);
@@ -61,20 +57,38 @@ protected:
     }
     bool isOpen() const { return stage.item()->property("open").toBool(); }
     int count(const char *property) const { return stage.item()->property(property).toInt(); }
-    bool closes() const
+    /// It has gone, and the screen is light again.
+    bool closes()
     {
-        return QTest::qWaitFor([this] { return !sheet->isVisible(); });
+        const auto light = [this] { return stage.shot().pixelColor(3, 3) == stage.theme().background(); };
+        return QTest::qWaitFor([&] { return !content() && light(); });
     }
-    QQuickItem *content() { return sheet->findChild<QQuickItem *>(u"form"_s); }
+    QQuickItem *content() { return named(stage.window().contentItem(), u"form"_s); }
     QObject *flickable()
     {
-        QList<QQuickItem *> items = content()->findChild<QQuickItem *>(u"formPage"_s)->childItems();
+        QList<QQuickItem *> items = named(content(), u"formPage"_s)->childItems();
         for (auto *item : items)
             if (item->inherits("QQuickFlickable"))
                 return item;
         return nullptr;
     }
-    QPoint bar() { return {195, static_cast<int>(sheet->panel()->y()) + 22}; }
+    /// Of what shows; null when there is none of this name.
+    static QQuickItem *named(QQuickItem *item, const QString &name)
+    {
+        if (!item->isVisible() || item->objectName() == name)
+            return item->isVisible() ? item : nullptr;
+        for (QQuickItem *child : item->childItems())
+            if (QQuickItem *found = named(child, name))
+                return found;
+        return nullptr;
+    }
+    /// Where its content begins; below the window when there is none.
+    qreal top() { return content() ? content()->mapToScene(QPointF()).y() : 1000; }
+    bool springsBack()
+    {
+        return QTest::qWaitFor([this] { return top() == 20; }) && stage.screen().waitUntilStill();
+    }
+    QPoint bar() { return {195, static_cast<int>(top()) + 22}; }
     QPoint middle() { return {195, 400}; }
 
     /// Slowly enough that letting go is no flick. The delay is that of the events' own clock.
@@ -96,8 +110,19 @@ protected:
         QTest::touchEvent(&stage.window(), finger).release(0, from + by);
     }
 
+    /// By a finger that stays on the sheet.
+    void beginDrag()
+    {
+        QTest::touchEvent(&stage.window(), finger).press(0, bar());
+        for (const int y : {80, 120, 160, 200}) {
+            QTest::qWait(40);
+            QTest::touchEvent(&stage.window(), finger).move(0, QPoint(195, y));
+        }
+        QTest::qWait(150); // held: no flick
+        EXPECT_GT(top(), 100);
+    }
+
     ComponentStage stage{page, QSize(390, 700)};
-    SheetControl *sheet = nullptr;
     QPointingDevice *finger = QTest::createTouchDevice();
 };
 
@@ -118,10 +143,10 @@ TEST_F(SheetTest, IsBuiltWhenItOpensAndDestroyedWhenItHasClosed)
 TEST_F(SheetTest, SlidesUpNearlyToTheTop)
 {
     stage.item()->setProperty("open", true);
-    EXPECT_GT(sheet->panel()->y(), 600);
+    EXPECT_GT(top(), 600);
     ASSERT_TRUE(stage.screen().waitUntilStill());
-    EXPECT_EQ(sheet->panel()->y(), 20);
-    EXPECT_EQ(sheet->panel()->width(), 390);
+    EXPECT_EQ(top(), 20);
+    EXPECT_EQ(content()->width(), 390);
     EXPECT_EQ(content()->mapToScene(QPointF(0, content()->height())), QPointF(0, 700));
 }
 
@@ -129,10 +154,15 @@ TEST_F(SheetTest, IsAFormInTheMiddleOfAWideWindow)
 {
     stage.window().resize(768, 1024);
     open();
-    EXPECT_EQ(sheet->panel()->width(), 540);
-    EXPECT_EQ(sheet->panel()->x(), 114);
-    EXPECT_EQ(content()->height(), 620);
-    EXPECT_EQ(sheet->panel()->y(), 202);
+    EXPECT_EQ(content()->mapToScene(QPointF()), QPointF(114, 202));
+    EXPECT_EQ(content()->size(), QSizeF(540, 620));
+    for (const QPoint beside : {QPoint(50, 500), QPoint(384, 900), QPoint(384, 100)}) {
+        QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, beside);
+        EXPECT_EQ(count("rejections"), 1) << beside.x() << ", " << beside.y();
+        ASSERT_TRUE(closes());
+        stage.item()->setProperty("rejections", 0);
+        open();
+    }
 }
 
 TEST_F(SheetTest, FollowsTheWindow)
@@ -146,15 +176,15 @@ TEST_F(SheetTest, EscapeBackAndATapBesideDismiss)
 {
     open();
     stage.screen().key(Qt::Key_Escape);
-    EXPECT_EQ(count("dismissals"), 1);
+    EXPECT_EQ(count("rejections"), 1);
     ASSERT_TRUE(closes());
     open();
     stage.screen().key(Qt::Key_Back);
-    EXPECT_EQ(count("dismissals"), 2);
+    EXPECT_EQ(count("rejections"), 2);
     ASSERT_TRUE(closes());
     open();
     QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(195, 8));
-    EXPECT_EQ(count("dismissals"), 3);
+    EXPECT_EQ(count("rejections"), 3);
 }
 
 TEST_F(SheetTest, FollowsTheMouseAndSpringsBackFromALittleWay)
@@ -163,13 +193,17 @@ TEST_F(SheetTest, FollowsTheMouseAndSpringsBackFromALittleWay)
     QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, bar());
     QTest::mouseMove(&stage.window(), bar() + QPoint(0, 30), 40);
     QTest::mouseMove(&stage.window(), QPoint(195, 42 + 100), 40);
-    EXPECT_NEAR(sheet->panel()->y(), 120, 1);
+    EXPECT_NEAR(top(), 120, 31); // but for the way after which it is a drag
+    const qreal before = top();
+    QTest::mouseMove(&stage.window(), QPoint(195, 42 + 80), 40);
+    EXPECT_NEAR(top(), before - 20, 1);
+    QTest::mouseMove(&stage.window(), QPoint(195, 42 + 100), 40);
     QTest::qWait(100);
     QTest::mouseMove(&stage.window(), QPoint(195, 42 + 101), 200); // held: no flick
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(195, 42 + 101), 200);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return sheet->panel()->y() == 20; }));
+    EXPECT_TRUE(springsBack());
     EXPECT_TRUE(isOpen());
-    EXPECT_EQ(count("dismissals"), 0);
+    EXPECT_EQ(count("rejections"), 0);
     EXPECT_EQ(count("built"), 1);
 }
 
@@ -177,7 +211,7 @@ TEST_F(SheetTest, DraggedFarItGoes)
 {
     open();
     drag(bar(), QPoint(0, 300), 60);
-    EXPECT_EQ(count("dismissals"), 1);
+    EXPECT_EQ(count("rejections"), 1);
     EXPECT_TRUE(closes());
 }
 
@@ -186,10 +220,10 @@ TEST_F(SheetTest, DraggedByAFinger)
     open();
     dragByFinger(bar(), QPoint(0, 60));
     QTest::qWait(400);
-    EXPECT_EQ(count("dismissals"), 0);
-    EXPECT_EQ(sheet->panel()->y(), 20);
+    EXPECT_EQ(count("rejections"), 0);
+    EXPECT_EQ(top(), 20);
     dragByFinger(bar(), QPoint(0, 300));
-    EXPECT_EQ(count("dismissals"), 1);
+    EXPECT_EQ(count("rejections"), 1);
     EXPECT_TRUE(closes());
 }
 
@@ -197,18 +231,44 @@ TEST_F(SheetTest, AFlickIsEnough)
 {
     open();
     drag(bar(), QPoint(0, 120), 10); // not yet a third of the way
-    EXPECT_EQ(count("dismissals"), 1);
+    EXPECT_TRUE(closes());
+    EXPECT_EQ(count("rejections"), 1);
+}
+
+TEST_F(SheetTest, AFlickIsEnoughWithoutMotionToo)
+{
+    stage.theme().setReducedMotion(true);
+    stage.item()->setProperty("open", true);
+    ASSERT_TRUE(stage.screen().waitUntilStill());
+    drag(bar(), QPoint(0, 120), 10);
+    EXPECT_TRUE(closes());
+    EXPECT_EQ(count("rejections"), 1);
+}
+
+TEST_F(SheetTest, AFastDragThatIsHeldStillInTheEndIsNoFlick)
+{
+    open();
+    const QPoint from = bar();
+    QTest::touchEvent(&stage.window(), finger).press(0, from);
+    for (int step = 1; step <= 10; ++step) {
+        QTest::qWait(10);
+        QTest::touchEvent(&stage.window(), finger).move(0, from + QPoint(0, 12 * step));
+    }
+    QTest::qWait(200);
+    QTest::touchEvent(&stage.window(), finger).release(0, from + QPoint(0, 120));
+    EXPECT_TRUE(springsBack());
+    EXPECT_EQ(count("rejections"), 0);
 }
 
 TEST_F(SheetTest, ContentAtItsTopDragsTheSheetDown)
 {
     open();
     dragByFinger(middle(), QPoint(0, 260));
-    EXPECT_EQ(count("dismissals"), 1);
+    EXPECT_EQ(count("rejections"), 1);
     ASSERT_TRUE(closes());
     open();
     drag(middle(), QPoint(0, 260), 60);
-    EXPECT_EQ(count("dismissals"), 2);
+    EXPECT_EQ(count("rejections"), 2);
 }
 
 TEST_F(SheetTest, ContentThatIsScrolledScrolls)
@@ -218,8 +278,8 @@ TEST_F(SheetTest, ContentThatIsScrolledScrolls)
     flickable()->setProperty("contentY", 200);
     dragByFinger(middle(), QPoint(0, 150));
     EXPECT_LT(flickable()->property("contentY").toReal(), 200);
-    EXPECT_EQ(sheet->panel()->y(), 20);
-    EXPECT_EQ(count("dismissals"), 0);
+    EXPECT_EQ(top(), 20);
+    EXPECT_EQ(count("rejections"), 0);
 }
 
 TEST_F(SheetTest, ADragUpwardsScrollsAndStaysAScroll)
@@ -230,17 +290,17 @@ TEST_F(SheetTest, ADragUpwardsScrollsAndStaysAScroll)
         QTest::qWait(30);
         QTest::touchEvent(&stage.window(), finger).move(0, middle() + QPoint(0, y));
     }
-    EXPECT_EQ(sheet->panel()->y(), 20);
+    EXPECT_EQ(top(), 20);
     QTest::touchEvent(&stage.window(), finger).release(0, middle() + QPoint(0, 200));
-    EXPECT_EQ(count("dismissals"), 0);
+    EXPECT_EQ(count("rejections"), 0);
 }
 
 TEST_F(SheetTest, ADragSidewaysIsNone)
 {
     open();
     drag(bar(), QPoint(-150, 40));
-    EXPECT_EQ(sheet->panel()->y(), 20);
-    EXPECT_EQ(count("dismissals"), 0);
+    EXPECT_EQ(top(), 20);
+    EXPECT_EQ(count("rejections"), 0);
 }
 
 TEST_F(SheetTest, APressThatBecomesADragPressesNothing)
@@ -254,31 +314,27 @@ TEST_F(SheetTest, APressThatBecomesADragPressesNothing)
     EXPECT_EQ(content()->property("taps").toInt(), 1);
 }
 
-TEST_F(SheetTest, ADragThatIsTakenAwaySpringsBack)
+TEST_F(SheetTest, ADragThatTheSystemTakesAwaySpringsBack)
 {
     open();
-    QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, bar());
-    QTest::mouseMove(&stage.window(), bar() + QPoint(0, 40), 40);
-    QTest::mouseMove(&stage.window(), QPoint(195, 300), 40);
-    ASSERT_GT(sheet->panel()->y(), 100);
-    ASSERT_EQ(stage.window().mouseGrabberItem(), sheet);
-    sheet->ungrabMouse();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return sheet->panel()->y() == 20; }));
-    QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(195, 300), 40);
-    EXPECT_EQ(count("dismissals"), 0);
+    beginDrag();
+    QTouchEvent cancel(QEvent::TouchCancel, finger);
+    QCoreApplication::sendEvent(&stage.window(), &cancel);
+    EXPECT_TRUE(springsBack());
+    EXPECT_EQ(count("rejections"), 0);
+    EXPECT_TRUE(isOpen());
 }
 
 TEST_F(SheetTest, AReleaseThatNeverComesLeavesNothingBehind)
 {
     open();
-    QTest::mousePress(&stage.window(), Qt::LeftButton, Qt::NoModifier, bar());
-    QTest::mouseMove(&stage.window(), bar() + QPoint(0, 40), 40);
-    QTest::mouseMove(&stage.window(), QPoint(195, 300), 40);
-    ASSERT_GT(sheet->panel()->y(), 100);
-    const QPoint onPanel(195, 600);
-    dragByFinger(onPanel, QPoint(0, 4)); // no drag of its own
-    EXPECT_TRUE(QTest::qWaitFor([this] { return sheet->panel()->y() == 20; }));
-    EXPECT_EQ(count("dismissals"), 0);
+    beginDrag();
+    stage.window().hide();
+    stage.window().show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&stage.window()));
+    QTest::mouseClick(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(195, 600));
+    EXPECT_TRUE(springsBack());
+    EXPECT_EQ(count("rejections"), 0);
 }
 
 TEST_F(SheetTest, EscapeInTheMiddleOfADrag)
@@ -290,7 +346,7 @@ TEST_F(SheetTest, EscapeInTheMiddleOfADrag)
     stage.screen().key(Qt::Key_Escape);
     QTest::mouseMove(&stage.window(), QPoint(195, 240), 40);
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, Qt::NoModifier, QPoint(195, 240), 40);
-    EXPECT_EQ(count("dismissals"), 1);
+    EXPECT_EQ(count("rejections"), 1);
     EXPECT_TRUE(closes());
 }
 
@@ -299,9 +355,40 @@ TEST_F(SheetTest, AnOwnerThatKeepsItOpenGetsItBack)
     open();
     stage.item()->setProperty("keptOpen", true);
     drag(bar(), QPoint(0, 300), 60);
-    EXPECT_EQ(count("dismissals"), 1);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return sheet->panel()->y() == 20; }));
+    EXPECT_EQ(count("rejections"), 1);
+    EXPECT_TRUE(springsBack());
     EXPECT_TRUE(isOpen());
+}
+
+TEST_F(SheetTest, WhatWasTypedSurvivesAWindowThatBecomesWide)
+{
+    open();
+    ASSERT_TRUE(stage.screen().type(u"Field"_s, u"text"_s));
+    stage.window().resize(768, 1024);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return content()->size() == QSizeF(540, 620); }));
+    stage.window().resize(390, 700);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return content()->size() == QSizeF(390, 680); }));
+    EXPECT_EQ(top(), 20);
+    EXPECT_EQ(stage.screen().find(u"Field"_s)->object->property("text").toString(), u"text"_s);
+    EXPECT_EQ(count("built"), 1);
+}
+
+TEST_F(SheetTest, WithoutMotionItOpensAndClosesAtOnce)
+{
+    stage.theme().setReducedMotion(true);
+    stage.item()->setProperty("open", true);
+    EXPECT_EQ(top(), 20);
+    stage.item()->setProperty("open", false);
+    EXPECT_FALSE(stage.screen().shows(u"Act"_s));
+    EXPECT_EQ(stage.shot().pixelColor(3, 3), stage.theme().background());
+}
+
+TEST_F(SheetTest, IsAModalDialogNamedByItsTitle)
+{
+    open();
+    const auto dialog = stage.screen().find(u"A form"_s, QAccessible::Dialog);
+    ASSERT_TRUE(dialog);
+    EXPECT_TRUE(dialog->state.modal);
 }
 
 TEST_F(SheetTest, TabGoesRoundInside)

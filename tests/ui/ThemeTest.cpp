@@ -15,7 +15,7 @@ namespace clockwell {
 
 TEST(Theme, HasTheColorsOfThePalette)
 {
-    const Theme theme;
+    const Theme theme(nullptr);
     EXPECT_EQ(theme.background(), QColor(9, 21, 42));
     EXPECT_EQ(theme.card(), QColor(13, 30, 58));
     EXPECT_EQ(theme.surface(), QColor(19, 38, 69));
@@ -32,14 +32,14 @@ TEST(Theme, HasTheColorsOfThePalette)
 
 TEST(Theme, DividesWithWhiteAtEightPercent)
 {
-    const QColor divider = Theme().divider();
+    const QColor divider = Theme(nullptr).divider();
     EXPECT_EQ(divider.rgb(), qRgb(255, 255, 255));
     EXPECT_NEAR(divider.alphaF(), .08, .0001);
 }
 
 TEST(Theme, StartsWithTextAsDesignedAndMotion)
 {
-    const Theme theme;
+    const Theme theme(nullptr);
     EXPECT_EQ(theme.textScale(), 1.0);
     EXPECT_FALSE(theme.reducedMotion());
     EXPECT_GT(theme.duration(), 0);
@@ -47,7 +47,7 @@ TEST(Theme, StartsWithTextAsDesignedAndMotion)
 
 TEST(Theme, TellsOnceWhenTheTextScaleChanges)
 {
-    Theme theme;
+    Theme theme(nullptr);
     QSignalSpy changed(&theme, &Theme::textScaleChanged);
     theme.setTextScale(1.5);
     theme.setTextScale(1.5);
@@ -57,7 +57,7 @@ TEST(Theme, TellsOnceWhenTheTextScaleChanges)
 
 TEST(Theme, LimitsTheTextScaleToWhatScreensCanTake)
 {
-    Theme theme;
+    Theme theme(nullptr);
     theme.setTextScale(0);
     EXPECT_EQ(theme.textScale(), 0.5);
     theme.setTextScale(100);
@@ -66,14 +66,14 @@ TEST(Theme, LimitsTheTextScaleToWhatScreensCanTake)
 
 TEST(Theme, IgnoresATextScaleThatIsNoNumber)
 {
-    Theme theme;
+    Theme theme(nullptr);
     theme.setTextScale(std::numeric_limits<qreal>::quiet_NaN());
     EXPECT_EQ(theme.textScale(), 1.0);
 }
 
 TEST(Theme, HasNoDurationsWithReducedMotion)
 {
-    Theme theme;
+    Theme theme(nullptr);
     QSignalSpy changed(&theme, &Theme::reducedMotionChanged);
     theme.setReducedMotion(true);
     theme.setReducedMotion(true);
@@ -83,7 +83,7 @@ TEST(Theme, HasNoDurationsWithReducedMotion)
 
 TEST(Theme, NamesFontsThatAreThere)
 {
-    const Theme theme;
+    const Theme theme(nullptr);
     for (const QString &family : {theme.fontFamily(), theme.monospacedFamily()})
         EXPECT_EQ(QFontInfo(QFont(family)).family().toStdString(), family.toStdString());
     EXPECT_FALSE(QFontInfo(QFont(theme.fontFamily())).fixedPitch());
@@ -107,10 +107,10 @@ TEST(Theme, IsTestedWithoutTheOtherFontsOfTheMachine)
 
 TEST(Theme, GivesDigitsTheWidthOfTheWidest)
 {
-    QFont font(Theme().fontFamily());
+    QFont font(Theme(nullptr).fontFamily());
     font.setPixelSize(22);
     const QFontMetricsF metrics(font);
-    const qreal width = Theme().digitWidth(font);
+    const qreal width = Theme(nullptr).digitWidth(font);
     EXPECT_GE(width, metrics.horizontalAdvance(u'0'));
     EXPECT_GE(width, metrics.horizontalAdvance(u'1'));
     EXPECT_LT(width, 22);

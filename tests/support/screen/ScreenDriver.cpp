@@ -8,6 +8,10 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
+
+#include <private/qguiapplication_p.h>
 
 #include <algorithm>
 #include <functional>
@@ -39,8 +43,11 @@ QAccessibleInterface *interfaceOf(QObject *object)
 
 bool isMoving(const QQuickItem *item)
 {
-    const bool moves = item->inherits("clockwell::ScreenStack") || item->inherits("clockwell::Modal");
-    if (moves && item->isVisible() && item->property("busy").toBool())
+    if (!item->isVisible())
+        return false;
+    if (item->inherits("QQuickStackView") && item->property("moving").toBool())
+        return true;
+    if (item->inherits("QQuickPopupItem") && !item->parent()->property("opened").toBool())
         return true;
     const auto children = item->childItems();
     return std::any_of(children.begin(), children.end(), isMoving);
@@ -50,7 +57,8 @@ bool isMoving(const QQuickItem *item)
 
 ScreenDriver::ScreenDriver(QQuickWindow *window) : m_window(window)
 {
-    QAccessible::setActive(true);
+    // As a screen reader's first question does; QAccessible::setActive() alone would leave isActive() false.
+    QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
 }
 
 QList<ScreenDriver::Element> ScreenDriver::elements() const

@@ -25,9 +25,9 @@ Rectangle {
             QorField { objectName: "email"; width: parent.width; label: "Email"; placeholder: "name@company.com" }
             FieldLabel { width: parent.width; text: "Password" }
             QorField { width: parent.width; label: "Password"; placeholder: "••••••••"; secure: true }
-            LinkText { text: "Forgot password?" }
+            LinkButton { text: "Forgot password?" }
             InlineError { width: parent.width; message: "The server did not answer in time. Check your connection and try again in a moment." }
-            LinkText { text: "Enter verification code"; color: Theme.warning; weight: Font.DemiBold }
+            LinkButton { text: "Enter verification code"; color: Theme.warning; weight: Font.DemiBold }
         }
 
         QorField { objectName: "focused"; width: parent.width; label: "Full name"; text: "Ada Lovelace" }
@@ -45,7 +45,7 @@ Rectangle {
             anchors.horizontalCenter: parent.horizontalCenter
             spacing: 4
             TextLabel { text: "New here?"; size: 14; color: Theme.textMuted }
-            LinkText { objectName: "link"; text: "Create an account"; size: 14; weight: Font.DemiBold }
+            LinkButton { objectName: "link"; text: "Create an account"; size: 14; weight: Font.DemiBold }
         }
 
         Card {

@@ -1,7 +1,7 @@
-#include "ui/SymbolTable.h"
 #include "ui/Theme.h"
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <QGuiApplication>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -20,6 +20,9 @@ int main(int argc, char **argv)
     parser.addOption({QStringLiteral("suffix"), QString(), QStringLiteral("text")});
     parser.addPositionalArgument(QStringLiteral("folder"), QString());
     parser.process(app);
+    QStringList symbols = QDir(QStringLiteral(":/clockwell/symbols")).entryList();
+    for (QString &symbol : symbols)
+        symbol.chop(qstrlen(".svg"));
     const QString folder = parser.positionalArguments().value(0, QStringLiteral("."));
     const QList<QPair<QString, QStringList>> pages{
         {QStringLiteral("Gallery"),
@@ -29,7 +32,7 @@ int main(int argc, char **argv)
     for (const auto &[page, focused] : pages) {
         QQuickView view;
         view.engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
-        view.rootContext()->setContextProperty(QStringLiteral("symbols"), clockwell::symbolNames());
+        view.rootContext()->setContextProperty(QStringLiteral("symbols"), symbols);
         view.setSource(QUrl(QStringLiteral("qrc:/gallery/%1.qml").arg(page)));
         if (!view.rootObject())
             return 1;

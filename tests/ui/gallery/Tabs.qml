@@ -28,7 +28,7 @@ Rectangle {
 
         Row {
             anchors.centerIn: parent
-            TabBarButton { width: 96; title: "Attendance"; symbol: "location.fill.viewfinder"; selected: true }
+            TabBarButton { width: 96; title: "Attendance"; symbol: "location.fill.viewfinder"; checked: true }
             TabBarButton { width: 96; title: "History"; symbol: "calendar" }
             TabBarButton { objectName: "ring"; width: 96; title: "Summary"; symbol: "chart.bar.fill" }
             TabBarButton { width: 96; title: "Profile"; symbol: "person.crop.circle" }

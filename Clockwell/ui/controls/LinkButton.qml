@@ -1,0 +1,24 @@
+import QtQuick
+import Clockwell.Ui
+
+// A text that leads somewhere. Drawn as small as its text, hit like every button.
+Button {
+    id: root
+
+    required text
+    property real size: 13
+    property int weight: Font.Normal
+    property color color: Theme.brand
+
+    role: Accessible.Link
+    cornerRadius: 4
+
+    contentItem: TextLabel {
+        text: root.text
+        size: root.size
+        weight: root.weight
+        color: root.color
+        opacity: root.pressed || !root.enabled ? 0.5 : 1
+        Accessible.ignored: true
+    }
+}
