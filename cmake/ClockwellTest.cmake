@@ -3,12 +3,12 @@ include(GoogleTest)
 
 # Adds a test program; one for each module whose tests can share a process:
 #   clockwell_test(NAME SOURCES a.cpp ... LIBRARIES target ... [NO_MAIN] [PRECOMPILE header ...]
-#                  [SECRET_SERVICE | WHOLE] [TIMEOUT seconds])
+#                  [SECRET_SERVICE | WHOLE] [TIMEOUT seconds] [FILTER pattern])
 # ctest lists each test case and runs it in a separate process. With WHOLE it runs the whole program as a single test, and
 # with SECRET_SERVICE, too, in a separate session bus with an unlocked Secret Service. NO_MAIN: one of the libraries has
-# the main function. PRECOMPILE: headers that most of the sources include.
+# the main function. FILTER: which tests ctest lists, as GoogleTest's --gtest_filter takes it. PRECOMPILE: headers that most of the sources include.
 function(clockwell_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 test "SECRET_SERVICE;NO_MAIN;WHOLE" "TIMEOUT" "SOURCES;LIBRARIES;PRECOMPILE")
+    cmake_parse_arguments(PARSE_ARGV 1 test "SECRET_SERVICE;NO_MAIN;WHOLE" "TIMEOUT;FILTER" "SOURCES;LIBRARIES;PRECOMPILE")
     add_executable(${name} ${test_SOURCES})
     target_link_libraries(${name} PRIVATE clockwell_warnings GTest::gmock ${test_LIBRARIES})
     if(NOT test_NO_MAIN)
@@ -35,6 +35,6 @@ function(clockwell_test name)
         set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${launcher}")
         # Tests are discovered when ctest starts, so that building does not run the program.
         gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-            PROPERTIES TIMEOUT ${test_TIMEOUT})
+            TEST_FILTER "${test_FILTER}" PROPERTIES TIMEOUT ${test_TIMEOUT})
     endif()
 endfunction()

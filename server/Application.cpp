@@ -17,14 +17,28 @@ constexpr int firstServerError = 500;
 constexpr std::chrono::seconds retryBusy{2};
 constexpr std::chrono::seconds retryStorage{60};
 
-/// What a client is told when the database failed; nothing of the request was recorded.
+/// What a client is told when the database failed; nothing of the request was recorded, unless it says that
+/// this is not known.
 ApiError toApiError(const DatabaseError &error)
 {
     using Kind = DatabaseError::Kind;
     switch (error.kind()) {
     case Kind::Busy:
+    case Kind::Conflict:
+    case Kind::Locked:
         return ApiError{503, "BUSY",
                         "The server is busy. Nothing was recorded; please try again in a moment."}
+            .retryAfter(retryBusy);
+    case Kind::Lost:
+    case Kind::Unreachable:
+        return ApiError{503, "STORAGE_UNREACHABLE",
+                        "The server cannot reach its storage. Nothing was recorded; please try again in a"
+                        " moment."}
+            .retryAfter(retryBusy);
+    case Kind::Unconfirmed: // a punch that is repeated finds the first one, if there is one
+        return ApiError{503, "UNCONFIRMED",
+                        "The server lost its storage at the last moment and does not know what was recorded;"
+                        " please try again in a moment."}
             .retryAfter(retryBusy);
     case Kind::Full:
         return ApiError{503, "STORAGE_FULL",
@@ -49,16 +63,15 @@ ApiError toApiError(const DatabaseError &error)
 
 Application::Application(Database &database, Clock clock, const Settings &settings, SendMail sendMail)
     : m_passwords(settings.passwordCost),
-      m_loginThrottle(settings.loginLimits, clock),
-      m_networkFailures(settings.failedSignIns, clock),
+      m_loginThrottle(database, settings.loginLimits, settings.failedSignIns, clock),
       m_codes(database, settings.passwordCost, clock, settings.codes),
-      m_codeRequests(settings.codeRequests, clock),
+      m_codeRequests(database, settings.codeRequests, clock),
       m_sessions(database, clock, settings.sessions, settings.accounts),
       m_punches(database, clock, settings.repeatWindow),
-      m_auth(database, m_passwords, m_loginThrottle, m_networkFailures, m_sessions),
+      m_auth(database, m_passwords, m_loginThrottle, m_sessions),
       m_signup(database, m_passwords, m_codes, m_codeRequests, clock, sendMail, settings.unverifiedLife),
       m_password(database, m_passwords, m_codes, m_codeRequests, m_loginThrottle, m_sessions, sendMail),
-      m_attendance(database, m_sessions, m_punches, clock)
+      m_attendance(database, m_sessions, m_punches, clock, settings.onPunch)
 {
     m_router.add(m_auth.routes());
     m_router.add(m_signup.routes());

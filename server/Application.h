@@ -6,7 +6,6 @@
 #include "server/auth/CodeRequests.h"
 #include "server/auth/Codes.h"
 #include "server/auth/LoginThrottle.h"
-#include "server/auth/NetworkFailures.h"
 #include "server/auth/PasswordEndpoints.h"
 #include "server/auth/Passwords.h"
 #include "server/auth/Sessions.h"
@@ -23,15 +22,16 @@ namespace clockwell::server {
 struct Settings
 {
     PasswordCost passwordCost;
-    ThrottleLimits loginLimits;
+    RateLimits loginLimits;
     AllowanceLimits failedSignIns{1000, std::chrono::hours{24}}; ///< from one network address
     CodeLimits codes;
     CodeRequestLimits codeRequests;
     std::chrono::hours unverifiedLife{24 * 7}; ///< of an account whose e-mail address nobody verified
     SessionLifetimes sessions;
-    AccountLimits accounts;
+    TokenLimits accounts = accountLimits;
     /// A punch of the same device this soon is the last one again: longer than the app waits for an answer.
     std::chrono::seconds repeatWindow{90};
+    AttendanceEndpoints::OnPunch onPunch; ///< may be null
 };
 
 /// The server's services and its table of endpoints, put together once. `handle` is safe on several threads.
@@ -58,7 +58,6 @@ private:
 
     Passwords m_passwords;
     LoginThrottle m_loginThrottle;
-    NetworkFailures m_networkFailures;
     Codes m_codes;
     CodeRequests m_codeRequests;
     Sessions m_sessions;

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "server/StrangerOptions.h"
+#include "server/auth/StrangerOptions.h"
 #include "server/http/HttpOptions.h"
 #include "server/mail/MailSettings.h"
+#include "server/operation/OperationOptions.h"
 
 #include <optional>
 #include <string>
@@ -13,10 +14,10 @@ struct ServeCommandOptions
 {
     std::string database;
     std::string listen = "127.0.0.1:8460"; ///< of a form that parseListenAddress() reads
-    std::string operatorListen;            ///< likewise; empty: nowhere
     HttpOptions http;                      ///< but for the address
     std::string portFile;                  ///< empty: none is written
-    unsigned databaseLimitMegabytes = 0;   ///< 0: no limit
+    unsigned databaseLimitMegabytes = 0;   ///< of the SQLite file; 0: no limit
+    unsigned databaseConnections = 0;      ///< to PostgreSQL; 0: one for each thread that answers requests
     unsigned loginAttempts = 5;
     unsigned loginWindowSeconds = 900;
     std::optional<unsigned> repeatWindowSeconds; ///< none: 90, and 5 for the demonstration
@@ -24,6 +25,7 @@ struct ServeCommandOptions
     unsigned accountBurst = 120;                 ///< of one account at once
     StrangerOptions strangers;
     MailSettings mail;
+    OperationOptions operation;
 };
 
 /// `clockwell-server serve`: answers requests until SIGINT or SIGTERM. Returns the exit code; throws

@@ -7,15 +7,35 @@ dev_test() {
         shift
     fi
     ensure_packages "${test_packages[@]}"
+    ensure_packages "${postgres_packages[@]}" || echo "PostgreSQL cannot be installed; the tests go on without it."
     build "$preset"
-    local filter=()
+    local filter=() status=0
     [ $# -gt 0 ] && filter=(-R "$1")
+    # With sanitizers only what is PostgreSQL's own: all else takes the same way through the server as with SQLite.
+    [ $preset = asan ] && filter+=(-LE AgainOnPostgreSQL)
     # A leak is a failure, too, unless it is listed in leaks.supp.
     export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
     export LSAN_OPTIONS=suppressions=$root/support/leaks.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1
     # Tests often wait, so two for each processor are at work.
-    ctest --preset "$preset" --parallel "$(($(nproc) * 2))" --no-tests=error "${filter[@]}"
+    ctest --preset "$preset" --parallel "$(($(nproc) * 2))" --no-tests=error "${filter[@]}" || status=1
+    [ $status = 0 ] || show_failures "build/$preset/Testing/Temporary"
+    say_what_was_left_out "$preset"
+    return $status
+}
+
+# say_what_was_left_out PRESET: a line after all others when there was no PostgreSQL to test with.
+say_what_was_left_out() {
+    grep -q 'PostgreSQL\.Start' "build/$1/tests/server/CTestTestfile.cmake" ||
+        echo "NOT TESTED: the server on PostgreSQL. Its tests ran with SQLite only, for no PostgreSQL is installed here."
+}
+
+# show_failures FOLDER: prints once more, after all others, what the failed tests of the last run wrote.
+show_failures() {
+    [ -f "$1/LastTestsFailed.log" ] || return 0
+    awk 'NR == FNR { sub(/^[0-9]+:/, ""); failed[$0]; next }
+        sub(/^[0-9]+\/[0-9]+ Test: /, "") { shown = $0 in failed }
+        shown' "$1/LastTestsFailed.log" "$1/LastTest.log"
 }
 
 dev_screens() {

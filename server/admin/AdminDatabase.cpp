@@ -1,6 +1,9 @@
 #include "server/admin/AdminDatabase.h"
 
 #include "server/admin/AdminError.h"
+#include "server/storage/PostgresEngine.h"
+#include "server/storage/PostgresUrl.h"
+#include "server/storage/SqliteEngine.h"
 
 #include <filesystem>
 
@@ -8,7 +11,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr int busySeconds = 5;
+constexpr std::chrono::seconds patience{5};
 
 DatabaseOptions oneReader()
 {
@@ -17,31 +20,52 @@ DatabaseOptions oneReader()
     return options;
 }
 
-} // namespace
-
-const std::string &requireDatabase(const std::string &file)
+void requireFile(const std::string &file)
 {
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(file, ignored))
         throw std::runtime_error{"There is no database " + file +
                                  ". Administration works on one that `serve` or `demo` has made."};
-    long long tables = 0;
-    try {
-        tables = Connection{file, busySeconds}.value<long long>(
-            "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name = 'schema_migrations'");
-    } catch (const DatabaseError &error) {
-        throw std::runtime_error{"The database " + file + " cannot be used: " + error.what() + "."};
-    }
-    if (tables == 0)
+    Connection connection{file, static_cast<int>(patience.count())};
+    if (connection.value<long long>(
+            "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name = 'schema_migrations'") == 0)
         throw std::runtime_error{"The file " + file + " is not a database of clockwell-server."};
     requirePrivate(file);
-    return file;
 }
 
-AdminDatabase::AdminDatabase(const std::string &file) : m_database(requireDatabase(file), oneReader()) {}
+void requirePostgres(const std::string &url)
+{
+    const auto connection = connectPostgres(url, patience);
+    const std::string sql = std::string{postgresTablesSql} + " AND table_name = 'schema_migrations'";
+    if (!connection->first<SingleColumn<std::string>>(sql))
+        throw std::runtime_error{
+            "The database " + databaseLabel(url) +
+            " is not one of clockwell-server. Administration works on one that `serve` or"
+            " `demo` has made."};
+}
+
+} // namespace
+
+const std::string &requireDatabase(const std::string &database)
+{
+    try {
+        isPostgresUrl(database) ? requirePostgres(database) : requireFile(database);
+    } catch (const DatabaseError &error) {
+        if (error.kind() == DatabaseError::Kind::Exposed)
+            throw;
+        throw std::runtime_error{"The database " + databaseLabel(database) +
+                                 " cannot be used: " + error.what() + "."};
+    }
+    return database;
+}
+
+AdminDatabase::AdminDatabase(const std::string &database) : m_database(requireDatabase(database), oneReader())
+{}
 
 void requireNoPartOf(const std::string &database, const std::string &file)
 {
+    if (isPostgresUrl(database))
+        return;
     std::error_code ignored;
     // Made absolute first: of a bare name that is not there, nothing would be resolved.
     const auto target = std::filesystem::weakly_canonical(std::filesystem::absolute(file), ignored);

@@ -12,9 +12,9 @@ namespace clockwell::server {
 class AdminDatabase
 {
 public:
-    /// Throws std::runtime_error when the file is not there or is not one of this program's: a mistyped name
-    /// must not make a new, empty database.
-    explicit AdminDatabase(const std::string &file);
+    /// Throws std::runtime_error when the file or the URL's database is not there or is not one of this
+    /// program's: a mistyped name must not make a new, empty database.
+    explicit AdminDatabase(const std::string &database);
 
     /// One transaction. An error of the database says that nothing was changed.
     template <std::invocable<Connection &> Work>
@@ -23,6 +23,9 @@ public:
         try {
             return m_database.write(std::move(work));
         } catch (const DatabaseError &error) {
+            if (error.kind() == DatabaseError::Kind::Unconfirmed)
+                throw std::runtime_error{std::string{"Whether this was changed is not known; please look: "} +
+                                         error.what() + "."};
             throw std::runtime_error{std::string{"Nothing was changed: "} + error.what() + "."};
         }
     }
@@ -33,9 +36,9 @@ private:
     Database m_database;
 };
 
-/// Returns the file's name. Throws std::runtime_error when it is not there, is not a database of this
-/// program, or can be read by others.
-const std::string &requireDatabase(const std::string &file);
+/// Returns its argument, the name of a file or a URL. Throws std::runtime_error when it is not there, is not
+/// a database of this program, or is a file that can be read by others.
+const std::string &requireDatabase(const std::string &database);
 
 /// Throws AdminError Refused when `file` is the database or one of the files that SQLite keeps beside it:
 /// what commands write must never hit these.

@@ -21,10 +21,16 @@ private:
     Kind m_kind;
 };
 
-/// It cannot be done as things are; to be thrown.
+// To be thrown.
+
 inline AdminError refused(const std::string &text)
 {
     return {AdminError::Kind::Refused, text};
+}
+
+inline AdminError notFound(const std::string &text)
+{
+    return {AdminError::Kind::NotFound, text};
 }
 
 } // namespace clockwell::server

@@ -1,8 +1,9 @@
 #include "server/admin/Audit.h"
 
 #include "server/admin/AdminError.h"
-#include "server/auth/Accounts.h"
+#include "server/admin/Employees.h"
 #include "server/storage/Instant.h"
+#include "server/storage/RowType.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -27,14 +28,14 @@ std::string operatingSystemUser()
     return "user " + std::to_string(user);
 }
 
-EmployeeEntry requireAdministrator(Connection &connection, const std::string &email)
+Employee requireAdministrator(Connection &connection, const std::string &email)
 {
-    EmployeeEntry person = requireEmployee(connection, email);
+    Employee person = requireEmployee(connection, email).employee;
     if (person.role != administratorRole || person.status != "APPROVED")
         throw refused(personText(person) + " has the role " + person.role + " and is " +
                       lowerAscii(person.status) + ". --as has to name an approved account with the role " +
                       administratorRole + ".");
-    if (hasLeft(connection, findEmployeeById(connection, person.id).value(), systemClock()()))
+    if (hasLeft(connection, person, systemClock()()))
         throw refused("The last day of " + personText(person) + " was " + *person.lastDay + ".");
     return person;
 }
@@ -48,10 +49,7 @@ std::optional<std::string> storedJson(const Json &json)
 
 std::string auditSql(const std::string &rest)
 {
-    return "SELECT number, at, os_user, administrator, command, subject, subject_id, day, reason, "
-           "value_before,"
-           " value_after FROM audit WHERE " +
-           rest + " ORDER BY number";
+    return "SELECT " + columnsOf<AuditEntry>("a") + " FROM audit a WHERE " + rest + " ORDER BY a.number";
 }
 
 Instant midnightUtc(Day day)
@@ -78,16 +76,16 @@ void Audit::add(const AuditedChange &change) const
         change.subjectId, change.day, change.reason, storedJson(change.before), storedJson(change.after));
 }
 
-std::vector<AuditEntry> listAudit(Connection &connection, const AuditWishes &wishes)
+std::vector<AuditEntry> listAudit(Connection &connection, const AuditFilter &filter)
 {
     static const std::string sql = auditSql("at >= :from AND at < :end");
     constexpr Day firstDay{};
     const Day lastDay = parseDay("9999-12-31").value();
-    const Day end = wishes.to.value_or(lastDay) + std::chrono::days{1};
-    auto entries = connection.all<AuditEntry>(sql, toMillis(midnightUtc(wishes.from.value_or(firstDay))),
+    const Day end = filter.to.value_or(lastDay) + std::chrono::days{1};
+    auto entries = connection.all<AuditEntry>(sql, toMillis(midnightUtc(filter.from.value_or(firstDay))),
                                               toMillis(midnightUtc(end)));
-    if (wishes.email) {
-        const std::string key = emailKey(*wishes.email);
+    if (filter.email) {
+        const std::string key = emailKey(*filter.email);
         std::erase_if(entries, [&](const AuditEntry &entry) {
             return emailKey(entry.subject) != key && emailKey(entry.administrator.value_or("")) != key;
         });

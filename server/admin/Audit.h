@@ -1,8 +1,8 @@
 #pragma once
 
 #include "server/admin/AdminJson.h"
-#include "server/admin/EmployeeLookup.h"
 #include "server/attendance/CalendarDay.h"
+#include "server/auth/Accounts.h"
 #include "server/storage/Connection.h"
 
 #include <optional>
@@ -34,13 +34,13 @@ public:
     Audit(Connection &connection, const std::optional<std::string> &as);
 
     /// The one who was named.
-    const std::optional<EmployeeEntry> &administrator() const { return m_administrator; }
+    const std::optional<Employee> &administrator() const { return m_administrator; }
 
     void add(const AuditedChange &change) const;
 
 private:
     Connection &m_connection;
-    std::optional<EmployeeEntry> m_administrator;
+    std::optional<Employee> m_administrator;
 };
 
 /// A change as it is kept. The schema refuses to change or to delete one.
@@ -58,6 +58,9 @@ struct AuditEntry
     std::optional<std::string> before; ///< JSON
     std::optional<std::string> after;  ///< JSON
 
+    static constexpr const char *columnNames =
+        "number at os_user administrator command subject subject_id day"
+        " reason value_before value_after";
     auto columns()
     {
         return std::tie(number, at, osUser, administrator, command, subject, subjectId, day, reason, before,
@@ -65,7 +68,8 @@ struct AuditEntry
     }
 };
 
-struct AuditWishes
+/// Which changes are listed.
+struct AuditFilter
 {
     std::optional<std::string> email; ///< only changes about or by this person
     std::optional<Day> from;          ///< only changes from this day on, UTC
@@ -73,7 +77,7 @@ struct AuditWishes
 };
 
 /// In the order in which the changes were made.
-std::vector<AuditEntry> listAudit(Connection &connection, const AuditWishes &wishes);
+std::vector<AuditEntry> listAudit(Connection &connection, const AuditFilter &filter);
 
 /// The corrections of an employee's day, in that order.
 std::vector<AuditEntry> listCorrections(Connection &connection, const std::string &employeeId, Day day);

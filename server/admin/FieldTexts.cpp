@@ -1,9 +1,10 @@
 #include "server/admin/FieldTexts.h"
 
-#include "server/admin/Table.h"
+#include "server/admin/Printable.h"
 #include "server/auth/Accounts.h"
 #include "server/auth/EmailAddress.h"
 #include "server/http/NumberText.h"
+#include "server/http/Utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -41,12 +42,6 @@ long long weekdaysOf(std::string_view part)
     return days;
 }
 
-std::size_t characterCount(std::string_view utf8)
-{
-    return static_cast<std::size_t>(std::count_if(
-        utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
-
 } // namespace
 
 std::optional<long long> parseWhole(std::string_view text, long long smallest, long long largest)
@@ -73,13 +68,6 @@ std::optional<long long> parseTimeOfDay(std::string_view text)
     if (!hours || !minutes || *hours * 60 + *minutes > endOfDay)
         return std::nullopt;
     return *hours * 60 + *minutes;
-}
-
-std::string timeOfDayText(long long minute)
-{
-    std::array<char, 48> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%02lld:%02lld", minute / 60, minute % 60);
-    return {text.data(), static_cast<std::size_t>(length)};
 }
 
 std::optional<long long> parseWeekdays(std::string_view text)

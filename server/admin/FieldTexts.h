@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/attendance/CalendarDay.h"
+
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -21,9 +23,8 @@ std::optional<long long> parseWhole(std::string_view text, long long smallest, l
 /// A finite decimal number within the range.
 std::optional<double> parseWithin(std::string_view text, double smallest, double largest);
 
-/// "HH:MM" from 00:00 to 24:00 as minutes from midnight, and back.
+/// "HH:MM" from 00:00 to 24:00 as minutes from midnight; timeOfDayText() turns them back.
 std::optional<long long> parseTimeOfDay(std::string_view text);
-std::string timeOfDayText(long long minute);
 
 inline constexpr std::array<const char *, 7> weekdayNames{"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
 

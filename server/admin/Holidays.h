@@ -1,8 +1,6 @@
 #pragma once
 
-#include "server/admin/CommandParts.h"
-#include "server/admin/OfficeLookup.h"
-#include "server/attendance/CalendarDay.h"
+#include "server/admin/Offices.h"
 
 #include <string>
 #include <tuple>
@@ -10,31 +8,29 @@
 
 namespace clockwell::server {
 
-/// A day on which an office is closed, as administrators see one.
-struct HolidayEntry
+/// A holiday and the office that is closed then.
+struct OfficeHoliday
 {
-    std::string officeId;
-    std::string officeName;
-    std::string companyName;
-    std::string day; ///< "yyyy-MM-dd"
-    std::string name;
+    Holiday holiday;
+    Office office;
+    Company company;
 
-    auto columns() { return std::tie(officeId, officeName, companyName, day, name); }
+    auto columns() { return std::tuple_cat(holiday.columns(), office.columns(), company.columns()); }
 };
 
-struct HolidayChange
+struct ChangedHoliday
 {
     Outcome outcome;
-    HolidayEntry entry;
+    OfficeHoliday holiday;
 };
 
 /// All holidays by day and office.
-std::vector<HolidayEntry> listHolidays(Connection &connection);
+std::vector<OfficeHoliday> listHolidays(Connection &connection);
 
 /// Closes the office on a day. Throws AdminError Refused when the day is a holiday of another name already.
-HolidayChange declareHoliday(Connection &connection, const std::string &office, Day day,
-                             const std::string &name);
+ChangedHoliday declareHoliday(Connection &connection, const std::string &officeName, Day day,
+                              const std::string &name);
 /// Opens it again. Throws AdminError NotFound when the day is none of the office's holidays.
-HolidayChange withdrawHoliday(Connection &connection, const std::string &office, Day day);
+ChangedHoliday withdrawHoliday(Connection &connection, const std::string &officeName, Day day);
 
 } // namespace clockwell::server

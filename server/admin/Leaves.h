@@ -1,8 +1,9 @@
 #pragma once
 
-#include "server/admin/CommandParts.h"
+#include "server/admin/Outcome.h"
 #include "server/attendance/CalendarDay.h"
-#include "server/storage/Connection.h"
+#include "server/attendance/WorkCalendar.h"
+#include "server/auth/Accounts.h"
 
 #include <optional>
 #include <string>
@@ -11,20 +12,17 @@
 
 namespace clockwell::server {
 
-/// Some days of leave, as administrators see them.
-struct LeaveEntry
+/// Some days of leave and the employee who has them.
+struct EmployeeLeave
 {
-    std::string id;
-    std::string email;
-    std::string fullName;
-    std::string firstDay; ///< "yyyy-MM-dd"
-    std::string lastDay;  ///< included
-    std::optional<std::string> reason;
+    Leave leave;
+    Employee employee;
 
-    auto columns() { return std::tie(id, email, fullName, firstDay, lastDay, reason); }
+    auto columns() { return std::tuple_cat(leave.columns(), employee.columns()); }
 };
 
-struct LeaveWishes
+/// Leave that is to be given.
+struct LeaveGrant
 {
     std::string email;
     Day firstDay;
@@ -32,22 +30,22 @@ struct LeaveWishes
     std::optional<std::string> reason;
 };
 
-struct LeaveChange
+struct ChangedLeave
 {
     Outcome outcome;
-    LeaveEntry entry;
+    EmployeeLeave leave;
 };
 
 /// All leave by first day and name.
-std::vector<LeaveEntry> listLeave(Connection &connection);
+std::vector<EmployeeLeave> listLeave(Connection &connection);
 
 // All are a part of the caller's transaction and throw AdminError when refused.
 
 /// Throws Refused when the last day is before the first, or when the employee has leave on one of the days.
-LeaveChange grantLeave(Connection &connection, const LeaveWishes &wishes);
+ChangedLeave grantLeave(Connection &connection, const LeaveGrant &grant);
 /// Throws NotFound when there is no leave with this identifier.
-LeaveChange withdrawLeave(Connection &connection, const std::string &id);
+ChangedLeave withdrawLeave(Connection &connection, const std::string &id);
 /// Throws NotFound when none of the employee's leave begins on this day.
-LeaveChange withdrawLeave(Connection &connection, const std::string &email, Day firstDay);
+ChangedLeave withdrawLeave(Connection &connection, const std::string &email, Day firstDay);
 
 } // namespace clockwell::server

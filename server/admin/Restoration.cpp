@@ -5,7 +5,6 @@
 #include "server/admin/Audit.h"
 #include "server/storage/Connection.h"
 #include "server/storage/DatabaseError.h"
-#include "server/storage/Migrations.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -49,41 +48,30 @@ void requireReplaceable(const std::string &database)
     }
 }
 
-/// Holds the database alone until the file is closed: with the mode "exclusive" no lock that was taken is
-/// given back, and leaving write-ahead logging fails as long as anybody else has the file open.
+/// Holds the database alone until the file is closed, and without a write-ahead log, past which its contents
+/// are replaced.
 void takeAlone(SqliteFile &live, const std::string &database)
 {
     try {
-        live.execute("PRAGMA locking_mode = EXCLUSIVE");
-        const std::string mode = live.value("PRAGMA journal_mode = DELETE");
-        live.execute("BEGIN EXCLUSIVE");
-        live.execute("COMMIT");
-        if (mode == "delete")
+        if (live.holdAlone() && live.value("PRAGMA journal_mode = DELETE") == "delete")
             return;
     } catch (const DatabaseError &error) {
         if (error.kind() == DatabaseError::Kind::Damaged)
             throw refused("The database " + database + " is too damaged to be replaced: " + error.what() +
                           "." + moveAway);
-        if (error.kind() != DatabaseError::Kind::Busy)
-            throw;
+        throw;
     }
     throw refused(
         "The database " + database +
         " is in use by a server or another program. Stop it, then restore again. Nothing was changed.");
 }
 
-/// Brings an older schema up to date, ends all sessions and codes and enters the restoration into the audit.
-void makeReady(const std::string &file, const AuditedChange &restoration,
-               const std::optional<std::string> &as)
+/// Ends all sessions and codes and enters the restoration into the audit.
+void makeReady(Connection &connection, const AuditedChange &restoration, const std::optional<std::string> &as)
 {
-    constexpr int busySeconds = 5;
-    Connection connection{file, busySeconds};
-    connection.execute("BEGIN IMMEDIATE");
-    migrate(connection);
     for (const char *table : {"codes", "access_tokens", "refresh_tokens", "token_families"})
         connection.execute(std::string{"DELETE FROM "} + table);
     Audit{connection, as}.add(restoration);
-    connection.execute("COMMIT");
 }
 
 } // namespace
@@ -110,15 +98,13 @@ void Restoration::prepare(const std::optional<std::string> &as)
     const std::string name = "The backup " + m_backup;
     try {
         SqliteFile backup{m_backup};
-        SqliteFile copy{m_prepared.unfinished()};
-        backup.copyTo(copy);
-        copy.execute("PRAGMA journal_mode = DELETE");
-        m_contents = requireSound(copy, name);
-        copy.close();
+        m_contents = copyChecked(backup, m_prepared.unfinished(), name);
         Json restored;
         restored["backup"] = m_backup;
         addContents(restored, m_contents);
-        makeReady(m_prepared.unfinished(), {"restore", m_database, "", std::nullopt, nullptr, restored}, as);
+        const AuditedChange change{"restore", m_database, "", std::nullopt, nullptr, restored};
+        bringUpToDate(m_prepared.unfinished(),
+                      [&](Connection &connection) { makeReady(connection, change, as); });
     } catch (const DatabaseError &error) {
         throw refused(name + " cannot be used: " + error.what() + ". Nothing was changed.");
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/admin/DatabaseCheck.h"
-#include "server/admin/NewFile.h"
+#include "server/admin/Backup.h"
 #include "server/storage/Instant.h"
+#include "server/storage/NewFile.h"
 
 #include <optional>
 #include <string>

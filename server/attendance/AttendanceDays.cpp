@@ -1,16 +1,17 @@
 #include "server/attendance/AttendanceDays.h"
 
 #include "server/auth/Tokens.h"
+#include "server/storage/RowType.h"
 
 namespace clockwell::server {
 
 namespace {
 
-const std::string attendanceColumns =
-    "SELECT id, work_date, scheduled_start_at, scheduled_end_at, grace_minutes, full_day_minutes, "
-    "check_in_at,"
-    " check_in_distance, check_out_at, check_out_distance FROM attendance WHERE employee_id = :employee";
-const std::string attendanceSelect = attendanceColumns + " AND check_in_at IS NOT NULL";
+std::string daysSql(const std::string &rest)
+{
+    return "SELECT " + columnsOf<AttendanceRow>("a") +
+           " FROM attendance a WHERE a.employee_id = :employee AND " + rest;
+}
 
 } // namespace
 
@@ -26,22 +27,22 @@ WorkedDay AttendanceRow::worked() const
 
 std::optional<AttendanceRow> findAttendanceOn(Connection &connection, const std::string &employeeId, Day day)
 {
-    static const std::string sql = attendanceSelect + " AND work_date = :day";
+    static const std::string sql = daysSql("a.check_in_at IS NOT NULL AND a.work_date = :day");
     return connection.first<AttendanceRow>(sql, employeeId, toText(day));
 }
 
 std::vector<AttendanceRow> findAttendance(Connection &connection, const std::string &employeeId, Day first,
                                           Day last)
 {
-    return connection.all<AttendanceRow>(attendanceSelect +
-                                             " AND work_date BETWEEN :first AND :last ORDER BY work_date",
-                                         employeeId, toText(first), toText(last));
+    static const std::string sql =
+        daysSql("a.check_in_at IS NOT NULL AND a.work_date BETWEEN :first AND :last ORDER BY a.work_date");
+    return connection.all<AttendanceRow>(sql, employeeId, toText(first), toText(last));
 }
 
 std::optional<AttendanceRow> findVoidedAttendance(Connection &connection, const std::string &employeeId,
                                                   Day day)
 {
-    static const std::string sql = attendanceColumns + " AND check_in_at IS NULL AND work_date = :day";
+    static const std::string sql = daysSql("a.check_in_at IS NULL AND a.work_date = :day");
     return connection.first<AttendanceRow>(sql, employeeId, toText(day));
 }
 

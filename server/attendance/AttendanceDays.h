@@ -26,6 +26,9 @@ struct AttendanceRow
     std::optional<long long> checkOutAt;
     std::optional<double> checkOutDistance;
 
+    static constexpr const char *columnNames =
+        "id work_date scheduled_start_at scheduled_end_at grace_minutes full_day_minutes check_in_at"
+        " check_in_distance check_out_at check_out_distance";
     auto columns()
     {
         return std::tie(id, workDate, scheduledStartAt, scheduledEndAt, graceMinutes, fullDayMinutes,

@@ -57,7 +57,7 @@ std::vector<Route> AttendanceEndpoints::routes()
 
 Response AttendanceEndpoints::today(const Request &request)
 {
-    const Employee employee = requireEmployee(m_sessions, request);
+    const Employee employee = requireCaller(m_sessions, request);
     return m_database.read([&](Connection &connection) {
         const Office office = requireOffice(connection, employee.officeId);
         const Day day = office.timeZone().dayOf(m_clock());
@@ -76,7 +76,7 @@ Response AttendanceEndpoints::today(const Request &request)
 
 Response AttendanceEndpoints::distance(const Request &request)
 {
-    const Employee employee = requireEmployee(m_sessions, request);
+    const Employee employee = requireCaller(m_sessions, request);
     std::vector<std::string> problems;
     const double latitude = degrees(request, "lat", largestLatitude, problems);
     const double longitude = degrees(request, "lng", largestLongitude, problems);
@@ -93,7 +93,7 @@ Response AttendanceEndpoints::distance(const Request &request)
 
 Response AttendanceEndpoints::punch(const Request &request)
 {
-    const Employee employee = requireEmployee(m_sessions, request);
+    const Employee employee = requireCaller(m_sessions, request);
     BodyReader body{request};
     PunchClaim claim;
     claim.latitude = body.number("lat", -largestLatitude, largestLatitude);
@@ -102,14 +102,35 @@ Response AttendanceEndpoints::punch(const Request &request)
     claim.deviceId = body.text("deviceId", longestPunchDeviceId);
     claim.mockLocation = body.boolean("isMockLocation");
     body.finish();
-    const PunchAnswer answer = m_punches.punch(employee, claim);
+    const PunchAnswer answer = record(employee, claim);
     spdlog::info("event=punch employee={} type={} request={}", employee.id, answer.type, request.requestId);
     return jsonReply(punchJson(answer));
 }
 
+PunchAnswer AttendanceEndpoints::record(const Employee &employee, const PunchClaim &claim)
+{
+    try {
+        PunchAnswer answer = m_punches.punch(employee, claim);
+        tell(answer.isRepeated ? "REPEATED" : answer.type);
+        return answer;
+    } catch (const ApiError &refusal) {
+        tell(refusal.error());
+        throw;
+    } catch (...) {
+        tell("FAILED");
+        throw;
+    }
+}
+
+void AttendanceEndpoints::tell(std::string_view outcome) const
+{
+    if (m_onPunch)
+        m_onPunch(outcome);
+}
+
 Response AttendanceEndpoints::history(const Request &request)
 {
-    const Employee employee = requireEmployee(m_sessions, request);
+    const Employee employee = requireCaller(m_sessions, request);
     const auto days = m_database.read([&](Connection &connection) {
         const Office office = requireOffice(connection, employee.officeId);
         const Day today = office.timeZone().dayOf(m_clock());
@@ -123,7 +144,7 @@ Response AttendanceEndpoints::history(const Request &request)
 
 Response AttendanceEndpoints::summary(const Request &request)
 {
-    const Employee employee = requireEmployee(m_sessions, request);
+    const Employee employee = requireCaller(m_sessions, request);
     const auto month = parseMonth(withAsciiDigits(queryValue(request, "month"))); // as the device writes them
     if (!month)
         throw ApiError{400, "VALIDATION_FAILED", "month must be a month like 2026-05."};

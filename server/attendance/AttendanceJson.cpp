@@ -2,9 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
-#include <cstdio>
-
 namespace clockwell::server {
 
 namespace {
@@ -21,14 +18,6 @@ void addTimes(Json &json, const AttendanceRow &row)
     json["checkInAt"] = toIsoText(fromMillis(row.checkInAt));
     if (row.checkOutAt)
         json["checkOutAt"] = toIsoText(fromMillis(*row.checkOutAt));
-}
-
-/// "HH:mm"; the end of the day is "24:00".
-std::string timeOfDay(long long minute)
-{
-    std::array<char, 48> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%02lld:%02lld", minute / 60, minute % 60);
-    return {text.data(), static_cast<std::size_t>(length)};
 }
 
 } // namespace
@@ -51,8 +40,8 @@ Json recordJson(const HistoryDay &day)
 Json officeJson(const Office &office)
 {
     return {{"name", office.name},
-            {"checkInTime", timeOfDay(office.hours.checkInMinute)},
-            {"checkOutTime", timeOfDay(office.hours.checkOutMinute)},
+            {"checkInTime", timeOfDayText(office.hours.checkInMinute)},
+            {"checkOutTime", timeOfDayText(office.hours.checkOutMinute)},
             {"radiusMeters", office.radiusMeters}};
 }
 

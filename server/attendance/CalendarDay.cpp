@@ -80,6 +80,13 @@ Day lastDayOf(Month month)
     return Day{month / std::chrono::last};
 }
 
+std::string timeOfDayText(long long minute)
+{
+    std::array<char, 48> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%02lld:%02lld", minute / 60, minute % 60);
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
 unsigned weekdayIndex(Day day)
 {
     return std::chrono::weekday{day}.iso_encoding() - 1;

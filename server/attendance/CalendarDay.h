@@ -27,6 +27,9 @@ Month monthOf(Day day);
 Day firstDayOf(Month month);
 Day lastDayOf(Month month);
 
+/// "HH:mm" for minutes from midnight; the end of the day is "24:00".
+std::string timeOfDayText(long long minute);
+
 /// 0 for Monday to 6 for Sunday.
 unsigned weekdayIndex(Day day);
 

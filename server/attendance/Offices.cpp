@@ -1,6 +1,7 @@
 #include "server/attendance/Offices.h"
 
 #include "server/http/ApiError.h"
+#include "server/storage/RowType.h"
 
 #include <GeographicLib/Geodesic.hpp>
 
@@ -26,11 +27,8 @@ double Office::distanceTo(double pointLatitude, double pointLongitude) const
 
 Office requireOffice(Connection &connection, const std::optional<std::string> &officeId)
 {
-    auto office = connection.first<Office>(
-        "SELECT id, name, latitude, longitude, radius_meters, max_accuracy_meters, time_zone, "
-        "check_in_minute,"
-        " check_out_minute, grace_minutes, full_day_minutes, working_weekdays FROM offices WHERE id = :id",
-        officeId);
+    static const std::string sql = "SELECT " + columnsOf<Office>("o") + " FROM offices o WHERE o.id = :id";
+    auto office = connection.first<Office>(sql, officeId);
     if (!office)
         throw ApiError{409, "NO_OFFICE", "No office is assigned to you yet. Please ask your administrator."};
     return *office;
@@ -39,16 +37,11 @@ Office requireOffice(Connection &connection, const std::optional<std::string> &o
 std::map<Day, std::string> findHolidays(Connection &connection, const std::string &officeId, Day first,
                                         Day last)
 {
-    struct Holiday
-    {
-        std::string day;
-        std::string name;
-        auto columns() { return std::tie(day, name); }
-    };
+    static const std::string sql = "SELECT " + columnsOf<Holiday>("h") +
+                                   " FROM holidays h WHERE h.office_id = :office"
+                                   " AND h.day BETWEEN :first AND :last";
     std::map<Day, std::string> holidays;
-    for (const Holiday &holiday : connection.all<Holiday>(
-             "SELECT day, name FROM holidays WHERE office_id = :office AND day BETWEEN :first AND :last",
-             officeId, toText(first), toText(last)))
+    for (const Holiday &holiday : connection.all<Holiday>(sql, officeId, toText(first), toText(last)))
         if (const auto day = parseDay(holiday.day))
             holidays.emplace(*day, holiday.name);
     return holidays;

@@ -16,6 +16,7 @@ namespace clockwell::server {
 struct Office
 {
     std::string id;
+    std::string companyId;
     std::string name;
     double latitude = 0;
     double longitude = 0;
@@ -24,17 +25,31 @@ struct Office
     std::string timeZoneName;
     OfficeHours hours;
 
+    static constexpr const char *columnNames =
+        "id company_id name latitude longitude radius_meters max_accuracy_meters time_zone check_in_minute"
+        " check_out_minute grace_minutes full_day_minutes working_weekdays";
     auto columns()
     {
-        return std::tie(id, name, latitude, longitude, radiusMeters, maxAccuracyMeters, timeZoneName,
-                        hours.checkInMinute, hours.checkOutMinute, hours.graceMinutes, hours.fullDayMinutes,
-                        hours.workingWeekdays);
+        return std::tie(id, companyId, name, latitude, longitude, radiusMeters, maxAccuracyMeters,
+                        timeZoneName, hours.checkInMinute, hours.checkOutMinute, hours.graceMinutes,
+                        hours.fullDayMinutes, hours.workingWeekdays);
     }
 
     /// Throws std::runtime_error when the machine does not know the zone.
     TimeZone timeZone() const;
     /// Metres between the office and a point, both on the WGS 84 ellipsoid; degrees.
     double distanceTo(double pointLatitude, double pointLongitude) const;
+};
+
+/// One row of the table of holidays: a day on which an office is closed.
+struct Holiday
+{
+    std::string officeId;
+    std::string day; ///< "yyyy-MM-dd"
+    std::string name;
+
+    static constexpr const char *columnNames = "office_id day name";
+    auto columns() { return std::tie(officeId, day, name); }
 };
 
 /// The office of an employee. Throws ApiError 409 when none is assigned.

@@ -8,8 +8,25 @@
 
 #include <chrono>
 #include <string>
+#include <tuple>
+#include <vector>
 
 namespace clockwell::server {
+
+/// One row of the table of punches: what came from the device, whatever counts by now.
+struct Punch
+{
+    std::string type; ///< "IN" or "OUT"
+    long long at = 0;
+    std::string deviceId;
+    double distance = 0; ///< metres between the punch and the office
+
+    static constexpr const char *columnNames = "type at device_id distance";
+    auto columns() { return std::tie(type, at, deviceId, distance); }
+};
+
+/// The punches of an employee's day, in the order in which they came.
+std::vector<Punch> findPunches(Connection &connection, const std::string &employeeId, Day day);
 
 /// What a device says about where it is.
 struct PunchClaim
@@ -28,7 +45,8 @@ struct PunchAnswer
     Assessment assessment;
     AttendanceRow row; ///< as it was right after the punch
     std::string officeName;
-    double distance = 0; ///< metres between the punch and the office
+    double distance = 0;     ///< metres between the punch and the office
+    bool isRepeated = false; ///< it had been recorded before
 };
 
 /// Decides and records punches. Safe on several threads; docs/server.md says the rules.

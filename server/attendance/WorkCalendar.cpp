@@ -1,5 +1,7 @@
 #include "server/attendance/WorkCalendar.h"
 
+#include "server/storage/RowType.h"
+
 #include <algorithm>
 
 namespace clockwell::server {
@@ -9,17 +11,11 @@ namespace {
 std::vector<std::pair<Day, Day>> findLeaves(Connection &connection, const std::string &employeeId, Day first,
                                             Day last)
 {
-    struct Leave
-    {
-        std::string firstDay;
-        std::string lastDay;
-        auto columns() { return std::tie(firstDay, lastDay); }
-    };
+    static const std::string sql = "SELECT " + columnsOf<Leave>("l") +
+                                   " FROM leaves l WHERE l.employee_id = :employee"
+                                   " AND l.last_day >= :first AND l.first_day <= :last";
     std::vector<std::pair<Day, Day>> leaves;
-    for (const Leave &leave :
-         connection.all<Leave>("SELECT first_day, last_day FROM leaves WHERE employee_id = :employee"
-                               " AND last_day >= :first AND first_day <= :last",
-                               employeeId, toText(first), toText(last))) {
+    for (const Leave &leave : connection.all<Leave>(sql, employeeId, toText(first), toText(last))) {
         const auto from = parseDay(leave.firstDay);
         const auto to = parseDay(leave.lastDay);
         if (from && to)

@@ -7,10 +7,24 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 namespace clockwell::server {
+
+/// One row of the table of leaves: some days off, in a row.
+struct Leave
+{
+    std::string id;
+    std::string employeeId;
+    std::string firstDay; ///< "yyyy-MM-dd"
+    std::string lastDay;  ///< included
+    std::optional<std::string> reason;
+
+    static constexpr const char *columnNames = "id employee_id first_day last_day reason";
+    auto columns() { return std::tie(id, employeeId, firstDay, lastDay, reason); }
+};
 
 /// An employee's calendar over a range of days: the office's weekdays and holidays, the employee's leave, the
 /// days they joined and leave for good. Read from the database once, then asked day by day.

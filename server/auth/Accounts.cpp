@@ -3,6 +3,7 @@
 #include "server/attendance/TimeZone.h"
 #include "server/auth/EmailAddress.h"
 #include "server/http/ApiError.h"
+#include "server/storage/RowType.h"
 
 #include <array>
 
@@ -36,24 +37,17 @@ std::string emailKey(std::string_view email)
     return lowerAscii(trimmed(email));
 }
 
-const std::string &employeeColumns()
-{
-    static const std::string columns =
-        "e.id, e.institute_id, e.office_id, e.full_name, e.email, e.phone, e.password_hash, e.role, e.status,"
-        " e.email_verified, e.joined_on, e.last_day";
-    return columns;
-}
-
 std::optional<Employee> findEmployeeByEmail(Connection &connection, std::string_view email)
 {
     static const std::string sql =
-        "SELECT " + employeeColumns() + " FROM employees e WHERE e.email_key = :key";
+        "SELECT " + columnsOf<Employee>("e") + " FROM employees e WHERE e.email_key = :key";
     return connection.first<Employee>(sql, emailKey(email));
 }
 
 std::optional<Employee> findEmployeeById(Connection &connection, const std::string &id)
 {
-    static const std::string sql = "SELECT " + employeeColumns() + " FROM employees e WHERE e.id = :id";
+    static const std::string sql =
+        "SELECT " + columnsOf<Employee>("e") + " FROM employees e WHERE e.id = :id";
     return connection.first<Employee>(sql, id);
 }
 

@@ -15,7 +15,7 @@ namespace clockwell::server {
 struct Employee
 {
     std::string id;
-    std::optional<std::string> instituteId;
+    std::optional<std::string> companyId;
     std::optional<std::string> officeId;
     std::string fullName;
     std::string email;
@@ -27,9 +27,11 @@ struct Employee
     std::string joinedOn;               ///< "yyyy-MM-dd", in the office's calendar
     std::optional<std::string> lastDay; ///< likewise, the last date of the employment, if one is known
 
+    static constexpr const char *columnNames = "id company_id office_id full_name email phone password_hash"
+                                               " role status email_verified joined_on last_day";
     auto columns()
     {
-        return std::tie(id, instituteId, officeId, fullName, email, phone, passwordHash, role, status,
+        return std::tie(id, companyId, officeId, fullName, email, phone, passwordHash, role, status,
                         emailVerified, joinedOn, lastDay);
     }
 };
@@ -46,9 +48,6 @@ std::optional<Employee> findEmployeeById(Connection &connection, const std::stri
 
 /// Of an e-mail to the account: who has not proven the address may be anybody.
 Precedence precedenceOf(const Employee &employee);
-
-/// The columns of `Employee`, in its order, for queries elsewhere that join the table under the name `e`.
-const std::string &employeeColumns();
 
 /// Whether the employee's last day is over, on the clock of their office or, without one, in UTC.
 bool hasLeft(Connection &connection, const Employee &employee, Instant now);

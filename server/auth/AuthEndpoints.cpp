@@ -31,8 +31,8 @@ Json userJson(const Employee &employee)
         json["phone"] = *employee.phone;
     json["role"] = employee.role;
     json["status"] = employee.status;
-    if (employee.instituteId)
-        json["instituteId"] = *employee.instituteId;
+    if (employee.companyId)
+        json["instituteId"] = *employee.companyId;
     if (employee.officeId)
         json["officeLocationId"] = *employee.officeId;
     return json;
@@ -56,8 +56,10 @@ Response AuthEndpoints::login(const Request &request)
     const std::string password = body.password("password");
     const std::string deviceId = body.text("deviceId", longestDeviceId);
     body.finish();
-    Employee employee = checkedEmployee(email, password, request);
-    auto pair = m_sessions.start(employee, deviceId);
+    const std::string account = emailKey(email);
+    auto attempt = m_throttle.begin(account, request.remoteAddress);
+    Employee employee = checkedEmployee(account, password, attempt, request);
+    auto pair = start(employee, deviceId, attempt);
     if (!pair && isStillRight(employee, password))
         pair = m_sessions.start(employee, deviceId);
     if (!pair)
@@ -70,12 +72,9 @@ Response AuthEndpoints::login(const Request &request)
 }
 
 /// The same answer after the same work, whether the address is unknown or the password is wrong.
-Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::string &password,
-                                        const Request &request)
+Employee AuthEndpoints::checkedEmployee(const std::string &account, const std::string &password,
+                                        LoginThrottle::Attempt &attempt, const Request &request)
 {
-    const std::string account = emailKey(email);
-    auto fromNetwork = m_networkFailures.begin(request.remoteAddress);
-    auto attempt = m_throttle.begin(account, request.remoteAddress);
     std::string standIn;
     auto employee = m_database.read([&](Connection &connection) {
         standIn = m_standIns.hashFor(connection, account);
@@ -84,13 +83,35 @@ Employee AuthEndpoints::checkedEmployee(const std::string &email, const std::str
     const bool matches =
         m_passwords.matches(employee ? employee->passwordHash : standIn, password) && employee;
     if (!matches) {
-        fromNetwork.wasWrong();
         attempt.wasWrong();
         spdlog::info("event=signInRefused request={}", request.requestId);
         throw invalidCredentials();
     }
-    attempt.wasRight();
     return std::move(*employee);
+}
+
+/// The session of a right password, and the end of what counted against it, in one transaction.
+std::optional<TokenPair> AuthEndpoints::start(const Employee &employee, const std::string &deviceId,
+                                              LoginThrottle::Attempt &attempt)
+{
+    std::optional<ApiError> refusal;
+    bool tidy = m_sessions.hasLeftovers();
+    auto pair = m_database.write([&](Connection &connection) -> std::optional<TokenPair> {
+        refusal.reset();
+        std::optional<TokenPair> tokens;
+        try {
+            tokens = m_sessions.start(connection, employee, deviceId, tidy);
+        } catch (const ApiError &error) {
+            refusal = error; // of the account: the password was right all the same
+        }
+        // Last, for it reads where all attempts are written: those that come in between should be few.
+        attempt.forgive(connection);
+        return tokens;
+    });
+    attempt.wasJudged();
+    if (refusal)
+        throw ApiError{*refusal};
+    return pair;
 }
 
 /// After another sign-in has stored the same password anew; the employee becomes what is stored now.
@@ -134,7 +155,7 @@ Response AuthEndpoints::refresh(const Request &request)
 
 Response AuthEndpoints::me(const Request &request)
 {
-    return jsonReply(userJson(requireEmployeeFirst(m_sessions, request)));
+    return jsonReply(userJson(requireCallerFirst(m_sessions, request)));
 }
 
 } // namespace clockwell::server

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "server/auth/LoginThrottle.h"
-#include "server/auth/NetworkFailures.h"
 #include "server/auth/Passwords.h"
 #include "server/auth/Sessions.h"
 #include "server/auth/StandIns.h"
@@ -9,6 +8,8 @@
 #include "server/http/Router.h"
 #include "server/storage/Database.h"
 
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace clockwell::server {
@@ -17,14 +18,12 @@ namespace clockwell::server {
 class AuthEndpoints
 {
 public:
-    AuthEndpoints(Database &database, Passwords &passwords, LoginThrottle &throttle,
-                  NetworkFailures &networkFailures, Sessions &sessions)
+    AuthEndpoints(Database &database, Passwords &passwords, LoginThrottle &throttle, Sessions &sessions)
         : m_database(database),
           m_passwords(passwords),
           m_throttle(throttle),
-          m_networkFailures(networkFailures),
           m_sessions(sessions),
-          m_standIns(passwords.nobodysHash())
+          m_standIns(database, passwords.nobodysHash())
     {}
 
     std::vector<Route> routes();
@@ -33,14 +32,16 @@ private:
     Response login(const Request &request);
     Response refresh(const Request &request);
     Response me(const Request &request);
-    Employee checkedEmployee(const std::string &email, const std::string &password, const Request &request);
+    Employee checkedEmployee(const std::string &account, const std::string &password,
+                             LoginThrottle::Attempt &attempt, const Request &request);
+    std::optional<TokenPair> start(const Employee &employee, const std::string &deviceId,
+                                   LoginThrottle::Attempt &attempt);
     bool isStillRight(Employee &employee, const std::string &password);
     void storeAtTodaysCost(const Employee &employee, const std::string &password, const Request &request);
 
     Database &m_database;
     Passwords &m_passwords;
     LoginThrottle &m_throttle;
-    NetworkFailures &m_networkFailures;
     Sessions &m_sessions;
     StandIns m_standIns;
 };

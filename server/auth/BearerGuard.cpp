@@ -34,7 +34,7 @@ std::string requireBearerToken(const Request &request)
 
 } // namespace
 
-Employee requireEmployee(Sessions &sessions, const Request &request)
+Employee requireCaller(Sessions &sessions, const Request &request)
 {
     return requireSignedIn(sessions, request).employee;
 }
@@ -44,7 +44,7 @@ SignedIn requireSignedIn(Sessions &sessions, const Request &request)
     return sessions.signedIn(requireBearerToken(request));
 }
 
-Employee requireEmployeeFirst(Sessions &sessions, const Request &request)
+Employee requireCallerFirst(Sessions &sessions, const Request &request)
 {
     return sessions.signedInFirst(requireBearerToken(request)).employee;
 }

@@ -1,10 +1,12 @@
 #include "server/auth/BodyReader.h"
 
+#include "server/auth/Accounts.h"
 #include "server/auth/EmailAddress.h"
 #include "server/auth/PasswordText.h"
 #include "server/auth/Passwords.h"
 #include "server/http/ApiError.h"
 #include "server/http/NumberText.h"
+#include "server/http/Utf8.h"
 
 #include <algorithm>
 #include <iterator>
@@ -20,23 +22,7 @@ constexpr std::size_t longestCode = 64; // characters
 /// The media type without its parameters, in lower case.
 std::string mediaType(std::string_view contentType)
 {
-    std::string type{contentType.substr(0, contentType.find_first_of("; \t"))};
-    std::ranges::transform(type, type.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return type;
-}
-
-bool isControl(char c)
-{
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7f;
-}
-
-std::size_t characterCount(std::string_view utf8)
-{
-    return static_cast<std::size_t>(std::ranges::count_if(
-        utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+    return lowerAscii(contentType.substr(0, contentType.find_first_of("; \t")));
 }
 
 /// What people type has a name for people; the rest has the one that a programmer looks for.

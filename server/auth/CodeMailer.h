@@ -1,10 +1,12 @@
 #pragma once
 
+#include "server/auth/Accounts.h"
 #include "server/auth/CodeRequests.h"
 #include "server/auth/Codes.h"
 #include "server/mail/SendMail.h"
 #include "server/storage/Database.h"
 
+#include <optional>
 #include <string>
 
 namespace clockwell::server {
@@ -25,8 +27,8 @@ public:
     void send(const std::string &emailKey, const std::string &remoteAddress, Why why);
 
 private:
-    void store(Connection &connection, const Codes::Asked &asked, const Codes::Fresh &fresh, Why why,
-               bool keepOld) const;
+    bool store(Connection &connection, const Codes::Asked &asked, const Codes::Fresh &fresh, Why why,
+               const std::optional<Employee> &employee) const;
 
     Database &m_database;
     Codes &m_codes;

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <map>
 #include <tuple>
-#include <utility>
 
 namespace clockwell::server {
 
@@ -20,6 +19,8 @@ namespace {
 constexpr std::size_t codeDigits = 6;
 constexpr std::uint32_t codeCount = 1'000'000;
 constexpr long long fewExpiredCodes = 20;
+constexpr long long fewEntries = 4;
+constexpr const char *triesComplaint = "Too many wrong codes came from this network.";
 
 const char *nameOf(CodePurpose purpose)
 {
@@ -70,7 +71,13 @@ struct Codes::UnderWay
 struct Codes::Try
 {
     std::vector<UnderWay> codes;
-    bool single = false; ///< the first code alone is enough
+    bool single = false;                     ///< the first code alone is enough
+    std::string spentTry;                    ///< of the network's allowance
+    std::optional<std::string> spentGuesses; ///< likewise, when the first code alone is enough
+
+    double mayHit() const { return static_cast<double>(codes.size()); }
+    /// Of the network's allowance: also where there is nothing to guess, for that must not show.
+    double guesses() const { return std::max(1.0, mayHit()); }
 };
 
 /// Positions in a list of codes.
@@ -86,9 +93,8 @@ Codes::Codes(Database &database, PasswordCost cost, const Clock &clock, const Co
       m_clock(clock),
       m_lifetime(limits.lifetime),
       m_wrongCodes(limits.wrongCodes),
-      m_wrongPerNetwork(limits.wrongPerNetwork, clock),
-      m_triesPerNetwork(limits.triesPerNetwork, clock),
-      m_lastEntered(limits.triesPerNetwork.entries)
+      m_wrongPerNetwork("CODE_GUESS", limits.wrongPerNetwork),
+      m_triesPerNetwork("CODE_TRY", limits.triesPerNetwork)
 {}
 
 Codes::Fresh Codes::make(const std::string &emailKey)
@@ -137,20 +143,43 @@ void Codes::revoke(Connection &connection, const std::string &emailKey)
     connection.execute("DELETE FROM codes WHERE email_key = :key", emailKey);
 }
 
-/// In a transaction of its own: a try counts, whatever becomes of its request.
-Codes::Try Codes::begin(const std::string &emailKey, bool networkMayTrySingle)
+/// In a transaction of its own: a try counts, whatever becomes of its request. Reading first: refused tries
+/// must not hold up those who write.
+Codes::Try Codes::begin(const std::string &emailKey, const std::string &network)
 {
+    const Instant now = m_clock();
+    Allowance::State tries;
+    Allowance::State guesses;
+    const auto look = [&](Connection &connection) {
+        tries = m_triesPerNetwork.look(connection, network, now);
+        guesses = m_wrongPerNetwork.look(connection, network, now);
+    };
+    m_database.read(look);
+    if (tries.isAhead || guesses.isAhead)
+        m_database.write([&](Connection &connection) {
+            m_triesPerNetwork.settle(connection, network, now);
+            m_wrongPerNetwork.settle(connection, network, now);
+            look(connection);
+        });
+    m_triesPerNetwork.require(tries, triesComplaint);
     return m_database.write([&](Connection &connection) {
-        const Instant now = m_clock();
         Try attempt;
+        if (m_triesPerNetwork.isSpent(connection, network, tries, now))
+            m_triesPerNetwork.require(tries, triesComplaint);
+        attempt.spentTry = m_triesPerNetwork.spend(connection, network, tries, 1, now);
         attempt.codes = connection.all<UnderWay>(
             "SELECT id, purpose, sign_up_id, salt, hash, second_hash FROM codes WHERE email_key = :key"
             " AND expires_at > :now",
             emailKey, toMillis(now));
         // Without a code there is nothing to guess, and nobody can fill the table with addresses.
-        const auto hits = static_cast<double>(attempt.codes.size());
-        attempt.single = networkMayTrySingle &&
-                         (attempt.codes.empty() || m_wrongCodes.spend(connection, emailKey, hits, now));
+        attempt.single =
+            !m_wrongPerNetwork.isSpent(connection, network, guesses, now) &&
+            (attempt.codes.empty() || m_wrongCodes.spend(connection, emailKey, attempt.mayHit(), now));
+        if (attempt.single)
+            attempt.spentGuesses =
+                m_wrongPerNetwork.spend(connection, network, guesses, attempt.guesses(), now);
+        m_triesPerNetwork.tidy(connection, network, tries, now);
+        m_wrongPerNetwork.tidy(connection, network, guesses, now);
         return attempt;
     });
 }
@@ -175,45 +204,71 @@ Codes::Hits Codes::compare(const std::vector<UnderWay> &codes, std::string_view 
     return hits;
 }
 
-/// The code whose first part was this network's last entry for the address and whose second part is this one.
-std::optional<std::size_t> Codes::secondStep(const std::string &key, const std::vector<UnderWay> &codes,
-                                             const Hits &hits)
+/// The code that was entered, if it was the right one: then the network gets back what the try has spent.
+std::optional<std::size_t> Codes::conclude(const std::string &emailKey, const std::string &network,
+                                           const Try &attempt, const Hits &hits) const
 {
-    std::vector<std::string> last;
-    last.reserve(hits.first.size());
+    if (attempt.single && hits.first.empty())
+        return {};
+    return m_database.write([&](Connection &connection) {
+        std::optional<std::size_t> match;
+        if (attempt.single)
+            match = hits.first.front();
+        else
+            match = secondStep(connection, emailKey, network, attempt, hits);
+        const Instant now = m_clock();
+        if (match)
+            m_triesPerNetwork.giveBack(connection, network, attempt.spentTry, 1, now);
+        if (match && attempt.spentGuesses)
+            m_wrongPerNetwork.giveBack(connection, network, *attempt.spentGuesses, attempt.guesses(), now);
+        return match;
+    });
+}
+
+/// The code whose first part was this network's last entry for the address and whose second part is this one.
+std::optional<std::size_t> Codes::secondStep(Connection &connection, const std::string &emailKey,
+                                             const std::string &network, const Try &attempt,
+                                             const Hits &hits) const
+{
+    std::string entered; // an identifier has no blank
     for (const std::size_t i : hits.first)
-        last.push_back(codes[i].id);
-    {
-        const std::lock_guard lock{m_lock};
-        std::swap(last, m_lastEntered.write(key));
-    }
-    const auto both = std::ranges::find_if(
-        hits.second, [&](std::size_t i) { return std::ranges::find(last, codes[i].id) != last.end(); });
+        entered += attempt.codes[i].id + ' ';
+    const std::string last = exchangeEntered(connection, emailKey, network, entered);
+    const auto both = std::ranges::find_if(hits.second, [&](std::size_t i) {
+        return last.find(attempt.codes[i].id + ' ') != std::string::npos;
+    });
     return both == hits.second.end() ? std::nullopt : std::optional{*both};
+}
+
+/// What was the last entry so far. Stores that there was no right one, too: both take the same time.
+std::string Codes::exchangeEntered(Connection &connection, const std::string &emailKey,
+                                   const std::string &network, const std::string &codeIds) const
+{
+    const Instant now = m_clock();
+    const auto last = connection.first<SingleColumn<std::string>>(
+        "SELECT code_ids FROM entered_codes WHERE email_key = :key AND network = :network", emailKey,
+        network);
+    connection.execute("DELETE FROM entered_codes WHERE (email_key, network) IN (SELECT email_key, network"
+                       " FROM entered_codes WHERE ends_at <= :now ORDER BY ends_at LIMIT :few)",
+                       toMillis(now), fewEntries);
+    connection.execute("INSERT INTO entered_codes (email_key, network, code_ids, ends_at)"
+                       " VALUES (:key, :network, :ids, :end) ON CONFLICT (email_key, network)"
+                       " DO UPDATE SET code_ids = excluded.code_ids, ends_at = excluded.ends_at",
+                       emailKey, network, codeIds, toMillis(now + m_lifetime));
+    return last ? last->value : std::string{};
 }
 
 Codes::Match Codes::judge(const std::string &emailKey, std::string_view code,
                           const std::string &remoteAddress)
 {
     const std::string network = networkOf(remoteAddress);
-    m_triesPerNetwork.take(network, "Too many wrong codes came from this network.");
-    const Try attempt = begin(emailKey, !m_wrongPerNetwork.isSpent(network));
-    const auto mayHit = static_cast<double>(attempt.codes.size());
-    if (attempt.single)
-        m_wrongPerNetwork.spend(network, std::max(1.0, mayHit));
+    const Try attempt = begin(emailKey, network);
     const Hits hits = compare(attempt.codes, code);
-    std::optional<std::size_t> match;
-    if (!attempt.single)
-        match = secondStep(network + ' ' + emailKey, attempt.codes, hits);
-    else if (!hits.first.empty())
-        match = hits.first.front();
+    const auto match = conclude(emailKey, network, attempt, hits);
     if (!match)
         throw attempt.single ? invalidCode() : bothCodesNeeded();
-    m_triesPerNetwork.giveBack(network);
-    if (attempt.single)
-        m_wrongPerNetwork.giveBack(network, std::max(1.0, mayHit));
     const UnderWay &right = attempt.codes[*match];
-    return {right.id, purposeOf(right.purpose), right.signUpId, attempt.single ? mayHit : 0};
+    return {right.id, purposeOf(right.purpose), right.signUpId, attempt.single ? attempt.mayHit() : 0};
 }
 
 void Codes::consume(Connection &connection, const std::string &emailKey, const Match &match) const

@@ -8,7 +8,6 @@
 #include "server/storage/Instant.h"
 
 #include <chrono>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -91,10 +90,15 @@ private:
     struct UnderWay;
     struct Try;
     struct Hits;
-    Try begin(const std::string &emailKey, bool networkMayTrySingle);
+    Try begin(const std::string &emailKey, const std::string &network);
     Hits compare(const std::vector<UnderWay> &codes, std::string_view code) const;
-    std::optional<std::size_t> secondStep(const std::string &key, const std::vector<UnderWay> &codes,
-                                          const Hits &hits);
+    std::optional<std::size_t> conclude(const std::string &emailKey, const std::string &network,
+                                        const Try &attempt, const Hits &hits) const;
+    std::optional<std::size_t> secondStep(Connection &connection, const std::string &emailKey,
+                                          const std::string &network, const Try &attempt,
+                                          const Hits &hits) const;
+    std::string exchangeEntered(Connection &connection, const std::string &emailKey,
+                                const std::string &network, const std::string &codeIds) const;
 
     Database &m_database;
     PasswordCost m_cost;
@@ -103,9 +107,6 @@ private:
     WrongCodes m_wrongCodes;
     Allowance m_wrongPerNetwork;
     Allowance m_triesPerNetwork;
-    std::mutex m_lock; // guards m_lastEntered
-    /// By network and address: the codes whose first part was the last that was entered, if both are needed.
-    RecentMap<std::vector<std::string>> m_lastEntered;
 };
 
 /// The one refusal of every code that is wrong, expired, used, ended or was never sent.

@@ -70,10 +70,10 @@ Response PasswordEndpoints::reset(const Request &request)
         storePassword(connection, employee->id, hash);
         Codes::revoke(connection, key);
         m_sessions.endAll(connection, employee->id);
+        m_requests.forget(connection, request.remoteAddress);
+        m_throttle.forgetAccount(connection, key);
         return employee->id;
     });
-    m_requests.forget(request.remoteAddress);
-    m_throttle.forgetAccount(key);
     spdlog::info("event=passwordReset employee={} request={}", id, request.requestId);
     return jsonReply({{"message", "Your new password is set. Please sign in with it."}});
 }
@@ -86,7 +86,7 @@ Response PasswordEndpoints::change(const Request &request)
     const std::string next = body.newPassword("newPassword");
     body.finish();
     const std::string account = emailKey(caller.employee.email);
-    auto attempt = m_throttle.begin(account, request.remoteAddress, "Too many wrong passwords.");
+    auto attempt = m_throttle.beginChange(account, request.remoteAddress);
     if (!m_passwords.matches(caller.employee.passwordHash, current)) {
         attempt.wasWrong();
         throw wrongPassword();

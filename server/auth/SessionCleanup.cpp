@@ -34,6 +34,16 @@ void removeSession(Connection &connection, const std::string &id)
 
 } // namespace
 
+bool hasEndedSessions(Connection &connection, Instant now)
+{
+    for (const char *ended : {"SELECT expires_at FROM access_tokens WHERE expires_at <= :now LIMIT 1",
+                              "SELECT expires_at FROM refresh_tokens WHERE expires_at <= :now LIMIT 1",
+                              "SELECT ends_at FROM token_families WHERE ends_at <= :now LIMIT 1"})
+        if (connection.first<SingleColumn<long long>>(ended, toMillis(now)))
+            return true;
+    return false;
+}
+
 void removeSomeEndedSessions(Connection &connection, Instant now)
 {
     removeSomeTokens(connection, "expires_at <= :value ORDER BY expires_at", toMillis(now));

@@ -3,8 +3,11 @@
 #include "server/auth/SessionCleanup.h"
 #include "server/auth/Tokens.h"
 #include "server/auth/TooManyAttempts.h"
+#include "server/storage/RowType.h"
 
 #include <spdlog/spdlog.h>
+
+#include <utility>
 
 namespace clockwell::server {
 
@@ -41,20 +44,32 @@ struct Sessions::PresentedToken
 
 std::optional<TokenPair> Sessions::start(const Employee &checked, const std::string &deviceId)
 {
-    return m_database.write([&](Connection &connection) -> std::optional<TokenPair> {
-        const auto employee = findEmployeeById(connection, checked.id);
-        if (!employee || employee->passwordHash != checked.passwordHash)
-            return std::nullopt;
-        const Instant now = m_clock();
-        requireUsable(connection, *employee, now);
+    bool tidy = hasLeftovers();
+    return m_database.write(
+        [&](Connection &connection) { return start(connection, checked, deviceId, tidy); });
+}
+
+bool Sessions::hasLeftovers() const
+{
+    return m_database.read([&](Connection &connection) { return hasEndedSessions(connection, m_clock()); });
+}
+
+std::optional<TokenPair> Sessions::start(Connection &connection, const Employee &checked,
+                                         const std::string &deviceId, bool &tidy) const
+{
+    const auto employee = findEmployeeById(connection, checked.id);
+    if (!employee || employee->passwordHash != checked.passwordHash)
+        return std::nullopt;
+    const Instant now = m_clock();
+    requireUsable(connection, *employee, now);
+    if (std::exchange(tidy, false))
         removeSomeEndedSessions(connection, now);
-        const std::string familyId = newId();
-        connection.execute(
-            "INSERT INTO token_families (id, employee_id, device_id, created_at, generation, ends_at)"
-            " VALUES (:id, :employee, :device, :now, 0, :end)",
-            familyId, checked.id, deviceId, toMillis(now), endOf(now));
-        return issue(connection, familyId, 1, now);
-    });
+    const std::string familyId = newId();
+    connection.execute(
+        "INSERT INTO token_families (id, employee_id, device_id, created_at, generation, ends_at)"
+        " VALUES (:id, :employee, :device, :now, 0, :end)",
+        familyId, checked.id, deviceId, toMillis(now), endOf(now));
+    return issue(connection, familyId, 1, now);
 }
 
 TokenPair Sessions::refresh(const std::string &refreshToken)
@@ -63,21 +78,29 @@ TokenPair Sessions::refresh(const std::string &refreshToken)
     const auto began = Wait::Clock::now();
     Wait wait = renewalWait(began);
     // Reading first: whoever guesses tokens must not hold up those who write.
-    const PresentedToken found =
-        m_database.read(wait, [&](Connection &connection) { return requirePresented(connection, hash); });
+    bool tidy = false;
+    const PresentedToken found = m_database.read(wait, [&](Connection &connection) {
+        PresentedToken presented = requirePresented(connection, hash);
+        tidy = hasEndedSessions(connection, m_clock());
+        return presented;
+    });
     wait.first = m_limit.take(found.employeeId, began) == std::chrono::milliseconds{0};
     const auto work = [&](Connection &connection) {
         const PresentedToken token = requirePresented(connection, hash);
         const Instant now = m_clock();
         requireUsable(connection, findEmployeeById(connection, token.employeeId).value(), now);
-        removeSomeEndedSessions(connection, now);
+        if (std::exchange(tidy, false)) // not when this runs again, perhaps because of it
+            removeSomeEndedSessions(connection, now);
         return exchange(connection, token, hash);
     };
     try {
         const auto pair = m_database.write(wait, work);
         m_patience.succeeded();
-        if (!pair)
+        if (!pair) {
+            spdlog::warn("event=sessionRevoked reason=replay employee={} session={}", found.employeeId,
+                         found.familyId);
             throw sessionEnded();
+        }
         return *pair;
     } catch (const DatabaseError &error) {
         if (error.kind() == DatabaseError::Kind::Busy)
@@ -116,8 +139,6 @@ std::optional<TokenPair> Sessions::exchange(Connection &connection, const Presen
     else {
         connection.execute("UPDATE token_families SET revoked_at = :now, ends_at = :end WHERE id = :id",
                            millis, millis, token.familyId);
-        spdlog::warn("event=sessionRevoked reason=replay employee={} session={}", token.employeeId,
-                     token.familyId);
         return std::nullopt;
     }
     return issue(connection, token.familyId, token.generation + 1, now);
@@ -127,7 +148,7 @@ SignedIn Sessions::signedIn(const std::string &accessToken)
 {
     auto caller =
         m_database.read([&](Connection &connection) { return requireSignedIn(connection, accessToken); });
-    const auto wait = m_limit.take(caller.employee.id, AccountLimit::Clock::now());
+    const auto wait = m_limit.take(caller.employee.id, TokenBuckets::Clock::now());
     if (wait > std::chrono::milliseconds{0})
         throw tooManyRequests(wait);
     return caller;
@@ -142,7 +163,7 @@ SignedIn Sessions::signedInFirst(const std::string &accessToken)
 
 SignedIn Sessions::requireSignedIn(Connection &connection, const std::string &accessToken) const
 {
-    static const std::string sql = "SELECT f.id, " + employeeColumns() +
+    static const std::string sql = "SELECT f.id, " + columnsOf<Employee>("e") +
                                    " FROM access_tokens a JOIN token_families f ON f.id = a.family_id"
                                    " JOIN employees e ON e.id = f.employee_id"
                                    " WHERE a.hash = :hash AND a.expires_at > :now AND f.revoked_at IS NULL";

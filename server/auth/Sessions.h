@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/auth/AccountLimit.h"
 #include "server/auth/Accounts.h"
 #include "server/auth/RenewalPatience.h"
+#include "server/http/TokenBuckets.h"
 #include "server/storage/Database.h"
 #include "server/storage/Instant.h"
 
@@ -24,6 +24,10 @@ struct SessionLifetimes
     std::chrono::milliseconds patience{std::chrono::seconds{20}};
 };
 
+/// Requests that one account may make, wherever they come from.
+inline constexpr TokenLimits accountLimits{
+    .perMinute = 240, .burst = 120, .crowd = TokenLimits::Crowd::ForgetOldest};
+
 struct TokenPair
 {
     std::string accessToken;
@@ -44,7 +48,8 @@ struct SignedIn
 class Sessions
 {
 public:
-    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {}, AccountLimits limits = {})
+    Sessions(Database &database, Clock clock, SessionLifetimes lifetimes = {},
+             const TokenLimits &limits = accountLimits)
         : m_database(database),
           m_clock(std::move(clock)),
           m_lifetimes(lifetimes),
@@ -56,6 +61,13 @@ public:
     /// was checked has been replaced since: its check takes a while, and what ended the sessions meanwhile
     /// did not know of this one. Throws ApiError 403 for an account that may no longer sign in.
     std::optional<TokenPair> start(const Employee &checked, const std::string &deviceId);
+    /// The same as part of the caller's transaction, in which nothing was changed when it throws. `tidy`:
+    /// from hasLeftovers(); false afterwards, so that a transaction that has to run again because of this
+    /// runs without it.
+    std::optional<TokenPair> start(Connection &connection, const Employee &checked,
+                                   const std::string &deviceId, bool &tidy) const;
+    /// Whether there are sessions that are over, a few of which the start of another one removes.
+    bool hasLeftovers() const;
 
     /// Exchanges a refresh token for a new pair, before everybody else who waits for the database. Throws
     /// ApiError 401 for one that is unknown, expired, revoked or replayed (which ends the family), and 403
@@ -91,7 +103,7 @@ private:
     Database &m_database;
     Clock m_clock;
     SessionLifetimes m_lifetimes;
-    AccountLimit m_limit;
+    TokenBuckets m_limit; // by account
     RenewalPatience m_patience;
 };
 

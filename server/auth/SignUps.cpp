@@ -2,8 +2,7 @@
 
 #include "server/attendance/CalendarDay.h"
 #include "server/auth/Tokens.h"
-
-#include <tuple>
+#include "server/storage/RowType.h"
 
 namespace clockwell::server {
 
@@ -11,18 +10,6 @@ namespace {
 
 constexpr long long mostRivals = 8;      // beside those whose code is under way
 constexpr long long fewLeftAccounts = 5; // more than one sign-up adds
-
-struct SignUp
-{
-    std::string id;
-    Applicant applicant;
-    std::string passwordHash;
-    auto columns()
-    {
-        return std::tie(id, applicant.fullName, applicant.email, applicant.phone, applicant.instituteId,
-                        passwordHash);
-    }
-};
 
 Day utcDayOf(Instant instant)
 {
@@ -45,7 +32,7 @@ bool saysTheSame(const Employee &employee, const Applicant &applicant)
 {
     return employee.fullName == applicant.fullName && employee.email == applicant.email &&
            employee.phone == applicant.phone &&
-           (employee.officeId || employee.instituteId == applicant.instituteId);
+           (employee.officeId || employee.companyId == applicant.companyId);
 }
 
 /// The office, and with it the company, and what was refused stay. An approval was for who stood there.
@@ -53,12 +40,12 @@ void replaceDetails(Connection &connection, const Employee &employee, const Appl
 {
     if (saysTheSame(employee, applicant))
         return;
-    const auto institute = employee.officeId ? employee.instituteId : applicant.instituteId;
-    connection.execute("UPDATE employees SET institute_id = :institute, full_name = :name, email = :email,"
+    const auto company = employee.officeId ? employee.companyId : applicant.companyId;
+    connection.execute("UPDATE employees SET company_id = :company, full_name = :name, email = :email,"
                        " phone = :phone,"
                        " role = CASE status WHEN 'APPROVED' THEN 'EMPLOYEE' ELSE role END,"
                        " status = CASE status WHEN 'APPROVED' THEN 'PENDING' ELSE status END WHERE id = :id",
-                       institute, applicant.fullName, applicant.email, applicant.phone, employee.id);
+                       company, applicant.fullName, applicant.email, applicant.phone, employee.id);
 }
 
 /// All but the first, the newest, and those whose code may still be entered.
@@ -74,17 +61,22 @@ void removeRivals(Connection &connection, const Employee &employee)
 
 } // namespace
 
-std::optional<SignUps::Claim> SignUps::latest(Connection &connection, const std::string &emailKey,
-                                              const std::string &network)
+std::optional<SignUp> SignUps::latest(Connection &connection, const std::string &emailKey,
+                                      const std::string &network)
 {
     const auto employee = findEmployeeByEmail(connection, emailKey);
     if (!employee || employee->emailVerified != 0)
         return {};
-    auto claim =
-        connection.first<Claim>("SELECT id, password_hash FROM sign_ups WHERE employee_id = :employee"
-                                " ORDER BY CASE network WHEN :network THEN 0 ELSE 1 END, created_at DESC",
-                                employee->id, network);
-    return claim ? claim : Claim{employee->id, employee->passwordHash};
+    static const std::string sql =
+        "SELECT " + columnsOf<SignUp>("s") +
+        " FROM sign_ups s WHERE s.employee_id = :employee"
+        " ORDER BY CASE s.network WHEN :network THEN 0 ELSE 1 END, s.created_at DESC";
+    auto signUp = connection.first<SignUp>(sql, employee->id, network);
+    if (signUp)
+        return signUp;
+    return SignUp{employee->id,
+                  {employee->fullName, employee->email, employee->phone, employee->companyId},
+                  employee->passwordHash};
 }
 
 std::optional<std::string> SignUps::newestFrom(Connection &connection, const std::string &employeeId,
@@ -99,7 +91,7 @@ std::optional<std::string> SignUps::newestFrom(Connection &connection, const std
 
 std::optional<SignUps::Recorded> SignUps::record(Connection &connection, const Applicant &applicant,
                                                  const std::string &passwordHash, const std::string &network,
-                                                 const std::optional<Claim> &same) const
+                                                 const std::optional<SignUp> &same) const
 {
     removeSome(connection, emailKey(applicant.email));
     const auto known = findEmployeeByEmail(connection, applicant.email);
@@ -112,10 +104,10 @@ std::optional<SignUps::Recorded> SignUps::record(Connection &connection, const A
         return Recorded{open(connection, applicant, passwordHash, network), false};
     adopt(connection, *known);
     if (same && connection.execute("UPDATE sign_ups SET full_name = :name, email = :email, phone = :phone,"
-                                   " institute_id = :institute, network = :network WHERE id = :id"
+                                   " company_id = :company, network = :network WHERE id = :id"
                                    " AND password_hash = :hash",
-                                   applicant.fullName, applicant.email, applicant.phone,
-                                   applicant.instituteId, network, same->id, same->passwordHash) == 1) {
+                                   applicant.fullName, applicant.email, applicant.phone, applicant.companyId,
+                                   network, same->id, same->passwordHash) == 1) {
         if (isFirst(same->id, *known))
             replaceDetails(connection, *known, applicant);
         return Recorded{same->id, isContested(connection, known->id)};
@@ -130,9 +122,9 @@ std::optional<SignUps::Recorded> SignUps::record(Connection &connection, const A
 /// life anew: it is not removed while a code for it may be on its way.
 void SignUps::adopt(Connection &connection, const Employee &employee) const
 {
-    connection.execute("INSERT INTO sign_ups (id, employee_id, full_name, email, phone, institute_id,"
+    connection.execute("INSERT INTO sign_ups (id, employee_id, full_name, email, phone, company_id,"
                        " password_hash, network, created_at) SELECT id, id, full_name, email, phone,"
-                       " institute_id, password_hash, '', created_at FROM employees e WHERE e.id = :id"
+                       " company_id, password_hash, '', created_at FROM employees e WHERE e.id = :id"
                        " AND NOT EXISTS (SELECT 1 FROM sign_ups s WHERE s.employee_id = e.id)",
                        employee.id);
     connection.execute("UPDATE employees SET created_at = :now WHERE id = :id", toMillis(m_clock()),
@@ -144,13 +136,13 @@ std::string SignUps::open(Connection &connection, const Applicant &applicant, co
 {
     const Instant now = m_clock();
     std::string id = newId();
-    connection.execute(
-        "INSERT INTO employees (id, institute_id, full_name, email, email_key, phone,"
-        " password_hash, role, status, email_verified, joined_on, created_at) VALUES"
-        " (:id, :institute, :name, :email, :key, :phone, :hash, 'EMPLOYEE', 'PENDING', 0, :day,"
-        " :now)",
-        id, applicant.instituteId, applicant.fullName, applicant.email, emailKey(applicant.email),
-        applicant.phone, passwordHash, toText(utcDayOf(now)), toMillis(now));
+    connection.execute("INSERT INTO employees (id, company_id, full_name, email, email_key, phone,"
+                       " password_hash, role, status, email_verified, joined_on, created_at) VALUES"
+                       " (:id, :company, :name, :email, :key, :phone, :hash, 'EMPLOYEE', 'PENDING', 0, :day,"
+                       " :now)",
+                       id, applicant.companyId, applicant.fullName, applicant.email,
+                       emailKey(applicant.email), applicant.phone, passwordHash, toText(utcDayOf(now)),
+                       toMillis(now));
     add(connection, id, id, applicant, passwordHash, network);
     return id;
 }
@@ -159,21 +151,21 @@ void SignUps::add(Connection &connection, const std::string &id, const std::stri
                   const Applicant &applicant, const std::string &passwordHash,
                   const std::string &network) const
 {
-    connection.execute("INSERT INTO sign_ups (id, employee_id, full_name, email, phone, institute_id,"
+    connection.execute("INSERT INTO sign_ups (id, employee_id, full_name, email, phone, company_id,"
                        " password_hash, network, created_at) VALUES (:id, :employee, :name, :email, :phone,"
-                       " :institute, :hash, :network, :now)",
+                       " :company, :hash, :network, :now)",
                        id, employeeId, applicant.fullName, applicant.email, applicant.phone,
-                       applicant.instituteId, passwordHash, network, toMillis(m_clock()));
+                       applicant.companyId, passwordHash, network, toMillis(m_clock()));
 }
 
 bool SignUps::settle(Connection &connection, const Employee &employee,
                      const std::optional<std::string> &signUpId, const std::string &nobodysHash)
 {
     const bool contested = isContested(connection, employee.id);
-    const auto entered = connection.first<SignUp>(
-        "SELECT id, full_name, email, phone, institute_id, password_hash FROM sign_ups"
-        " WHERE id = :id AND employee_id = :employee",
-        signUpId.value_or(employee.id), employee.id);
+    const auto entered =
+        connection.first<SignUp>("SELECT id, full_name, email, phone, company_id, password_hash FROM sign_ups"
+                                 " WHERE id = :id AND employee_id = :employee",
+                                 signUpId.value_or(employee.id), employee.id);
     if (entered && !isFirst(entered->id, employee))
         replaceDetails(connection, employee, entered->applicant);
     if (contested)

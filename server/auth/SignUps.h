@@ -7,6 +7,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace clockwell::server {
 
@@ -16,7 +17,22 @@ struct Applicant
     std::string fullName;
     std::string email;
     std::optional<std::string> phone;
-    std::optional<std::string> instituteId;
+    std::optional<std::string> companyId;
+};
+
+/// One row of the table of sign-ups.
+struct SignUp
+{
+    std::string id;
+    Applicant applicant;
+    std::string passwordHash;
+
+    static constexpr const char *columnNames = "id full_name email phone company_id password_hash";
+    auto columns()
+    {
+        return std::tie(id, applicant.fullName, applicant.email, applicant.phone, applicant.companyId,
+                        passwordHash);
+    }
 };
 
 /// The sign-ups with an address that nobody has verified yet. The first one makes the account, in whose row
@@ -28,17 +44,10 @@ public:
     /// `life`: of an account that nobody verified.
     SignUps(Clock clock, std::chrono::hours life) : m_clock(std::move(clock)), m_life(life) {}
 
-    struct Claim
-    {
-        std::string id;
-        std::string passwordHash;
-        auto columns() { return std::tie(id, passwordHash); }
-    };
-
     /// The sign-up with this address that a further one from this network most likely repeats. Nothing when
     /// the address is free or verified.
-    static std::optional<Claim> latest(Connection &connection, const std::string &emailKey,
-                                       const std::string &network);
+    static std::optional<SignUp> latest(Connection &connection, const std::string &emailKey,
+                                        const std::string &network);
 
     /// The newest sign-up with this account's address from this network; nothing when there is none.
     static std::optional<std::string> newestFrom(Connection &connection, const std::string &employeeId,
@@ -54,7 +63,7 @@ public:
     /// changed, when the address belongs to a verified account.
     std::optional<Recorded> record(Connection &connection, const Applicant &applicant,
                                    const std::string &passwordHash, const std::string &network,
-                                   const std::optional<Claim> &same) const;
+                                   const std::optional<SignUp> &same) const;
 
     /// The owner of the address has entered a code: makes the sign-up that it belongs to the account's, and
     /// the address verified. What an administrator decided stays, but who was approved may have been somebody

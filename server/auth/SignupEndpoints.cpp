@@ -47,14 +47,14 @@ std::vector<Route> SignupEndpoints::routes()
 
 /// A code that is not one is like none, and an administrator assigns the company: an answer that told them
 /// apart would tell strangers which companies there are.
-std::optional<std::string> SignupEndpoints::readInstitute(BodyReader &body)
+std::optional<std::string> SignupEndpoints::readCompany(BodyReader &body)
 {
     const auto code = body.optionalText("instituteCode", longestCompanyCode);
     if (!code)
         return {};
     const auto id = m_database.read([&](Connection &connection) {
         return connection.first<SingleColumn<std::string>>(
-            "SELECT id FROM institutes WHERE LOWER(code) = :code ORDER BY code", lowerAscii(*code));
+            "SELECT id FROM companies WHERE LOWER(code) = :code ORDER BY code", lowerAscii(*code));
     });
     return id ? std::optional{id->value} : std::nullopt;
 }
@@ -70,14 +70,13 @@ SignupEndpoints::Form SignupEndpoints::readForm(const Request &request)
     body.text("deviceId", longestDeviceText); // checked like the sign-in's; an account is bound to no device
     body.optionalText("deviceModel", longestDeviceText);
     body.optionalText("osVersion", longestDeviceText);
-    form.applicant.instituteId = readInstitute(body);
+    form.applicant.companyId = readCompany(body);
     body.finish();
     return form;
 }
 
-std::optional<SignUps::Claim> SignupEndpoints::repeated(const std::string &emailKey,
-                                                        const std::string &network,
-                                                        const std::string &password)
+std::optional<SignUp> SignupEndpoints::repeated(const std::string &emailKey, const std::string &network,
+                                                const std::string &password)
 {
     auto latest = m_database.read(
         [&](Connection &connection) { return SignUps::latest(connection, emailKey, network); });
@@ -92,20 +91,22 @@ Response SignupEndpoints::signup(const Request &request)
     const auto [applicant, password] = readForm(request);
     const std::string key = emailKey(applicant.email);
     const std::string network = networkOf(request.remoteAddress);
-    m_requests.count(request.remoteAddress);
-    const bool due = m_requests.mayMake(CodeRequests::Kind::SignUp, key);
+    const bool due = m_requests.begin(CodeRequests::Kind::SignUp, key, request.remoteAddress);
     const auto same = repeated(key, network, password);
     const std::string passwordHash = m_passwords.hash(password);
     const Codes::Fresh fresh = m_codes.make(key);
+    bool mailed = false;
     const auto recorded = m_database.write([&](Connection &connection) {
         auto done = m_signUps.record(connection, applicant, passwordHash, network, same);
         if (due)
             m_codes.store(connection,
                           {key, network, CodePurpose::Verify, done ? std::optional{done->id} : std::nullopt},
                           fresh);
+        mailed = due &&
+                 (done ? m_requests.mayMail(connection, key, false) : m_requests.mayNotify(connection, key));
         return done;
     });
-    if (due)
+    if (mailed)
         mailTo(applicant, recorded, fresh);
     spdlog::info("event=signedUp request={}", request.requestId);
     return jsonReply({{"message", "We have sent you an e-mail. Please enter the code from it."},
@@ -116,12 +117,11 @@ Response SignupEndpoints::signup(const Request &request)
 }
 
 void SignupEndpoints::mailTo(const Applicant &applicant, const std::optional<SignUps::Recorded> &recorded,
-                             const Codes::Fresh &fresh)
+                             const Codes::Fresh &fresh) const
 {
-    const std::string key = emailKey(applicant.email);
-    if (recorded && m_requests.mayMail(key, false))
+    if (recorded)
         m_sendMail(verificationMail(applicant.email, {fresh.first, fresh.second}, recorded->contested));
-    else if (!recorded && m_requests.mayNotify(key))
+    else
         m_sendMail(addressTakenMail(applicant.email));
 }
 
@@ -141,9 +141,9 @@ Response SignupEndpoints::verify(const Request &request)
         if (!found || found->emailVerified != 0)
             throw invalidCode();
         contested = SignUps::settle(connection, *found, match.signUpId, m_passwords.nobodysHash());
+        m_requests.forget(connection, request.remoteAddress);
         return findEmployeeById(connection, found->id).value();
     });
-    m_requests.forget(request.remoteAddress);
     if (contested)
         m_sendMail(choosePasswordMail(employee.email));
     spdlog::info("event=emailVerified employee={} request={}", employee.id, request.requestId);

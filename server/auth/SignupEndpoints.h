@@ -51,13 +51,13 @@ private:
     Response resend(const Request &request);
 
     Form readForm(const Request &request);
-    std::optional<std::string> readInstitute(BodyReader &body);
+    std::optional<std::string> readCompany(BodyReader &body);
     /// The sign-up that this one repeats: the same address and password. Takes the same time for every
     /// address.
-    std::optional<SignUps::Claim> repeated(const std::string &emailKey, const std::string &network,
-                                           const std::string &password);
+    std::optional<SignUp> repeated(const std::string &emailKey, const std::string &network,
+                                   const std::string &password);
     void mailTo(const Applicant &applicant, const std::optional<SignUps::Recorded> &recorded,
-                const Codes::Fresh &fresh);
+                const Codes::Fresh &fresh) const;
 
     Database &m_database;
     Passwords &m_passwords;

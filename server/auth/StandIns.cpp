@@ -4,7 +4,33 @@
 
 namespace clockwell::server {
 
-StandIns::StandIns(std::string nobodysHash) : m_nobodysHash(std::move(nobodysHash)), m_key(newToken()) {}
+namespace {
+
+using Value = SingleColumn<std::string>;
+
+std::optional<Value> findKey(Connection &connection)
+{
+    return connection.first<Value>("SELECT value FROM secrets WHERE name = 'stand-ins'");
+}
+
+/// Whoever starts first draws it.
+std::string keyOf(Database &database)
+{
+    if (auto known = database.read(findKey))
+        return known->value;
+    return database.write([drawn = newToken()](Connection &connection) {
+        connection.execute("INSERT INTO secrets (name, value) VALUES ('stand-ins', :value)"
+                           " ON CONFLICT (name) DO NOTHING",
+                           drawn);
+        return findKey(connection).value().value;
+    });
+}
+
+} // namespace
+
+StandIns::StandIns(Database &database, std::string nobodysHash)
+    : m_nobodysHash(std::move(nobodysHash)), m_key(keyOf(database))
+{}
 
 std::string StandIns::hashFor(Connection &connection, const std::string &account) const
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/storage/Connection.h"
+#include "server/storage/Database.h"
 
 #include <string>
 
@@ -13,14 +13,15 @@ class StandIns
 {
 public:
     /// `nobodysHash`: when there is no account yet.
-    explicit StandIns(std::string nobodysHash);
+    StandIns(Database &database, std::string nobodysHash);
 
-    /// For one address always that of the same account, which nobody outside can tell.
+    /// For one address always that of the same account, on all servers of a database and after a restart,
+    /// which nobody outside can tell.
     std::string hashFor(Connection &connection, const std::string &account) const;
 
 private:
     std::string m_nobodysHash;
-    std::string m_key; // secret, random
+    std::string m_key; // secret, random, the same as long as there is the database
 };
 
 } // namespace clockwell::server

@@ -4,6 +4,7 @@
 #include "server/auth/Accounts.h"
 #include "server/auth/Tokens.h"
 #include "server/demo/DemoHistory.h"
+#include "server/storage/RowType.h"
 
 #include <array>
 
@@ -33,21 +34,21 @@ constexpr long long everyWeekday = 127; // so that the demonstration works on an
 
 struct DemoIds
 {
-    std::string institute = newId();
+    std::string company = newId();
     std::string office = newId();
 };
 
 void insertOrganisation(Connection &connection, const DemoIds &ids, const TimeZone &zone)
 {
-    connection.execute("INSERT INTO institutes (id, name, code) VALUES (:id, :name, :code)", ids.institute,
+    connection.execute("INSERT INTO companies (id, name, code) VALUES (:id, :name, :code)", ids.company,
                        "Wellbrook Works", "WELLBROOK");
     connection.execute(
-        "INSERT INTO offices (id, institute_id, name, latitude, longitude, radius_meters, "
+        "INSERT INTO offices (id, company_id, name, latitude, longitude, radius_meters, "
         "max_accuracy_meters,"
         " time_zone, check_in_minute, check_out_minute, grace_minutes, full_day_minutes, working_weekdays)"
-        " VALUES (:id, :institute, :name, :lat, :lng, :radius, :accuracy, :zone, :in, :out, :grace, :full, "
+        " VALUES (:id, :company, :name, :lat, :lng, :radius, :accuracy, :zone, :in, :out, :grace, :full, "
         ":days)",
-        ids.office, ids.institute, "Head Office", demoLatitude, demoLongitude, demoRadius, 100, zone.name(),
+        ids.office, ids.company, "Head Office", demoLatitude, demoLongitude, demoRadius, 100, zone.name(),
         9 * 60 + 30, 18 * 60, 10, 5 * 60, everyWeekday);
 }
 
@@ -55,12 +56,12 @@ Employee insertPerson(Connection &connection, const DemoIds &ids, const DemoPers
                       const std::string &hash, Day joinedOn, Instant now)
 {
     const std::string id = newId();
-    connection.execute("INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key, "
+    connection.execute("INSERT INTO employees (id, company_id, office_id, full_name, email, email_key, "
                        "phone, password_hash,"
-                       " role, status, email_verified, joined_on, created_at) VALUES (:id, :institute, "
+                       " role, status, email_verified, joined_on, created_at) VALUES (:id, :company, "
                        ":office, :name, :email,"
                        " :key, :phone, :hash, :role, 'APPROVED', 1, :joined, :now)",
-                       id, ids.institute, ids.office, person.fullName, person.email, emailKey(person.email),
+                       id, ids.company, ids.office, person.fullName, person.email, emailKey(person.email),
                        person.phone, hash, person.role, toText(joinedOn), toMillis(now));
     return findEmployeeById(connection, id).value();
 }
@@ -101,8 +102,9 @@ void deleteAllData(Database &database)
         Audit{connection, std::nullopt}.add(
             {"demo --fresh", "everything", "", std::nullopt, before, nullptr});
         for (const char *table :
-             {"codes", "wrong_codes", "access_tokens", "refresh_tokens", "token_families", "punches",
-              "attendance", "leaves", "sign_ups", "employees", "holidays", "offices", "institutes"})
+             {"codes", "wrong_codes", "spendings", "counted_events", "entered_codes", "access_tokens",
+              "refresh_tokens", "token_families", "punches", "attendance", "leaves", "sign_ups", "employees",
+              "holidays", "offices", "companies"})
             connection.execute(std::string{"DELETE FROM "} + table);
     });
 }
@@ -110,10 +112,10 @@ void deleteAllData(Database &database)
 std::optional<DemoFacts> findDemoFacts(Database &database)
 {
     return database.read([](Connection &connection) {
-        return connection.first<DemoFacts>(
-            "SELECT o.name, o.time_zone, o.latitude, o.longitude, o.radius_meters, e.password_hash"
-            " FROM employees e JOIN offices o ON o.id = e.office_id WHERE e.email_key = :key",
-            demoEmail);
+        static const std::string sql =
+            "SELECT " + columnsOf<Employee>("e") + ", " + columnsOf<Office>("o") +
+            " FROM employees e JOIN offices o ON o.id = e.office_id WHERE e.email_key = :key";
+        return connection.first<DemoFacts>(sql, demoEmail);
     });
 }
 

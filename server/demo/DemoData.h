@@ -1,6 +1,8 @@
 #pragma once
 
+#include "server/attendance/Offices.h"
 #include "server/attendance/TimeZone.h"
+#include "server/auth/Accounts.h"
 #include "server/auth/Passwords.h"
 #include "server/storage/Database.h"
 #include "server/storage/Instant.h"
@@ -16,14 +18,10 @@ inline constexpr const char *defaultDemoPassword = "Clockwell-2026";
 /// What one needs to know to try the demonstration.
 struct DemoFacts
 {
-    std::string officeName;
-    std::string timeZone;
-    double latitude = 0;
-    double longitude = 0;
-    long long radiusMeters = 0;
-    std::string passwordHash; ///< of the demonstration employee
+    Employee employee;
+    Office office;
 
-    auto columns() { return std::tie(officeName, timeZone, latitude, longitude, radiusMeters, passwordHash); }
+    auto columns() { return std::tuple_cat(employee.columns(), office.columns()); }
 };
 
 /// Fills an empty database with a small organisation: an office that is open every day, two managers, and one

@@ -36,8 +36,10 @@ void appendPrintable(std::string &text, char c)
 
 } // namespace
 
-AccessLog::AccessLog(std::shared_ptr<spdlog::logger> logger, IsOwnPath isOwnPath)
-    : m_logger(logger ? std::move(logger) : spdlog::default_logger()), m_isOwnPath(std::move(isOwnPath))
+AccessLog::AccessLog(std::shared_ptr<spdlog::logger> logger, IsOwnPath isOwnPath, OnAnswered onAnswered)
+    : m_logger(logger ? std::move(logger) : spdlog::default_logger()),
+      m_isOwnPath(std::move(isOwnPath)),
+      m_onAnswered(std::move(onAnswered))
 {}
 
 std::string_view AccessLog::pathToLog(const std::string &path) const
@@ -48,9 +50,12 @@ std::string_view AccessLog::pathToLog(const std::string &path) const
 void AccessLog::answered(const std::string &id, std::string_view method, const std::string &path, int status,
                          std::chrono::microseconds duration, std::size_t bytes) const
 {
+    const AnsweredRequest request{methodToLog(method), pathToLog(path), status, duration};
+    if (m_onAnswered)
+        m_onAnswered(request);
     const double milliseconds = static_cast<double>(duration.count()) / 1000;
     m_logger->info("event=request id={} method={} path={} status={} durationMs={:.3f} bytes={}", id,
-                   methodToLog(method), pathToLog(path), status, milliseconds, bytes);
+                   request.method, request.path, status, milliseconds, bytes);
 }
 
 void AccessLog::handlerFailed(const std::string &id, std::string_view what) const

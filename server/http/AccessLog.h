@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnsweredRequest.h"
 #include "Message.h"
 
 #include <chrono>
@@ -23,8 +24,10 @@ public:
     /// Says whether a path is one of the server's own.
     using IsOwnPath = std::function<bool(const std::string &path)>;
 
-    /// A null logger: spdlog's default one. A null function: no path but "/health" is the server's own.
-    explicit AccessLog(std::shared_ptr<spdlog::logger> logger, IsOwnPath isOwnPath = {});
+    /// A null logger: spdlog's default one. A null `isOwnPath`: no path but "/health" is the server's own.
+    /// `onAnswered`, unless it is null, gets the facts of each line about an answered request.
+    explicit AccessLog(std::shared_ptr<spdlog::logger> logger, IsOwnPath isOwnPath = {},
+                       OnAnswered onAnswered = {});
 
     /// `method` and `path` are "-" for a request that could not be read that far. Others than those that the
     /// server knows are logged as "other": in a path that somebody made up can stand anything, also a token
@@ -42,6 +45,7 @@ private:
 
     std::shared_ptr<spdlog::logger> m_logger;
     IsOwnPath m_isOwnPath;
+    OnAnswered m_onAnswered;
 };
 
 /// `text` cut to `limit` bytes, in printable ASCII and, where it has blanks, quotes or backslashes, in

@@ -1,5 +1,7 @@
 #include "HeadScanner.h"
 
+#include "Utf8.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -36,12 +38,11 @@ bool fieldNamesAreClean(std::string_view head)
 
 bool HeadScanner::accepts(char c) const
 {
-    const auto byte = static_cast<unsigned char>(c);
     if ((m_last == '\r') != (c == '\n'))
         return false; // a CR or LF alone
     if (m_atStart && (c == ' ' || c == '\t'))
         return false; // a folded line, or white space before the request line
-    return (byte >= 0x20 && byte != 0x7F) || c == '\t' || c == '\r' || c == '\n';
+    return !isControl(c) || c == '\t' || c == '\r' || c == '\n';
 }
 
 bool HeadScanner::endsHeadAt(std::string_view input) const

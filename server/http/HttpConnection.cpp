@@ -35,18 +35,25 @@ long wholeSeconds(std::chrono::milliseconds time)
 
 } // namespace
 
-HttpConnection::HttpConnection(Stream::Socket socket, const asio::ip::address &peer, ServerContext &context,
-                               Seat::Kind kind)
+HttpConnection::HttpConnection(Stream::Socket socket, const asio::ip::address &peer,
+                               const std::string &seatNetwork, ServerContext &context, Seat::Kind kind)
     : m_context(context),
       m_stream(std::move(socket), context.tls.get()),
       m_deadline(m_stream.socket()),
-      m_remoteAddress(peer.to_string()),
-      m_network(throttleKeyOf(peer)),
+      m_peerAddress(peer),
+      m_isProxy(context.proxies.contain(peer)),
       m_peer(m_stream.socket().native_handle()),
-      m_seat(context.seating, m_network, kind, [this] { cutOff(); })
+      m_seat(context.seating, seatNetwork, kind, [this] { cutOff(); })
 {
     boost::system::error_code ignored;
     m_stream.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+    setClient(peer);
+}
+
+void HttpConnection::setClient(const asio::ip::address &client)
+{
+    m_remoteAddress = client.to_string();
+    m_network = networkOf(client);
 }
 
 // g++ 12 lays out a coroutine's frame wrongly (and the program crashes) when it awaits within a condition. So
@@ -145,11 +152,13 @@ awaitable<void> HttpConnection::serveRequest()
 awaitable<Response> HttpConnection::answer()
 {
     m_lane = Lane::SignedIn;
-    m_canFlood = true;
+    m_canFlood = !m_isProxy; // whose a request is that cannot be read, a proxy's connection does not tell
     const auto headRefusal = co_await readHead();
     if (headRefusal)
         co_return refuse(*headRefusal);
     m_keepAlive = m_parser->keepAlive();
+    if (m_isProxy)
+        setClient(m_context.proxies.clientOf(m_peerAddress, m_parser->forwardedFor()));
     m_lane = m_context.lanes.laneOf(m_parser->request());
     m_canFlood = m_lane == Lane::SignedIn && m_parser->request().authorization.empty();
     if (auto response = answerAtOnce()) {
@@ -183,7 +192,7 @@ void HttpConnection::countFailure(int status)
     constexpr int firstFailure = 400, firstServerError = 500;
     if (m_canFlood && status >= firstFailure && status < firstServerError &&
         status != refusals::throttled.status)
-        m_context.failures.take(m_network, Throttle::Clock::now());
+        m_context.failures.take(m_network, TokenBuckets::Clock::now());
 }
 
 /// What needs no worker: the health check, OPTIONS, a client that fails too often, and a guest.
@@ -194,7 +203,7 @@ std::optional<Response> HttpConnection::answerAtOnce()
         return Response{200, R"({"status":"ok"})", "application/json", {}};
     if (m_seat.isGuest() && m_lane != Lane::Renewal)
         return toResponse(refusals::busy, busyRetrySeconds);
-    const auto wait = m_canFlood ? m_context.failures.waitFor(m_network, Throttle::Clock::now())
+    const auto wait = m_canFlood ? m_context.failures.waitFor(m_network, TokenBuckets::Clock::now())
                                  : std::chrono::milliseconds::zero();
     if (wait > wait.zero())
         return toResponse(refusals::throttled, wholeSeconds(wait));
@@ -249,7 +258,7 @@ awaitable<bool> HttpConnection::readSome()
 
 HttpConnection::Encoded HttpConnection::encode(const Response &response)
 {
-    m_keepAlive = m_keepAlive && !m_stopping && !m_seat.isGuest();
+    m_keepAlive = m_keepAlive && !m_stopping && !m_context.draining && !m_seat.isGuest();
     const bool parsed = m_parser && m_parser->headComplete();
     const ResponseFraming framing{m_keepAlive, parsed && m_parser->isHttp10(), parsed && m_parser->isHead()};
     try {

@@ -22,10 +22,11 @@ class HttpConnection
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// `peer` is the other end's address; `context` must outlive the connection. A guest's one request is
-    /// served if it is a renewal, and gets 503 if not.
-    HttpConnection(Stream::Socket socket, const boost::asio::ip::address &peer, ServerContext &context,
-                   Seat::Kind kind);
+    /// `peer` is the other end's address and `seatNetwork` the network that the seat was granted to;
+    /// `context` must outlive the connection. A guest's one request is served if it is a renewal, and gets
+    /// 503 if not.
+    HttpConnection(Stream::Socket socket, const boost::asio::ip::address &peer,
+                   const std::string &seatNetwork, ServerContext &context, Seat::Kind kind);
 
     /// Ends with the connection; the caller keeps the object alive until then.
     boost::asio::awaitable<void> run();
@@ -54,6 +55,7 @@ private:
     boost::asio::awaitable<std::size_t> write(std::string text);
     boost::asio::awaitable<void> close();
 
+    void setClient(const boost::asio::ip::address &client);
     std::optional<Response> answerAtOnce();
     void countFailure(int status);
     Response refuse(const Refusal &refusal);
@@ -63,8 +65,10 @@ private:
     ServerContext &m_context;
     Stream m_stream;
     Deadline m_deadline;
-    std::string m_remoteAddress;
-    std::string m_network; // what limits by address count by
+    const boost::asio::ip::address m_peerAddress;
+    const bool m_isProxy;        // a trusted one, so that each request can be another client's
+    std::string m_remoteAddress; // of the client of the request under way
+    std::string m_network;       // what limits by address count by
     PeerWatch m_peer;
     Seat m_seat;
     std::string m_buffer; // bytes read and not yet used, and while reading room for more

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "server/http/AnsweredRequest.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace spdlog {
 class logger;
@@ -28,6 +31,10 @@ struct HttpOptions
     std::uint16_t port = 0;            ///< 0 lets the system choose, see HttpServer::port()
     std::string certificateFile;       ///< PEM chain; with privateKeyFile it turns TLS (1.2 and later) on
     std::string privateKeyFile;        ///< PEM
+
+    /// Networks as TrustedProxies takes them. A connection from there is not counted by its own address, and
+    /// its requests count for whom its X-Forwarded-For names; from anywhere else that header is ignored.
+    std::vector<std::string> trustedProxies;
 
     unsigned renewalThreads = 2;  ///< of the lane of renewals
     unsigned signedInThreads = 4; ///< of the lane of those who are signed in
@@ -68,6 +75,7 @@ struct HttpOptions
     std::shared_ptr<spdlog::logger> logger; ///< null: spdlog's default logger
     /// Which paths may stand in the log; null: only "/health". See AccessLog.
     std::function<bool(const std::string &path)> isOwnPath;
+    OnAnswered onAnswered; ///< may be null
 };
 
 } // namespace clockwell::server

@@ -30,6 +30,13 @@ public:
     void start();
     void stop();
     void reloadCertificate();
+    void drain();
+    void probe(std::function<void()> answered);
+    QueueLoad passwordQueue() const
+    {
+        const auto load = m_context->lanes.passwordLoad();
+        return {load.waiting, load.running};
+    }
     bool isStopping() const { return m_stopping; }
     std::uint16_t port() const { return m_listener ? m_listener->port() : std::uint16_t(0); }
 
@@ -88,6 +95,19 @@ void HttpServer::Impl::stop()
     m_ioThread.join();
 }
 
+void HttpServer::Impl::drain()
+{
+    m_stopping = true;
+    if (m_ioThread.joinable())
+        asio::post(m_io, [this] { m_context->draining = true; });
+}
+
+void HttpServer::Impl::probe(std::function<void()> answered)
+{
+    asio::post(
+        m_io, [this, answered = std::move(answered)] { m_context->lanes.probe(answered); });
+}
+
 void HttpServer::Impl::reloadCertificate()
 {
     if (!m_ioThread.joinable())
@@ -123,6 +143,21 @@ std::uint16_t HttpServer::port() const
 void HttpServer::reloadCertificate()
 {
     m_impl->reloadCertificate();
+}
+
+void HttpServer::drain()
+{
+    m_impl->drain();
+}
+
+void HttpServer::probe(std::function<void()> answered)
+{
+    m_impl->probe(std::move(answered));
+}
+
+HttpServer::QueueLoad HttpServer::passwordQueue() const
+{
+    return m_impl->passwordQueue();
 }
 
 bool HttpServer::isStopping() const

@@ -32,8 +32,25 @@ public:
     /// be used. The log says which. On the owner's thread.
     void reloadCertificate();
 
-    /// True from the beginning of stop() on. Any thread.
+    /// The first step of an end that nobody notices: isStopping() is true from now on, and each answer ends
+    /// its connection, but connections and requests are accepted as before, until stop(). On the owner's
+    /// thread.
+    void drain();
+
+    /// True from the beginning of drain() or stop() on. Any thread.
     bool isStopping() const;
+
+    /// Calls `answered`, which throws nothing, on a worker thread once the I/O thread and a worker of those
+    /// who are signed in have turned to it. Between start() and the end of stop(); any thread.
+    void probe(std::function<void()> answered);
+
+    struct QueueLoad
+    {
+        std::size_t waiting = 0;
+        std::size_t running = 0;
+    };
+    /// Requests of the lane of passwords. From start() on; any thread.
+    QueueLoad passwordQueue() const;
 
     /// Accepts no more, closes idle connections, gives requests in flight up to `stopDeadline`, closes the
     /// rest. Then it waits for handlers that still run: a handler must end by itself. Further calls do

@@ -21,6 +21,10 @@ public:
     boost::asio::awaitable<Response> run(Lane lane, Request request, std::string network,
                                          const PeerWatch &peer);
 
+    /// See WorkerLane::probe(); of the lane of those who are signed in.
+    void probe(std::function<void()> answered) { m_signedIn.probe(std::move(answered)); }
+    WorkerLane::Load passwordLoad() const { return m_password.load(); }
+
     void abandonQueues();
     void join();
 

@@ -23,6 +23,11 @@ std::optional<ListenAddress> parseListenAddress(std::string_view text)
     return result;
 }
 
+std::string listenProblem(const std::string &text)
+{
+    return parseListenAddress(text) ? "" : "\"" + text + "\" is not of the form 127.0.0.1:8460 or [::1]:8460";
+}
+
 bool isLoopback(std::string_view address)
 {
     return address == "::1" || address.starts_with("127.");

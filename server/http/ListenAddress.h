@@ -17,6 +17,9 @@ struct ListenAddress
 /// says.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
+/// What is wrong with such a text, for people; empty when it can be read.
+std::string listenProblem(const std::string &text);
+
 /// Only this machine itself can reach it.
 bool isLoopback(std::string_view address);
 

@@ -79,10 +79,13 @@ void Listener::tryToAdmit(Stream::Socket socket)
 void Listener::admit(Stream::Socket socket)
 {
     const auto address = peerAddress(socket);
-    const auto kind = m_stopping ? std::nullopt : m_context.seating.admit(throttleKeyOf(address));
+    const std::string network =
+        m_context.proxies.contain(address) ? Seating::nobodysNetwork : networkOf(address);
+    const auto kind = m_stopping ? std::nullopt : m_context.seating.admit(network);
     if (!kind)
         return; // closes it: an app whose request gets no answer keeps its tokens
-    const auto connection = std::make_shared<HttpConnection>(std::move(socket), address, m_context, *kind);
+    const auto connection =
+        std::make_shared<HttpConnection>(std::move(socket), address, network, m_context, *kind);
     m_connections.insert(connection);
     asio::co_spawn(m_acceptor.get_executor(), connection->run(),
                    [this, connection](std::exception_ptr error) { ended(connection, error); });

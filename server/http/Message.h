@@ -19,7 +19,7 @@ struct Request
     std::string authorization; ///< value of the Authorization header, or empty
     std::string contentType;   ///< value of the Content-Type header, or empty
     std::string body;          ///< raw bytes, transfer coding removed
-    std::string remoteAddress; ///< the peer's IP address as text
+    std::string remoteAddress; ///< the client's IP address as text: the peer's, or whom a trusted proxy names
     std::string requestId;     ///< names this request in the log
 };
 

@@ -6,16 +6,20 @@ namespace clockwell::server {
 
 namespace ip = boost::asio::ip;
 
-ip::address peerAddress(const ip::tcp::socket &socket)
+ip::address withoutMapping(const ip::address &address)
 {
-    boost::system::error_code error;
-    const auto address = socket.remote_endpoint(error).address();
-    if (!error && address.is_v6() && address.to_v6().is_v4_mapped())
+    if (address.is_v6() && address.to_v6().is_v4_mapped())
         return ip::make_address_v4(ip::v4_mapped, address.to_v6());
     return address;
 }
 
-std::string throttleKeyOf(const ip::address &address)
+ip::address peerAddress(const ip::tcp::socket &socket)
+{
+    boost::system::error_code error;
+    return withoutMapping(socket.remote_endpoint(error).address());
+}
+
+std::string networkOf(const ip::address &address)
 {
     if (!address.is_v6())
         return address.to_string();
@@ -28,7 +32,7 @@ std::string networkOf(const std::string &address)
 {
     boost::system::error_code error;
     const auto parsed = ip::make_address(address, error);
-    return error ? address : throttleKeyOf(parsed);
+    return error ? address : networkOf(parsed);
 }
 
 } // namespace clockwell::server

@@ -155,6 +155,9 @@ std::optional<Refusal> RequestParser::readFields()
     // Copied now: fields in the trailer of a chunked body must not pass for these.
     m_request.authorization = std::string(view(message[http::field::authorization]));
     m_request.contentType = std::string(view(message[http::field::content_type]));
+    const auto forwarded = message.equal_range("X-Forwarded-For");
+    for (auto line = forwarded.first; line != forwarded.second; ++line)
+        m_forwardedFor.append(m_forwardedFor.empty() ? "" : ",").append(view(line->value()));
     m_keepAlive = m_parser->keep_alive();
     if (message.count(http::field::expect) > 0 && message.version() == 11) {
         if (!boost::beast::iequals(message[http::field::expect], "100-continue"))

@@ -35,7 +35,9 @@ public:
 
     // Valid once headComplete():
     const Request &request() const { return m_request; } ///< without body until takeRequest()
-    bool isHead() const { return m_isHead; }             ///< sent as HEAD, though request().method is "GET"
+    /// The X-Forwarded-For of all its lines, with commas between; nobody vouches for it.
+    const std::string &forwardedFor() const { return m_forwardedFor; }
+    bool isHead() const { return m_isHead; } ///< sent as HEAD, though request().method is "GET"
     bool isHttp10() const { return m_isHttp10; }
     bool keepAlive() const { return m_keepAlive; }
     bool expectsContinue() const { return m_expectsContinue; }
@@ -63,6 +65,7 @@ private:
     Request m_request;
     std::string m_methodAsSent = "-";
     std::string m_path = "-";
+    std::string m_forwardedFor;
     std::optional<Refusal> m_refusal;
     bool m_skippedEmptyLine = false;
     bool m_headComplete = false;

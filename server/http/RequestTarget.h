@@ -14,13 +14,10 @@ struct RequestTarget
     std::multimap<std::string, std::string> query;
 };
 
-/// Empty for everything but a clean origin-form target: an absolute form, a fragment, bytes outside printable
-/// ASCII, a broken percent escape, and escapes that make a control character, a slash within a path segment
-/// (two different paths would look like one) or invalid UTF-8. A '+' in the query stands for itself, as in
-/// coordinates.
+/// Empty for everything but a clean origin-form target: an absolute form, a fragment, characters that have to
+/// be escaped and are not, a broken percent escape, and escapes that make a control character, a slash within
+/// a path segment (two different paths would look like one) or invalid UTF-8. A '+' in the query stands for
+/// itself, as in coordinates.
 std::optional<RequestTarget> parseTarget(std::string_view target);
-
-/// Well-formed UTF-8 as RFC 3629 has it: no overlong forms, no surrogates, nothing above U+10FFFF.
-bool isUtf8(std::string_view text);
 
 } // namespace clockwell::server

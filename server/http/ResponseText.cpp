@@ -1,5 +1,9 @@
 #include "ResponseText.h"
 
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/serializer.hpp>
+#include <boost/beast/http/span_body.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -9,41 +13,11 @@
 
 namespace clockwell::server {
 
+namespace http = boost::beast::http;
+
 namespace {
 
-const char *reasonPhrase(int status)
-{
-    static constexpr std::array<std::pair<int, const char *>, 25> phrases{{
-        {200, "OK"},
-        {201, "Created"},
-        {202, "Accepted"},
-        {204, "No Content"},
-        {304, "Not Modified"},
-        {400, "Bad Request"},
-        {401, "Unauthorized"},
-        {403, "Forbidden"},
-        {404, "Not Found"},
-        {405, "Method Not Allowed"},
-        {408, "Request Timeout"},
-        {409, "Conflict"},
-        {410, "Gone"},
-        {413, "Content Too Large"},
-        {415, "Unsupported Media Type"},
-        {417, "Expectation Failed"},
-        {422, "Unprocessable Content"},
-        {423, "Locked"},
-        {429, "Too Many Requests"},
-        {431, "Request Header Fields Too Large"},
-        {500, "Internal Server Error"},
-        {501, "Not Implemented"},
-        {502, "Bad Gateway"},
-        {503, "Service Unavailable"},
-        {505, "HTTP Version Not Supported"},
-    }};
-    const auto found =
-        std::find_if(phrases.begin(), phrases.end(), [status](auto &row) { return row.first == status; });
-    return found == phrases.end() ? "" : found->second; // an empty phrase is allowed
-}
+using Message = http::response<http::span_body<const char>>;
 
 bool isFieldName(std::string_view name)
 {
@@ -77,11 +51,53 @@ void refuseHeader(std::string_view name)
     throw std::invalid_argument("a response header cannot be sent: " + std::string(name.substr(0, 40)));
 }
 
-void append(std::string &text, std::string_view name, std::string_view value)
+void addHeader(Message &message, std::string_view name, std::string_view value)
 {
     if (!isFieldName(name) || !isFieldValue(value))
         refuseHeader(name);
-    text.append(name).append(": ").append(value).append("\r\n");
+    message.insert({name.data(), name.size()}, {value.data(), value.size()});
+}
+
+void addHeaders(Message &message, const Response &response, const ResponseFraming &framing, bool bodyAllowed,
+                std::time_t now)
+{
+    addHeader(message, "Date", httpDate(now));
+    addHeader(message, "Cache-Control", "no-store");
+    addHeader(message, "X-Content-Type-Options", "nosniff");
+    for (const auto &[name, value] : response.headers) {
+        if (isReserved(name))
+            refuseHeader(name);
+        addHeader(message, name, value);
+    }
+    if (bodyAllowed) {
+        addHeader(message, "Content-Type", response.contentType);
+        addHeader(message, "Content-Length", std::to_string(response.body.size()));
+    }
+    if (!framing.keepAlive)
+        addHeader(message, "Connection", "close");
+    else if (framing.http10)
+        addHeader(message, "Connection", "keep-alive");
+}
+
+/// In one piece: a TLS record and a packet for each response.
+std::string serialized(const Message &message)
+{
+    http::response_serializer<Message::body_type> serializer{message};
+    std::string text;
+    text.reserve(512 + message.body().size());
+    while (!serializer.is_done()) {
+        boost::system::error_code error;
+        serializer.next(error, [&](boost::system::error_code &, const auto &buffers) {
+            const std::size_t before = text.size();
+            const std::size_t more = boost::beast::buffer_bytes(buffers);
+            text.resize(before + more);
+            boost::asio::buffer_copy(boost::asio::buffer(text.data() + before, more), buffers);
+            serializer.consume(more);
+        });
+        if (error)
+            throw boost::system::system_error{error};
+    }
+    return text;
 }
 
 } // namespace
@@ -104,29 +120,13 @@ std::string responseText(const Response &response, const ResponseFraming &framin
     if (response.status < 200 || response.status > 599)
         throw std::invalid_argument("not a final status: " + std::to_string(response.status));
     const bool bodyAllowed = response.status != 204 && response.status != 304;
-    std::string text =
-        "HTTP/1.1 " + std::to_string(response.status) + ' ' + reasonPhrase(response.status) + "\r\n";
-    text.reserve(512 + response.body.size());
-    append(text, "Date", httpDate(now));
-    append(text, "Cache-Control", "no-store");
-    append(text, "X-Content-Type-Options", "nosniff");
-    for (const auto &[name, value] : response.headers) {
-        if (isReserved(name))
-            refuseHeader(name);
-        append(text, name, value);
-    }
-    if (bodyAllowed) {
-        append(text, "Content-Type", response.contentType);
-        append(text, "Content-Length", std::to_string(response.body.size()));
-    }
-    if (!framing.keepAlive)
-        append(text, "Connection", "close");
-    else if (framing.http10)
-        append(text, "Connection", "keep-alive");
-    text += "\r\n";
+    Message message;
+    message.version(11);
+    message.result(static_cast<unsigned>(response.status));
+    addHeaders(message, response, framing, bodyAllowed, now);
     if (bodyAllowed && !framing.withoutBody)
-        text += response.body;
-    return text;
+        message.body() = {response.body.data(), response.body.size()};
+    return serialized(message);
 }
 
 } // namespace clockwell::server

@@ -61,7 +61,8 @@ bool Seating::giveWay(Seats &waiting)
 std::optional<Seat::Kind> Seating::admit(const std::string &network)
 {
     const auto known = m_networks.find(network);
-    const bool hasItsShare = known != m_networks.end() && known->second.taken >= m_limits.perNetwork;
+    const bool hasItsShare =
+        network != nobodysNetwork && known != m_networks.end() && known->second.taken >= m_limits.perNetwork;
     if (hasItsShare ? giveWay(known->second.waiting) : m_taken < m_limits.all || giveWay(m_waiting))
         return Seat::Kind::Regular;
     if (m_guests < m_limits.guests || giveWay(m_waitingGuests))

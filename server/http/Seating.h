@@ -74,6 +74,10 @@ public:
         std::size_t guests = 0; ///< beyond `all`
     };
 
+    /// In place of a network: of a proxy's connections, which are many people's. `perNetwork` is not for
+    /// them.
+    static constexpr const char *nobodysNetwork = "";
+
     explicit Seating(const Limits &limits) : m_limits(limits) {}
 
     /// Makes room for a newcomer, who takes it before the next one is admitted; empty when nobody gives way.

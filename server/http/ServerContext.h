@@ -4,7 +4,8 @@
 #include "HttpOptions.h"
 #include "Lanes.h"
 #include "Seating.h"
-#include "Throttle.h"
+#include "TokenBuckets.h"
+#include "TrustedProxies.h"
 
 #include <boost/asio/ssl/context.hpp>
 
@@ -18,19 +19,22 @@ struct ServerContext
     ServerContext(const HttpOptions &httpOptions, Handler handler, Triage triage,
                   std::unique_ptr<boost::asio::ssl::context> tlsContext)
         : options(httpOptions),
-          log(options.logger, options.isOwnPath),
-          failures(options.failuresPerMinute, options.failureBurst),
+          proxies(options.trustedProxies),
+          log(options.logger, options.isOwnPath, options.onAnswered),
+          failures({.perMinute = options.failuresPerMinute, .burst = options.failureBurst}),
           seating({options.maxConnections, options.connectionsPerNetwork, options.guestConnections}),
           tls(std::move(tlsContext)),
           lanes(options, std::move(handler), std::move(triage), log)
     {}
 
     const HttpOptions options;
+    const TrustedProxies proxies;
     const AccessLog log;
     RequestIds ids;
-    Throttle failures;
+    TokenBuckets failures; // by network address
     Seating seating;
     std::shared_ptr<boost::asio::ssl::context> tls; ///< null without TLS; of handshakes still to come
+    bool draining = false;                          ///< answers end their connections
     Lanes lanes;
 };
 

@@ -2,77 +2,99 @@
 
 #include "HttpServer.h"
 
-#include <pthread.h>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
 
-#include <cerrno>
-#include <system_error>
+#include <csignal>
+#include <functional>
 
 namespace clockwell::server {
 
-StopSignal::StopSignal()
-{
-    sigemptyset(&m_signals);
-    sigaddset(&m_signals, SIGINT);
-    sigaddset(&m_signals, SIGTERM);
-    sigaddset(&m_signals, SIGHUP);
-    if (const int error = pthread_sigmask(SIG_BLOCK, &m_signals, &m_previous))
-        throw std::system_error(error, std::generic_category(), "cannot block signals");
-    m_blocked = true;
-}
+namespace asio = boost::asio;
 
-StopSignal::~StopSignal()
+class StopSignal::Impl
 {
-    sigset_t hangUp{};
-    sigemptyset(&hangUp);
-    sigaddset(&hangUp, SIGHUP);
-    const timespec noTime{};
-    if (m_blocked)
-        sigtimedwait(&hangUp, nullptr, &noTime); // one that came too late must not end the process now
-    restoreMask(false);
-    m_blocked = false;
-}
+public:
+    Impl()
+    {
+        for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+            m_signals.add(number);
+            restartWhatItInterrupts(number);
+        }
+    }
 
-void StopSignal::restoreMask(bool hangUpStaysBlocked)
-{
-    sigset_t mask = m_previous;
-    if (hangUpStaysBlocked)
-        sigaddset(&mask, SIGHUP);
-    if (m_blocked)
-        pthread_sigmask(SIG_SETMASK, &mask, nullptr);
-}
+    /// `run` lets the context work, for as long as it likes.
+    std::optional<int> next(const std::function<void(asio::io_context &)> &run)
+    {
+        std::optional<int> number;
+        m_signals.async_wait([&number](const boost::system::error_code &error, int signal) {
+            if (!error)
+                number = signal;
+        });
+        m_io.restart();
+        run(m_io);
+        m_signals.cancel();
+        m_io.restart();
+        m_io.run(); // so that nothing is left that knows of the local variable
+        return number;
+    }
+
+    void endsProcess(int number) { m_signals.remove(number); }
+
+private:
+    /// Boost 1.81 cannot be asked for that; without it a signal makes the system calls of other threads fail.
+    static void restartWhatItInterrupts(int number)
+    {
+        struct sigaction action
+        {};
+        ::sigaction(number, nullptr, &action);
+        action.sa_flags |= SA_RESTART;
+        ::sigaction(number, &action, nullptr);
+    }
+
+    asio::io_context m_io{1};
+    asio::signal_set m_signals{m_io};
+};
+
+StopSignal::StopSignal() : m_impl(std::make_unique<Impl>()) {}
+
+StopSignal::~StopSignal() = default;
 
 int StopSignal::wait()
 {
-    int number = 0;
-    if (const int error = sigwait(&m_signals, &number))
-        throw std::system_error(error, std::generic_category(), "cannot wait for signals");
-    return number;
+    return m_impl->next([](asio::io_context &io) { io.run(); }).value();
 }
 
 std::optional<int> StopSignal::waitFor(std::chrono::milliseconds limit)
 {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    for (auto left = limit; left >= left.zero();) {
-        const auto whole = std::chrono::duration_cast<std::chrono::seconds>(left);
-        const timespec time{whole.count(), std::chrono::nanoseconds(left - whole).count()};
-        const int number = sigtimedwait(&m_signals, nullptr, &time);
-        if (number > 0)
-            return number;
-        if (errno != EINTR)
-            break;
-        left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-    }
-    return std::nullopt;
+    return m_impl->next([limit](asio::io_context &io) { io.run_for(limit); });
 }
 
-int StopSignal::waitThenStop(HttpServer &server)
+int StopSignal::waitThenStop(HttpServer &server, const Ending &ending)
 {
     int number = wait();
     for (; number == SIGHUP; number = wait())
         server.reloadCertificate();
-    restoreMask(true);
+    if (ending.begins)
+        ending.begins();
+    if (ending.drain > ending.drain.zero())
+        drain(server, ending.drain);
+    m_impl->endsProcess(SIGINT);
+    m_impl->endsProcess(SIGTERM);
     server.stop();
     return number;
+}
+
+void StopSignal::drain(HttpServer &server, std::chrono::milliseconds time)
+{
+    using Clock = std::chrono::steady_clock;
+    server.drain();
+    const auto end = Clock::now() + time;
+    auto left = time;
+    while (left > left.zero() && waitFor(left) == SIGHUP) {
+        server.reloadCertificate();
+        left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    }
 }
 
 } // namespace clockwell::server

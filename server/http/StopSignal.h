@@ -1,21 +1,21 @@
 #pragma once
 
 #include <chrono>
-#include <csignal>
+#include <functional>
+#include <memory>
 #include <optional>
 
 namespace clockwell::server {
 
 class HttpServer;
 
-/// Turns SIGTERM and SIGINT into an orderly stop, and SIGHUP into another look at the certificate. Create it
-/// in main() before any thread is started: the signals are blocked in the creating thread and in those it
-/// starts, so that only wait() receives them.
+/// Turns SIGTERM and SIGINT into an orderly stop, and SIGHUP into another look at the certificate: from its
+/// creation to its end none of them ends the process. Used by one thread; there is one such object at a time.
 class StopSignal
 {
 public:
     StopSignal();
-    ~StopSignal(); ///< restores the signal mask of the creating thread
+    ~StopSignal(); ///< from now on the signals do again what they do by default
     StopSignal(const StopSignal &) = delete;
     StopSignal &operator=(const StopSignal &) = delete;
 
@@ -23,17 +23,24 @@ public:
     int wait();
     /// The same with a limit; empty when no signal came.
     std::optional<int> waitFor(std::chrono::milliseconds limit);
-    /// Has the server reload its certificate at each SIGHUP, until another signal comes; then server.stop().
-    /// From that signal on a second one ends the process at once, as people expect of a Ctrl-C pressed twice.
-    /// Returns the signal's number.
-    int waitThenStop(HttpServer &server);
+    /// What comes between the signal and the stop.
+    struct Ending
+    {
+        std::function<void()> begins{};     ///< called right after the signal; may be null
+        std::chrono::milliseconds drain{0}; ///< server.drain() for so long, unless another signal ends it
+    };
+
+    /// Has the server reload its certificate at each SIGHUP, until another signal comes; then drains it, if
+    /// it is to be drained, and calls server.stop(). From there on a further signal ends the process at once,
+    /// as people expect of a Ctrl-C pressed twice. Returns the first signal's number.
+    int waitThenStop(HttpServer &server, const Ending &ending);
+    int waitThenStop(HttpServer &server) { return waitThenStop(server, {}); }
 
 private:
-    void restoreMask(bool hangUpStaysBlocked);
+    void drain(HttpServer &server, std::chrono::milliseconds time);
 
-    sigset_t m_signals{};
-    sigset_t m_previous{};
-    bool m_blocked = false;
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
 };
 
 } // namespace clockwell::server

@@ -24,6 +24,7 @@ namespace {
 constexpr std::chrono::milliseconds firstGuess(50); // of a request's duration, before any was measured
 constexpr int fading = 16;                          // the weight of the newest duration is one in so many
 constexpr std::chrono::seconds longestRetry(60);
+constexpr const char *probeGroup = "probe"; // no network address
 
 /// On Linux a niceness belongs to the thread. It takes no privilege to be nicer.
 void beNicer(int by)
@@ -114,6 +115,19 @@ asio::awaitable<Response> WorkerLane::run(Visit visit)
         asio::use_awaitable, std::move(visit));
 }
 
+void WorkerLane::probe(std::function<void()> answered)
+{
+    Visit visit;
+    visit.group = probeGroup;
+    push({std::move(visit), [answered = std::move(answered)](const Response &) { answered(); }});
+}
+
+WorkerLane::Load WorkerLane::load() const
+{
+    const std::lock_guard lock(m_lock);
+    return {m_queue.size(), m_running};
+}
+
 void WorkerLane::push(Job job)
 {
     {
@@ -153,7 +167,7 @@ void WorkerLane::done(Clock::duration duration)
 Response WorkerLane::answer(const Visit &visit)
 {
     const auto begin = Clock::now();
-    const bool wanted = !m_abandoned && !visit.peer->gone();
+    const bool wanted = visit.peer && !m_abandoned && !visit.peer->gone();
     Response response = wanted ? handled(visit.request) : unansweredResponse();
     done(wanted ? Clock::now() - begin : Clock::duration::zero());
     return response;

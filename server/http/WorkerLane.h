@@ -43,7 +43,7 @@ public:
         Request request;
         std::string group;               ///< whose turn it takes: a network address, or the same for all
         std::string account;             ///< may be empty
-        const PeerWatch *peer = nullptr; ///< outlives the visit
+        const PeerWatch *peer = nullptr; ///< outlives the visit; null for a probe
     };
 
     /// `handler` and `log` must outlive the lane.
@@ -60,6 +60,17 @@ public:
     /// throws is logged and becomes the general 500. A request whose client has gone, or whose queue was
     /// abandoned, does not reach the handler: its response is `unanswered`.
     boost::asio::awaitable<Response> run(Visit visit);
+
+    /// Has a thread of the lane call `answered`, which throws nothing, in a turn of its own: before most of
+    /// what waits, so that a long queue is no standstill. Any thread.
+    void probe(std::function<void()> answered);
+
+    struct Load
+    {
+        std::size_t waiting = 0;
+        std::size_t running = 0;
+    };
+    Load load() const; ///< requests now; any thread
 
     /// Requests that still wait are left unanswered.
     void abandonQueue() { m_abandoned = true; }

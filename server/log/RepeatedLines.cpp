@@ -30,7 +30,7 @@ bool isRefusal(std::string_view event, std::string_view status, bool isWarning)
 }
 
 /// "request method=GET path=/api/auth/me status=401"; empty for a line that is always written.
-std::string kindOf(std::string_view line, bool isWarning)
+std::string kindOfLine(std::string_view line, bool isWarning)
 {
     static constexpr std::array<std::string_view, 5> keysOfKind{"method", "path", "status", "reason",
                                                                 "again"};
@@ -56,7 +56,7 @@ std::string kindOf(std::string_view line, bool isWarning)
 
 bool RepeatedLines::admits(std::string_view line, bool isWarning, Time now)
 {
-    std::string kind = kindOf(line, isWarning);
+    std::string kind = kindOfLine(line, isWarning);
     if (kind.empty())
         return true;
     if (m_counts.size() >= mostKinds && !m_counts.contains(kind))

@@ -1,6 +1,7 @@
 #include "server/log/ServiceLog.h"
 
 #include "server/http/AccessLog.h"
+#include "server/log/JsonLine.h"
 #include "server/log/LogWriter.h"
 #include "server/log/RepeatedLines.h"
 
@@ -26,6 +27,13 @@ constexpr std::chrono::seconds limitAtTheEnd{2};
 constexpr std::chrono::seconds tick{5};
 constexpr const char *loggerName = "clockwell-server";
 
+std::string asJson(const spdlog::details::log_msg &message)
+{
+    const auto level = spdlog::level::to_string_view(message.level);
+    return jsonLine(std::chrono::floor<std::chrono::milliseconds>(message.time), {level.data(), level.size()},
+                    {message.payload.data(), message.payload.size()});
+}
+
 } // namespace
 
 /// The last step of a line, on the log's own thread.
@@ -33,8 +41,8 @@ class ServiceLog::Sink : public spdlog::sinks::base_sink<std::mutex>
 {
 public:
     /// `overruns`: how many lines were pushed out of the queue so far.
-    explicit Sink(std::function<std::size_t()> overruns)
-        : m_writer(STDERR_FILENO), m_overruns(std::move(overruns))
+    Sink(LogFormat format, std::function<std::size_t()> overruns)
+        : m_format(format), m_writer(STDERR_FILENO), m_overruns(std::move(overruns))
     {}
 
     void waitUntil(LogWriter::Time end) { m_writer.waitUntil(end); } ///< from any thread
@@ -86,11 +94,14 @@ private:
     }
     bool write(const spdlog::details::log_msg &message)
     {
+        if (m_format == LogFormat::JsonLines)
+            return m_writer.write(asJson(message) + '\n');
         spdlog::memory_buf_t text;
         formatter_->format(message, text);
         return m_writer.write(printableAscii({text.data(), text.size() - 1}) + '\n');
     }
 
+    const LogFormat m_format;
     LogWriter m_writer;
     RepeatedLines m_repeated;
     std::function<std::size_t()> m_overruns;
@@ -99,13 +110,13 @@ private:
     std::atomic<std::size_t> m_lost{0};
 };
 
-ServiceLog::ServiceLog() : m_previous(spdlog::default_logger())
+ServiceLog::ServiceLog(LogFormat format) : m_previous(spdlog::default_logger())
 {
     std::signal(SIGPIPE, SIG_IGN);
     spdlog::init_thread_pool(linesThatMayWait, 1);
     const auto pool = spdlog::thread_pool();
     // A plain pointer: the pool outlives its thread, and a thread that owned it would join itself.
-    m_sink = std::make_shared<Sink>([queue = pool.get()] { return queue->overrun_counter(); });
+    m_sink = std::make_shared<Sink>(format, [queue = pool.get()] { return queue->overrun_counter(); });
     const auto logger = std::make_shared<spdlog::async_logger>(loggerName, m_sink, pool,
                                                                spdlog::async_overflow_policy::overrun_oldest);
     logger->set_error_handler([sink = m_sink.get()](const std::string &) { sink->loseLine(); });

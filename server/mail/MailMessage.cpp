@@ -1,5 +1,7 @@
 #include "server/mail/MailMessage.h"
 
+#include "server/http/Utf8.h"
+
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
@@ -52,8 +54,7 @@ std::string_view domainOf(std::string_view address)
 std::string headerValue(std::string_view utf8)
 {
     std::string clean{utf8};
-    std::ranges::replace_if(
-        clean, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, ' ');
+    std::ranges::replace_if(clean, isControl, ' ');
     if (isAscii(clean) && clean.find("=?") == std::string::npos)
         return clean;
     std::string words;

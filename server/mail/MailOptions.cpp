@@ -26,11 +26,13 @@ std::string urlProblem(const std::string &text)
 
 void addMailOptions(CLI::App &command, MailSettings &settings)
 {
-    auto *outbox = command
-                       .add_option("--outbox", settings.outbox,
-                                   "Folder for e-mails as .eml files [the database's name.outbox]")
-                       ->envname("CLOCKWELL_OUTBOX")
-                       ->type_name("FOLDER");
+    auto *outbox =
+        command
+            .add_option(
+                "--outbox", settings.outbox,
+                "Folder for e-mails as .eml files [the SQLite file's name.outbox, or clockwell.outbox]")
+            ->envname("CLOCKWELL_OUTBOX")
+            ->type_name("FOLDER");
     command.add_option("--mail-from", settings.from, "The address that e-mails come from")
         ->envname("CLOCKWELL_MAIL_FROM")
         ->type_name("ADDRESS")

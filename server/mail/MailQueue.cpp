@@ -1,5 +1,7 @@
 #include "server/mail/MailQueue.h"
 
+#include "server/http/AccessLog.h"
+
 #include <spdlog/spdlog.h>
 
 #include <algorithm>
@@ -10,6 +12,7 @@ namespace clockwell::server {
 namespace {
 
 constexpr std::chrono::seconds pauseBetweenCleanings{1};
+constexpr std::size_t longestReason = 400;
 
 std::optional<DeliveryError> failureOf(const std::function<void()> &action)
 {
@@ -73,6 +76,17 @@ std::chrono::seconds MailQueue::excess(Precedence precedence) const
 {
     const std::lock_guard lock{m_lock};
     return std::chrono::ceil<std::chrono::seconds>(excess(precedence, std::chrono::steady_clock::now()));
+}
+
+MailQueue::Backlog MailQueue::backlog() const
+{
+    const std::lock_guard lock{m_lock};
+    const Time now = std::chrono::steady_clock::now();
+    Time oldest = now;
+    for (const Line &line : m_lines)
+        for (const Waiting &waiting : line)
+            oldest = std::min(oldest, waiting.posted);
+    return {waiting(), std::chrono::floor<std::chrono::seconds>(now - oldest)};
 }
 
 /// Goes through everything that waits in the order in which it will be delivered. Two kinds of messages count
@@ -139,7 +153,7 @@ void MailQueue::tryTheWay(std::unique_lock<std::mutex> &lock)
         const auto failure = failureOf([this] { m_delivery->check(m_giveUp); });
         lock.lock();
         if (failure)
-            spdlog::warn("event=mailServerDown what=\"{}\"", failure->what());
+            spdlog::warn("event=mailServerDown what={}", logValue(failure->what(), longestReason));
         setWay(!failure);
     }
     m_isTrying = false;
@@ -194,8 +208,8 @@ void MailQueue::tryAgainLater(Waiting waiting, const DeliveryError &error)
     const bool isRefused = error.kind() == DeliveryError::Kind::Permanent ||
                            (!isDown && waiting.failures >= m_options.pauses.size());
     const bool again = !isRefused && !m_stopping;
-    spdlog::warn("event=mailFailed attempts={} again={} what=\"{}\"", waiting.failures + 1,
-                 again ? "yes" : "no", error.what());
+    spdlog::warn("event=mailFailed attempts={} again={} what={}", waiting.failures + 1, again ? "yes" : "no",
+                 logValue(error.what(), longestReason));
     Line &line = m_lines.at(static_cast<std::size_t>(waiting.mail.precedence));
     if (!again) {
         m_lostAtTheEnd += m_stopping ? 1 : 0;

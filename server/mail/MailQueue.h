@@ -56,6 +56,13 @@ public:
     /// arrive after its life; zero when it can be promised.
     std::chrono::seconds excess(Precedence precedence) const;
 
+    struct Backlog
+    {
+        std::size_t messages = 0;       ///< that wait, also for another attempt
+        std::chrono::seconds oldest{0}; ///< since the oldest of them was posted
+    };
+    Backlog backlog() const;
+
 private:
     using Time = std::chrono::steady_clock::time_point;
     struct Waiting

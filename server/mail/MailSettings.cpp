@@ -3,6 +3,7 @@
 #include "server/http/AccessLog.h"
 #include "server/mail/OutboxDelivery.h"
 #include "server/mail/SmtpDelivery.h"
+#include "server/storage/PostgresUrl.h"
 
 #include <sodium.h>
 #include <spdlog/spdlog.h>
@@ -36,7 +37,7 @@ std::string readPassword(const MailSettings &settings)
     return password;
 }
 
-SmtpEncryption encryptionOf(const std::string &name)
+SmtpEncryption encryptionNamed(const std::string &name)
 {
     if (name == "none")
         return SmtpEncryption::None;
@@ -50,7 +51,7 @@ std::unique_ptr<MailDelivery> openSmtp(const MailSettings &settings)
     smtp.user = settings.smtpUser;
     smtp.password = readPassword(settings);
     smtp.certificateAuthorities = settings.smtpCertificateAuthorities;
-    smtp.encryption = encryptionOf(settings.smtpTls);
+    smtp.encryption = encryptionNamed(settings.smtpTls);
     smtp.from = settings.from;
     if (!smtp.user.empty() && smtp.password.empty())
         throw std::runtime_error{
@@ -66,7 +67,8 @@ std::unique_ptr<MailDelivery> openMail(const MailSettings &settings, const std::
 {
     if (!settings.smtpUrl.empty())
         return openSmtp(settings);
-    const std::string folder = settings.outbox.empty() ? database + ".outbox" : settings.outbox;
+    const std::string beside = isPostgresUrl(database) ? "clockwell.outbox" : database + ".outbox";
+    const std::string folder = settings.outbox.empty() ? beside : settings.outbox;
     auto outbox = std::make_unique<OutboxDelivery>(folder, settings.from, systemClock());
     spdlog::info("event=mail outbox={}", logValue(folder, folder.size()));
     return outbox;

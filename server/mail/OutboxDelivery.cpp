@@ -2,10 +2,9 @@
 
 #include "server/auth/Tokens.h"
 #include "server/mail/MailMessage.h"
+#include "server/storage/NewFile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -16,7 +15,6 @@ namespace clockwell::server {
 namespace {
 
 constexpr mode_t ownerOnlyFolder = 0700;
-constexpr mode_t ownerOnlyFile = 0600;
 
 /// "20261121T081500.123Z"
 std::string compactTime(Instant instant)
@@ -25,38 +23,6 @@ std::string compactTime(Instant instant)
     std::erase_if(text, [](char c) { return c == '-' || c == ':'; });
     return text;
 }
-
-[[noreturn]] void fail()
-{
-    throw DeliveryError{DeliveryError::Kind::Down, std::generic_category().message(errno)};
-}
-
-class NewFile
-{
-public:
-    explicit NewFile(const std::filesystem::path &path)
-        : m_descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnlyFile))
-    {
-        if (m_descriptor < 0)
-            fail();
-    }
-    ~NewFile() { ::close(m_descriptor); }
-    NewFile(const NewFile &) = delete;
-    NewFile &operator=(const NewFile &) = delete;
-
-    void write(const std::string &text) const
-    {
-        for (std::size_t done = 0; done < text.size();) {
-            const auto count = ::write(m_descriptor, text.data() + done, text.size() - done);
-            if (count <= 0)
-                fail();
-            done += static_cast<std::size_t>(count);
-        }
-    }
-
-private:
-    int m_descriptor;
-};
 
 } // namespace
 
@@ -82,23 +48,24 @@ void OutboxDelivery::deliver(const Mail &mail, const std::atomic<bool> & /*giveU
     m_last = std::max(m_clock(), m_last + std::chrono::milliseconds{1});
     const std::string id = newId();
     ::mkdir(m_folder.c_str(), ownerOnlyFolder); // it may have been cleared away; a failure shows when writing
-    const auto unfinished = m_folder / (".new-" + id);
+    const auto place = m_folder / (compactTime(m_last) + '-' + id + ".eml");
     try {
-        NewFile{unfinished}.write(messageText(mail, m_from, m_last, id));
-        if (::rename(unfinished.c_str(), (m_folder / (compactTime(m_last) + '-' + id + ".eml")).c_str()) != 0)
-            fail();
-    } catch (const DeliveryError &) {
-        ::unlink(unfinished.c_str());
-        throw;
+        NewFile file{place, NewFile::IfThere::Replace}; // nobody has this name
+        file.write(messageText(mail, m_from, m_last, id));
+        file.publish();
+    } catch (const std::runtime_error &error) {
+        throw DeliveryError{DeliveryError::Kind::Down, error.what()};
     }
 }
 
 void OutboxDelivery::check(const std::atomic<bool> & /*giveUp*/)
 {
-    const auto probe = m_folder / (".new-" + newId());
     ::mkdir(m_folder.c_str(), ownerOnlyFolder);
-    const NewFile file{probe};
-    ::unlink(probe.c_str());
+    try {
+        const NewFile probe{m_folder / newId(), NewFile::IfThere::Refuse};
+    } catch (const std::runtime_error &error) {
+        throw DeliveryError{DeliveryError::Kind::Down, error.what()};
+    }
 }
 
 } // namespace clockwell::server

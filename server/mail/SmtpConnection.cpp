@@ -39,7 +39,7 @@ int noteThatItIsReady(void *isReady, char *, char *, int, int)
     return CURL_PREREQFUNC_OK;
 }
 
-long encryptionOf(SmtpEncryption encryption)
+long curlEncryption(SmtpEncryption encryption)
 {
     switch (encryption) {
     case SmtpEncryption::None:
@@ -54,7 +54,7 @@ long encryptionOf(SmtpEncryption encryption)
 
 /// What fails before the first command has nothing to do with the message. After that a reply decides (RFC
 /// 5321, section 4.2.1), unless it is an older one than the failure.
-DeliveryError::Kind kindOf(bool isReady, long reply)
+DeliveryError::Kind kindOfDeliveryFailure(bool isReady, long reply)
 {
     if (!isReady)
         return DeliveryError::Kind::Down;
@@ -126,7 +126,7 @@ void SmtpConnection::prepare(const std::atomic<bool> &giveUp)
     set(CURLOPT_CONNECTTIMEOUT, connectSeconds);
     set(CURLOPT_TIMEOUT, static_cast<long>(m_options.limit.count()));
     set(CURLOPT_MAXAGE_CONN, keepSeconds);
-    set(CURLOPT_USE_SSL, encryptionOf(m_options.encryption));
+    set(CURLOPT_USE_SSL, curlEncryption(m_options.encryption));
     if (!m_options.certificateAuthorities.empty())
         set(CURLOPT_CAINFO, m_options.certificateAuthorities.c_str());
     if (!m_options.user.empty()) {
@@ -145,7 +145,7 @@ void SmtpConnection::perform()
     m_isReady = false;
     const CURLcode result = curl_easy_perform(m_handle);
     if (result != CURLE_OK)
-        throw DeliveryError{kindOf(m_isReady, reply()),
+        throw DeliveryError{kindOfDeliveryFailure(m_isReady, reply()),
                             std::string{curl_easy_strerror(result)} + ", reply " + std::to_string(reply())};
 }
 

@@ -1,33 +1,19 @@
 #include "server/storage/Connection.h"
 
-#include "server/storage/SqliteError.h"
-
-#include <soci/sqlite3/soci-sqlite3.h> // puts SQLite's own functions into the namespace sqlite_api
+#include "server/storage/DatabaseError.h"
 
 namespace clockwell::server {
 
-namespace {
-
-/// Translates the exception that is being handled, without SOCI's context: that would carry the values of the
-/// parameters, and so into the log.
-[[noreturn]] void rethrowTranslated(int systemError)
-{
-    try {
-        throw;
-    } catch (const soci::sqlite3_soci_error &error) {
-        throw sqliteError(error.result(), systemError);
-    } catch (const soci::soci_error &error) {
-        throw DatabaseError{DatabaseError::Kind::Unusable, error.get_error_message()};
-    }
-}
-
-} // namespace
-
 Connection::Connection(const std::string &file, int busySeconds, Access access)
-try : m_session(soci::sqlite3, "dbname=\"" + file + "\" timeout=" + std::to_string(busySeconds) +
-                                   (access == Access::ReadOnly ? " readonly=1" : "")) {
+    : Connection(sqliteDriver(), "dbname=\"" + file + "\" timeout=" + std::to_string(busySeconds) +
+                                     (access == Access::ReadOnly ? " readonly=1" : ""))
+{}
+
+Connection::Connection(const Driver &driver, const std::string &connectText)
+try : m_driver(driver), m_session(driver.factory(), connectText) {
+    driver.prepare(m_session);
 } catch (...) {
-    rethrowTranslated(0);
+    throw driver.translated(nullptr);
 }
 
 soci::statement &Connection::prepared(const std::string &sql)
@@ -41,11 +27,49 @@ soci::statement &Connection::prepared(const std::string &sql)
     return m_statements.emplace(sql, statement).first->second;
 }
 
-// SOCI's library does not export what the sanitizer would check the type of the backend with.
-__attribute__((no_sanitize("vptr"))) void Connection::rethrow()
+/// The statement may be in the middle of its rows.
+void Connection::giveUp(const std::string &sql)
 {
-    const auto *backend = static_cast<soci::sqlite3_session_backend *>(m_session.get_backend());
-    rethrowTranslated(sqlite_api::sqlite3_system_errno(backend->conn_));
+    auto statement = m_statements.extract(sql);
+    if (statement && m_driver.keepsFailedStatements())
+        m_failed.push_back(std::move(statement));
+}
+
+void Connection::rethrow()
+{
+    const DatabaseError error = m_driver.translated(&m_session);
+    m_isLost = m_isLost || error.kind() == DatabaseError::Kind::Lost;
+    throw error;
+}
+
+void Connection::commit(std::chrono::steady_clock::time_point until)
+{
+    using Kind = DatabaseError::Kind;
+    try {
+        m_driver.commit(m_session, until);
+    } catch (const DatabaseError &error) {
+        if (error.kind() != Kind::Lost)
+            throw;
+        m_isLost = true;
+        throw DatabaseError{Kind::Unconfirmed, error.what(), error.sqlstate()};
+    } catch (...) {
+        rethrow();
+    }
+}
+
+void Connection::rollBack() noexcept
+{
+    try {
+        execute("ROLLBACK");
+    } catch (const DatabaseError &) { // NOLINT(bugprone-empty-catch): SQLite has already rolled back by
+                                      // itself, or isReady() says that the connection is of no more use
+    }
+    m_failed.clear();
+}
+
+bool Connection::isReady()
+{
+    return !m_isLost && m_driver.isReady(m_session);
 }
 
 } // namespace clockwell::server

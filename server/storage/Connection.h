@@ -1,9 +1,11 @@
 #pragma once
 
+#include "server/storage/Driver.h"
 #include "server/storage/SqlBinding.h"
 
 #include <soci/soci.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -17,7 +19,7 @@ namespace clockwell::server {
 /// Parameters are written `:name` in the SQL, each once, and are bound in the order of the arguments; values
 /// never become part of the SQL text. A row type lists its members, in the order of the columns, in `auto
 /// columns()` returning `std::tie(...)`; members are std::string, long long, double or std::optional of
-/// these. All operations throw DatabaseError.
+/// these. On PostgreSQL a text never holds a NUL, which it cannot store. All operations throw DatabaseError.
 class Connection
 {
 public:
@@ -26,8 +28,12 @@ public:
         ReadOnly ///< throws when the file is not there
     };
 
-    /// `busySeconds`: how long a statement waits for another process's lock.
+    /// To a SQLite file. `busySeconds`: how long a statement waits for another process's lock.
     Connection(const std::string &file, int busySeconds, Access access = Access::Full);
+    /// `connectText`: as the driver's library reads it. The driver outlives this.
+    Connection(const Driver &driver, const std::string &connectText);
+
+    const Driver &driver() const { return m_driver; }
 
     /// Runs a statement without a result; returns how many rows it changed.
     template <class... Arguments>
@@ -71,6 +77,16 @@ public:
         return std::move(first<SingleColumn<Value>>(sql, arguments...).value().value);
     }
 
+    /// For what SOCI has no words for, within the transaction.
+    soci::session &session() { return m_session; }
+
+    /// Ends the transaction. Throws DatabaseError: of kind Unconfirmed when the connection broke meanwhile,
+    /// or had to be given up because there was no answer until `until`; otherwise nothing of it was recorded.
+    void commit(std::chrono::steady_clock::time_point until = std::chrono::steady_clock::time_point::max());
+    void rollBack() noexcept;
+    /// Whether a transaction can begin; if not, this connection is of no more use. Asks nobody.
+    bool isReady();
+
 private:
     template <class Into, class OnRow, class... Arguments>
     void run(const std::string &sql, Into &into, OnRow onRow, long long &changed,
@@ -79,6 +95,8 @@ private:
         try {
             soci::statement &statement = prepared(sql);
             auto parameters = std::make_tuple(SqlParameter<Arguments>{arguments}...);
+            if (!m_driver.takesNul())
+                std::apply([](const auto &...parameter) { (parameter.requireNoNul(), ...); }, parameters);
             std::apply([&](auto &...column) { (column.bind(statement), ...); }, into);
             std::apply([&](auto &...parameter) { (parameter.bind(statement), ...); }, parameters);
             statement.define_and_bind();
@@ -88,16 +106,22 @@ private:
             changed = statement.get_affected_rows();
             statement.bind_clean_up();
         } catch (...) {
-            m_statements.erase(sql); // it may be in the middle of its rows
+            giveUp(sql);
             rethrow();
         }
     }
 
+    using Statements = std::unordered_map<std::string, soci::statement>;
+
     soci::statement &prepared(const std::string &sql);
+    void giveUp(const std::string &sql);
     [[noreturn]] void rethrow();
 
+    const Driver &m_driver;
+    bool m_isLost = false;
     soci::session m_session;
-    std::unordered_map<std::string, soci::statement> m_statements;
+    Statements m_statements;
+    std::vector<Statements::node_type> m_failed; // until their transaction is over
 };
 
 } // namespace clockwell::server

@@ -1,50 +1,39 @@
 #pragma once
 
-#include "server/storage/Connection.h"
+#include "server/storage/ConnectionPool.h"
 #include "server/storage/DatabaseError.h"
+#include "server/storage/Engine.h"
+#include "server/storage/Retries.h"
 #include "server/storage/Turns.h"
 
-#include <chrono>
+#include <algorithm>
 #include <concepts>
-#include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <vector>
 
 namespace clockwell::server {
 
-struct DatabaseOptions
-{
-    std::chrono::seconds patience{5};    ///< how long a request waits for its turn, and for other processes
-    std::size_t readers = 4;             ///< connections for reading; more requests than that wait
-    unsigned long long maximumBytes = 0; ///< the file never grows beyond this; 0 for no limit
-};
-
-/// Throws DatabaseError when others than the owner may read or write the file, or one that SQLite keeps
-/// beside it.
-void requirePrivate(const std::string &file);
-
-/// The SQLite database: one connection that writes, some that read beside it, all in WAL mode with every
-/// commit flushed to the disk. Safe on several threads.
+/// The database: a SQLite file, or one of PostgreSQL that several servers share. Safe on several threads.
 class Database
 {
 public:
-    /// Opens the file, making it when it is not there (readable by its owner only), and brings its schema up
-    /// to date. Throws DatabaseError, also for a file that others may read.
-    explicit Database(const std::string &file, DatabaseOptions options = {});
+    /// `database`: a file or a URL, see engineFor(). Brings its schema up to date, or waits until another
+    /// server has. Throws DatabaseError, also for a file that others may read.
+    explicit Database(const std::string &database, DatabaseOptions options = {});
 
-    /// Runs `work(Connection &)` in a transaction that is the only one that writes, from its first statement
-    /// on. When this returns, everything is on the disk; when it throws, nothing is. `work` runs at most
-    /// once. Throws DatabaseError of kind Busy when its turn, and that among other processes, does not come
+    /// Runs `work(Connection &)` in a transaction that writes as if it were the only one. When this returns,
+    /// everything is on the disk; when it throws, nothing is, unless the error is of kind Unconfirmed.
+    ///
+    /// On PostgreSQL `work` may run more than once: when others came in between, and when the connection
+    /// broke before the end. So it does nothing but SQL and setting what it is to return: no e-mail, no log,
+    /// no counting, no moving out of what it captured.
+    ///
+    /// Throws DatabaseError of kind Busy when its turn, or an end without others in between, does not come
     /// within the wait.
     template <std::invocable<Connection &> Work>
     auto write(const Wait &wait, Work work)
     {
-        takeTurn(m_writing, wait);
-        const Turn turn{m_writing};
-        beginWriting(wait.until);
-        return finish(m_writer, std::move(work));
+        return transact(m_writer ? *m_writer : *m_readers, &Engine::beginWriting, wait, work);
     }
     template <std::invocable<Connection &> Work>
     auto write(Work work)
@@ -52,15 +41,12 @@ public:
         return write(ordinaryWait(), std::move(work));
     }
 
-    /// Runs `work(Connection &)` on one unchanging view of the data, beside a writer if there is one.
+    /// Runs `work(Connection &)` on one unchanging view of the data, beside those who write. It, too, may run
+    /// more than once.
     template <std::invocable<Connection &> Work>
     auto read(const Wait &wait, Work work)
     {
-        takeTurn(m_reading, wait);
-        const Turn turn{m_reading};
-        const ReaderLease lease{*this};
-        lease.connection().execute("BEGIN");
-        return finish(lease.connection(), std::move(work));
+        return transact(*m_readers, &Engine::beginReading, wait, work);
     }
     template <std::invocable<Connection &> Work>
     auto read(Work work)
@@ -68,57 +54,60 @@ public:
         return read(ordinaryWait(), std::move(work));
     }
 
-private:
-    class ReaderLease
-    {
-    public:
-        explicit ReaderLease(Database &database) : m_database(database), m_connection(database.takeReader())
-        {}
-        ~ReaderLease() { m_database.giveReader(m_connection); }
-        ReaderLease(const ReaderLease &) = delete;
-        ReaderLease &operator=(const ReaderLease &) = delete;
-        Connection &connection() const { return *m_connection; }
+    /// For reading, and on PostgreSQL for writing too.
+    std::size_t connections() const { return m_engine->connections(); }
+    std::size_t connectionsInUse() { return m_readers->inUse(); } ///< of these, by somebody now
 
-    private:
-        Database &m_database;
-        Connection *m_connection;
-    };
+private:
+    using Begin = void (Engine::*)(Connection &, Wait::Clock::time_point);
+
+    template <class Work>
+    auto transact(ConnectionPool &pool, Begin begin, const Wait &wait, Work &work)
+    {
+        ConnectionPool::Lease lease{pool, wait};
+        for (Retries retries{wait, m_again};;) {
+            try {
+                Connection &connection = lease.connection();
+                (*m_engine.*begin)(connection, wait.until);
+                return finish(connection, work, wait);
+            } catch (const DatabaseError &error) {
+                retries.pauseOrThrow(error);
+                if (m_options.onRetry && !error.sqlstate().empty())
+                    m_options.onRetry(error.sqlstate());
+            }
+        }
+    }
 
     /// Runs the work in the transaction that was begun, and ends it.
     template <class Work>
-    static auto finish(Connection &connection, Work work)
+    auto finish(Connection &connection, Work &work, const Wait &wait)
     {
+        const auto commit = [&] {
+            connection.commit(std::max(wait.until, Wait::Clock::now() + m_options.longestCommit));
+        };
         try {
-            if constexpr (std::is_void_v<std::invoke_result_t<Work, Connection &>>) {
+            if constexpr (std::is_void_v<std::invoke_result_t<Work &, Connection &>>) {
                 work(connection);
-                connection.execute("COMMIT");
+                commit();
             } else {
                 auto result = work(connection);
-                connection.execute("COMMIT");
+                commit();
                 return result;
             }
         } catch (...) {
-            rollBack(connection);
+            connection.rollBack();
             throw;
         }
     }
 
-    static void rollBack(Connection &connection) noexcept;
-    static void takeTurn(Turns &turns, const Wait &wait);
     Wait ordinaryWait() const { return {Wait::Clock::now() + m_options.patience, false}; }
-    void prepareWriter();
-    void beginWriting(Wait::Clock::time_point until);
-    void openReaders(const std::string &file);
-    Connection *takeReader();
-    void giveReader(Connection *connection) noexcept;
+    void bringUpToDate();
 
     DatabaseOptions m_options;
-    Turns m_writing{1};
-    Turns m_reading;
-    Connection m_writer;
-    std::vector<std::unique_ptr<Connection>> m_readers;
-    std::mutex m_readersLock; // guards m_freeReaders
-    std::vector<Connection *> m_freeReaders;
+    Turns m_again{1}; // for transactions that have met others
+    std::unique_ptr<Engine> m_engine;
+    std::unique_ptr<ConnectionPool> m_writer; // null: the others write as well
+    std::unique_ptr<ConnectionPool> m_readers;
 };
 
 } // namespace clockwell::server

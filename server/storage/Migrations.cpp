@@ -1,6 +1,7 @@
 #include "server/storage/Migrations.h"
 
 #include "server/storage/DatabaseError.h"
+#include "server/storage/Driver.h"
 #include "server/storage/Schema.h"
 
 namespace clockwell::server {
@@ -12,6 +13,8 @@ int schemaVersion()
 
 void migrate(Connection &connection)
 {
+    const bool isPostgres = &connection.driver() == &postgresDriver();
+    const auto &steps = isPostgres ? postgresSchemaSteps() : schemaSteps();
     connection.execute("CREATE TABLE IF NOT EXISTS schema_migrations (version INTEGER NOT NULL PRIMARY KEY)");
     const auto found = connection.value<long long>("SELECT COALESCE(MAX(version), 0) FROM schema_migrations");
     if (found > schemaVersion())
@@ -20,9 +23,10 @@ void migrate(Connection &connection)
                                 std::to_string(found) + ", this program knows " +
                                 std::to_string(schemaVersion()) + "). Update this program."};
     for (long long version = found + 1; version <= schemaVersion(); ++version) {
-        for (const std::string &statement : schemaSteps()[static_cast<std::size_t>(version - 1)])
-            connection.execute(statement);
+        // First, for on it wait others that start at the same time.
         connection.execute("INSERT INTO schema_migrations (version) VALUES (:version)", version);
+        for (const std::string &statement : steps[static_cast<std::size_t>(version - 1)])
+            connection.execute(statement);
     }
 }
 

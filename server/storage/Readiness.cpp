@@ -1,20 +1,68 @@
 #include "server/storage/Readiness.h"
 
-#include "server/storage/Connection.h"
 #include "server/storage/DatabaseError.h"
+#include "server/storage/Migrations.h"
+#include "server/storage/PostgresEngine.h"
+#include "server/storage/PostgresUrl.h"
 
 namespace clockwell::server {
 
-void requireReadableDatabase(const std::string &file)
+namespace {
+
+constexpr std::chrono::seconds patience{1};
+
+void requireVersion(Connection &connection)
 {
-    constexpr int patienceSeconds = 1;
-    Connection connection{file, patienceSeconds, Connection::Access::ReadOnly};
+    const auto found = connection.value<long long>("SELECT COALESCE(MAX(version), 0) FROM schema_migrations");
+    if (found != schemaVersion())
+        throw DatabaseError{DatabaseError::Kind::Newer, "its schema is of version " + std::to_string(found) +
+                                                            ", and this program works with " +
+                                                            std::to_string(schemaVersion())};
+}
+
+void requireWritable(Connection &postgres)
+{
+    if (postgres.value<std::string>("SHOW transaction_read_only") != "off")
+        throw DatabaseError{DatabaseError::Kind::ReadOnly, "the database can only be read"};
+}
+
+void readEachTable(Connection &sqlite)
+{
     const auto tables =
-        connection.all<SingleColumn<std::string>>("SELECT name FROM sqlite_master WHERE type = 'table'");
+        sqlite.all<SingleColumn<std::string>>("SELECT name FROM sqlite_master WHERE type = 'table'");
     if (tables.empty())
         throw DatabaseError{DatabaseError::Kind::Damaged, "the database has no tables"};
     for (const auto &table : tables)
-        connection.value<long long>("SELECT COUNT(*) FROM (SELECT * FROM \"" + table.value + "\" LIMIT 1)");
+        sqlite.value<long long>("SELECT COUNT(*) FROM (SELECT * FROM \"" + table.value +
+                                "\" LIMIT 1) AS one");
+}
+
+} // namespace
+
+void Readiness::require()
+{
+    if (isPostgresUrl(m_database))
+        return requirePostgres();
+    Connection connection{m_database, static_cast<int>(patience.count()), Connection::Access::ReadOnly};
+    readEachTable(connection);
+    requireVersion(connection);
+}
+
+void Readiness::requirePostgres()
+{
+    const std::scoped_lock lock(m_mutex);
+    for (bool isKept = m_postgres != nullptr;; isKept = false) {
+        try {
+            if (!m_postgres)
+                m_postgres = connectPostgres(m_database, patience);
+            requireWritable(*m_postgres);
+            return requireVersion(*m_postgres);
+        } catch (const DatabaseError &error) {
+            m_postgres.reset();
+            if (!isKept || error.kind() != DatabaseError::Kind::Lost)
+                throw;
+        }
+    }
 }
 
 } // namespace clockwell::server

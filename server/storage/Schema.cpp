@@ -283,12 +283,62 @@ std::vector<std::string> lastDays()
     };
 }
 
+std::vector<std::string> limitTables()
+{
+    return {
+        // What was spent of allowances: the sum of a subject's rows, less what has grown again between them.
+        // One row each time, for transactions that change the same row cannot be recorded at once.
+        "CREATE TABLE spendings ("
+        " id VARCHAR(36) NOT NULL PRIMARY KEY,"
+        " kind VARCHAR(16) NOT NULL,"        // of the allowance
+        " subject VARCHAR(254) NOT NULL,"    // whose it is: a network address
+        " amount DOUBLE PRECISION NOT NULL," // below zero when something was given back
+        " at BIGINT NOT NULL,"
+        " ends_at BIGINT NOT NULL)", // when all of it has grown again, unless more is spent
+        "CREATE INDEX spendings_by_subject ON spendings (kind, subject, at)",
+        "CREATE INDEX spendings_by_end ON spendings (kind, ends_at)",
+        "CREATE TABLE counted_events ("
+        " kind VARCHAR(16) NOT NULL,"
+        " subject VARCHAR(254) NOT NULL," // an e-mail address, or what was typed as one
+        " network VARCHAR(64) NOT NULL,"  // from which it came; empty when that plays no part
+        " number BIGINT NOT NULL,"        // counts from 1: of two that come at once, one has to count again
+        " at BIGINT NOT NULL,"
+        " ends_at BIGINT NOT NULL," // when it does not count any more
+        " PRIMARY KEY (kind, subject, network, number))",
+        "CREATE INDEX counted_events_by_end ON counted_events (ends_at)",
+        // The codes whose first part was the last entry for an address from a network, if both are needed.
+        "CREATE TABLE entered_codes ("
+        " email_key VARCHAR(254) NOT NULL,"
+        " network VARCHAR(64) NOT NULL,"
+        " code_ids TEXT NOT NULL," // with blanks between them; there may be none
+        " ends_at BIGINT NOT NULL,"
+        " PRIMARY KEY (email_key, network))",
+        "CREATE INDEX entered_codes_by_end ON entered_codes (ends_at)",
+        // What all servers of one database have to draw alike, and nobody else may know.
+        "CREATE TABLE secrets ("
+        " name VARCHAR(32) NOT NULL PRIMARY KEY,"
+        " value VARCHAR(64) NOT NULL)",
+    };
+}
+
+std::vector<std::string> companyNames()
+{
+    return {
+        // What clients call an institute is a company everywhere else.
+        "ALTER TABLE institutes RENAME TO companies",
+        "ALTER TABLE offices RENAME COLUMN institute_id TO company_id",
+        "ALTER TABLE employees RENAME COLUMN institute_id TO company_id",
+        "ALTER TABLE sign_ups RENAME COLUMN institute_id TO company_id",
+    };
+}
+
 } // namespace
 
 const std::vector<std::vector<std::string>> &schemaSteps()
 {
     static const std::vector<std::vector<std::string>> steps{
-        firstSchema(), codeTables(), correctionTables(), sessionEnds(), strangerTables(), lastDays()};
+        firstSchema(),    codeTables(), correctionTables(), sessionEnds(),
+        strangerTables(), lastDays(),   companyNames(),     limitTables()};
     return steps;
 }
 

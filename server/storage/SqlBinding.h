@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/storage/DatabaseError.h"
+
 #include <soci/soci.h>
 
 #include <concepts>
@@ -32,6 +34,15 @@ struct SqlType<T>
     using Type = std::string;
 };
 
+/// Throws DatabaseError of kind Constraint for a text with a NUL.
+template <class Value>
+void requireTextWithoutNul(const Value &value)
+{
+    if constexpr (std::is_same_v<Value, std::string>)
+        if (value.find('\0') != std::string::npos)
+            throw DatabaseError{DatabaseError::Kind::Constraint, "a text holds a NUL character"};
+}
+
 /// One bound parameter; it must outlive the execution of its statement.
 template <class T>
 class SqlParameter
@@ -41,6 +52,7 @@ public:
 
     explicit SqlParameter(const T &value) : m_value(static_cast<Type>(value)) {}
     void bind(soci::statement &statement) { statement.exchange(soci::use(m_value)); }
+    void requireNoNul() const { requireTextWithoutNul(m_value); }
 
 private:
     Type m_value;
@@ -56,6 +68,7 @@ public:
         : m_value(value ? static_cast<Type>(*value) : Type{}), m_state(value ? soci::i_ok : soci::i_null)
     {}
     void bind(soci::statement &statement) { statement.exchange(soci::use(m_value, m_state)); }
+    void requireNoNul() const { requireTextWithoutNul(m_value); }
 
 private:
     Type m_value;

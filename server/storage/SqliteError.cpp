@@ -8,7 +8,7 @@ namespace clockwell::server {
 
 namespace {
 
-DatabaseError::Kind kindOf(int code)
+DatabaseError::Kind kindOfResult(int code)
 {
     using Kind = DatabaseError::Kind;
     switch (code & 0xff) { // the low byte is the primary code
@@ -41,7 +41,7 @@ DatabaseError sqliteError(int code, int systemError)
 {
     const bool full = (code & 0xff) == SQLITE_IOERR && meansFull(systemError);
     const int meant = full ? SQLITE_FULL : code;
-    return {kindOf(meant), sqlite3_errstr(meant)};
+    return {kindOfResult(meant), sqlite3_errstr(meant)};
 }
 
 } // namespace clockwell::server

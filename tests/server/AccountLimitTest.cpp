@@ -1,6 +1,5 @@
-#include "server/auth/AccountLimit.h"
-
 #include "World.h"
+#include "server/http/TokenBuckets.h"
 
 #include <gtest/gtest.h>
 
@@ -13,12 +12,12 @@ class AccountLimitTest : public testing::Test
 {
 protected:
     static constexpr milliseconds none{0};
-    AccountLimit::Clock::time_point now{seconds{1000}};
+    TokenBuckets::Clock::time_point now{seconds{1000}};
 };
 
 TEST_F(AccountLimitTest, BurstPassesThenTheWaitForTheNextIsTold)
 {
-    AccountLimit limit{{.perMinute = 60, .burst = 3}};
+    TokenBuckets limit{{.perMinute = 60, .burst = 3}};
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(limit.take("a", now), none);
     EXPECT_EQ(limit.take("a", now), milliseconds{1000});
@@ -30,7 +29,7 @@ TEST_F(AccountLimitTest, BurstPassesThenTheWaitForTheNextIsTold)
 
 TEST_F(AccountLimitTest, RestFillsTheBucketAndNoMore)
 {
-    AccountLimit limit{{.perMinute = 60, .burst = 2}};
+    TokenBuckets limit{{.perMinute = 60, .burst = 2}};
     limit.take("a", now);
     limit.take("a", now);
     now += std::chrono::hours{1};
@@ -41,7 +40,7 @@ TEST_F(AccountLimitTest, RestFillsTheBucketAndNoMore)
 
 TEST_F(AccountLimitTest, SteadyUseIsNeverForgotten)
 {
-    AccountLimit limit{{.perMinute = 60, .burst = 5}};
+    TokenBuckets limit{{.perMinute = 60, .burst = 5}};
     int passed = 0;
     for (int i = 0; i < 1000; ++i, now += milliseconds{100}) // ten a second, over many fillings of a bucket
         passed += limit.take("a", now) == none ? 1 : 0;
@@ -51,7 +50,7 @@ TEST_F(AccountLimitTest, SteadyUseIsNeverForgotten)
 
 TEST_F(AccountLimitTest, RestedAccountsAreForgotten)
 {
-    AccountLimit limit{{.perMinute = 60, .burst = 5}};
+    TokenBuckets limit{{.perMinute = 60, .burst = 5}};
     for (int i = 0; i < 1000; ++i)
         limit.take(std::to_string(i), now);
     EXPECT_EQ(limit.remembered(), 1000U);
@@ -62,7 +61,7 @@ TEST_F(AccountLimitTest, RestedAccountsAreForgotten)
 
 TEST_F(AccountLimitTest, MemoryIsBoundedAndNobodyIsRefusedForOthers)
 {
-    AccountLimit limit{{.perMinute = 60, .burst = 1, .accounts = 100}};
+    TokenBuckets limit{{.perMinute = 60, .burst = 1, .keys = 200, .crowd = TokenLimits::Crowd::ForgetOldest}};
     for (int i = 0; i < 10'000; ++i)
         EXPECT_EQ(limit.take(std::to_string(i), now), none);
     EXPECT_LE(limit.remembered(), 200U);
@@ -70,7 +69,7 @@ TEST_F(AccountLimitTest, MemoryIsBoundedAndNobodyIsRefusedForOthers)
 
 TEST_F(AccountLimitTest, ZeroIsNoLimit)
 {
-    AccountLimit limit{{.perMinute = 0, .burst = 1}};
+    TokenBuckets limit{{.perMinute = 0, .burst = 1}};
     for (int i = 0; i < 1000; ++i)
         EXPECT_EQ(limit.take("a", now), none);
     EXPECT_EQ(limit.remembered(), 0U);

@@ -1,6 +1,7 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
+#include "TestDatabase.h"
 
 #include <gtest/gtest.h>
 
@@ -46,7 +47,7 @@ Reply verify(std::uint16_t port, const std::string &code)
 TEST(AccountProcessTest, CodeOutlivesARestartAndTheOutboxIsBesideTheDatabase)
 {
     const TempFolder folder;
-    const std::string database = folder.file("clockwell.db");
+    const std::string database = databaseIn(folder);
     {
         ServerProcess server{database};
         ASSERT_EQ(send(server.port(), "POST", "/api/auth/signup", "", signupBody).status, 201);
@@ -62,7 +63,7 @@ TEST(AccountProcessTest, CodeOutlivesARestartAndTheOutboxIsBesideTheDatabase)
 TEST(AccountProcessTest, OutboxOptionNamesTheFolder)
 {
     const TempFolder folder;
-    const ServerProcess server{folder.file("clockwell.db"), {"--outbox", folder.file("mail")}};
+    const ServerProcess server{databaseIn(folder), {"--outbox", folder.file("mail")}};
     ASSERT_EQ(send(server.port(), "POST", "/api/auth/signup", "", signupBody).status, 201);
     EXPECT_EQ(codeIn(folder.file("mail")).size(), 6U);
 }
@@ -70,7 +71,7 @@ TEST(AccountProcessTest, OutboxOptionNamesTheFolder)
 TEST(AccountProcessTest, SmtpOptionsAreCheckedAndNeverRepeatAPassword)
 {
     const TempFolder folder;
-    const std::string database = folder.file("clockwell.db");
+    const std::string database = databaseIn(folder);
     const auto serve = [&](std::vector<std::string> more) {
         std::vector<std::string> arguments{"serve", "--database", database, "--listen", "127.0.0.1:0"};
         arguments.insert(arguments.end(), more.begin(), more.end());

@@ -153,9 +153,11 @@ TEST_F(AdminAuditTest, ListIsFilteredByPersonAndDay)
 
 TEST_F(AdminAuditTest, NamesInItDoNotSteerTheTerminal)
 {
-    execute("UPDATE employees SET full_name = 'K' || CHAR(27) || '[2J' WHERE id = 'employee-1'");
+    execute("UPDATE employees SET full_name = 'K\x1b[2J' WHERE id = 'employee-1'");
     ASSERT_TRUE(ends(0, {"employees", "approve", "kim@example.org"}));
     EXPECT_FALSE(contains(admin({"audit"}).output, "\x1b"));
+    if (testsPostgres())
+        return; // it takes no text that is not UTF-8
     execute("UPDATE employees SET full_name = CAST(X'4BFF' AS TEXT) WHERE id = 'employee-1'");
     ASSERT_TRUE(ends(0, {"employees", "suspend", "kim@example.org"}));
     EXPECT_EQ(audit().size(), 2U);

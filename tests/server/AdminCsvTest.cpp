@@ -1,4 +1,4 @@
-#include "server/admin/Csv.h"
+#include "server/admin/cli/Csv.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
+#include "TestDatabase.h"
 #include "World.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,7 @@ class AdminEmployeesTest : public testing::Test
 protected:
     AdminEmployeesTest()
     {
-        addInstitute(database);
+        addCompany(database);
         addOffice(database, {});
         EmployeeSpec applicant;
         applicant.status = "PENDING";
@@ -53,7 +54,7 @@ protected:
     }
 
     TempFolder folder;
-    std::string file = folder.file("clockwell.db");
+    std::string file = databaseIn(folder);
     Database database{file};
 };
 
@@ -118,7 +119,7 @@ TEST_F(AdminEmployeesTest, ApprovalKeepsTheOfficeThatIsAssigned)
 
 TEST_F(AdminEmployeesTest, CompanyComesWithTheOfficeWhenNoneIsSet)
 {
-    execute("UPDATE employees SET institute_id = NULL");
+    execute("UPDATE employees SET company_id = NULL");
     employees({"approve", "kim@example.org"});
     EXPECT_EQ(shown().at("company"), "Sample Works");
 }
@@ -126,8 +127,8 @@ TEST_F(AdminEmployeesTest, CompanyComesWithTheOfficeWhenNoneIsSet)
 TEST_F(AdminEmployeesTest, OfficeOfAnotherCompanyIsRefused)
 {
     addSecondOffice();
-    execute("INSERT INTO institutes (id, name, code) VALUES ('institute-2', 'Other Works', 'OW')");
-    execute("UPDATE offices SET institute_id = 'institute-2' WHERE id = 'office-2'");
+    execute("INSERT INTO companies (id, name, code) VALUES ('company-2', 'Other Works', 'OW')");
+    execute("UPDATE offices SET company_id = 'company-2' WHERE id = 'office-2'");
     const ProcessResult result = employees({"approve", "kim@example.org", "--office", "Harbour"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_TRUE(contains(result.errors, "belongs to the company Other Works"));
@@ -224,7 +225,7 @@ TEST_F(AdminEmployeesTest, ListIsFilteredByStatusAndOffice)
 
 TEST_F(AdminEmployeesTest, TableIsAlignedAndNamesDoNotSteerTheTerminal)
 {
-    execute("UPDATE employees SET full_name = '王' || CHAR(27) || '[2J', joined_on = '2026-01-02'");
+    execute("UPDATE employees SET full_name = '王\x1b[2J', joined_on = '2026-01-02'");
     EXPECT_EQ(employees({"list"}).output,
               "NAME    E-MAIL           STATUS   VERIFIED  ROLE      OFFICE  JOINED      LAST DAY\n"
               "王?[2J  kim@example.org  PENDING  yes       EMPLOYEE  -       2026-01-02  -\n");
@@ -240,10 +241,11 @@ TEST_F(AdminEmployeesTest, NoSecretIsPrinted)
 
 TEST_F(AdminEmployeesTest, ApprovalOnADatabaseHeldTooLongFailsAndChangesNothing)
 {
-    ProcessResult result;
-    database.write([&](Connection &) { result = employees({"approve", "kim@example.org"}); });
+    WriteBlocker blocker{file};
+    const ProcessResult result = employees({"approve", "kim@example.org"});
+    blocker.end();
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_TRUE(contains(result.errors, "locked")) << result.errors;
+    EXPECT_TRUE(contains(result.errors, testsPostgres() ? "others held" : "locked")) << result.errors;
     EXPECT_EQ(shown().at("status"), "PENDING");
 }
 

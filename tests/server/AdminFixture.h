@@ -2,6 +2,7 @@
 
 #include "Contains.h"
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "World.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +13,19 @@ namespace clockwell::server::test {
 /// program that administers it.
 class AdminFixture : public testing::Test
 {
+public:
+    /// The access token of kim@example.org, as addEmployee makes the account.
+    static std::string token(std::uint16_t port)
+    {
+        const Reply reply =
+            send(port, "POST", "/api/auth/login", "",
+                 R"({"email":"kim@example.org","password":"Correct-Horse-7","deviceId":"d"})");
+        EXPECT_EQ(reply.status, 200) << reply.body;
+        return reply.json().value("accessToken", "");
+    }
+
 protected:
-    AdminFixture() { addInstitute(database); }
+    AdminFixture() { addCompany(database); }
 
     void execute(const std::string &sql)
     {
@@ -40,18 +52,8 @@ protected:
                                            << result.output << result.errors;
     }
 
-    /// The access token of kim@example.org, as addEmployee makes the account.
-    static std::string token(std::uint16_t port)
-    {
-        const Reply reply =
-            send(port, "POST", "/api/auth/login", "",
-                 R"({"email":"kim@example.org","password":"Correct-Horse-7","deviceId":"d"})");
-        EXPECT_EQ(reply.status, 200) << reply.body;
-        return reply.json().value("accessToken", "");
-    }
-
     TempFolder folder;
-    std::string file = folder.file("clockwell.db");
+    std::string file = databaseIn(folder);
     Database database{file};
 };
 

@@ -1,4 +1,5 @@
 #include "ReportFixture.h"
+#include "TestDatabase.h"
 
 namespace clockwell::server::test {
 
@@ -139,7 +140,7 @@ TEST_F(AdminReportTest, EachOfficesOwnCalendarSaysWhatTodayIs)
 TEST(AdminReportProcessTest, FiguresOfTheRunningMonthAreThoseOfTheRunningServer)
 {
     const TempFolder folder;
-    const std::string file = folder.file("demo.db");
+    const std::string file = databaseIn(folder, "demo.db");
     ASSERT_EQ(runServer({"demo", "--database", file}).exitCode, 0);
     const ServerProcess server{file};
     const std::string token =

@@ -21,7 +21,7 @@ protected:
     static void fill(const std::string &name)
     {
         Database database{name};
-        addInstitute(database);
+        addCompany(database);
         addOffice(database, {});
         addEmployee(database, {});
     }

@@ -1,5 +1,6 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "http/TestServer.h"
 #include "http/TlsClient.h"
 
@@ -42,7 +43,7 @@ protected:
 TEST_F(CertificateReloadTest, HangUpTakesTheNewCertificateForTheHandshakesToCome)
 {
     install(first);
-    ServerProcess server{folder.file("a.db"),
+    ServerProcess server{databaseIn(folder, "a.db"),
                          {"--certificate", folder.file("certificate"), "--private-key", folder.file("key")}};
     ASSERT_TRUE(serves(server, first));
     TlsClient early{server.port(), first.certificateFile(), {}};
@@ -61,7 +62,7 @@ TEST_F(CertificateReloadTest, HangUpTakesTheNewCertificateForTheHandshakesToCome
 TEST_F(CertificateReloadTest, UnusableFilesKeepTheOldOneAndAreSaid)
 {
     install(first);
-    ServerProcess server{folder.file("a.db"),
+    ServerProcess server{databaseIn(folder, "a.db"),
                          {"--certificate", folder.file("certificate"), "--private-key", folder.file("key")}};
     ASSERT_TRUE(serves(server, first));
     std::filesystem::copy_file(second.keyFile(), folder.file("key"),
@@ -78,7 +79,7 @@ TEST_F(CertificateReloadTest, UnusableFilesKeepTheOldOneAndAreSaid)
 
 TEST_F(CertificateReloadTest, HangUpOfAServerWithoutCertificateChangesNothing)
 {
-    ServerProcess server{folder.file("a.db")};
+    ServerProcess server{databaseIn(folder, "a.db")};
     ASSERT_EQ(::kill(server.process(), SIGHUP), 0);
     ASSERT_TRUE(logs(server, "event=certificateReloaded"));
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);

@@ -2,6 +2,8 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
+#include "TestDatabase.h"
+#include "server/storage/PostgresUrl.h"
 
 #include <gtest/gtest.h>
 
@@ -78,12 +80,28 @@ TEST(CommandLineTest, WrongValuesAreUsageErrorsThatShowARightOne)
     EXPECT_EQ(runServer({"serve", "--database", "x.db", "--account-requests", "-1"}).exitCode, 2);
 }
 
+TEST(CommandLineTest, OptionsOfTheOtherDatabaseAreRefused)
+{
+    const TempFolder folder;
+    const std::string url = "postgresql://127.0.0.1:1/name"; // nothing connects there
+    const ProcessResult limit = runServer({"serve", "--database", url, "--database-limit", "100"});
+    EXPECT_EQ(limit.exitCode, 2);
+    EXPECT_TRUE(contains(limit.errors, "--database-limit is for a SQLite file")) << limit.errors;
+    const ProcessResult connections =
+        runServer({"serve", "--database", folder.file("a.db"), "--database-connections", "3"});
+    EXPECT_EQ(connections.exitCode, 2);
+    EXPECT_TRUE(contains(connections.errors, "--database-connections is for PostgreSQL"))
+        << connections.errors;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("a.db")));
+    EXPECT_EQ(runServer({"serve", "--database", url, "--database-limit", "0"}).exitCode, 1) << "no limit";
+}
+
 TEST(CommandLineTest, AddressInUseIsAFailure)
 {
     const TempFolder folder;
-    const ServerProcess server{folder.file("a.db")};
+    const ServerProcess server{databaseIn(folder, "a.db")};
     ASSERT_NE(server.port(), 0);
-    const ProcessResult second = runServer({"serve", "--database", folder.file("b.db"), "--listen",
+    const ProcessResult second = runServer({"serve", "--database", databaseIn(folder, "b.db"), "--listen",
                                             "127.0.0.1:" + std::to_string(server.port())});
     EXPECT_EQ(second.exitCode, 1);
     EXPECT_FALSE(second.errors.empty());
@@ -92,7 +110,7 @@ TEST(CommandLineTest, AddressInUseIsAFailure)
 TEST(CommandLineTest, TerminationIsOrderly)
 {
     const TempFolder folder;
-    ServerProcess server{folder.file("a.db")};
+    ServerProcess server{databaseIn(folder, "a.db")};
     ASSERT_NE(server.port(), 0);
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
     EXPECT_EQ(server.terminate(), 0);
@@ -101,9 +119,9 @@ TEST(CommandLineTest, TerminationIsOrderly)
 TEST(CommandLineTest, RequestsOfAnAccountHaveALimit)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db")});
+    runServer({"demo", "--database", databaseIn(folder, "a.db")});
     const auto third = [&](std::vector<std::string> options) {
-        const ServerProcess server{folder.file("a.db"), std::move(options)};
+        const ServerProcess server{databaseIn(folder, "a.db"), std::move(options)};
         const std::string token = signIn(server.port());
         for (int i = 0; i < 2; ++i)
             EXPECT_EQ(send(server.port(), "GET", "/api/attendance/today", token).status, 200);
@@ -116,15 +134,15 @@ TEST(CommandLineTest, RequestsOfAnAccountHaveALimit)
 TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db")});
+    runServer({"demo", "--database", databaseIn(folder, "a.db")});
     std::string token;
     {
-        ServerProcess server{folder.file("a.db")};
+        ServerProcess server{databaseIn(folder, "a.db")};
         token = signIn(server.port());
         EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).status, 200);
         EXPECT_EQ(server.terminate(), 0);
     }
-    const ServerProcess server{folder.file("a.db")};
+    const ServerProcess server{databaseIn(folder, "a.db")};
     const Reply today = send(server.port(), "GET", "/api/attendance/today", token);
     ASSERT_EQ(today.status, 200);
     EXPECT_EQ(today.json().at("canCheckOut"), true);
@@ -133,8 +151,8 @@ TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)
 TEST(CommandLineTest, RepeatWindowCanBeSwitchedOff)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db")});
-    const ServerProcess server{folder.file("a.db"), {"--repeat-window", "0"}};
+    runServer({"demo", "--database", databaseIn(folder, "a.db")});
+    const ServerProcess server{databaseIn(folder, "a.db"), {"--repeat-window", "0"}};
     const std::string token = signIn(server.port());
     EXPECT_EQ(send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).json().at("type"), "IN");
     std::this_thread::sleep_for(std::chrono::milliseconds{5}); // the next millisecond
@@ -146,20 +164,20 @@ TEST(CommandLineTest, RepeatWindowIsNinetySecondsAndFiveForTheDemonstration)
 {
     const TempFolder folder;
     EXPECT_TRUE(contains(runServer({"serve", "--help"}).output, "=90 (demonstration: 5)"));
-    EXPECT_TRUE(contains(ServerProcess{folder.file("empty.db")}.log(), "repeat_window=90s"));
-    runServer({"demo", "--database", folder.file("demo.db")});
-    EXPECT_TRUE(contains(ServerProcess{folder.file("demo.db")}.log(), "repeat_window=5s"));
-    EXPECT_TRUE(contains(ServerProcess(folder.file("demo.db"), {"--repeat-window", "90"}).log(),
+    EXPECT_TRUE(contains(ServerProcess{databaseIn(folder, "empty.db")}.log(), "repeat_window=90s"));
+    runServer({"demo", "--database", databaseIn(folder, "demo.db")});
+    EXPECT_TRUE(contains(ServerProcess{databaseIn(folder, "demo.db")}.log(), "repeat_window=5s"));
+    EXPECT_TRUE(contains(ServerProcess(databaseIn(folder, "demo.db"), {"--repeat-window", "90"}).log(),
                          "repeat_window=90s"));
-    EXPECT_TRUE(
-        contains(ServerProcess(folder.file("empty.db"), {"--repeat-window", "7"}).log(), "repeat_window=7s"));
+    EXPECT_TRUE(contains(ServerProcess(databaseIn(folder, "empty.db"), {"--repeat-window", "7"}).log(),
+                         "repeat_window=7s"));
 }
 
 TEST(CommandLineTest, DemonstrationChecksOutAfterFiveSeconds)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db")});
-    const ServerProcess server{folder.file("a.db")};
+    runServer({"demo", "--database", databaseIn(folder, "a.db")});
+    const ServerProcess server{databaseIn(folder, "a.db")};
     const std::string token = signIn(server.port());
     const auto punch = [&] {
         return send(server.port(), "POST", "/api/attendance/punch", token, demoPunch).json().at("type");
@@ -173,19 +191,19 @@ TEST(CommandLineTest, DemonstrationChecksOutAfterFiveSeconds)
 TEST(CommandLineTest, DatabaseMayComeFromTheEnvironment)
 {
     const TempFolder folder;
-    ASSERT_EQ(::setenv("CLOCKWELL_DATABASE", folder.file("a.db").c_str(), 1), 0);
+    ASSERT_EQ(::setenv("CLOCKWELL_DATABASE", databaseIn(folder, "a.db").c_str(), 1), 0);
     const ProcessResult demo = runServer({"demo"});
     ::unsetenv("CLOCKWELL_DATABASE");
     EXPECT_EQ(demo.exitCode, 0);
-    EXPECT_TRUE(contains(demo.output, folder.file("a.db")));
+    EXPECT_TRUE(contains(demo.output, databaseLabel(databaseIn(folder, "a.db"))));
 }
 
 TEST(CommandLineTest, MissingCertificateIsAFailure)
 {
     const TempFolder folder;
     const ProcessResult serve =
-        runServer({"serve", "--database", folder.file("a.db"), "--listen", "127.0.0.1:0", "--certificate",
-                   folder.file("c.pem"), "--private-key", folder.file("k.pem")});
+        runServer({"serve", "--database", databaseIn(folder, "a.db"), "--listen", "127.0.0.1:0",
+                   "--certificate", folder.file("c.pem"), "--private-key", folder.file("k.pem")});
     EXPECT_EQ(serve.exitCode, 1);
     EXPECT_TRUE(contains(serve.errors, "c.pem"));
 }
@@ -194,35 +212,35 @@ TEST(DemoTest, PrintsHowToTryItAndIsIdempotent)
 {
     const TempFolder folder;
     const ProcessResult first =
-        runServer({"demo", "--database", folder.file("a.db"), "--time-zone", "Asia/Kolkata"});
+        runServer({"demo", "--database", databaseIn(folder, "a.db"), "--time-zone", "Asia/Kolkata"});
     EXPECT_EQ(first.exitCode, 0);
     for (const char *fact : {"demo@clockwell.example", "Clockwell-2026", "Head Office", "Asia/Kolkata",
                              "54.1234,9.5678", "150 m"})
         EXPECT_TRUE(contains(first.output, fact)) << fact;
-    const std::string content = readFile(folder.file("a.db"));
-    const ProcessResult second = runServer({"demo", "--database", folder.file("a.db")});
+    const std::string content = contentOf(databaseIn(folder, "a.db"));
+    const ProcessResult second = runServer({"demo", "--database", databaseIn(folder, "a.db")});
     EXPECT_EQ(second.exitCode, 0);
     EXPECT_TRUE(contains(second.output, "was left as it is"));
     EXPECT_TRUE(contains(second.output, "Clockwell-2026"));
-    EXPECT_EQ(readFile(folder.file("a.db")), content);
+    EXPECT_EQ(contentOf(databaseIn(folder, "a.db")), content);
 }
 
 TEST(DemoTest, UnknownPasswordIsNotClaimedToWork)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db"), "--password", "Another-Word-9"});
-    const ProcessResult second = runServer({"demo", "--database", folder.file("a.db")});
+    runServer({"demo", "--database", databaseIn(folder, "a.db"), "--password", "Another-Word-9"});
+    const ProcessResult second = runServer({"demo", "--database", databaseIn(folder, "a.db")});
     EXPECT_FALSE(contains(second.output, "Clockwell-2026"));
 }
 
 TEST(DemoTest, FreshStartsOver)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db"), "--password", "Another-Word-9"});
-    const ProcessResult fresh = runServer({"demo", "--database", folder.file("a.db"), "--fresh"});
+    runServer({"demo", "--database", databaseIn(folder, "a.db"), "--password", "Another-Word-9"});
+    const ProcessResult fresh = runServer({"demo", "--database", databaseIn(folder, "a.db"), "--fresh"});
     EXPECT_EQ(fresh.exitCode, 0);
     EXPECT_TRUE(contains(fresh.output, "Filled"));
-    const ServerProcess server{folder.file("a.db")};
+    const ServerProcess server{databaseIn(folder, "a.db")};
     EXPECT_FALSE(signIn(server.port()).empty());
     EXPECT_TRUE(signIn(server.port(), "Another-Word-9").empty());
 }
@@ -232,8 +250,8 @@ TEST(DemoTest, CoversEveryStatusAndLeavesTodayOpenAtAnyHour)
     // Somewhere it is early, somewhere late: today's check-in works at any hour.
     for (const char *zone : {"UTC", "Pacific/Kiritimati", "Pacific/Pago_Pago", "America/New_York"}) {
         const TempFolder folder;
-        runServer({"demo", "--database", folder.file("a.db"), "--time-zone", zone});
-        const ServerProcess server{folder.file("a.db")};
+        runServer({"demo", "--database", databaseIn(folder, "a.db"), "--time-zone", zone});
+        const ServerProcess server{databaseIn(folder, "a.db")};
         const std::string token = signIn(server.port());
         ASSERT_FALSE(token.empty());
         const auto today = send(server.port(), "GET", "/api/attendance/today", token).json();
@@ -254,8 +272,8 @@ TEST(DemoTest, CoversEveryStatusAndLeavesTodayOpenAtAnyHour)
 TEST(DemoTest, ManagersMaySignInToo)
 {
     const TempFolder folder;
-    runServer({"demo", "--database", folder.file("a.db")});
-    const ServerProcess server{folder.file("a.db")};
+    runServer({"demo", "--database", databaseIn(folder, "a.db")});
+    const ServerProcess server{databaseIn(folder, "a.db")};
     for (const char *email : {"manager@clockwell.example", "admin@clockwell.example"})
         EXPECT_FALSE(signIn(server.port(), "Clockwell-2026", email).empty()) << email;
 }

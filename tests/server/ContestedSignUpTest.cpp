@@ -57,7 +57,7 @@ TEST_F(ContestedSignUpTest, LaterStrangerGetsNothingWhenTheOwnerEntersTheirOwnCo
     ASSERT_EQ(verify(own).status, 200);
     EXPECT_EQ(employee().fullName, "Kim Sample");
     EXPECT_FALSE(employee().phone);
-    EXPECT_FALSE(employee().instituteId);
+    EXPECT_FALSE(employee().companyId);
     expectNoPasswordUntilReset();
 }
 
@@ -85,7 +85,7 @@ TEST_F(ContestedSignUpTest, CodeBelongsToTheSignUpThatAskedForIt)
     ASSERT_EQ(verify(strangerSignsUp()).status, 200);
     EXPECT_EQ(employee().fullName, "Eve Stranger"); // an administrator sees whose code was entered
     EXPECT_EQ(employee().phone, "+1 555 666");
-    EXPECT_EQ(employee().instituteId, "institute-1");
+    EXPECT_EQ(employee().companyId, "company-1");
 }
 
 TEST_F(ContestedSignUpTest, ResendIsForTheSignUpFromTheSameNetwork)
@@ -178,7 +178,7 @@ TEST_F(ContestedSignUpTest, ApprovalStaysWithWhoWasApproved)
     EXPECT_EQ(employee().fullName, "Kim Sample");
     ASSERT_EQ(verify(own).json().at("status"), "APPROVED");
     EXPECT_EQ(employee().role, "MANAGER");
-    EXPECT_EQ(employee().instituteId, std::nullopt);
+    EXPECT_EQ(employee().companyId, std::nullopt);
     EXPECT_EQ(world.login("kim@example.org", strangersPassword).status, 401);
 }
 

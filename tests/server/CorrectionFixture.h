@@ -20,8 +20,8 @@ protected:
         addAdministrator("ada");
         addAdministrator("bo");
         addAdministrator("eve");
-        execute("INSERT INTO institutes (id, name, code) VALUES ('institute-2', 'Other Works', 'OW')");
-        execute("UPDATE employees SET institute_id = 'institute-2' WHERE id = 'eve'");
+        execute("INSERT INTO companies (id, name, code) VALUES ('company-2', 'Other Works', 'OW')");
+        execute("UPDATE employees SET company_id = 'company-2' WHERE id = 'eve'");
         token = world.token();
     }
 

@@ -1,4 +1,5 @@
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "World.h"
 
 #include <gtest/gtest.h>
@@ -13,10 +14,10 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
 {
     constexpr int people = 100;
     const TempFolder folder;
-    const std::string file = folder.file("a.db");
+    const std::string file = databaseIn(folder, "a.db");
     {
         Database database{file};
-        addInstitute(database);
+        addCompany(database);
         addPeople(database, people);
     }
     ServerProcess server{file};
@@ -49,10 +50,11 @@ TEST(CrashTest, EveryAcknowledgedPunchSurvivesAKill)
     for (std::thread &client : clients)
         client.join();
     Database database{file};
-    EXPECT_EQ(database.read([](Connection &connection) {
-        return connection.value<std::string>("PRAGMA integrity_check");
-    }),
-              "ok");
+    if (!testsPostgres()) {
+        const auto verdict = database.read(
+            [](Connection &connection) { return connection.value<std::string>("PRAGMA integrity_check"); });
+        EXPECT_EQ(verdict, "ok");
+    }
     int promised = 0;
     for (int i = 0; i < people; ++i) {
         const auto punches = database.read([&](Connection &connection) {

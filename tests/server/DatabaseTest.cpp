@@ -1,3 +1,4 @@
+#include "TestDatabase.h"
 #include "World.h"
 #include "server/storage/Migrations.h"
 
@@ -23,16 +24,15 @@ DatabaseError::Kind kindOfFailure(const std::function<void()> &work)
     return DatabaseError::Kind::Unusable;
 }
 
-void insertInstitute(Connection &connection, const std::string &id)
+void insertCompany(Connection &connection, const std::string &id)
 {
-    connection.execute("INSERT INTO institutes (id, name, code) VALUES (:id, 'Name', :code)", id, id);
+    connection.execute("INSERT INTO companies (id, name, code) VALUES (:id, 'Name', :code)", id, id);
 }
 
-long long institutes(Database &database)
+long long companies(Database &database)
 {
-    return database.read([](Connection &connection) {
-        return connection.value<long long>("SELECT COUNT(*) FROM institutes");
-    });
+    return database.read(
+        [](Connection &connection) { return connection.value<long long>("SELECT COUNT(*) FROM companies"); });
 }
 
 } // namespace
@@ -49,14 +49,14 @@ TEST(DatabaseTest, ValuesComeBackAsTheyWere)
         auto columns() { return std::tie(text, number, real, none, some); }
     };
     const TempFolder folder;
-    Database database{folder.file("a.db")};
+    Database database{databaseIn(folder, "a.db")};
     const auto row = database.write([](Connection &connection) {
-        connection.execute("CREATE TABLE sample (text VARCHAR(99), number BIGINT, real DOUBLE PRECISION,"
-                           " none VARCHAR(9), some BIGINT)");
+        connection.execute(
+            "CREATE TABLE sample (a VARCHAR(99), b BIGINT, c DOUBLE PRECISION, d VARCHAR(9), e BIGINT)");
         connection.execute("INSERT INTO sample VALUES (:a, :b, :c, :d, :e)", "O'Hara; \xE2\x82\xAC",
                            9'007'199'254'740'993LL, 0.1, std::optional<std::string>{},
                            std::optional<long long>{-7});
-        return connection.first<Row>("SELECT text, number, real, none, some FROM sample").value();
+        return connection.first<Row>("SELECT a, b, c, d, e FROM sample").value();
     });
     EXPECT_EQ(row.text, "O'Hara; \xE2\x82\xAC");
     EXPECT_EQ(row.number, 9'007'199'254'740'993LL);
@@ -68,9 +68,9 @@ TEST(DatabaseTest, ValuesComeBackAsTheyWere)
 TEST(DatabaseTest, FileNamesMayHaveBlanksAndIsPrivate)
 {
     const TempFolder folder;
-    const std::string file = folder.file("my attendance.db");
+    const std::string file = databaseIn(folder, "my attendance.db");
     Database database{file};
-    database.write([](Connection &connection) { insertInstitute(connection, "i"); });
+    database.write([](Connection &connection) { insertCompany(connection, "i"); });
     for (const std::string &name : {file, file + "-wal", file + "-shm"}) {
         const auto others = std::filesystem::status(name).permissions() &
                             (std::filesystem::perms::group_all | std::filesystem::perms::others_all);
@@ -81,7 +81,7 @@ TEST(DatabaseTest, FileNamesMayHaveBlanksAndIsPrivate)
 TEST(DatabaseTest, UsesTheDurableSettings)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db")};
+    Database database{databaseIn(folder, "a.db")};
     database.write([](Connection &connection) {
         EXPECT_EQ(connection.value<std::string>("PRAGMA journal_mode"), "wal");
         EXPECT_EQ(connection.value<long long>("PRAGMA synchronous"), 2); // FULL
@@ -93,76 +93,87 @@ TEST(DatabaseTest, UsesTheDurableSettings)
 TEST(DatabaseTest, FailedWorkLeavesNothingBehind)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db")};
+    Database database{databaseIn(folder, "a.db")};
     EXPECT_THROW(database.write([](Connection &connection) {
-        insertInstitute(connection, "i");
+        insertCompany(connection, "i");
         throw std::runtime_error{"no"};
     }),
                  std::runtime_error);
-    EXPECT_EQ(institutes(database), 0);
-    database.write([](Connection &connection) { insertInstitute(connection, "i"); });
-    EXPECT_EQ(institutes(database), 1);
+    EXPECT_EQ(companies(database), 0);
+    database.write([](Connection &connection) { insertCompany(connection, "i"); });
+    EXPECT_EQ(companies(database), 1);
 }
 
 TEST(DatabaseTest, BrokenRulesOfTheSchemaAreConstraintErrors)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db")};
+    Database database{databaseIn(folder, "a.db")};
     EXPECT_EQ(kindOfFailure([&] { addOffice(database, {}); }),
-              DatabaseError::Kind::Constraint); // no such institute
-    database.write([](Connection &connection) { insertInstitute(connection, "i"); });
+              DatabaseError::Kind::Constraint); // no such company
+    database.write([](Connection &connection) { insertCompany(connection, "i"); });
     EXPECT_EQ(kindOfFailure(
-                  [&] { database.write([](Connection &connection) { insertInstitute(connection, "i"); }); }),
+                  [&] { database.write([](Connection &connection) { insertCompany(connection, "i"); }); }),
               DatabaseError::Kind::Constraint);
+}
+
+TEST(DatabaseTest, WhoeverReadsCannotWrite)
+{
+    const TempFolder folder;
+    Database database{databaseIn(folder, "a.db")};
+    EXPECT_THROW(database.read([](Connection &connection) { insertCompany(connection, "i"); }),
+                 DatabaseError);
+    EXPECT_EQ(companies(database), 0);
+    database.write([](Connection &connection) { insertCompany(connection, "i"); });
+    EXPECT_EQ(companies(database), 1) << "the connection is of use again";
 }
 
 TEST(DatabaseTest, ReadersSeeOneUnchangingView)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db")};
+    Database database{databaseIn(folder, "a.db")};
     database.read([&](Connection &connection) {
-        EXPECT_EQ(connection.value<long long>("SELECT COUNT(*) FROM institutes"), 0);
-        database.write([](Connection &writer) { insertInstitute(writer, "i"); });
-        EXPECT_EQ(connection.value<long long>("SELECT COUNT(*) FROM institutes"), 0);
+        EXPECT_EQ(connection.value<long long>("SELECT COUNT(*) FROM companies"), 0);
+        database.write([](Connection &writer) { insertCompany(writer, "i"); });
+        EXPECT_EQ(connection.value<long long>("SELECT COUNT(*) FROM companies"), 0);
     });
-    EXPECT_EQ(institutes(database), 1);
+    EXPECT_EQ(companies(database), 1);
 }
 
 TEST(DatabaseTest, ReadersCannotWrite)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db")};
-    EXPECT_EQ(kindOfFailure(
-                  [&] { database.read([](Connection &connection) { insertInstitute(connection, "i"); }); }),
-              DatabaseError::Kind::ReadOnly);
+    Database database{databaseIn(folder, "a.db")};
+    EXPECT_EQ(
+        kindOfFailure([&] { database.read([](Connection &connection) { insertCompany(connection, "i"); }); }),
+        DatabaseError::Kind::ReadOnly);
 }
 
 TEST(DatabaseTest, ManyWritersTakeTurns)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db")};
+    Database database{databaseIn(folder, "a.db")};
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 8; ++thread)
         threads.emplace_back([&database, thread] {
             for (int i = 0; i < 10; ++i)
                 database.write([&](Connection &connection) {
-                    insertInstitute(connection, std::to_string(thread) + "-" + std::to_string(i));
+                    insertCompany(connection, std::to_string(thread) + "-" + std::to_string(i));
                 });
         });
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(institutes(database), 80);
+    EXPECT_EQ(companies(database), 80);
 }
 
 TEST(DatabaseTest, TwoProgramsOnOneFileTakeTurnsWithoutLosingAnUpdate)
 {
     const TempFolder folder;
-    Database first{folder.file("a.db")};
-    Database second{folder.file("a.db")};
-    first.write([](Connection &connection) { insertInstitute(connection, "0"); });
+    Database first{databaseIn(folder, "a.db")};
+    Database second{databaseIn(folder, "a.db")};
+    first.write([](Connection &connection) { insertCompany(connection, "0"); });
     const auto countUp = [](Connection &connection) {
-        const auto before = connection.value<std::string>("SELECT code FROM institutes");
-        connection.execute("UPDATE institutes SET code = :code", std::to_string(std::stoi(before) + 1));
+        const auto before = connection.value<std::string>("SELECT code FROM companies");
+        connection.execute("UPDATE companies SET code = :code", std::to_string(std::stoi(before) + 1));
     };
     std::vector<std::thread> threads;
     std::atomic<int> failures = 0;
@@ -178,65 +189,64 @@ TEST(DatabaseTest, TwoProgramsOnOneFileTakeTurnsWithoutLosingAnUpdate)
         });
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(failures, 0);
-    EXPECT_EQ(first.read([](Connection &connection) {
-        return connection.value<std::string>("SELECT code FROM institutes");
-    }),
-              "100");
+    // PostgreSQL may give up on one that always met others, but then says so.
+    EXPECT_LE(failures, testsPostgres() ? 50 : 0);
+    const auto counted = first.read(
+        [](Connection &connection) { return connection.value<std::string>("SELECT code FROM companies"); });
+    EXPECT_EQ(counted, std::to_string(100 - failures));
 }
 
 TEST(DatabaseTest, LockedByAnotherProcessIsBusyAfterTheWait)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db"), {.patience = std::chrono::seconds{1}}};
-    Connection other{folder.file("a.db"), 1};
-    other.execute("BEGIN IMMEDIATE");
+    Database database{databaseIn(folder, "a.db"), {.patience = std::chrono::seconds{1}}};
+    WriteBlocker other{databaseIn(folder, "a.db")};
     EXPECT_EQ(kindOfFailure(
-                  [&] { database.write([](Connection &connection) { insertInstitute(connection, "i"); }); }),
+                  [&] { database.write([](Connection &connection) { insertCompany(connection, "i"); }); }),
               DatabaseError::Kind::Busy);
-    other.execute("ROLLBACK");
-    database.write([](Connection &connection) { insertInstitute(connection, "i"); });
-    EXPECT_EQ(institutes(database), 1);
+    other.end();
+    database.write([](Connection &connection) { insertCompany(connection, "i"); });
+    EXPECT_EQ(companies(database), 1);
 }
 
 TEST(DatabaseTest, LimitOfTheFileIsKeptAndLeavesItUsable)
 {
     const TempFolder folder;
-    Database database{folder.file("a.db"), {.maximumBytes = 300 * 1024}};
+    Database database{databaseIn(folder, "a.db"), {.maximumBytes = 300 * 1024}};
     int written = 0;
     EXPECT_EQ(kindOfFailure([&] {
                   for (; written < 1000; ++written)
                       database.write([&](Connection &connection) {
-                          insertInstitute(connection, std::to_string(written) + std::string(4000, 'x'));
+                          insertCompany(connection, std::to_string(written) + std::string(4000, 'x'));
                       });
               }),
               DatabaseError::Kind::Full);
     EXPECT_GT(written, 0);
-    EXPECT_EQ(institutes(database), written);
-    database.write([](Connection &connection) { connection.execute("DELETE FROM institutes"); });
-    EXPECT_EQ(institutes(database), 0);
+    EXPECT_EQ(companies(database), written);
+    database.write([](Connection &connection) { connection.execute("DELETE FROM companies"); });
+    EXPECT_EQ(companies(database), 0);
 }
 
 TEST(DatabaseTest, FileThatIsNoDatabaseIsRefused)
 {
     const TempFolder folder;
-    std::ofstream{folder.file("a.db")} << std::string(10'000, 'x');
+    std::ofstream{databaseIn(folder, "a.db")} << std::string(10'000, 'x');
     try {
-        Database database{folder.file("a.db")};
+        Database database{databaseIn(folder, "a.db")};
         FAIL();
     } catch (const DatabaseError &error) {
         EXPECT_EQ(error.kind(), DatabaseError::Kind::Damaged);
         EXPECT_NE(std::string{error.what()}.find("a.db cannot be used: file is not a database."),
                   std::string::npos);
     }
-    EXPECT_EQ(readFile(folder.file("a.db")), std::string(10'000, 'x'));
+    EXPECT_EQ(readFile(databaseIn(folder, "a.db")), std::string(10'000, 'x'));
 }
 
 TEST(DatabaseTest, MissingFolderIsSaidPlainly)
 {
     const TempFolder folder;
     try {
-        Database database{folder.file("none/a.db")};
+        Database database{databaseIn(folder, "none/a.db")};
         FAIL();
     } catch (const DatabaseError &error) {
         EXPECT_NE(std::string{error.what()}.find("No such file or directory."), std::string::npos);
@@ -247,14 +257,14 @@ TEST(DatabaseTest, NewerSchemaIsRefusedAndLeftAlone)
 {
     const TempFolder folder;
     {
-        Database database{folder.file("a.db")};
+        Database database{databaseIn(folder, "a.db")};
         database.write([](Connection &connection) {
             connection.execute("INSERT INTO schema_migrations (version) VALUES (:version)",
                                schemaVersion() + 1);
         });
     }
     try {
-        Database database{folder.file("a.db")};
+        Database database{databaseIn(folder, "a.db")};
         FAIL();
     } catch (const DatabaseError &error) {
         EXPECT_EQ(error.kind(), DatabaseError::Kind::Newer);
@@ -266,11 +276,11 @@ TEST(DatabaseTest, ReopeningKeepsDataAndSchema)
 {
     const TempFolder folder;
     {
-        Database database{folder.file("a.db")};
-        database.write([](Connection &connection) { insertInstitute(connection, "i"); });
+        Database database{databaseIn(folder, "a.db")};
+        database.write([](Connection &connection) { insertCompany(connection, "i"); });
     }
-    Database database{folder.file("a.db")};
-    EXPECT_EQ(institutes(database), 1);
+    Database database{databaseIn(folder, "a.db")};
+    EXPECT_EQ(companies(database), 1);
     database.read([](Connection &connection) {
         EXPECT_EQ(connection.value<long long>("SELECT MAX(version) FROM schema_migrations"), schemaVersion());
     });

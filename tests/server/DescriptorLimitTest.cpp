@@ -1,5 +1,6 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "http/RawClient.h"
 #include "http/TestServer.h"
 
@@ -41,7 +42,7 @@ class DescriptorLimitTest : public testing::Test
 {
 protected:
     TempFolder folder;
-    std::string file = folder.file("a.db");
+    std::string file = databaseIn(folder, "a.db");
 };
 
 TEST_F(DescriptorLimitTest, SoftLimitIsRaisedAsFarAsTheConnectionsNeedIt)

@@ -1,4 +1,5 @@
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "World.h"
 #include "http/RawClient.h"
 
@@ -41,7 +42,7 @@ class GoneClientsTest : public testing::Test
 protected:
     GoneClientsTest()
     {
-        addInstitute(database);
+        addCompany(database);
         addPeople(database, people);
     }
 
@@ -53,7 +54,7 @@ protected:
     }
 
     TempFolder folder;
-    std::string file = folder.file("a.db");
+    std::string file = databaseIn(folder, "a.db");
     Database database{file};
 };
 
@@ -65,8 +66,7 @@ TEST_F(GoneClientsTest, PunchesOfThoseWhoHaveGivenUpAreNotBegunAndTheirRetriesAr
     for (int i = 0; i < people; ++i)
         tokens.push_back(signIn(server.port(), i));
     {
-        Connection blocker{file, 5};
-        blocker.execute("BEGIN IMMEDIATE"); // no punch can be recorded
+        WriteBlocker blocker{file}; // no punch can be recorded
         std::vector<std::unique_ptr<RawClient>> clients;
         for (const std::string &token : tokens) {
             clients.push_back(std::make_unique<RawClient>(server.port()));
@@ -74,7 +74,7 @@ TEST_F(GoneClientsTest, PunchesOfThoseWhoHaveGivenUpAreNotBegunAndTheirRetriesAr
         }
         std::this_thread::sleep_for(std::chrono::milliseconds{200});
         clients.clear();
-        blocker.execute("ROLLBACK");
+        blocker.end();
     }
     // Its turn comes after all of them.
     EXPECT_EQ(send(server.port(), "GET", "/api/attendance/today", tokens.front()).status, 200);

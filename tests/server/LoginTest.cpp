@@ -31,7 +31,7 @@ TEST_F(LoginTest, GivesTokensAndTheUser)
     EXPECT_EQ(json.at("refreshToken").get<std::string>().size(), 43U);
     EXPECT_NE(json.at("accessToken"), json.at("refreshToken"));
     EXPECT_EQ(json.at("user"), nlohmann::json::parse(R"({"id":"employee-1","fullName":"Kim Sample",
-        "email":"kim@example.org","role":"EMPLOYEE","status":"APPROVED","instituteId":"institute-1",
+        "email":"kim@example.org","role":"EMPLOYEE","status":"APPROVED","instituteId":"company-1",
         "officeLocationId":"office-1"})"));
 }
 

@@ -1,6 +1,7 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "SmtpServer.h"
+#include "TestDatabase.h"
 #include "Within.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +34,7 @@ TEST(MailProcessTest, CodesGoOutOverConnectionsThatAreKept)
 {
     const TempFolder folder;
     const SmtpServer mail{{}};
-    const ServerProcess server{folder.file("clockwell.db"), {"--smtp-url", mail.url(), "--smtp-tls", "none"}};
+    const ServerProcess server{databaseIn(folder), {"--smtp-url", mail.url(), "--smtp-tls", "none"}};
     ASSERT_EQ(signUpMany(server.port(), 12), 12);
     EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return mail.messages().size() == 12; }));
     EXPECT_LE(mail.connections(), 4U);
@@ -44,7 +45,7 @@ TEST(MailProcessTest, NumberOfPromisedCodesThatAreLostAtTheEndIsLogged)
     const TempFolder folder;
     const SmtpServer mail{{.delay = std::chrono::seconds{6}}}; // longer than the end may take
     ServerProcess server{
-        folder.file("clockwell.db"),
+        databaseIn(folder),
         {"--smtp-url", mail.url(), "--smtp-tls", "none", "--smtp-connections", "1", "--mail-flush", "1"}};
     const int promised = signUpMany(server.port(), 6);
     EXPECT_EQ(promised, 6);
@@ -63,7 +64,7 @@ TEST(MailProcessTest, CodeThatCannotArriveInTimeIsNotPromised)
 {
     const TempFolder folder;
     const std::string nowhere = "smtp://127.0.0.1:" + std::to_string(SmtpServer::freePort());
-    const ServerProcess server{folder.file("clockwell.db"),
+    const ServerProcess server{databaseIn(folder),
                                {"--smtp-url", nowhere, "--smtp-tls", "none", "--mail-wait", "1"}};
     EXPECT_EQ(signUpMany(server.port(), 1), 1);
     std::this_thread::sleep_for(std::chrono::milliseconds{1500});

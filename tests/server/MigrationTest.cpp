@@ -33,6 +33,18 @@ void addOldEmployee(Connection &old)
         " 'EMPLOYEE', 'APPROVED', 1, '2020-01-01', 0)");
 }
 
+void makeOldWithEmployee(const std::string &file, long long version)
+{
+    makeOld(file, version);
+    Connection old{file, 1};
+    addOldEmployee(old);
+}
+
+std::optional<Employee> readOldEmployee(Database &database)
+{
+    return database.read([](Connection &connection) { return findEmployeeById(connection, "e"); });
+}
+
 void addOldDay(Connection &old)
 {
     addOldEmployee(old);
@@ -77,18 +89,24 @@ TEST(MigrationTest, DaysAndPunchesOfAnOlderVersionAreKept)
 TEST(MigrationTest, EmployeesOfAnOlderVersionHaveNoLastDay)
 {
     const TempFolder folder;
-    const std::string file = folder.file("a.db");
-    makeOld(file, 5);
-    {
-        Connection old{file, 1};
-        addOldEmployee(old);
-    }
-    Database database{file};
-    const auto employee =
-        database.read([](Connection &connection) { return findEmployeeById(connection, "e"); });
+    makeOldWithEmployee(folder.file("a.db"), 5);
+    Database database{folder.file("a.db")};
+    const auto employee = readOldEmployee(database);
     ASSERT_TRUE(employee);
     EXPECT_EQ(employee->joinedOn, "2020-01-01");
     EXPECT_FALSE(employee->lastDay);
+}
+
+TEST(MigrationTest, CompaniesOfAnOlderVersionKeepTheirPeople)
+{
+    const TempFolder folder;
+    makeOldWithEmployee(folder.file("a.db"), 6);
+    Database database{folder.file("a.db")};
+    const auto employee = readOldEmployee(database);
+    ASSERT_TRUE(employee);
+    EXPECT_EQ(employee->companyId, "i");
+    EXPECT_THROW(database.write([](Connection &connection) { connection.execute("DELETE FROM companies"); }),
+                 DatabaseError); // the references are those to the renamed table
 }
 
 TEST(MigrationTest, WorksWithinALimitOfTheFileToo)

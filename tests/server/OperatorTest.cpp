@@ -1,6 +1,8 @@
 #include "Contains.h"
 #include "HttpClient.h"
+#include "PortInLog.h"
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "World.h"
 #include "http/RawClient.h"
 #include "http/TestServer.h"
@@ -11,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <regex>
 #include <vector>
 
 namespace clockwell::server::test {
@@ -19,13 +20,9 @@ namespace clockwell::server::test {
 class OperatorTest : public testing::Test
 {
 protected:
-    /// The port that the server took for its operator; 0 when it took none.
     static std::uint16_t operatorPort(const ServerProcess &server)
     {
-        static const std::regex line{"event=operatorListening port=([0-9]+)"};
-        const std::string log = server.log();
-        std::smatch match;
-        return std::regex_search(log, match, line) ? static_cast<std::uint16_t>(std::stoi(match[1])) : 0;
+        return portInLog(server, "operatorListening");
     }
 
     static std::vector<std::string> options(std::vector<std::string> more = {})
@@ -40,7 +37,7 @@ protected:
     }
 
     TempFolder folder;
-    std::string file = folder.file("a.db");
+    std::string file = databaseIn(folder, "a.db");
 };
 
 TEST_F(OperatorTest, HealthAndReadinessAreToldApart)
@@ -66,8 +63,7 @@ TEST_F(OperatorTest, NothingListensUnlessAsked)
 TEST_F(OperatorTest, FullServerStillAnswersItsOperator)
 {
     const ServerProcess server{file, options({"--max-connections", "4", "--connections-per-address", "4"})};
-    Connection blocker{file, 5};
-    blocker.execute("BEGIN IMMEDIATE"); // sign-ups take their connections with them
+    WriteBlocker blocker{file}; // sign-ups take their connections with them
     std::vector<std::unique_ptr<RawClient>> clients;
     const std::string body =
         R"({"fullName":"Kim","email":"kim@example.org","password":"Correct-Horse-7","deviceId":"d"})";
@@ -80,7 +76,7 @@ TEST_F(OperatorTest, FullServerStillAnswersItsOperator)
     EXPECT_EQ(ask(server, "/health").status, 200);
     EXPECT_EQ(ask(server, "/ready").status, 200) << "reading is not held up";
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
-    blocker.execute("ROLLBACK");
+    blocker.end();
 }
 
 TEST_F(OperatorTest, DamagedDatabaseIsNotReadyThoughTheProcessLives)
@@ -134,6 +130,23 @@ TEST_F(OperatorTest, MissingDatabaseIsNotReadyAndNotMade)
     EXPECT_EQ(ask(server, "/ready").status, 503);
     EXPECT_FALSE(std::filesystem::exists(file));
     std::filesystem::rename(file + ".away", file);
+    EXPECT_EQ(ask(server, "/ready").status, 200);
+}
+
+TEST_F(OperatorTest, DatabaseOfANewerVersionIsNotReady)
+{
+    Database database{file};
+    const auto run = [&](const std::string &sql) {
+        database.write([&](Connection &connection) { connection.execute(sql); });
+    };
+    const ServerProcess server{file, options()};
+    ASSERT_EQ(ask(server, "/ready").status, 200);
+    run("INSERT INTO schema_migrations (version) VALUES (1000)");
+    const Reply reply = ask(server, "/ready");
+    EXPECT_EQ(reply.status, 503);
+    EXPECT_EQ(reply.error(), "NOT_READY");
+    EXPECT_TRUE(contains(server.log(), "its schema is of version 1000")) << server.log();
+    run("DELETE FROM schema_migrations WHERE version = 1000");
     EXPECT_EQ(ask(server, "/ready").status, 200);
 }
 

@@ -1,7 +1,5 @@
 #include "World.h"
-#include "server/auth/RateLimit.h"
 #include "server/auth/Tokens.h"
-#include "server/http/ApiError.h"
 #include "server/http/ListenAddress.h"
 #include "server/http/NumberText.h"
 
@@ -63,101 +61,6 @@ TEST(PasswordsTest, BrokenStoredHashMatchesNothing)
     Passwords passwords{cheapCost};
     EXPECT_FALSE(passwords.matches("", ""));
     EXPECT_FALSE(passwords.matches("secret", "secret"));
-}
-
-TEST(LoginThrottleTest, ForgetsTheOneIdleForLongestWhenFull)
-{
-    Instant now{};
-    LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{100}, .entries = 2},
-                           [&] { return now; }};
-    throttle.begin("a", "x").wasWrong();
-    now += std::chrono::seconds{1};
-    throttle.begin("b", "x").wasWrong();
-    now += std::chrono::seconds{1};
-    throttle.begin("c", "x").wasWrong(); // forgets a
-    EXPECT_THROW(throttle.begin("c", "x").wasWrong(), ApiError);
-    throttle.begin("a", "x").wasWrong(); // forgets b
-    EXPECT_THROW(throttle.begin("c", "x").wasWrong(), ApiError);
-}
-
-TEST(LoginThrottleTest, CountsEachAddressOnItsOwn)
-{
-    LoginThrottle throttle{{.attempts = 1}, [] { return Instant{}; }};
-    throttle.begin("a", "x").wasWrong();
-    throttle.begin("a", "y").wasWrong();
-    EXPECT_THROW(throttle.begin("a", "x").wasWrong(), ApiError);
-}
-
-TEST(LoginThrottleTest, AddressesOfOneIpv6NetworkCountAsOne)
-{
-    LoginThrottle throttle{{.attempts = 2}, [] { return Instant{}; }};
-    throttle.begin("a", "2001:db8:1:2::1").wasWrong();
-    throttle.begin("a", "2001:db8:1:2::2").wasRight();
-    throttle.begin("a", "2001:db8:1:2::1").wasWrong();
-    throttle.begin("a", "2001:db8:1:2:ffff::9").wasWrong();
-    EXPECT_THROW(throttle.begin("a", "2001:db8:1:2::3").wasWrong(), ApiError);
-    EXPECT_NO_THROW(throttle.begin("a", "2001:db8:1:3::1").wasWrong());
-    EXPECT_NO_THROW(throttle.begin("b", "2001:db8:1:2::1").wasWrong());
-}
-
-TEST(LoginThrottleTest, AttemptCountsWhileItIsJudgedAndNotWhenItCannotBe)
-{
-    LoginThrottle throttle{{.attempts = 3}, [] { return Instant{}; }};
-    throttle.begin("a", "x").wasWrong();
-    for (int round = 0; round < 5; ++round) {
-        const auto second = throttle.begin("a", "x");
-        const auto third = throttle.begin("a", "x");
-        EXPECT_THROW(throttle.begin("a", "x").wasWrong(), ApiError);
-    }
-    throttle.begin("a", "x").wasWrong();
-    throttle.begin("a", "x").wasWrong();
-    EXPECT_THROW(throttle.begin("a", "x").wasWrong(), ApiError);
-}
-
-TEST(LoginThrottleTest, ClockThatIsSetBackLocksNobodyOutForLongerThanTheWindow)
-{
-    Instant now{std::chrono::hours{24 * 365}};
-    LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
-    throttle.begin("a", "x").wasWrong();
-    now = Instant{};
-    try {
-        throttle.begin("a", "x").wasWrong(); // counts on: setting the clock back buys no attempt either
-        FAIL();
-    } catch (const ApiError &error) {
-        EXPECT_STREQ(error.what(), "Too many attempts to sign in. Please try again in 60 seconds.");
-    }
-    now += std::chrono::seconds{60};
-    EXPECT_NO_THROW(throttle.begin("a", "x").wasWrong());
-}
-
-TEST(RateLimitTest, ClockThatIsSetBackLocksNobodyOutForLongerThanTheWindow)
-{
-    Instant now{std::chrono::hours{24 * 365}};
-    RateLimit limit{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
-    limit.take("a", "Too much.");
-    now = Instant{};
-    try {
-        limit.take("a", "Too much.");
-        FAIL();
-    } catch (const ApiError &error) {
-        EXPECT_STREQ(error.what(), "Too much. Please try again in 60 seconds.");
-    }
-    now += std::chrono::seconds{60};
-    EXPECT_NO_THROW(limit.take("a", "Too much."));
-}
-
-TEST(LoginThrottleTest, ShortWaitsAreSaidInSeconds)
-{
-    Instant now{};
-    LoginThrottle throttle{{.attempts = 1, .window = std::chrono::seconds{60}}, [&] { return now; }};
-    throttle.begin("a", "x").wasWrong();
-    now += std::chrono::milliseconds{59'001};
-    try {
-        throttle.begin("a", "x").wasWrong();
-        FAIL();
-    } catch (const ApiError &error) {
-        EXPECT_STREQ(error.what(), "Too many attempts to sign in. Please try again in 1 second.");
-    }
 }
 
 TEST(ListenAddressTest, ReadsBothFamilies)

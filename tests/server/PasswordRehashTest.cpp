@@ -78,10 +78,7 @@ TEST_F(PasswordRehashTest, WrongPasswordLeavesTheHashAlone)
 
 TEST_F(PasswordRehashTest, SignInDoesNotDependOnIt)
 {
-    world.database().write([](Connection &connection) {
-        connection.execute("CREATE TRIGGER refused BEFORE UPDATE OF password_hash ON employees"
-                           " BEGIN SELECT RAISE(FAIL, 'no'); END");
-    });
+    refuseWrites(world.database(), "UPDATE OF password_hash ON employees");
     const Reply reply = world.login();
     EXPECT_EQ(reply.status, 200);
     EXPECT_EQ(world.get("/api/auth/me", reply.json().at("accessToken")).status, 200);

@@ -49,12 +49,11 @@ protected:
 
 TEST_F(RenewalTest, LockedDatabaseLeavesItUnansweredAndTheTokenGood)
 {
-    Connection other{world.databaseFile(), 1};
-    other.execute("BEGIN IMMEDIATE");
+    WriteBlocker other{world.databaseFile()};
     EXPECT_EQ(renew().status, unanswered);
     EXPECT_EQ(world.punch(access).status, 503);
     EXPECT_EQ(world.get("/api/auth/me", access).status, 200);
-    other.execute("ROLLBACK");
+    other.end();
     EXPECT_EQ(renew().status, 200);
 }
 
@@ -159,13 +158,12 @@ protected:
 
 TEST_F(PatientRenewalTest, OutwaitsALockThatOthersDoNot)
 {
-    Connection other{world.databaseFile(), 1};
-    other.execute("BEGIN IMMEDIATE");
+    WriteBlocker other{world.databaseFile()};
     Reply renewed;
     std::thread renewal{[&] { renewed = renew(); }};
     EXPECT_EQ(world.punch(access).status, 503);
     std::this_thread::sleep_for(std::chrono::seconds{2});
-    other.execute("ROLLBACK");
+    other.end();
     renewal.join();
     EXPECT_EQ(renewed.status, 200);
 }
@@ -192,22 +190,20 @@ TEST(HastyRenewalTest, HeldDatabaseKeepsLaterOnesForAMomentOnly)
     addEmployee(world.database(), {});
     const std::string body = nlohmann::json{{"refreshToken", world.login().json().at("refreshToken")}}.dump();
     const auto renew = [&] { return world.post("/api/auth/refresh", body).status; };
-    Connection other{world.databaseFile(), 1};
-    other.execute("BEGIN IMMEDIATE");
+    WriteBlocker other{world.databaseFile()};
     EXPECT_EQ(renew(), 0); // after all its patience
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(renew(), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - start, patience);
-    other.execute("ROLLBACK");
+    other.end();
     EXPECT_EQ(renew(), 200);
 }
 
 TEST_F(PatientRenewalTest, GuessedTokensHoldNobodyUp)
 {
-    Connection other{world.databaseFile(), 1};
-    other.execute("BEGIN IMMEDIATE");
+    WriteBlocker other{world.databaseFile()};
     EXPECT_EQ(world.post("/api/auth/refresh", R"({"refreshToken":"guessed"})").status, 401);
-    other.execute("ROLLBACK");
+    other.end();
 }
 
 } // namespace clockwell::server::test

@@ -1,6 +1,7 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "SmtpServer.h"
+#include "TestDatabase.h"
 #include "http/TlsClient.h"
 
 #include <gtest/gtest.h>
@@ -88,7 +89,7 @@ protected:
 
     TempFolder folder;
     TestCertificate certificate;
-    std::string database = folder.file("clockwell.db");
+    std::string database = databaseIn(folder);
     std::string passwordFile = folder.file("mail-password");
     SmtpServer mail{{.certificateFile = certificate.certificateFile(), .keyFile = certificate.keyFile()}};
 };

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -66,9 +67,15 @@ ServerProcess::ServerProcess(const std::string &database, std::vector<std::strin
                              const std::string &logFile)
 {
     const std::string portFile = m_folder.file("port");
-    std::vector<std::string> arguments{"serve",       "--database",  database, "--listen",
-                                       "127.0.0.1:0", "--port-file", portFile};
+    std::vector<std::string> arguments{"serve", "--listen", "127.0.0.1:0", "--port-file", portFile};
+    if (!database.empty())
+        arguments.insert(arguments.end(), {"--database", database});
     arguments.insert(arguments.end(), more.begin(), more.end());
+    const bool isFile =
+        !database.empty() && database.find("://") == std::string::npos; // e-mails go beside it
+    const auto isMail = [](const std::string &word) { return word == "--outbox" || word == "--smtp-url"; };
+    if (!isFile && std::none_of(more.begin(), more.end(), isMail))
+        arguments.insert(arguments.end(), {"--outbox", m_folder.file("outbox")});
     m_process = spawnServer(arguments, "/dev/null", logFile.empty() ? m_folder.file("log") : logFile);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
     while (m_port == 0 && m_process > 0 && std::chrono::steady_clock::now() < end) {

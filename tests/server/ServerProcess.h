@@ -28,6 +28,7 @@ class ServerProcess
 public:
     /// Starts it on a free port and waits until it listens, at most ten seconds. `logFile`: where its
     /// standard error goes, perhaps a pipe that has a reader; empty: to a file for log().
+    /// `database`: empty for the one in the environment.
     explicit ServerProcess(const std::string &database, std::vector<std::string> more = {},
                            const std::string &logFile = {});
     ~ServerProcess();

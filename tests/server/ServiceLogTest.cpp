@@ -2,6 +2,7 @@
 #include "HttpClient.h"
 #include "LogPipe.h"
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 #include "http/RawClient.h"
 
 #include <gtest/gtest.h>
@@ -64,7 +65,7 @@ protected:
 
     TempFolder folder;
     LogPipe pipe;
-    ServerProcess server{folder.file("clockwell.db"), {}, pipe.path()};
+    ServerProcess server{databaseIn(folder), {}, pipe.path()};
 };
 
 TEST_F(ServiceLogTest, ReaderThatGoesAwayCostsLinesAndNoRequest)
@@ -105,7 +106,7 @@ TEST_F(ServiceLogTest, PipeThatNobodyReadsDoesNotHoldTheEnd)
 TEST(LoggedRequestsTest, RefusalsAreSummedUpAfterTheFirstFew)
 {
     const TempFolder folder;
-    ServerProcess server{folder.file("clockwell.db")};
+    ServerProcess server{databaseIn(folder)};
     RawClient client{server.port()};
     for (int i = 0; i < 1000; ++i)
         ASSERT_EQ(client.exchange(get("/nowhere/" + std::to_string(i))).status, 404);
@@ -121,7 +122,7 @@ TEST(LoggedRequestsTest, RefusalsAreSummedUpAfterTheFirstFew)
 TEST(LoggedRequestsTest, NoAddressTokenOrMarkOfAPathIsLogged)
 {
     const TempFolder folder;
-    ServerProcess server{folder.file("clockwell.db")};
+    ServerProcess server{databaseIn(folder)};
     const auto refused = [&](const std::string &request) {
         return RawClient{server.port()}.exchange(request).status;
     };

@@ -1,3 +1,4 @@
+#include "TestDatabase.h"
 #include "World.h"
 #include "server/storage/Schema.h"
 
@@ -107,7 +108,7 @@ TEST_F(SessionCleanupTest, GraceKeepsASessionForAsLongAsItsLastToken)
 TEST(SessionCleanupUpgradeTest, SessionsOfAnOlderDatabaseAreRemovedOrKeptByTheirTokens)
 {
     const TempFolder folder;
-    const std::string file = folder.file("a.db");
+    const std::string file = databaseIn(folder, "a.db");
     constexpr long long day = 24LL * 3600 * 1000;
     const long long now = toMillis(instantOf("2026-06-10T09:00:00Z"));
     {

@@ -80,7 +80,7 @@ TEST_F(SignupTest, DetailsAreStoredTrimmedAndBlankOnesAreAbsent)
     ASSERT_EQ(call("signup", body).status, 201);
     EXPECT_EQ(employee().fullName, "Zoë 陈");
     EXPECT_FALSE(employee().phone);
-    EXPECT_FALSE(employee().instituteId);
+    EXPECT_FALSE(employee().companyId);
     EXPECT_FALSE(employee().officeId);
     EXPECT_EQ(employee().joinedOn, "2026-06-10");
     body["phone"] = " +92 300 1 ";
@@ -93,7 +93,7 @@ TEST_F(SignupTest, CompanyCodeIsFoundWithoutRegardToCaseAndBlanks)
     Body body = application();
     body["instituteCode"] = " sW ";
     ASSERT_EQ(call("signup", body).status, 201);
-    EXPECT_EQ(employee().instituteId, "institute-1");
+    EXPECT_EQ(employee().companyId, "company-1");
 }
 
 TEST_F(SignupTest, CompanyCodeThatIsNotOneIsLikeNone)
@@ -104,7 +104,7 @@ TEST_F(SignupTest, CompanyCodeThatIsNotOneIsLikeNone)
         EXPECT_EQ(call("signup", body).status, 201) << code;
     }
     EXPECT_EQ(world.mails().size(), 5U);
-    EXPECT_EQ(employee("kim4@example.org").instituteId, std::nullopt);
+    EXPECT_EQ(employee("kim4@example.org").companyId, std::nullopt);
 }
 
 TEST_F(SignupTest, NoAnswerTellsWhetherACompanyCodeIsOne)

@@ -79,14 +79,13 @@ TEST(StorageFailureTest, LockedDatabaseIsBusyAndRecordsNothing)
     addOffice(world.database(), {});
     addEmployee(world.database(), {});
     const std::string token = world.token();
-    Connection other{world.databaseFile(), 1};
-    other.execute("BEGIN IMMEDIATE");
+    WriteBlocker other{world.databaseFile()};
     const Reply reply = world.punch(token);
     EXPECT_EQ(reply.status, 503);
     EXPECT_EQ(reply.error(), "BUSY");
     EXPECT_EQ(reply.headers.at("retry-after"), "2");
     EXPECT_EQ(world.get("/api/attendance/today", token).status, 200); // reading is not held up
-    other.execute("ROLLBACK");
+    other.end();
     EXPECT_EQ(countRows(world.database(), "punches"), 0);
     EXPECT_EQ(world.punch(token).status, 200);
 }
@@ -97,7 +96,7 @@ TEST(StorageFailureTest, DamagedTableIsSaidAndOtherTablesStillWork)
     const std::string file = folder.file("a.db");
     {
         Database database{file};
-        addInstitute(database);
+        addCompany(database);
         addOffice(database, {});
         addEmployee(database, {});
     }

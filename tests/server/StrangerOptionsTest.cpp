@@ -1,6 +1,7 @@
 #include "HttpClient.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
+#include "TestDatabase.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +13,10 @@ namespace clockwell::server::test {
 class StrangerOptionsTest : public testing::Test
 {
 protected:
-    void start(const std::vector<std::string> &options)
+    void start(std::vector<std::string> options)
     {
-        m_server.emplace(m_folder.file("clockwell.db"), options);
+        options.insert(options.end(), {"--outbox", m_folder.file("mail")});
+        m_server.emplace(databaseIn(m_folder), options);
         ASSERT_NE(m_server->port(), 0);
     }
     int post(const std::string &operation, const nlohmann::json &body) const
@@ -38,7 +40,7 @@ protected:
     std::size_t mails() const
     {
         std::size_t count = 0;
-        for (const auto &entry : std::filesystem::directory_iterator{m_folder.file("clockwell.db.outbox")})
+        for (const auto &entry : std::filesystem::directory_iterator{m_folder.file("mail")})
             count += entry.path().extension() == ".eml" ? 1 : 0;
         return count;
     }
@@ -77,7 +79,8 @@ TEST(StrangerOptionsUsageTest, EveryLimitIsAtLeastOne)
     for (const char *option :
          {"--failed-sign-ins-per-network", "--codes-per-address", "--code-requests", "--wrong-codes",
           "--wrong-codes-per-network", "--code-tries", "--sign-up-days"})
-        EXPECT_EQ(runServer({"serve", "--database", folder.file("x.db"), option, "0"}).exitCode, 2) << option;
+        EXPECT_EQ(runServer({"serve", "--database", databaseIn(folder, "x.db"), option, "0"}).exitCode, 2)
+            << option;
 }
 
 } // namespace clockwell::server::test

@@ -1,4 +1,6 @@
-#include "server/admin/Table.h"
+#include "server/admin/cli/Table.h"
+
+#include "server/admin/Printable.h"
 
 #include <gtest/gtest.h>
 

@@ -17,22 +17,22 @@ Instant instantOf(std::string_view isoText)
     return Instant{day.time_since_epoch() + time};
 }
 
-void addInstitute(Database &database)
+void addCompany(Database &database)
 {
     database.write([](Connection &connection) {
         connection.execute(
-            "INSERT INTO institutes (id, name, code) VALUES ('institute-1', 'Sample Works', 'SW')");
+            "INSERT INTO companies (id, name, code) VALUES ('company-1', 'Sample Works', 'SW')");
     });
 }
 
 void addOffice(Database &database, const OfficeSpec &spec)
 {
     database.write([&](Connection &connection) {
-        connection.execute("INSERT INTO offices (id, institute_id, name, latitude, longitude, radius_meters, "
+        connection.execute("INSERT INTO offices (id, company_id, name, latitude, longitude, radius_meters, "
                            "max_accuracy_meters,"
                            " time_zone, check_in_minute, check_out_minute, grace_minutes, full_day_minutes, "
                            "working_weekdays)"
-                           " VALUES (:id, 'institute-1', :name, :lat, :lng, :radius, :accuracy, :zone, :in, "
+                           " VALUES (:id, 'company-1', :name, :lat, :lng, :radius, :accuracy, :zone, :in, "
                            ":out, :grace, :full,"
                            " :days)",
                            spec.id, spec.name, spec.latitude, spec.longitude, spec.radius, spec.maxAccuracy,
@@ -46,10 +46,10 @@ void addEmployee(Database &database, const EmployeeSpec &spec)
     static Passwords passwords{cheapCost};
     const std::string hash = passwords.hash(spec.password);
     database.write([&](Connection &connection) {
-        connection.execute("INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key, "
+        connection.execute("INSERT INTO employees (id, company_id, office_id, full_name, email, email_key, "
                            "phone, password_hash,"
                            " role, status, email_verified, joined_on, created_at) VALUES (:id, "
-                           "'institute-1', :office, :name,"
+                           "'company-1', :office, :name,"
                            " :email, :key, :phone, :hash, 'EMPLOYEE', :status, :verified, :joined, 0)",
                            spec.id, spec.officeId, spec.name, spec.email, emailKey(spec.email), spec.phone,
                            hash, spec.status, spec.verified, spec.joinedOn);
@@ -95,7 +95,7 @@ World::World(const std::string &now, Settings settings, DatabaseOptions options,
     : m_now(toMillis(instantOf(now)))
 {
     m_database.emplace(databaseFile(), options);
-    addInstitute(*m_database);
+    addCompany(*m_database);
     m_application.emplace(*m_database, clock(), settings, sendMail.value_or([this](Mail mail) {
         const std::lock_guard lock{m_mailsLock};
         m_mails.push_back(std::move(mail));

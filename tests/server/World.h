@@ -2,6 +2,7 @@
 
 #include "HttpClient.h"
 #include "TempFolder.h"
+#include "TestDatabase.h"
 #include "server/Application.h"
 #include "server/attendance/CalendarDay.h"
 #include "server/http/HttpServer.h"
@@ -51,7 +52,7 @@ struct EmployeeSpec
 };
 
 /// The company "Sample Works" with the code SW, to which offices and employees belong here.
-void addInstitute(Database &database);
+void addCompany(Database &database);
 void addOffice(Database &database, const OfficeSpec &spec);
 void addEmployee(Database &database, const EmployeeSpec &spec);
 /// An office and employees "e0", "e1" and so on, with addresses like 0@example.org.
@@ -78,7 +79,7 @@ public:
     }
 
     Database &database() { return *m_database; }
-    std::string databaseFile() const { return m_folder.file("clockwell.db"); }
+    std::string databaseFile() const { return databaseIn(m_folder); }
     std::uint16_t port() const { return m_http->port(); }
 
     Reply get(const std::string &target, const std::string &token = {}) const;

@@ -1,5 +1,7 @@
 #include "server/http/RequestTarget.h"
 
+#include "server/http/Utf8.h"
+
 #include <gtest/gtest.h>
 
 namespace clockwell::server {
