@@ -11,7 +11,6 @@ using namespace server;
 
 namespace {
 
-constexpr unsigned oneFreshTokenIn = 20;
 constexpr std::chrono::minutes sessionAge{20}; // older than an access token gets
 
 /// A zone where it is about noon, so that no run sees two days.
@@ -27,15 +26,15 @@ std::string zoneAtNoon()
 
 std::string addOffice(server::Connection &connection, const std::string &run)
 {
-    const std::string institute = newId();
+    const std::string company = newId();
     const std::string office = newId();
-    connection.execute("INSERT INTO institutes (id, name, code) VALUES (:id, 'Rush', :code)", institute, run);
-    connection.execute("INSERT INTO offices (id, institute_id, name, latitude, longitude, radius_meters,"
+    connection.execute("INSERT INTO companies (id, name, code) VALUES (:id, 'Rush', :code)", company, run);
+    connection.execute("INSERT INTO offices (id, company_id, name, latitude, longitude, radius_meters,"
                        " max_accuracy_meters, time_zone, check_in_minute, check_out_minute, grace_minutes,"
                        " full_day_minutes, working_weekdays)"
-                       " VALUES (:id, :institute, 'Head Office', 54.1234, 9.5678, 150, 100, :zone, 570, 1080,"
+                       " VALUES (:id, :company, 'Head Office', 54.1234, 9.5678, 150, 100, :zone, 570, 1080,"
                        " 10, 300, 127)",
-                       office, institute, zoneAtNoon());
+                       office, company, zoneAtNoon());
     return office;
 }
 
@@ -48,9 +47,9 @@ std::vector<Person> addPeople(server::Connection &connection, const std::string 
     for (unsigned i = 0; i < count; ++i) {
         Person person{
             .id = newId(), .email = run + '-' + std::to_string(i) + "@example.org", .device = newId()};
-        connection.execute("INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key,"
+        connection.execute("INSERT INTO employees (id, company_id, office_id, full_name, email, email_key,"
                            " password_hash, role, status, email_verified, joined_on, created_at)"
-                           " SELECT :id, institute_id, id, 'Robin Rush', :email, :key, :hash, 'EMPLOYEE',"
+                           " SELECT :id, company_id, id, 'Robin Rush', :email, :key, :hash, 'EMPLOYEE',"
                            " 'APPROVED', 1, '2020-01-01', 0 FROM offices WHERE id = :office",
                            person.id, person.email, emailKey(person.email), hash, office);
         people.push_back(std::move(person));
@@ -60,7 +59,8 @@ std::vector<Person> addPeople(server::Connection &connection, const std::string 
 
 } // namespace
 
-std::vector<Person> addCompany(Database &database, unsigned withSession, unsigned without)
+std::vector<Person> addCompany(Database &database, unsigned withSession, unsigned without,
+                               unsigned oneFreshIn)
 {
     const std::string run = "rush-" + newId().substr(0, 8);
     const std::string hash = Passwords{}.hash(rushPassword);
@@ -73,7 +73,7 @@ std::vector<Person> addCompany(Database &database, unsigned withSession, unsigne
         Person &person = people.at(i);
         const auto employee = database.read(
             [&](server::Connection &connection) { return findEmployeeById(connection, person.id).value(); });
-        person.tokens = (i % oneFreshTokenIn == 0 ? fresh : old).start(employee, person.device);
+        person.tokens = (i % oneFreshIn == 0 ? fresh : old).start(employee, person.device);
     }
     return people;
 }

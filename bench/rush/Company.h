@@ -23,6 +23,8 @@ inline constexpr const char *rushPassword = "Rush-Hour-2026";
 /// Adds a company to the database, whose day is open now: so many people with a session, nearly all with an
 /// access token that expired five minutes ago, and behind them so many without. All have the password above.
 /// A company is new each time, so that a database can be used again.
-std::vector<Person> addCompany(server::Database &database, unsigned withSession, unsigned without);
+/// `oneFreshIn`: 1 for access tokens that are all fresh.
+std::vector<Person> addCompany(server::Database &database, unsigned withSession, unsigned without,
+                               unsigned oneFreshIn = 20);
 
 } // namespace clockwell::rush

@@ -60,6 +60,17 @@ std::size_t Figures::signedOut() const
     return sum(signedOutBy);
 }
 
+std::size_t Figures::failed() const
+{
+    std::size_t total = 0;
+    for (const Call call : {Call::me, Call::refresh, Call::today, Call::distance, Call::punch, Call::login}) {
+        const auto &others = of(call).others;
+        const auto expired = call == Call::me ? others.find("401") : others.end();
+        total += sum(others) - (expired == others.end() ? 0 : expired->second);
+    }
+    return total;
+}
+
 void Figures::print(std::ostream &stream) const
 {
     stream << std::fixed << std::setprecision(1) << std::left << std::setw(18) << "call" << std::right

@@ -47,12 +47,17 @@ public:
 
     std::size_t arrived = 0;
     std::size_t checkedIn = 0;
+    std::size_t mostTaps = 0;   ///< on the button, by one person
     std::size_t failedTaps = 0; ///< on the button or the sign-in's, that showed the person an error
     std::map<std::string, std::size_t> signedOutBy; ///< an answer, e.g. "refresh 503"
     std::size_t signedOutUnanswered = 0;            ///< at start, where no answer is a sign-out, too
     Times untilAcknowledged;                        ///< from a person's first tap on the button
 
     std::size_t signedOut() const; ///< by an answer
+
+    /// Requests that got no answer or another than 2xx, but for a stranger's and for those that show that a
+    /// token has expired.
+    std::size_t failed() const;
 
 private:
     std::array<CallFigures, callCount> m_calls;

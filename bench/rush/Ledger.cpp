@@ -34,9 +34,16 @@ std::multimap<std::string, PunchRow> punchesOf(Database &database)
 
 void Ledger::acknowledge(const std::string &personId, const std::string &type, const std::string &checkInAt)
 {
-    const auto [told, isFirst] = m_told.try_emplace(personId, Told{.checkInAt = checkInAt});
+    const auto [told, isFirst] = m_told.try_emplace(
+        personId, Told{.type = type, .checkInAt = checkInAt, .at = toMillis(systemClock()())});
     if (type != "IN" || told->second.checkInAt != checkInAt)
         told->second.another = true;
+}
+
+void Ledger::write(std::ostream &stream) const
+{
+    for (const auto &[personId, told] : m_told)
+        stream << personId << '\t' << told.type << '\t' << told.checkInAt << '\t' << told.at << '\n';
 }
 
 Ledger::Verdict Ledger::compare(Database &database, const std::vector<Person> &people) const

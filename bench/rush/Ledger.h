@@ -27,12 +27,18 @@ public:
     /// An answer to a punch: its kind and the check-in's time, as sent.
     void acknowledge(const std::string &personId, const std::string &type, const std::string &checkInAt);
 
+    /// What was acknowledged, a line for each person: id, kind, the check-in's time as sent, and when the
+    /// answer came in milliseconds since 1970, with tabs between them.
+    void write(std::ostream &stream) const;
+
     Verdict compare(server::Database &database, const std::vector<Person> &people) const;
 
 private:
     struct Told
     {
+        std::string type;
         std::string checkInAt;
+        long long at;         // milliseconds since 1970
         bool another = false; ///< later answers told something else
     };
 

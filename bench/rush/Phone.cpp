@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace clockwell::rush {
 
 namespace asio = boost::asio;
@@ -89,6 +91,7 @@ awaitable<void> Phone::tapPunch()
     co_await pause(1s, 4s); // reads the screen or the error
     if (m_firstTap == Clock::time_point{})
         m_firstTap = Clock::now();
+    m_morning.figures.mostTaps = std::max(m_morning.figures.mostTaps, ++m_taps);
     co_await pause(200ms, 1500ms); // the position
     std::string body = R"({"lat":54.1234,"lng":9.5678,"accuracy":8.0,"deviceId":")" + m_person.device +
                        R"(","isMockLocation":false})";

@@ -51,6 +51,7 @@ private:
     Client m_client;
     Morning &m_morning;
     Clock::time_point m_firstTap{};
+    std::size_t m_taps = 0; // on the button
     bool m_checkedIn = false;
 };
 

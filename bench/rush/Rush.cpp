@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -95,6 +96,17 @@ void Rush::play()
     m_exitStatus = m_server ? m_server->terminate() : 0;
     server::Database afterwards{database};
     m_verdict = m_ledger.compare(afterwards, m_people);
+    writeAcknowledged();
+}
+
+void Rush::writeAcknowledged() const
+{
+    if (m_options.acknowledged.empty())
+        return;
+    std::ofstream file{m_options.acknowledged};
+    m_ledger.write(file);
+    if (!file.flush())
+        throw std::runtime_error{m_options.acknowledged + " cannot be written"};
 }
 
 void Rush::spawn(awaitable<void> work)
@@ -220,7 +232,11 @@ void Rush::noteServer()
 
 bool Rush::good() const
 {
-    const bool mayBeUnanswered = m_kills > 0;
+    const bool mayBeUnanswered = m_kills > 0 || m_options.interrupted;
+    if (m_options.flawless && m_figures.failed() > 0)
+        return false;
+    if (m_options.mostRepeats && m_figures.mostTaps > *m_options.mostRepeats + 1)
+        return false;
     return m_figures.checkedIn == m_people.size() && m_figures.signedOut() == 0 &&
            (mayBeUnanswered || m_figures.signedOutUnanswered == 0) && m_verdict.good() && m_exitStatus == 0;
 }

@@ -65,6 +65,7 @@ private:
     boost::asio::awaitable<void> watch();
     void sendPeople();
     void noteServer();
+    void writeAcknowledged() const;
     std::size_t descriptors() const;
     boost::asio::ip::address_v4 addressOf(std::size_t person) const;
     boost::asio::any_io_executor executor() { return m_io.get_executor(); }

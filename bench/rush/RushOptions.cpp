@@ -51,6 +51,17 @@ void addTrouble(CLI::App &app, RushOptions &options)
         ->check(CLI::Range(0U, mostSeconds));
 }
 
+void addExpectations(CLI::App &app, RushOptions &options)
+{
+    app.add_flag("--no-failures", options.flawless,
+                 "Exit status 1 as well if any request fails, other than with an expired token");
+    app.add_option("--most-repeats", options.mostRepeats,
+                   "Exit status 1 as well if anybody has to tap the button again more often");
+    app.add_option("--acknowledged", options.acknowledged,
+                   "Write who was told what about their punch, a line each: id, kind, check-in, time")
+        ->type_name("FILE");
+}
+
 void addServer(CLI::App &app, RushOptions &options)
 {
     app.add_option(
@@ -62,7 +73,11 @@ void addServer(CLI::App &app, RushOptions &options)
                        ->check(urlProblem);
     auto *database =
         app.add_option("--database", options.database, "Its database; the people are added to it")
-            ->type_name("FILE");
+            ->type_name("FILE|URL");
+    auto *interrupted =
+        app.add_flag("--interrupted", options.interrupted,
+                     "Somebody else interrupts it: a phone without an answer at its start is signed out");
+    interrupted->needs(server);
     server->needs(database);
     database->needs(server);
     for (const char *own : {"--folder", "--kill-after"})
@@ -85,6 +100,7 @@ RushOptions parseRushOptions(std::vector<std::string> arguments)
     app.option_defaults()->always_capture_default();
     addPhones(app, options);
     addTrouble(app, options);
+    addExpectations(app, options);
     addServer(app, options);
     std::reverse(arguments.begin(), arguments.end()); // the library takes them from the back
     try {

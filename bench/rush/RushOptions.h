@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -10,18 +11,22 @@ namespace clockwell::rush {
 struct RushOptions
 {
     unsigned phones = 5000;
-    unsigned seconds = 180;       ///< within which the phones arrive, each at a random moment
-    unsigned addresses = 0;       ///< network addresses that they come from; 0: each from its own
-    bool keepAlive = true;        ///< a phone keeps one connection for its GETs
-    unsigned signIns = 0;         ///< people beside the phones who have to sign in with their password
-    unsigned signInSeconds = 60;  ///< within which they arrive
-    unsigned strangerSignIns = 0; ///< a second, from one network address, never right
-    unsigned idle = 0;            ///< connections that are opened first, and held
-    unsigned killAfter = 0;       ///< seconds until the server is killed and started again; 0: never
-    unsigned patience = 300;      ///< seconds after which a person gives up
-    std::string folder;           ///< for the database and the server's log; empty: a temporary one
-    std::string server;           ///< URL of a server that runs already; empty: one is started
-    std::string database;         ///< that server's database
+    unsigned seconds = 180;              ///< within which the phones arrive, each at a random moment
+    unsigned addresses = 0;              ///< network addresses that they come from; 0: each from its own
+    bool keepAlive = true;               ///< a phone keeps one connection for its GETs
+    unsigned signIns = 0;                ///< people beside the phones who have to sign in with their password
+    unsigned signInSeconds = 60;         ///< within which they arrive
+    unsigned strangerSignIns = 0;        ///< a second, from one network address, never right
+    unsigned idle = 0;                   ///< connections that are opened first, and held
+    unsigned killAfter = 0;              ///< seconds until the server is killed and started again; 0: never
+    unsigned patience = 300;             ///< seconds after which a person gives up
+    std::string folder;                  ///< for the database and the server's log; empty: a temporary one
+    std::string server;                  ///< URL of a server that runs already; empty: one is started
+    std::string database;                ///< that server's database
+    bool interrupted = false;            ///< somebody else interrupts that server
+    bool flawless = false;               ///< no request may fail
+    std::optional<unsigned> mostRepeats; ///< of a tap on the button, by one person; none: any number
+    std::string acknowledged;            ///< file for the punches that were acknowledged; empty: none
     std::vector<std::string> serveOptions; ///< further options for the server that is started
 };
 

@@ -38,7 +38,8 @@ void Rush::print(std::ostream &stream) const
     stream << std::fixed << std::setprecision(1);
     printPlan(stream, m_options);
     stream << "checked in: " << m_figures.checkedIn << " of " << m_people.size() << '\n'
-           << "failed: " << m_figures.failedTaps << " taps\n"
+           << "failed: " << m_figures.failedTaps << " taps, " << m_figures.failed()
+           << " requests; most taps by one person: " << m_figures.mostTaps << '\n'
            << "signed out: " << m_figures.signedOut() << " by an answer, " << m_figures.signedOutUnanswered
            << " for want of one at start";
     for (const auto &[answer, count] : m_figures.signedOutBy)

@@ -14,9 +14,9 @@ std::vector<std::string> signIn(Database &database, int count)
         for (int index = 0; index < count; ++index) {
             const std::string id = "bench-" + std::to_string(index);
             connection.execute(
-                "INSERT INTO employees (id, institute_id, office_id, full_name, email, email_key,"
+                "INSERT INTO employees (id, company_id, office_id, full_name, email, email_key,"
                 " password_hash, role, status, email_verified, joined_on, created_at)"
-                " SELECT :id, institute_id, office_id, :name, :email, :key, password_hash, role, status,"
+                " SELECT :id, company_id, office_id, :name, :email, :key, password_hash, role, status,"
                 " 1, joined_on, created_at FROM employees WHERE email_key = :demo",
                 id, id, id, id, std::string{demoEmail});
         }

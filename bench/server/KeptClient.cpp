@@ -5,10 +5,29 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <stdexcept>
+#include <string_view>
 
 namespace clockwell::server::bench {
+
+namespace {
+
+/// A balancer may have written the names of the header's fields in small letters.
+std::size_t bodyLength(std::string head)
+{
+    constexpr std::string_view name = "\r\ncontent-length: ";
+    std::ranges::transform(head, head.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const auto place = head.find(name);
+    if (place == std::string::npos)
+        throw std::runtime_error{"a reply without a length"};
+    return std::stoul(head.substr(place + name.size()));
+}
+
+} // namespace
 
 KeptClient::KeptClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STREAM, 0))
 {
@@ -61,12 +80,8 @@ std::string KeptClient::readReply()
     std::size_t whole = 0;
     for (;;) {
         const auto head = m_read.find("\r\n\r\n");
-        if (whole == 0 && head != std::string::npos) {
-            const auto length = m_read.find("Content-Length: ");
-            if (length == std::string::npos || length > head)
-                throw std::runtime_error{"a reply without a length"};
-            whole = head + 4 + std::stoul(m_read.substr(length + 16));
-        }
+        if (whole == 0 && head != std::string::npos)
+            whole = head + 4 + bodyLength(m_read.substr(0, head));
         if (whole != 0 && m_read.size() >= whole) {
             std::string reply = m_read.substr(0, whole);
             m_read.erase(0, whole);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <sstream>
 
 namespace clockwell::rush::test {
@@ -156,6 +157,54 @@ TEST(RushTest, CountsPeopleWhoseRenewalIsRefused)
     EXPECT_EQ(rush.figures().of(Call::login).answered.count(), 1U); // they sign in again
     EXPECT_EQ(rush.figures().checkedIn, 3U);
     EXPECT_FALSE(rush.good());
+}
+
+TEST(RushTest, RefusalsAndRepeatedTapsCountWhereNoneIsAllowed)
+{
+    // The first taps are refused: those of the seconds after the renewal with which everybody begins.
+    const DefectiveServer server{"CREATE TRIGGER refuses BEFORE INSERT ON punches"
+                                 " WHEN NEW.at < (SELECT MAX(used_at) FROM token_families) + 8000 BEGIN "
+                                 "SELECT RAISE(ABORT, 'no'); END"};
+    const TempFolder folder;
+    RushOptions options = server.rush(6);
+    options.acknowledged = folder.file("acknowledged");
+    Rush lenient{options};
+    lenient.play();
+    EXPECT_TRUE(lenient.good());
+    EXPECT_GE(lenient.figures().mostTaps, 2U);
+    EXPECT_GE(lenient.figures().failed(), 1U);
+    std::ifstream file{options.acknowledged};
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(line);
+    ASSERT_EQ(lines.size(), 6U);
+    EXPECT_NE(lines.front().find("\tIN\t20"), std::string::npos) << lines.front();
+
+    options.mostRepeats = 0;
+    Rush strict{options};
+    strict.play();
+    EXPECT_EQ(strict.figures().checkedIn, 6U);
+    EXPECT_FALSE(strict.good());
+
+    options.mostRepeats.reset();
+    options.flawless = true;
+    Rush flawless{options};
+    flawless.play();
+    EXPECT_EQ(flawless.figures().checkedIn, 6U);
+    EXPECT_FALSE(flawless.good());
+}
+
+TEST(RushTest, ExpiredTokensAreNoFailures)
+{
+    RushOptions options = shortRush(20);
+    options.flawless = true;
+    options.mostRepeats = 0;
+    Rush rush{options};
+    rush.play();
+    EXPECT_GT(rush.figures().of(Call::me).others.at("401"), 0U);
+    EXPECT_EQ(rush.figures().failed(), 0U);
+    EXPECT_EQ(rush.figures().mostTaps, 1U);
+    EXPECT_TRUE(rush.good());
 }
 
 TEST(RushTest, PeopleGiveUpInTheEnd)
