@@ -56,8 +56,7 @@ NavigationPage {
                 width: parent.width
                 label: "Email"
                 placeholder: "name@example.org"
-                keyboard: FieldTraits.EmailKeyboard
-                textContentType: FieldTraits.UserName
+                hints: Qt.ImhEmailCharactersOnly | Qt.ImhNoAutoUppercase
                 text: model.email
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.email = text

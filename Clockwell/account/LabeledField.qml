@@ -11,9 +11,7 @@ FocusScope {
     property alias text: field.text
     property alias cursorPosition: field.cursorPosition
     property alias secure: field.secure
-    property alias keyboard: field.keyboard
-    property alias textContentType: field.textContentType
-    property alias autocap: field.autocap
+    property alias hints: field.hints
     property alias enterKey: field.enterKey
 
     signal textEdited

@@ -39,8 +39,7 @@ FormPage {
             width: parent.width
             label: "Email"
             placeholder: "name@example.org"
-            keyboard: FieldTraits.EmailKeyboard
-            textContentType: FieldTraits.UserName
+            hints: Qt.ImhEmailCharactersOnly | Qt.ImhNoAutoUppercase
             enterKey: Qt.EnterKeyNext
             onTextEdited: model.email = text
             onAccepted: passwordField.forceActiveFocus()
@@ -57,7 +56,6 @@ FormPage {
             label: "Password"
             placeholder: "••••••••"
             secure: true
-            textContentType: FieldTraits.Password
             enterKey: Qt.EnterKeyGo
             onTextEdited: model.password = text
             onAccepted: model.signIn()

@@ -68,8 +68,7 @@ NavigationPage {
                 width: parent.width
                 label: "Verification code"
                 placeholder: "123456"
-                keyboard: FieldTraits.NumberPad
-                textContentType: FieldTraits.OneTimeCode
+                hints: Qt.ImhDigitsOnly | Qt.ImhNoAutoUppercase | Qt.ImhSensitiveData
                 text: model.code
                 enterKey: model.resetting ? Qt.EnterKeyNext : Qt.EnterKeyGo
                 onTextEdited: cursorPosition = model.enterCode(text, cursorPosition)
@@ -83,7 +82,6 @@ NavigationPage {
                 label: "New password"
                 placeholder: "New password"
                 secure: true
-                textContentType: FieldTraits.NewPassword
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.newPassword = text
                 onAccepted: model.submit()

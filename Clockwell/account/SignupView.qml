@@ -45,8 +45,7 @@ NavigationPage {
                 width: parent.width
                 label: "Full name"
                 placeholder: "Ada Byron"
-                textContentType: FieldTraits.Name
-                autocap: FieldTraits.Words
+                hints: Qt.ImhNone
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.fullName = text
                 onAccepted: emailField.forceActiveFocus()
@@ -57,8 +56,7 @@ NavigationPage {
                 width: parent.width
                 label: "Email"
                 placeholder: "name@example.org"
-                keyboard: FieldTraits.EmailKeyboard
-                textContentType: FieldTraits.UserName
+                hints: Qt.ImhEmailCharactersOnly | Qt.ImhNoAutoUppercase
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.email = text
                 onAccepted: phoneField.forceActiveFocus()
@@ -69,8 +67,7 @@ NavigationPage {
                 width: parent.width
                 label: "Phone (optional)"
                 placeholder: "+92 300 0000000"
-                keyboard: FieldTraits.PhonePad
-                textContentType: FieldTraits.TelephoneNumber
+                hints: Qt.ImhDialableCharactersOnly | Qt.ImhNoAutoUppercase
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.phone = text
                 onAccepted: companyCodeField.forceActiveFocus()
@@ -81,7 +78,7 @@ NavigationPage {
                 width: parent.width
                 label: "Company code (optional)"
                 placeholder: "e.g. DEMO"
-                autocap: FieldTraits.AllCharacters
+                hints: Qt.ImhPreferUppercase
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.companyCode = text
                 onAccepted: passwordField.forceActiveFocus()
@@ -93,7 +90,6 @@ NavigationPage {
                 label: "Password"
                 placeholder: "Create a password"
                 secure: true
-                textContentType: FieldTraits.NewPassword
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.password = text
                 onAccepted: model.submit()

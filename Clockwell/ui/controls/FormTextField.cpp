@@ -1,5 +1,6 @@
 #include "FormTextField.h"
 
+#include "Accessibles.h"
 #include "ui/dialogs/DialogScope.h"
 
 #include <QClipboard>
@@ -46,14 +47,11 @@ public:
 
 FormTextField::FormTextField(QQuickItem *parent) : QQuickTextField(parent)
 {
-    installFieldAccessible();
+    installAccessibles();
     setValidator(new OneLine(this));
-    connect(this, &QQuickTextField::pressAndHold, this, [this](const QQuickMouseEvent *event) {
-        if (!m_pressed)
-            return; // taken away by what scrolls, which Qt's text field does not notice
+    connect(this, &QQuickTextField::pressAndHold, this, [this] {
         setKeepMouseGrab(true);
-        Q_EMIT held(QPointF(event->x(), event->y()));
-    });
+    }); // until the next press: where the finger goes scrolls nothing
 }
 
 QString FormTextField::text() const
@@ -160,35 +158,6 @@ void FormTextField::keyPressEvent(QKeyEvent *event)
     if (isEnter)
         commit();
     QQuickTextField::keyPressEvent(event);
-}
-
-void FormTextField::mousePressEvent(QMouseEvent *event)
-{
-    m_pressed = true;
-    commit(); // a moving cursor would drop it
-    if (event->button() == Qt::RightButton)
-        Q_EMIT rightPressed(event->position());
-    else
-        QQuickTextField::mousePressEvent(event);
-}
-
-void FormTextField::mouseReleaseEvent(QMouseEvent *event)
-{
-    QQuickTextField::mouseReleaseEvent(event);
-    setKeepMouseGrab(false);
-    m_pressed = false;
-}
-
-void FormTextField::mouseUngrabEvent()
-{
-    m_pressed = false;
-    QQuickTextField::mouseUngrabEvent();
-}
-
-void FormTextField::touchUngrabEvent()
-{
-    m_pressed = false;
-    QQuickTextField::touchUngrabEvent();
 }
 
 void FormTextField::focusOutEvent(QFocusEvent *event)

@@ -42,20 +42,12 @@ public:
 
 Q_SIGNALS:
     void labelChanged();
-    /// For as long as the platform's long press takes, by finger or mouse, in points of the field.
-    void held(QPointF position);
-    /// By the right button.
-    void rightPressed(QPointF position);
     /// By a key (Menu or Shift+F10) or by assistive technology.
     void menuRequested();
 
 protected:
     void inputMethodEvent(QInputMethodEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void mouseUngrabEvent() override;
-    void touchUngrabEvent() override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
@@ -67,11 +59,6 @@ private:
     QString m_composed;              // which a masked field does not show
     QString m_taken;                 // from an input method that may still commit it
     QDeadlineTimer m_lateCommit;
-    bool m_pressed = false;
 };
-
-/// Makes assistive technology see every FormTextField as it is drawn: masked, and disabled where it is (as Qt
-/// does from 6.8 and 6.5 on), with the places of its characters and its menu. The second call does nothing.
-void installFieldAccessible();
 
 } // namespace clockwell

@@ -10,9 +10,7 @@ FormTextField {
     property alias placeholder: control.placeholderText
     property bool secure: false
     property bool reveal: false
-    property int keyboard: FieldTraits.DefaultKeyboard
-    property int textContentType: FieldTraits.NoContentType
-    property int autocap: FieldTraits.NoAutocap
+    property int hints: Qt.ImhNoAutoUppercase // for the on-screen keyboard
     property int enterKey: Qt.EnterKeyDefault
 
     function isSelectedAt(position: int): bool {
@@ -41,15 +39,16 @@ FormTextField {
     font.pixelSize: Math.round(17 * Theme.textScale)
     passwordCharacter: "•"
     echoMode: secure && !reveal ? TextInput.Password : TextInput.Normal
-    inputMethodHints: Qt.ImhNoPredictiveText | keyboard | autocap | textContentType
-                      | (secure ? Qt.ImhSensitiveData | Qt.ImhHiddenText : Qt.ImhNone)
+    inputMethodHints: Qt.ImhNoPredictiveText | hints | (secure ? Qt.ImhSensitiveData | Qt.ImhHiddenText : Qt.ImhNone)
     EnterKey.type: enterKey
 
     // In a masked text, where words begin is part of the secret.
-    onHeld: at => {
-        const position = positionAt(at.x, at.y);
-        const character = positionAt(at.x, at.y, TextInput.CursorOnCharacter);
-        const isOnWord = at.x < positionToRectangle(length).x + leftPadding && text[character] !== " ";
+    onPressAndHold: event => {
+        if (!finger.pressed || !isWithinReach())
+            return;
+        const position = positionAt(event.x, event.y);
+        const character = positionAt(event.x, event.y, TextInput.CursorOnCharacter);
+        const isOnWord = event.x < positionToRectangle(length).x + leftPadding && text[character] !== " ";
         if (!isSelectedAt(position)) {
             cursorPosition = isOnWord ? character : position;
             if (isOnWord)
@@ -57,8 +56,11 @@ FormTextField {
         }
         openMenu(false);
     }
-    onRightPressed: at => {
-        const position = positionAt(at.x, at.y);
+    onPressed: event => {
+        commit(); // a moving cursor would drop it
+        if (event.button !== Qt.RightButton)
+            return;
+        const position = positionAt(event.x, event.y);
         if (!isSelectedAt(position))
             cursorPosition = position;
         openMenu(false);
@@ -83,6 +85,11 @@ FormTextField {
             cornerRadius: 11
             gap: 0
         }
+    }
+
+    // Qt 6.4's text field does not notice that what scrolls has taken its press away.
+    TapHandler {
+        id: finger
     }
 
     Loader {

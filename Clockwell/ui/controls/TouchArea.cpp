@@ -1,6 +1,6 @@
 #include "TouchArea.h"
 
-#include "ItemAccessible.h"
+#include "Accessibles.h"
 
 #include <QQuickItem>
 
@@ -34,7 +34,7 @@ bool isAnotherDrawnAt(const QQuickItem &root, const QQuickItem &control, const Q
 
 TouchArea::TouchArea(QObject *parent) : QObject(parent)
 {
-    installItemAccessibles();
+    installAccessibles();
 }
 
 bool TouchArea::contains(const QPointF &point) const

@@ -1,7 +1,8 @@
 #include "DialogScope.h"
 
+#include "ui/controls/Accessibles.h"
+
 #include <QQuickWindow>
-#include <QtQuick/private/qaccessiblequickitem_p.h>
 #include <QtQuickTemplates2/private/qquickoverlay_p.h>
 #include <QtQuickTemplates2/private/qquickpopup_p.h>
 
@@ -12,25 +13,6 @@ namespace {
 const QQuickPopup *popupOf(const QQuickItem *popupItem)
 {
     return qobject_cast<const QQuickPopup *>(popupItem->parent());
-}
-
-class PopupAccessible : public QAccessibleQuickItem
-{
-public:
-    using QAccessibleQuickItem::QAccessibleQuickItem;
-
-    QAccessible::State state() const override
-    {
-        QAccessible::State state = QAccessibleQuickItem::state();
-        state.modal = popupOf(item())->isModal();
-        state.invisible = state.invisible || DialogScope::covers(item());
-        return state;
-    }
-};
-
-QAccessibleInterface *createPopupInterface(const QString &className, QObject *object)
-{
-    return className == u"QQuickPopupItem" ? new PopupAccessible(static_cast<QQuickItem *>(object)) : nullptr;
 }
 
 void takeTouchesFrom(QQuickItem *item)
@@ -45,7 +27,7 @@ void takeTouchesFrom(QQuickItem *item)
 
 DialogScope::DialogScope(QQuickItem *parent) : QQuickItem(parent)
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createPopupInterface), true);
+    installAccessibles();
     setFlag(ItemIsFocusScope);
 }
 

@@ -5,8 +5,7 @@
 
 namespace clockwell {
 
-/// The focus scope that fills a modal popup, and of which assistive technology learns that it is modal. Main
-/// thread.
+/// The focus scope that fills a modal popup. Main thread.
 class DialogScope : public QQuickItem
 {
     Q_OBJECT

@@ -1,11 +1,58 @@
+#include "Accessibles.h"
+
 #include "FormTextField.h"
-#include "ItemAccessible.h"
+#include "ui/dialogs/DialogScope.h"
+
+#include <QtQuick/private/qaccessiblequickitem_p.h>
+#include <QtQuick/private/qquickaccessibleattached_p.h>
+#include <QtQuickTemplates2/private/qquickpopup_p.h>
 
 #include <algorithm>
 
 namespace clockwell {
 
 namespace {
+
+class ItemAccessible : public QAccessibleQuickItem
+{
+public:
+    using QAccessibleQuickItem::QAccessibleQuickItem;
+
+    QAccessible::Role role() const override
+    {
+        const auto *declared = QQuickAccessibleAttached::attachedProperties(item());
+        return declared && declared->role() != QAccessible::NoRole ? declared->role()
+                                                                   : QAccessibleQuickItem::role();
+    }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleQuickItem::state();
+        state.disabled = !item()->isEnabled();
+        state.focusable = state.focusable && item()->isEnabled();
+        state.invisible = state.invisible || DialogScope::covers(item());
+        return state;
+    }
+
+    void doAction(const QString &action) override
+    {
+        if (item()->isEnabled() && item()->isVisible())
+            QAccessibleQuickItem::doAction(action);
+    }
+};
+
+class PopupAccessible : public ItemAccessible
+{
+public:
+    using ItemAccessible::ItemAccessible;
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = ItemAccessible::state();
+        state.modal = static_cast<QQuickPopup *>(item()->parent())->isModal();
+        return state;
+    }
+};
 
 class FieldAccessible : public ItemAccessible
 {
@@ -80,17 +127,33 @@ public:
     }
 };
 
-QAccessibleInterface *createFieldInterface(const QString &className, QObject *object)
+void announceEnabled(QQuickItem *item)
 {
-    return className == u"clockwell::FormTextField" ? new FieldAccessible(static_cast<QQuickItem *>(object))
-                                                    : nullptr;
+    QAccessible::State changed;
+    changed.disabled = true;
+    QAccessibleStateChangeEvent event(item, changed);
+    QAccessible::updateAccessibility(&event);
+}
+
+QAccessibleInterface *createAccessible(const QString &className, QObject *object)
+{
+    auto *item = qobject_cast<QQuickItem *>(object);
+    if (className == u"clockwell::FormTextField")
+        return new FieldAccessible(item);
+    if (className == u"QQuickPopupItem")
+        return new PopupAccessible(item);
+    if (className == u"QQuickAbstractButton")
+        QObject::connect(item, &QQuickItem::enabledChanged, item, [item] { announceEnabled(item); });
+    else if (className != u"QQuickText")
+        return nullptr;
+    return new ItemAccessible(item);
 }
 
 } // namespace
 
-void installFieldAccessible()
+void installAccessibles()
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(createFieldInterface), true);
+    QAccessible::installFactory(createAccessible);
 }
 
 } // namespace clockwell
