@@ -2,7 +2,7 @@ import QtQuick
 import Clockwell.Ui
 
 // A panel around its content: as wide as the place it stands in, as high as what it holds.
-ContinuousRectangle {
+Panel {
     id: root
 
     default property alias content: holder.data
@@ -10,10 +10,6 @@ ContinuousRectangle {
 
     implicitWidth: parent?.width ?? 0
     implicitHeight: holder.height + 2 * padding
-    radius: 14
-    color: Theme.card
-    borderColor: Theme.divider
-    borderWidth: 1
 
     Item {
         id: holder

@@ -7,7 +7,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 
-#include <array>
 #include <chrono>
 #include <optional>
 
@@ -23,44 +22,23 @@ constexpr std::chrono::milliseconds portalTimeout = 5s;
 const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
 const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
+const auto appearance = QStringLiteral("org.freedesktop.appearance");
+const auto gnome = QStringLiteral("org.gnome.desktop.interface");
+const auto kde = QStringLiteral("org.kde.kdeglobals.KDE");
 
-bool isTextScale(const QString &group, const QString &key)
+/// Whether a setting asks for reduced motion; nothing for another one and for a value of another type.
+std::optional<bool> reducesMotion(const QString &group, const QString &key, const QVariant &value)
 {
-    return group == u"org.gnome.desktop.interface" && key == u"text-scaling-factor";
-}
-
-/// A setting that can ask for reduced motion, and what of its values does; none for a value of another type.
-struct MotionSetting
-{
-    QStringView group;
-    QStringView key;
-    std::optional<bool> (*reduces)(const QVariant &value);
-};
-
-std::optional<bool> noAnimations(const QVariant &value)
-{
-    return value.typeId() == QMetaType::Bool ? std::optional(!value.toBool()) : std::nullopt;
-}
-
-// A factor on every animation's duration, written as text.
-std::optional<bool> noDuration(const QVariant &value)
-{
+    if (group == appearance && key == u"reduced-motion" && value.typeId() == QMetaType::UInt)
+        return value.toUInt() == 1; // every other number: no preference
+    if (group == gnome && key == u"enable-animations" && value.typeId() == QMetaType::Bool)
+        return !value.toBool();
     bool isNumber = false;
-    const double factor = value.toDouble(&isNumber);
-    return isNumber ? std::optional(qFuzzyIsNull(factor)) : std::nullopt;
+    const double factor = value.toDouble(&isNumber); // on every animation's duration, written as text
+    if (group == kde && key == u"AnimationDurationFactor" && isNumber)
+        return qFuzzyIsNull(factor);
+    return std::nullopt;
 }
-
-// 1: reduced motion is preferred; every other number: no preference.
-std::optional<bool> preferred(const QVariant &value)
-{
-    return value.typeId() == QMetaType::UInt ? std::optional(value.toUInt() == 1) : std::nullopt;
-}
-
-constexpr auto motionSettings = std::to_array<MotionSetting>({
-    {u"org.freedesktop.appearance", u"reduced-motion", preferred},
-    {u"org.gnome.desktop.interface", u"enable-animations", noAnimations},
-    {u"org.kde.kdeglobals.KDE", u"AnimationDurationFactor", noDuration},
-});
 
 } // namespace
 
@@ -73,10 +51,7 @@ void DesktopPreferences::start(const QDBusConnection &bus)
     QDBusConnection(bus).connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                                  SLOT(takeChange(QString, QString, QDBusVariant)));
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
-    QStringList groups;
-    for (const MotionSetting &setting : motionSettings)
-        groups.append(setting.group.toString());
-    call.setArguments({groups});
+    call.setArguments({QStringList{appearance, gnome, kde}});
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, portalTimeout.count()), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, &DesktopPreferences::takeAll);
 }
@@ -102,19 +77,16 @@ void DesktopPreferences::apply(const QString &group, const QString &key, const Q
 {
     bool isNumber = false;
     const double number = value.toDouble(&isNumber);
-    if (isTextScale(group, key) && isNumber) {
+    if (group == gnome && key == u"text-scaling-factor" && isNumber)
         m_theme.setTextScale(number);
+    const std::optional<bool> reduces = reducesMotion(group, key, value);
+    if (!reduces)
         return;
-    }
-    for (const MotionSetting &setting : motionSettings) {
-        const auto reduces =
-            setting.group == group && setting.key == key ? setting.reduces(value) : std::nullopt;
-        if (reduces) {
-            m_reducing.removeAll(key);
-            m_reducing.append(*reduces ? QStringList(key) : QStringList());
-            m_theme.setReducedMotion(!m_reducing.isEmpty());
-        }
-    }
+    if (*reduces)
+        m_reducing.insert(key);
+    else
+        m_reducing.remove(key);
+    m_theme.setReducedMotion(!m_reducing.isEmpty());
 }
 
 } // namespace clockwell

@@ -2,7 +2,7 @@
 
 #include <QDBusConnection>
 #include <QObject>
-#include <QStringList>
+#include <QSet>
 #include <QVariantMap>
 
 class QDBusPendingCallWatcher;
@@ -36,7 +36,7 @@ private:
 
     Theme &m_theme;
     /// The keys of the settings that ask for reduced motion now: one is enough.
-    QStringList m_reducing;
+    QSet<QString> m_reducing;
 };
 
 } // namespace clockwell

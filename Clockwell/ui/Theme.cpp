@@ -2,7 +2,6 @@
 
 #include "Pictures.h"
 #include "StatusVocabulary.h"
-#include "TabularCells.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
@@ -24,6 +23,16 @@ constexpr bool namesItsFonts = true;
 #else
 constexpr bool namesItsFonts = false;
 #endif
+
+bool isDigit(QChar character)
+{
+    return character >= u'0' && character <= u'9';
+}
+
+bool isLatin(QChar character)
+{
+    return character.script() == QChar::Script_Common || character.script() == QChar::Script_Latin;
+}
 
 } // namespace
 
@@ -86,15 +95,27 @@ QUrl Theme::picture(const QString &file, const QColor &tint) const
 
 QStringList Theme::tabularCells(const QString &text) const
 {
-    return clockwell::tabularCells(text);
+    if (!std::all_of(text.cbegin(), text.cend(), isLatin))
+        return {text};
+    QStringList cells;
+    bool afterDigit = true;
+    for (const QChar character : text) {
+        if (isDigit(character) || afterDigit)
+            cells.append(character);
+        else
+            cells.last().append(character);
+        afterDigit = isDigit(character);
+    }
+    return cells;
 }
 
 qreal Theme::tabularWidth(const QString &text, const QFont &font) const
 {
     const QFontMetricsF metrics(font);
     qreal width = 0;
-    for (const QString &cell : clockwell::tabularCells(text))
-        width += isDigitCell(cell) ? digitWidth(font) : std::ceil(metrics.horizontalAdvance(cell));
+    for (const QString &cell : tabularCells(text))
+        width += cell.size() == 1 && isDigit(cell.front()) ? digitWidth(font)
+                                                           : std::ceil(metrics.horizontalAdvance(cell));
     return width;
 }
 

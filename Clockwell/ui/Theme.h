@@ -96,7 +96,9 @@ public:
     /// valid tint replaces its colours. What is not there is not drawn, and Qt warns.
     Q_INVOKABLE QUrl picture(const QString &file, const QColor &tint = {}) const;
 
-    /// See tabularCells().
+    /// The pieces of a text that a TabularLabel draws side by side: each digit is one, what stands between
+    /// them another. A text that is not all in Latin letters stays in one piece: other scripts join their
+    /// letters, put marks on them or run leftwards.
     Q_INVOKABLE QStringList tabularCells(const QString &text) const;
     /// The width of a TabularLabel with this text in this font, in points.
     Q_INVOKABLE qreal tabularWidth(const QString &text, const QFont &font) const;

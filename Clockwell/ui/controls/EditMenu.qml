@@ -25,13 +25,16 @@ T.Popup {
     property bool stacked: false
     property real widest: 0
 
-    readonly property Component entryButton: Button {
+    readonly property Component entryButton: LinkButton {
         id: entry
 
         required property int index
         required property var modelData
 
         text: modelData.title
+        size: 15
+        weight: Font.Medium
+        color: Theme.textPrimary
         width: menu.stacked ? menu.widest : implicitWidth
         implicitWidth: Math.max(Theme.touchTarget, Math.ceil(implicitContentWidth) + 2 * 16)
         implicitHeight: Math.max(Theme.touchTarget, Math.ceil(implicitContentHeight) + 2 * 10)
@@ -44,17 +47,6 @@ T.Popup {
 
         role: Accessible.MenuItem
         Accessible.focused: ringShown
-
-        contentItem: TextLabel {
-            size: 15
-            weight: Font.Medium
-            wrapMode: Text.NoWrap
-            horizontalAlignment: Text.AlignHCenter
-            verticalAlignment: Text.AlignVCenter
-            text: entry.text
-            opacity: entry.pressed ? 0.5 : 1
-            Accessible.ignored: true
-        }
 
         Rectangle {
             visible: entry.index > 0

@@ -21,12 +21,10 @@ namespace {
 constexpr std::chrono::milliseconds lateCommitLimit{500};
 
 /// Line breaks within the text become spaces, those at its ends go: what is copied often ends in one.
-QString onOneLine(QString text)
+QString onOneLine(const QString &text)
 {
-    static const QRegularExpression atTheEnds(QStringLiteral("\\A[\\n-\\r\\x{85}\\x{2028}\\x{2029}]+|"
-                                                             "[\\n-\\r\\x{85}\\x{2028}\\x{2029}]+\\z"));
-    static const QRegularExpression within(QStringLiteral("[\\n-\\r\\x{85}\\x{2028}\\x{2029}]+"));
-    return text.remove(atTheEnds).replace(within, QStringLiteral(" "));
+    static const QRegularExpression breaks(QStringLiteral("[\\n-\\r\\x{85}\\x{2028}\\x{2029}]+"));
+    return text.split(breaks, Qt::SkipEmptyParts).join(u' ');
 }
 
 /// Corrects a text before anybody hears of it.

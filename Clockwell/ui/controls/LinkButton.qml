@@ -1,7 +1,7 @@
 import QtQuick
 import Clockwell.Ui
 
-// A text that leads somewhere. Drawn as small as its text, hit like every button.
+// A text that is pressed, and leads somewhere unless `role` says otherwise. Drawn as small as its text, hit like every button.
 Button {
     id: root
 
@@ -19,6 +19,8 @@ Button {
         weight: root.weight
         color: root.color
         opacity: root.pressed || !root.enabled ? 0.5 : 1
+        horizontalAlignment: root.role === Accessible.Link ? Text.AlignLeft : Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true
     }
 }

@@ -43,7 +43,7 @@ T.Dialog {
         }
     }
 
-    background: DialogPanel {}
+    background: Panel {}
 
     DialogContent {
         popup: root
@@ -66,7 +66,7 @@ T.Dialog {
             y: words.height
             width: parent.width
             weight: Font.DemiBold
-            title: root.button
+            text: root.button
             onClicked: root.accept()
         }
     }

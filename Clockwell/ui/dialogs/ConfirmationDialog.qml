@@ -43,7 +43,7 @@ T.Dialog {
         firstFocus: cancelButton
         onBack: root.reject()
 
-        DialogPanel {
+        Panel {
             id: question
             width: parent.width
             height: words.height + act.height
@@ -60,12 +60,12 @@ T.Dialog {
                 y: words.height
                 width: parent.width
                 color: root.destructive ? Theme.danger : Theme.brand
-                title: root.action
+                text: root.action
                 onClicked: root.accept()
             }
         }
 
-        DialogPanel {
+        Panel {
             id: answer
             y: question.height + Theme.unit
             width: parent.width
@@ -75,7 +75,7 @@ T.Dialog {
                 id: cancelButton
                 width: parent.width
                 weight: Font.DemiBold
-                title: root.cancel
+                text: root.cancel
                 onClicked: root.reject()
             }
         }

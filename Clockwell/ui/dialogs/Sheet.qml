@@ -46,7 +46,7 @@ T.Drawer {
         Motion {}
     }
 
-    background: DialogPanel {
+    background: Panel {
         color: Theme.background
     }
 

@@ -73,12 +73,10 @@ Item {
             flickable.contentY = flickable.originY - held;
     }
 
-    NumberAnimation {
+    Motion {
         id: sliding
         target: root
         property: "held"
-        duration: Theme.duration
-        easing.type: Easing.OutCubic
     }
 
     Connections {

@@ -1,6 +1,6 @@
 import Clockwell.Ui
 
-// What an alert or a dialog is drawn on.
+// What a card or a dialog is drawn on.
 ContinuousRectangle {
     radius: 14
     color: Theme.card
