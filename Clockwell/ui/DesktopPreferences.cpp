@@ -65,21 +65,17 @@ void DesktopPreferences::takeAll(QDBusPendingCallWatcher *call)
     const auto groups = qdbus_cast<Groups>(reply.arguments().constFirst());
     for (auto group = groups.begin(); group != groups.end(); ++group)
         for (auto value = group->begin(); value != group->end(); ++value)
-            apply(group.key(), value.key(), value.value());
+            takeChange(group.key(), value.key(), QDBusVariant(value.value()));
 }
 
 void DesktopPreferences::takeChange(const QString &group, const QString &key, const QDBusVariant &value)
 {
-    apply(group, key, value.variant());
-}
-
-void DesktopPreferences::apply(const QString &group, const QString &key, const QVariant &value)
-{
+    const QVariant setting = value.variant();
     bool isNumber = false;
-    const double number = value.toDouble(&isNumber);
+    const double number = setting.toDouble(&isNumber);
     if (group == gnome && key == u"text-scaling-factor" && isNumber)
         m_theme.setTextScale(number);
-    const std::optional<bool> reduces = reducesMotion(group, key, value);
+    const std::optional<bool> reduces = reducesMotion(group, key, setting);
     if (!reduces)
         return;
     if (*reduces)

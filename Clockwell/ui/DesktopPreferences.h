@@ -32,8 +32,6 @@ private Q_SLOTS:
     void takeChange(const QString &group, const QString &key, const QDBusVariant &value);
 
 private:
-    void apply(const QString &group, const QString &key, const QVariant &value);
-
     Theme &m_theme;
     /// The keys of the settings that ask for reduced motion now: one is enough.
     QSet<QString> m_reducing;

@@ -60,26 +60,16 @@ T.Drawer {
         // Qt 6.4's Loader cannot build a component that is bound to the file it is written in.
         FocusScope {
             id: holder
-
-            property Item built: null
-
             anchors.fill: parent
             focus: true
-        }
 
-        Connections {
-            target: root
-
-            function onAboutToShow() {
-                holder.built = holder.built ?? root.content.createObject(holder, {
-                    focus: true,
-                    width: Qt.binding(() => holder.width),
-                    height: Qt.binding(() => holder.height)
-                });
-            }
-            function onClosed() {
-                holder.built?.destroy();
-                holder.built = null;
+            Repeater {
+                model: root.visible ? 1 : 0
+                delegate: root.content
+                onItemAdded: (index, item) => {
+                    item.anchors.fill = holder;
+                    item.focus = true;
+                }
             }
         }
 
