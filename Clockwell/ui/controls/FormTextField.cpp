@@ -47,9 +47,8 @@ FormTextField::FormTextField(QQuickItem *parent) : QQuickTextField(parent)
 {
     installAccessibles();
     setValidator(new OneLine(this));
-    connect(this, &QQuickTextField::pressAndHold, this, [this] {
-        setKeepMouseGrab(true);
-    }); // until the next press: where the finger goes scrolls nothing
+    // Where the finger goes afterwards scrolls nothing. The next press takes this back.
+    connect(this, &QQuickTextField::pressAndHold, this, [this] { setKeepMouseGrab(true); });
 }
 
 QString FormTextField::text() const

@@ -1,7 +1,7 @@
 import QtQuick
 import Clockwell.Ui
 
-// A text that is pressed, and leads somewhere unless `role` says otherwise. Drawn as small as its text, hit like every button.
+// A text that is pressed: a link, unless `role` says otherwise. Drawn as small as its text, hit like every button.
 Button {
     id: root
 

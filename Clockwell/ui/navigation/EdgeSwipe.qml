@@ -16,10 +16,6 @@ Item {
     property Item uncovered: null // by the pull
     property real pulled: 0 // points
 
-    function pull(distance: real) {
-        if (screen && !spring.running)
-            pulled = Math.max(0, Math.min(distance, stack.width));
-    }
     function springBack() {
         if (screen)
             spring.start();
@@ -57,7 +53,8 @@ Item {
             if (active) {
                 velocity = centroid.velocity.x;
                 rest.restart();
-                root.pull(aside);
+                if (root.screen && !spring.running)
+                    root.pulled = Math.max(0, Math.min(aside, root.stack.width));
             } else if (Math.max(-aside, down) >= dragThreshold && aside <= down) {
                 astray = true;
             }
