@@ -41,6 +41,7 @@ FocusScope {
                 label: "Current password"
                 placeholder: "Current password"
                 secure: true
+                textContentType: FieldTraits.Password
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.current = text
                 onAccepted: newPasswordField.forceActiveFocus()
@@ -52,6 +53,7 @@ FocusScope {
                 label: "New password"
                 placeholder: "New password"
                 secure: true
+                textContentType: FieldTraits.NewPassword
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.newPassword = text
                 onAccepted: model.submit()

@@ -56,7 +56,8 @@ NavigationPage {
                 width: parent.width
                 label: "Email"
                 placeholder: "name@example.org"
-                hints: Qt.ImhEmailCharactersOnly | Qt.ImhNoAutoUppercase
+                keyboard: FieldTraits.EmailKeyboard
+                textContentType: FieldTraits.UserName
                 text: model.email
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.email = text

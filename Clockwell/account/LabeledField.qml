@@ -11,7 +11,9 @@ FocusScope {
     property alias text: field.text
     property alias cursorPosition: field.cursorPosition
     property alias secure: field.secure
-    property alias hints: field.hints
+    property alias keyboard: field.keyboard
+    property alias textContentType: field.textContentType
+    property alias autocap: field.autocap
     property alias enterKey: field.enterKey
 
     signal textEdited

@@ -39,7 +39,8 @@ FormPage {
             width: parent.width
             label: "Email"
             placeholder: "name@example.org"
-            hints: Qt.ImhEmailCharactersOnly | Qt.ImhNoAutoUppercase
+            keyboard: FieldTraits.EmailKeyboard
+            textContentType: FieldTraits.UserName
             enterKey: Qt.EnterKeyNext
             onTextEdited: model.email = text
             onAccepted: passwordField.forceActiveFocus()
@@ -56,6 +57,7 @@ FormPage {
             label: "Password"
             placeholder: "••••••••"
             secure: true
+            textContentType: FieldTraits.Password
             enterKey: Qt.EnterKeyGo
             onTextEdited: model.password = text
             onAccepted: model.signIn()

@@ -68,7 +68,8 @@ NavigationPage {
                 width: parent.width
                 label: "Verification code"
                 placeholder: "123456"
-                hints: Qt.ImhDigitsOnly | Qt.ImhNoAutoUppercase | Qt.ImhSensitiveData
+                keyboard: FieldTraits.NumberPad
+                textContentType: FieldTraits.OneTimeCode
                 text: model.code
                 enterKey: model.resetting ? Qt.EnterKeyNext : Qt.EnterKeyGo
                 onTextEdited: cursorPosition = model.enterCode(text, cursorPosition)
@@ -82,6 +83,7 @@ NavigationPage {
                 label: "New password"
                 placeholder: "New password"
                 secure: true
+                textContentType: FieldTraits.NewPassword
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.newPassword = text
                 onAccepted: model.submit()

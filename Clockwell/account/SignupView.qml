@@ -45,7 +45,8 @@ NavigationPage {
                 width: parent.width
                 label: "Full name"
                 placeholder: "Ada Byron"
-                hints: Qt.ImhNone
+                textContentType: FieldTraits.Name
+                autocap: FieldTraits.Words
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.fullName = text
                 onAccepted: emailField.forceActiveFocus()
@@ -56,7 +57,8 @@ NavigationPage {
                 width: parent.width
                 label: "Email"
                 placeholder: "name@example.org"
-                hints: Qt.ImhEmailCharactersOnly | Qt.ImhNoAutoUppercase
+                keyboard: FieldTraits.EmailKeyboard
+                textContentType: FieldTraits.UserName
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.email = text
                 onAccepted: phoneField.forceActiveFocus()
@@ -67,7 +69,8 @@ NavigationPage {
                 width: parent.width
                 label: "Phone (optional)"
                 placeholder: "+92 300 0000000"
-                hints: Qt.ImhDialableCharactersOnly | Qt.ImhNoAutoUppercase
+                keyboard: FieldTraits.PhonePad
+                textContentType: FieldTraits.TelephoneNumber
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.phone = text
                 onAccepted: companyCodeField.forceActiveFocus()
@@ -78,7 +81,7 @@ NavigationPage {
                 width: parent.width
                 label: "Company code (optional)"
                 placeholder: "e.g. DEMO"
-                hints: Qt.ImhPreferUppercase
+                autocap: FieldTraits.AllCharacters
                 enterKey: Qt.EnterKeyNext
                 onTextEdited: model.companyCode = text
                 onAccepted: passwordField.forceActiveFocus()
@@ -90,6 +93,7 @@ NavigationPage {
                 label: "Password"
                 placeholder: "Create a password"
                 secure: true
+                textContentType: FieldTraits.NewPassword
                 enterKey: Qt.EnterKeyGo
                 onTextEdited: model.password = text
                 onAccepted: model.submit()

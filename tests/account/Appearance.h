@@ -2,6 +2,7 @@
 
 #include "ui/Palette.h"
 #include "ui/Theme.h"
+#include "ui/controls/FieldTraits.h"
 
 #include <QCoreApplication>
 #include <QFont>
@@ -174,21 +175,22 @@ inline void expectAppearance(const QQuickItem &root, const Appearance &expected)
     EXPECT_EQ(found.join(u'\n').toStdString(), describe(expected, expected).toStdString());
 }
 
-/// The expected label, placeholder and mask of a field, and what it asks of the on-screen keyboard besides
-/// what every field asks, or every secure one.
+/// The expected label, placeholder and input traits of a field.
 struct ExpectedField
 {
     QString label;
     QString placeholder;
     bool secure;
-    Qt::InputMethodHints hints;
+    FieldTraits::Keyboard keyboard;
+    FieldTraits::TextContentType textContentType;
+    FieldTraits::Autocap autocap;
 };
 
 inline void collectFields(const QQuickItem &item, QList<const QQuickItem *> &found)
 {
     if (!item.isVisible())
         return;
-    if (item.property("reveal").isValid() && item.property("inputMethodHints").isValid())
+    if (item.property("reveal").isValid() && item.property("textContentType").isValid())
         found.append(&item);
     for (const QQuickItem *child : item.childItems())
         collectFields(*child, found);
@@ -207,10 +209,9 @@ inline void expectFields(const QQuickItem &root, const QList<ExpectedField> &exp
         EXPECT_EQ(field.property("label").toString().toStdString(), label);
         EXPECT_EQ(field.property("placeholder").toString().toStdString(), wanted.placeholder.toStdString());
         EXPECT_EQ(field.property("secure").toBool(), wanted.secure) << label;
-        Qt::InputMethodHints hints = wanted.hints | Qt::ImhNoPredictiveText;
-        if (wanted.secure)
-            hints |= Qt::ImhSensitiveData | Qt::ImhHiddenText;
-        EXPECT_EQ(field.property("inputMethodHints").value<Qt::InputMethodHints>(), hints) << label;
+        EXPECT_EQ(field.property("keyboard").toInt(), int(wanted.keyboard)) << label;
+        EXPECT_EQ(field.property("textContentType").toInt(), int(wanted.textContentType)) << label;
+        EXPECT_EQ(field.property("autocap").toInt(), int(wanted.autocap)) << label;
     }
 }
 

@@ -51,8 +51,10 @@ TEST_F(ChangePasswordAppearanceTest, TheForm)
 
 TEST_F(ChangePasswordAppearanceTest, TheFields)
 {
-    expectFields(form(), {{u"Current password"_s, u"Current password"_s, true, Qt::ImhNoAutoUppercase},
-                          {u"New password"_s, u"New password"_s, true, Qt::ImhNoAutoUppercase}});
+    expectFields(form(), {{u"Current password"_s, u"Current password"_s, true, FieldTraits::DefaultKeyboard,
+                           FieldTraits::Password, FieldTraits::NoAutocap},
+                          {u"New password"_s, u"New password"_s, true, FieldTraits::DefaultKeyboard,
+                           FieldTraits::NewPassword, FieldTraits::NoAutocap}});
 }
 
 TEST_F(ChangePasswordAppearanceTest, TheRefusedForm)

@@ -58,9 +58,10 @@ TEST_F(SignedOutAppearanceTest, TheSignInOfAnUnverifiedAddress)
 
 TEST_F(SignedOutAppearanceTest, TheFieldsOfTheSignIn)
 {
-    expectFields(*top(), {{u"Email"_s, u"name@example.org"_s, false,
-                           Qt::ImhEmailCharactersOnly | Qt::ImhNoAutoUppercase},
-                          {u"Password"_s, u"••••••••"_s, true, Qt::ImhNoAutoUppercase}});
+    expectFields(*top(), {{u"Email"_s, u"name@example.org"_s, false, FieldTraits::EmailKeyboard,
+                           FieldTraits::UserName, FieldTraits::NoAutocap},
+                          {u"Password"_s, u"••••••••"_s, true, FieldTraits::DefaultKeyboard,
+                           FieldTraits::Password, FieldTraits::NoAutocap}});
 }
 
 TEST_F(SignedOutAppearanceTest, TheSignUp)
@@ -111,13 +112,16 @@ TEST_F(SignedOutAppearanceTest, TheRefusedSignUp)
 TEST_F(SignedOutAppearanceTest, TheFieldsOfTheSignUp)
 {
     follow(u"Create an account"_s, u"Sign up"_s);
-    expectFields(*top(), {{u"Full name"_s, u"Ada Byron"_s, false, Qt::ImhNone},
-                          {u"Email"_s, u"name@example.org"_s, false,
-                           Qt::ImhEmailCharactersOnly | Qt::ImhNoAutoUppercase},
-                          {u"Phone (optional)"_s, u"+92 300 0000000"_s, false,
-                           Qt::ImhDialableCharactersOnly | Qt::ImhNoAutoUppercase},
-                          {u"Company code (optional)"_s, u"e.g. DEMO"_s, false, Qt::ImhPreferUppercase},
-                          {u"Password"_s, u"Create a password"_s, true, Qt::ImhNoAutoUppercase}});
+    expectFields(*top(), {{u"Full name"_s, u"Ada Byron"_s, false, FieldTraits::DefaultKeyboard,
+                           FieldTraits::Name, FieldTraits::Words},
+                          {u"Email"_s, u"name@example.org"_s, false, FieldTraits::EmailKeyboard,
+                           FieldTraits::UserName, FieldTraits::NoAutocap},
+                          {u"Phone (optional)"_s, u"+92 300 0000000"_s, false, FieldTraits::PhonePad,
+                           FieldTraits::TelephoneNumber, FieldTraits::NoAutocap},
+                          {u"Company code (optional)"_s, u"e.g. DEMO"_s, false, FieldTraits::DefaultKeyboard,
+                           FieldTraits::NoContentType, FieldTraits::AllCharacters},
+                          {u"Password"_s, u"Create a password"_s, true, FieldTraits::DefaultKeyboard,
+                           FieldTraits::NewPassword, FieldTraits::NoAutocap}});
 }
 
 TEST_F(SignedOutAppearanceTest, TheForgotPasswordScreen)
@@ -137,8 +141,8 @@ TEST_F(SignedOutAppearanceTest, TheForgotPasswordScreen)
                     shape(brand, 12),
                     text(u"Send reset code"_s, white, 17, DemiBold),
                 });
-    expectFields(*top(), {{u"Email"_s, u"name@example.org"_s, false,
-                           Qt::ImhEmailCharactersOnly | Qt::ImhNoAutoUppercase}});
+    expectFields(*top(), {{u"Email"_s, u"name@example.org"_s, false, FieldTraits::EmailKeyboard,
+                           FieldTraits::UserName, FieldTraits::NoAutocap}});
 }
 
 TEST_F(SignedOutAppearanceTest, TheForgotPasswordScreenAfterErrorAndSuccess)
@@ -174,8 +178,8 @@ TEST_F(SignedOutAppearanceTest, TheEmailVerification)
                                   text(u"Verify"_s, white, 17, DemiBold),
                                   text(u"Resend code"_s, brand, 13),
                               });
-    expectFields(*top(), {{u"Verification code"_s, u"123456"_s, false,
-                           Qt::ImhDigitsOnly | Qt::ImhNoAutoUppercase | Qt::ImhSensitiveData}});
+    expectFields(*top(), {{u"Verification code"_s, u"123456"_s, false, FieldTraits::NumberPad,
+                           FieldTraits::OneTimeCode, FieldTraits::NoAutocap}});
 }
 
 TEST_F(SignedOutAppearanceTest, ThePasswordReset)
@@ -200,9 +204,10 @@ TEST_F(SignedOutAppearanceTest, ThePasswordReset)
                                   text(u"Reset password"_s, white, 17, DemiBold),
                                   text(u"Resend code"_s, brand, 13),
                               });
-    expectFields(*top(), {{u"Verification code"_s, u"123456"_s, false,
-                           Qt::ImhDigitsOnly | Qt::ImhNoAutoUppercase | Qt::ImhSensitiveData},
-                          {u"New password"_s, u"New password"_s, true, Qt::ImhNoAutoUppercase}});
+    expectFields(*top(), {{u"Verification code"_s, u"123456"_s, false, FieldTraits::NumberPad,
+                           FieldTraits::OneTimeCode, FieldTraits::NoAutocap},
+                          {u"New password"_s, u"New password"_s, true, FieldTraits::DefaultKeyboard,
+                           FieldTraits::NewPassword, FieldTraits::NoAutocap}});
 }
 
 class OtpAppearanceTest : public SignedOutAppearanceTest,

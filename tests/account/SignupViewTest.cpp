@@ -2,6 +2,7 @@
 #include "account/SignupViewModel.h"
 #include "net/DeviceFacts.h"
 #include "ui/Theme.h"
+#include "ui/controls/FieldTraits.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -10,7 +10,9 @@ FormTextField {
     property alias placeholder: control.placeholderText
     property bool secure: false
     property bool reveal: false
-    property int hints: Qt.ImhNoAutoUppercase // for the on-screen keyboard
+    property int keyboard: FieldTraits.DefaultKeyboard
+    property int textContentType: FieldTraits.NoContentType
+    property int autocap: FieldTraits.NoAutocap
     property int enterKey: Qt.EnterKeyDefault
 
     function isSelectedAt(position: int): bool {
@@ -39,7 +41,8 @@ FormTextField {
     font.pixelSize: Math.round(17 * Theme.textScale)
     passwordCharacter: "•"
     echoMode: secure && !reveal ? TextInput.Password : TextInput.Normal
-    inputMethodHints: Qt.ImhNoPredictiveText | hints | (secure ? Qt.ImhSensitiveData | Qt.ImhHiddenText : Qt.ImhNone)
+    inputMethodHints: Qt.ImhNoPredictiveText | keyboard | autocap | textContentType
+                      | (secure ? Qt.ImhSensitiveData | Qt.ImhHiddenText : Qt.ImhNone)
     EnterKey.type: enterKey
 
     // In a masked text, where words begin is part of the secret.
