@@ -77,6 +77,16 @@ public:
         return std::move(first<SingleColumn<Value>>(sql, arguments...).value().value);
     }
 
+    /// For rows whose columns are known only while the program runs: `row.bind(soci::statement &)` says what
+    /// they are read into, and `onRow` is called after each.
+    template <class Row, class OnRow>
+    void forEach(const std::string &sql, Row &row, OnRow onRow)
+    {
+        auto into = std::tie(row);
+        long long changed = 0;
+        run(sql, into, onRow, changed);
+    }
+
     /// For what SOCI has no words for, within the transaction.
     soci::session &session() { return m_session; }
 

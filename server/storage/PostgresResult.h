@@ -25,7 +25,4 @@ void requireStatus(PGconn *handle, const PostgresResult &result, ExecStatusType 
 /// Waits for the answer to what was sent, and takes it all; returns its first part.
 PostgresResult takeResult(PGconn *handle);
 
-/// Waits for the end of a COPY, and throws DatabaseError if it failed.
-void requireCopied(PGconn *handle);
-
 } // namespace clockwell::server
