@@ -1,4 +1,4 @@
-#include "server/admin/Misfit.h"
+#include "server/admin/RowValidation.h"
 
 #include "server/admin/AdminError.h"
 #include "server/admin/Printable.h"
@@ -63,8 +63,7 @@ std::string keyOf(const StoredRow &row, const TableLayout &table)
 
 } // namespace
 
-void requireFitting(const StoredRow &row, const TableLayout &table,
-                    const std::vector<PostgresColumn> &columns)
+void validateRow(const StoredRow &row, const TableLayout &table, const std::vector<PostgresColumn> &columns)
 {
     for (std::size_t i = 0; i < columns.size(); ++i)
         if (const std::string problem = problemOf(row[i], columns[i]); !problem.empty())
