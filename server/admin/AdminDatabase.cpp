@@ -4,6 +4,7 @@
 #include "server/storage/PostgresEngine.h"
 #include "server/storage/PostgresUrl.h"
 #include "server/storage/SqliteEngine.h"
+#include "server/storage/SqliteFile.h"
 
 #include <filesystem>
 
@@ -70,8 +71,9 @@ void requireNoPartOf(const std::string &database, const std::string &file)
     // Made absolute first: of a bare name that is not there, nothing would be resolved.
     const auto target = std::filesystem::weakly_canonical(std::filesystem::absolute(file), ignored);
     const auto base = std::filesystem::weakly_canonical(std::filesystem::absolute(database), ignored);
-    bool part = std::filesystem::equivalent(database, file, ignored); // also under another name
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"})
+    bool part =
+        target == base || std::filesystem::equivalent(database, file, ignored); // also under another name
+    for (const char *suffix : sqliteCompanions)
         part = part || target == base.string() + suffix;
     if (part)
         throw AdminError{AdminError::Kind::Refused, "The file " + file + " belongs to the database itself."};

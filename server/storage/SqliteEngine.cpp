@@ -1,6 +1,7 @@
 #include "server/storage/SqliteEngine.h"
 
 #include "server/storage/DatabaseError.h"
+#include "server/storage/SqliteFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,24 +39,27 @@ const std::string &madePrivate(const std::string &file)
     return file;
 }
 
+void requirePrivateFile(const std::string &name)
+{
+    struct stat facts
+    {};
+    if (::stat(name.c_str(), &facts) == 0 && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        throw DatabaseError{DatabaseError::Kind::Exposed,
+                            "The file " + name +
+                                " of the database can be read or written by others than its owner; it holds"
+                                " password hashes and attendance. Try: chmod 600 " +
+                                name};
+}
+
 } // namespace
 
 void requirePrivate(const std::string &file)
 {
     std::error_code ignored;
-    const auto real = std::filesystem::canonical(file, ignored); // the companions stand beside that
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
-        const std::string name = real.string() + suffix;
-        struct stat facts
-        {};
-        if (::stat(name.c_str(), &facts) == 0 && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-            throw DatabaseError{
-                DatabaseError::Kind::Exposed,
-                "The file " + name +
-                    " of the database can be read or written by others than its owner; it holds"
-                    " password hashes and attendance. Try: chmod 600 " +
-                    name};
-    }
+    const std::string real = std::filesystem::canonical(file, ignored); // the companions stand beside that
+    requirePrivateFile(real);
+    for (const char *suffix : sqliteCompanions)
+        requirePrivateFile(real + suffix);
 }
 
 std::unique_ptr<Connection> SqliteEngine::openWriter()
