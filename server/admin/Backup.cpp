@@ -79,8 +79,8 @@ DatabaseContents copyChecked(SqliteFile &database, const std::string &file, cons
 
 void bringUpToDate(const std::string &file, const std::function<void(Connection &)> &more)
 {
-    constexpr int patienceSeconds = 5;
-    Connection connection{file, patienceSeconds};
+    constexpr int busySeconds = 5;
+    Connection connection{file, busySeconds};
     connection.execute("BEGIN IMMEDIATE");
     migrate(connection);
     more(connection);

@@ -12,7 +12,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds lockPatience{5};
+constexpr std::chrono::seconds tableLockTimeout{5};
 constexpr auto insufficientPrivilege = "42501";
 
 } // namespace
@@ -20,7 +20,7 @@ constexpr auto insufficientPrivilege = "42501";
 MoveTarget::MoveTarget(const std::string &url) : m_label(databaseLabel(url))
 {
     try {
-        m_connection = connectPostgres(url, lockPatience);
+        m_connection = connectPostgres(url, tableLockTimeout);
         begin();
     } catch (const DatabaseError &error) {
         throw std::runtime_error{"The database " + m_label + " cannot be used: " + error.what() +

@@ -9,7 +9,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds patience{1};
+constexpr std::chrono::seconds readinessTimeout{1};
 
 void requireVersion(Connection &connection)
 {
@@ -41,7 +41,8 @@ void Readiness::require()
 {
     if (isPostgresUrl(m_database))
         return requirePostgres();
-    Connection connection{m_database, static_cast<int>(patience.count()), Connection::Access::ReadOnly};
+    Connection connection{m_database, static_cast<int>(readinessTimeout.count()),
+                          Connection::Access::ReadOnly};
     readEachTable(connection);
     requireVersion(connection);
 }
@@ -52,7 +53,7 @@ void Readiness::requirePostgres()
     for (bool isKept = m_postgres != nullptr;; isKept = false) {
         try {
             if (!m_postgres)
-                m_postgres = connectPostgres(m_database, patience);
+                m_postgres = connectPostgres(m_database, readinessTimeout);
             requireWritable(*m_postgres);
             return requireVersion(*m_postgres);
         } catch (const DatabaseError &error) {

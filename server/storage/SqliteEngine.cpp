@@ -64,7 +64,7 @@ void requirePrivate(const std::string &file)
 
 std::unique_ptr<Connection> SqliteEngine::openWriter()
 {
-    auto writer = std::make_unique<Connection>(madePrivate(m_file), patienceSeconds());
+    auto writer = std::make_unique<Connection>(madePrivate(m_file), timeoutSeconds());
     writer->value<long long>("PRAGMA schema_version"); // whether it is a database at all
     requirePrivate(m_file);
     if (writer->value<std::string>("PRAGMA journal_mode = WAL") != "wal")
@@ -88,7 +88,7 @@ void SqliteEngine::limitSize(Connection &writer) const
 
 std::unique_ptr<Connection> SqliteEngine::openReader()
 {
-    auto reader = std::make_unique<Connection>(m_file, patienceSeconds());
+    auto reader = std::make_unique<Connection>(m_file, timeoutSeconds());
     reader->execute("PRAGMA query_only = ON");
     return reader;
 }

@@ -107,7 +107,7 @@ TEST_F(PostgresFailureTest, WorkWhoseConnectionsAlwaysEndIsGivenUp)
     } catch (const DatabaseError &error) {
         EXPECT_EQ(error.kind(), Kind::Lost);
     }
-    EXPECT_EQ(runs, 1 + Retries::mostLosses);
+    EXPECT_EQ(runs, 1 + Retries::mostLostConnections);
 }
 
 TEST_F(PostgresFailureTest, ConnectionThatEndsDuringCommitIsNotRunAgain)
@@ -210,7 +210,7 @@ TEST(PostgresOutageTest, CommitThatWaitsTooLongForAStandbyIsUnconfirmedAndReadin
 {
     const PostgresServer postgres;
     DatabaseOptions options;
-    options.patience = std::chrono::seconds{1};
+    options.timeout = std::chrono::seconds{1};
     options.longestCommit = std::chrono::milliseconds{200};
     Database database{postgres.url(), options};
     waitForStandby(postgres, "nobody");
