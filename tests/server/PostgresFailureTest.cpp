@@ -1,3 +1,4 @@
+#include "Midnight.h"
 #include "PostgresServer.h"
 #include "ServerProcess.h"
 #include "TestDatabase.h"
@@ -173,6 +174,7 @@ TEST_F(PostgresFailureTest, DatabaseThatCanOnlyBeReadIsNotReady)
 
 TEST(PostgresOutageTest, PunchThatWasRecordedWithoutAnAnswerIsFoundByItsRepeat)
 {
+    passMidnight();
     const PostgresServer postgres;
     Database database{postgres.url()};
     addOrganisation(database);
@@ -227,6 +229,7 @@ TEST(PostgresOutageTest, CommitThatWaitsTooLongForAStandbyIsUnconfirmedAndReadin
 
 TEST(PostgresOutageTest, ServerGoesOnWhenPostgresComesBack)
 {
+    passMidnight();
     const PostgresServer postgres;
     {
         Database database{postgres.url()};
