@@ -141,7 +141,7 @@ TEST(ServiceManagerTest, EndsAtOnceWhetherTheProbeIsAnsweredOrNot)
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes{1});
     late(); // harmless
     EXPECT_EQ(socket.next(), "READY=1");
-    EXPECT_EQ(socket.next(), "STOPPING=1");
+    EXPECT_TRUE(socket.hears("STOPPING=1")); // perhaps behind a sign of life: whoever stops is alive
 }
 
 } // namespace clockwell::server::test
