@@ -123,9 +123,9 @@ void sayThatItListens(const HttpServer::Options &http, std::uint16_t port, std::
             " a proxy that encrypts: passwords travel in requests\"");
 }
 
-void warnOfUnencryptedDatabase(const std::string &database)
+void warnOfUnencryptedPostgres(Database &database)
 {
-    const std::string address = isPostgresUrl(database) ? unencryptedAddress(database) : "";
+    const auto address = database.read([](Connection &connection) { return unencryptedAddress(connection); });
     if (!address.empty() && !isLoopback(address))
         spdlog::warn("event=databaseUnencrypted address={} advice=\"use sslmode=verify-full and sslrootcert:"
                      " everything in the database travels there\"",
@@ -153,7 +153,8 @@ int runServe(const ServeCommandOptions &options)
     if (metrics)
         pool.onRetry = [&metrics](std::string_view sqlstate) { metrics->countDatabaseRetry(sqlstate); };
     Database database{options.database, pool};
-    warnOfUnencryptedDatabase(options.database);
+    if (isPostgresUrl(options.database))
+        warnOfUnencryptedPostgres(database);
     MailQueue mail{openMail(options.mail, options.database), queueOptions(options.mail)};
     Settings settings = settingsOf(options, database);
     if (metrics) {

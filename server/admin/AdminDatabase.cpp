@@ -4,6 +4,7 @@
 #include "server/storage/PostgresEngine.h"
 #include "server/storage/PostgresUrl.h"
 #include "server/storage/SqliteEngine.h"
+#include "server/storage/SqliteFile.h"
 
 #include <filesystem>
 
@@ -11,7 +12,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds openTimeout{5};
 
 DatabaseOptions oneReader()
 {
@@ -26,7 +27,7 @@ void requireFile(const std::string &file)
     if (!std::filesystem::is_regular_file(file, ignored))
         throw std::runtime_error{"There is no database " + file +
                                  ". Administration works on one that `serve` or `demo` has made."};
-    Connection connection{file, static_cast<int>(patience.count())};
+    Connection connection{file, static_cast<int>(openTimeout.count())};
     if (connection.value<long long>(
             "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name = 'schema_migrations'") == 0)
         throw std::runtime_error{"The file " + file + " is not a database of clockwell-server."};
@@ -35,7 +36,7 @@ void requireFile(const std::string &file)
 
 void requirePostgres(const std::string &url)
 {
-    const auto connection = connectPostgres(url, patience);
+    const auto connection = connectPostgres(url, openTimeout);
     const std::string sql = std::string{postgresTablesSql} + " AND table_name = 'schema_migrations'";
     if (!connection->first<SingleColumn<std::string>>(sql))
         throw std::runtime_error{
@@ -70,8 +71,9 @@ void requireNoPartOf(const std::string &database, const std::string &file)
     // Made absolute first: of a bare name that is not there, nothing would be resolved.
     const auto target = std::filesystem::weakly_canonical(std::filesystem::absolute(file), ignored);
     const auto base = std::filesystem::weakly_canonical(std::filesystem::absolute(database), ignored);
-    bool part = std::filesystem::equivalent(database, file, ignored); // also under another name
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"})
+    bool part =
+        target == base || std::filesystem::equivalent(database, file, ignored); // also under another name
+    for (const char *suffix : sqliteCompanions)
         part = part || target == base.string() + suffix;
     if (part)
         throw AdminError{AdminError::Kind::Refused, "The file " + file + " belongs to the database itself."};

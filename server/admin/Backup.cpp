@@ -34,9 +34,7 @@ long long requireOwnSchema(SqliteFile &file, const std::string &name)
         throw foreign;
     const long long version = file.number("SELECT COALESCE(MAX(version), 0) FROM schema_migrations");
     if (version > schemaVersion())
-        throw refused(name + " was written by a newer version of clockwell-server (schema " +
-                      std::to_string(version) + ", this program knows " + std::to_string(schemaVersion()) +
-                      "). Update this program.");
+        throw refused(newerSchemaText(name, version));
     const auto found = file.column(partsSql);
     const auto expected = partsOf(std::max(version, 0LL));
     if (version < 1 || !std::includes(found.begin(), found.end(), expected.begin(), expected.end()))
@@ -81,8 +79,8 @@ DatabaseContents copyChecked(SqliteFile &database, const std::string &file, cons
 
 void bringUpToDate(const std::string &file, const std::function<void(Connection &)> &more)
 {
-    constexpr int patienceSeconds = 5;
-    Connection connection{file, patienceSeconds};
+    constexpr int busySeconds = 5;
+    Connection connection{file, busySeconds};
     connection.execute("BEGIN IMMEDIATE");
     migrate(connection);
     more(connection);
@@ -105,7 +103,7 @@ std::string describe(const DatabaseContents &contents)
 
 void requireNoCompanions(const std::string &file)
 {
-    for (const char *suffix : {"-wal", "-journal", "-shm"}) {
+    for (const char *suffix : sqliteCompanions) {
         std::error_code ignored;
         const std::string companion = file + suffix;
         if (std::filesystem::exists(std::filesystem::symlink_status(companion, ignored)))

@@ -9,8 +9,8 @@ namespace clockwell::server {
 
 namespace {
 
-/// Values that differ give different bytes, and none is the beginning of another.
-struct Spelling
+/// Different values give different bytes, none of which are the beginning of another value's.
+struct Encoder
 {
     std::string &bytes;
 
@@ -45,7 +45,7 @@ void Fingerprint::add(const StoredRow &row)
 {
     std::string bytes;
     for (const StoredValue &value : row)
-        std::visit(Spelling{bytes}, value);
+        std::visit(Encoder{bytes}, value);
     crypto_generichash_update(&m_state, reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size());
     ++m_rows;
 }

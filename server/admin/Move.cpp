@@ -3,9 +3,9 @@
 #include "server/admin/AdminError.h"
 #include "server/admin/Audit.h"
 #include "server/admin/Fingerprint.h"
-#include "server/admin/Misfit.h"
 #include "server/admin/MoveSource.h"
 #include "server/admin/MoveTarget.h"
+#include "server/admin/RowValidation.h"
 #include "server/storage/DatabaseError.h"
 #include "server/storage/PostgresUrl.h"
 #include "server/storage/PostgresWriter.h"
@@ -24,7 +24,7 @@ void copyTable(const TableLayout &table, MoveSource &source, MoveTarget &target)
         return; // has its rows from making the schema
     PostgresWriter writer{target.connection(), tableWithColumns(table)};
     source.forEachRow(table, [&](const StoredRow &row) {
-        requireFitting(row, table, columns);
+        validateRow(row, table, columns);
         writer.add(row);
     });
     writer.finish();

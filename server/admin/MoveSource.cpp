@@ -20,10 +20,10 @@ MoveSource::MoveSource(const std::string &database, const std::optional<std::str
     m_contents = copyChecked(m_live, m_copyFile.unfinished(), name);
     bringUpToDate(m_copyFile.unfinished(), [&](Connection &connection) {
         const Audit allowed{connection, as};
+        m_tables = tableLayouts(connection);
     });
     m_copy.emplace(m_copyFile.unfinished());
     m_copy->execute("PRAGMA cache_size = -65536"); // KiB: what is sorted at a time
-    m_tables = tableLayouts(*m_copy);
 }
 
 void MoveSource::forEachRow(const TableLayout &table, const std::function<void(const StoredRow &)> &onRow)

@@ -3,6 +3,7 @@
 #include "server/admin/Backup.h"
 #include "server/admin/TableLayout.h"
 #include "server/storage/NewFile.h"
+#include "server/storage/SqliteFile.h"
 
 #include <functional>
 #include <optional>

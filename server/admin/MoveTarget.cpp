@@ -12,24 +12,15 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds lockPatience{5};
+constexpr std::chrono::seconds tableLockTimeout{5};
 constexpr auto insufficientPrivilege = "42501";
-
-std::vector<std::string> tableNames(Connection &connection)
-{
-    std::vector<std::string> names;
-    for (auto &table : connection.all<SingleColumn<std::string>>(std::string{postgresTablesSql} +
-                                                                 " AND table_type = 'BASE TABLE'"))
-        names.push_back(std::move(table.value));
-    return names;
-}
 
 } // namespace
 
 MoveTarget::MoveTarget(const std::string &url) : m_label(databaseLabel(url))
 {
     try {
-        m_connection = connectPostgres(url, lockPatience);
+        m_connection = connectPostgres(url, tableLockTimeout);
         begin();
     } catch (const DatabaseError &error) {
         throw std::runtime_error{"The database " + m_label + " cannot be used: " + error.what() +
@@ -49,7 +40,8 @@ void MoveTarget::begin()
     // Nothing is said to it while the file is checked and read, which may take longer than a server's
     // transaction.
     m_connection->execute("SET LOCAL idle_in_transaction_session_timeout = 0");
-    const auto tables = tableNames(*m_connection);
+    const auto tables =
+        m_connection->column<std::string>(std::string{postgresTablesSql} + " AND table_type = 'BASE TABLE'");
     requireEmpty(tables); // at first without locks, which would hold up those who work with it
     for (const std::string &table : tables)
         m_connection->execute("LOCK TABLE " + quotedName(table));

@@ -1,19 +1,13 @@
 #include "server/admin/TableLayout.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <algorithm>
 #include <stdexcept>
 
 namespace clockwell::server {
 
 namespace {
-
-std::string quotedText(const std::string &text)
-{
-    std::string quoted = "'";
-    for (const char c : text)
-        quoted += c == '\'' ? std::string{"''"} : std::string{c};
-    return quoted + "'";
-}
 
 std::string quotedNames(const std::vector<std::string> &names)
 {
@@ -34,27 +28,31 @@ struct ReferringTable
     std::vector<std::string> references; // the other tables
 };
 
-ReferringTable readLayout(SqliteFile &file, const std::string &name)
+ReferringTable readLayout(Connection &sqlite, const std::string &name)
 {
-    const std::string info = "SELECT name FROM pragma_table_info(" + quotedText(name) + ") ";
     ReferringTable table;
-    table.layout = {name, file.column(info + "ORDER BY cid"), file.column(info + "WHERE pk > 0 ORDER BY pk")};
+    table.layout.name = name;
+    table.layout.columns =
+        sqlite.column<std::string>("SELECT name FROM pragma_table_info(:table) ORDER BY cid", name);
+    table.layout.key = sqlite.column<std::string>(
+        "SELECT name FROM pragma_table_info(:table) WHERE pk > 0 ORDER BY pk", name);
     if (table.layout.key.empty())
         table.layout.key = table.layout.columns;
     table.references =
-        file.column("SELECT DISTINCT \"table\" FROM pragma_foreign_key_list(" + quotedText(name) + ")");
+        sqlite.column<std::string>("SELECT DISTINCT \"table\" FROM pragma_foreign_key_list(:table)", name);
     std::erase(table.references, name);
     return table;
 }
 
 } // namespace
 
-std::vector<TableLayout> tableLayouts(SqliteFile &file)
+std::vector<TableLayout> tableLayouts(Connection &sqlite)
 {
     std::vector<ReferringTable> waiting;
-    for (const std::string &name : file.column("SELECT name FROM sqlite_master WHERE type = 'table'"
-                                               " AND name NOT LIKE 'sqlite^_%' ESCAPE '^' ORDER BY name"))
-        waiting.push_back(readLayout(file, name));
+    for (const std::string &name :
+         sqlite.column<std::string>("SELECT name FROM sqlite_master WHERE type = 'table'"
+                                    " AND name NOT LIKE 'sqlite^_%' ESCAPE '^' ORDER BY name"))
+        waiting.push_back(readLayout(sqlite, name));
     std::vector<TableLayout> ordered;
     while (!waiting.empty()) {
         const auto next = std::ranges::find_if(
@@ -71,10 +69,7 @@ std::vector<TableLayout> tableLayouts(SqliteFile &file)
 
 std::string quotedName(const std::string &name)
 {
-    std::string quoted = "\"";
-    for (const char c : name)
-        quoted += c == '"' ? std::string{"\"\""} : std::string{c};
-    return quoted + "\"";
+    return '"' + boost::replace_all_copy(name, "\"", "\"\"") + '"';
 }
 
 std::string tableWithColumns(const TableLayout &table)

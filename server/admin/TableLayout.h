@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/storage/SqliteFile.h"
+#include "server/storage/Connection.h"
 
 #include <string>
 #include <vector>
@@ -17,7 +17,7 @@ struct TableLayout
 
 /// All tables of a database, each behind those that its rows refer to. Throws DatabaseError, and
 /// std::runtime_error when tables refer to each other in a circle.
-std::vector<TableLayout> tableLayouts(SqliteFile &file);
+std::vector<TableLayout> tableLayouts(Connection &sqlite);
 
 /// The name as both databases read it, whatever stands in it.
 std::string quotedName(const std::string &name);

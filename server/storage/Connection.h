@@ -70,6 +70,16 @@ public:
         return rows.empty() ? std::nullopt : std::optional<Row>{std::move(rows.front())};
     }
 
+    /// The one column of a query.
+    template <class Value, class... Arguments>
+    std::vector<Value> column(const std::string &sql, const Arguments &...arguments)
+    {
+        std::vector<Value> values;
+        for (auto &row : all<SingleColumn<Value>>(sql, arguments...))
+            values.push_back(std::move(row.value));
+        return values;
+    }
+
     /// The one column of the one row of a query.
     template <class Value, class... Arguments>
     Value value(const std::string &sql, const Arguments &...arguments)
@@ -77,7 +87,17 @@ public:
         return std::move(first<SingleColumn<Value>>(sql, arguments...).value().value);
     }
 
-    /// For what SOCI has no words for, within the transaction.
+    /// For rows whose columns are known only while the program runs: `row.bind(soci::statement &)` says what
+    /// they are read into, and `onRow` is called after each.
+    template <class Row, class OnRow>
+    void forEach(const std::string &sql, Row &row, OnRow onRow)
+    {
+        auto into = std::tie(row);
+        long long changed = 0;
+        run(sql, into, onRow, changed);
+    }
+
+    /// For what SOCI does not offer.
     soci::session &session() { return m_session; }
 
     /// Ends the transaction. Throws DatabaseError: of kind Unconfirmed when the connection broke meanwhile,

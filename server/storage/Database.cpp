@@ -33,20 +33,20 @@ Database::Database(const std::string &database, DatabaseOptions options)
     }
 }
 
-/// Several servers may do this at once: each step begins with the row of its version, of which there can be
-/// one, so that the others wait for it, fail, and find the step done when they try again.
+/// Several servers may do this at once. Each step begins with inserting its version, a primary key: the other
+/// servers wait for that, fail, and find the step done when they try again.
 void Database::bringUpToDate()
 {
-    const auto until = Wait::Clock::now() + m_engine->patienceAtStart();
-    for (int met = 0;;) {
+    const auto until = Wait::Clock::now() + m_engine->migrationTimeout();
+    for (int failures = 0;;) {
         try {
             return write(
                 {until, false}, [](Connection &connection) { migrate(connection); });
         } catch (const DatabaseError &error) {
             if (!m_engine->mayBeFromMigrationElsewhere(error) || Wait::Clock::now() >= until)
                 throw;
-            // Each step, and the table of their versions before, can be met once.
-            if (error.kind() != DatabaseError::Kind::Busy && ++met > schemaVersion() + 1)
+            // At most one for each step, and one for the table of versions.
+            if (error.kind() != DatabaseError::Kind::Busy && ++failures > schemaVersion() + 1)
                 throw;
         }
         std::this_thread::sleep_for(migrationPause);

@@ -24,12 +24,12 @@ public:
     /// Runs `work(Connection &)` in a transaction that writes as if it were the only one. When this returns,
     /// everything is on the disk; when it throws, nothing is, unless the error is of kind Unconfirmed.
     ///
-    /// On PostgreSQL `work` may run more than once: when others came in between, and when the connection
-    /// broke before the end. So it does nothing but SQL and setting what it is to return: no e-mail, no log,
-    /// no counting, no moving out of what it captured.
+    /// On PostgreSQL `work` may run more than once: after a conflict with other transactions, and when the
+    /// connection broke before the end. So it does nothing but SQL and setting what it is to return: no
+    /// e-mail, no log, no counting, no moving out of what it captured.
     ///
-    /// Throws DatabaseError of kind Busy when its turn, or an end without others in between, does not come
-    /// within the wait.
+    /// Throws DatabaseError of kind Busy when `wait` ends before a connection is free, or before the
+    /// transaction ends without a conflict.
     template <std::invocable<Connection &> Work>
     auto write(const Wait &wait, Work work)
     {
@@ -41,8 +41,8 @@ public:
         return write(ordinaryWait(), std::move(work));
     }
 
-    /// Runs `work(Connection &)` on one unchanging view of the data, beside those who write. It, too, may run
-    /// more than once.
+    /// Runs `work(Connection &)` on one snapshot of the data, beside transactions that write. It, too, may
+    /// run more than once.
     template <std::invocable<Connection &> Work>
     auto read(const Wait &wait, Work work)
     {
@@ -56,7 +56,7 @@ public:
 
     /// For reading, and on PostgreSQL for writing too.
     std::size_t connections() const { return m_engine->connections(); }
-    std::size_t connectionsInUse() { return m_readers->inUse(); } ///< of these, by somebody now
+    std::size_t connectionsInUse() { return m_readers->inUse(); } ///< of these
 
 private:
     using Begin = void (Engine::*)(Connection &, Wait::Clock::time_point);
@@ -65,7 +65,7 @@ private:
     auto transact(ConnectionPool &pool, Begin begin, const Wait &wait, Work &work)
     {
         ConnectionPool::Lease lease{pool, wait};
-        for (Retries retries{wait, m_again};;) {
+        for (Retries retries{wait, m_retryTurns};;) {
             try {
                 Connection &connection = lease.connection();
                 (*m_engine.*begin)(connection, wait.until);
@@ -100,13 +100,13 @@ private:
         }
     }
 
-    Wait ordinaryWait() const { return {Wait::Clock::now() + m_options.patience, false}; }
+    Wait ordinaryWait() const { return {Wait::Clock::now() + m_options.timeout, false}; }
     void bringUpToDate();
 
     DatabaseOptions m_options;
-    Turns m_again{1}; // for transactions that have met others
+    Turns m_retryTurns{1}; // after conflicts, one transaction is retried at a time
     std::unique_ptr<Engine> m_engine;
-    std::unique_ptr<ConnectionPool> m_writer; // null: the others write as well
+    std::unique_ptr<ConnectionPool> m_writer; // null when those of m_readers write as well
     std::unique_ptr<ConnectionPool> m_readers;
 };
 

@@ -8,8 +8,8 @@
 
 namespace clockwell::server {
 
-/// What the libraries of the database engines do differently on one connection. Without a state of its own,
-/// so safe on several threads.
+/// What differs between the databases' own libraries, for one connection. Has no state, so it is safe on
+/// several threads.
 class Driver
 {
 public:
@@ -27,14 +27,14 @@ public:
 
     /// Whether a transaction can begin: the connection is there, and in no other transaction.
     virtual bool isReady(soci::session &session) const = 0;
-    /// Whether a text may hold a NUL; one that may not would be cut off there.
+    /// Whether a text may hold a NUL. If not, it would be cut off there.
     virtual bool takesNul() const = 0;
-    /// Whether a statement that failed may only be given up after its transaction: before, the database
-    /// refuses to forget it.
+    /// Whether a prepared statement that failed can be deallocated only after its transaction: until then
+    /// PostgreSQL refuses every command.
     virtual bool keepsFailedStatements() const = 0;
 
-    /// Ends the transaction. Throws what translated() takes, or DatabaseError. `until`: when it gives up the
-    /// connection, where others decide how long the end takes.
+    /// Throws what translated() takes, or DatabaseError. `until`: when to give up the connection; only
+    /// PostgreSQL heeds it, whose commit may wait for a standby.
     virtual void commit(soci::session &session, std::chrono::steady_clock::time_point until) const = 0;
 };
 

@@ -13,9 +13,9 @@ namespace clockwell::server {
 
 struct DatabaseOptions
 {
-    std::chrono::seconds patience{5}; ///< how long a request waits for its turn, and for other processes
-    std::size_t readers = 4;          ///< SQLite: connections for reading; more requests than that wait
-    std::size_t connections = 0;      ///< PostgreSQL: for reading and writing; 0: as many as `readers`
+    std::chrono::seconds timeout{5}; ///< of a request that waits for its turn, and for other processes
+    std::size_t readers = 4;         ///< SQLite: connections for reading; more requests than that wait
+    std::size_t connections = 0;     ///< PostgreSQL: for reading and writing; 0: as many as `readers`
     /// PostgreSQL: how long the end of a transaction may take, if its wait is not longer. Less than the time
     /// after which an app gives up a request.
     std::chrono::milliseconds longestCommit = std::chrono::seconds{15};
@@ -24,7 +24,8 @@ struct DatabaseOptions
     std::function<void(std::string_view sqlstate)> onRetry = {};
 };
 
-/// What the databases do differently as a whole. Safe on several threads. All operations throw DatabaseError.
+/// What differs between the databases: connections and the begin of transactions. Safe on several threads.
+/// All operations throw DatabaseError.
 class Engine
 {
 public:
@@ -40,9 +41,9 @@ public:
     virtual void beginWriting(Connection &connection, Wait::Clock::time_point until) = 0;
     virtual void beginReading(Connection &connection, Wait::Clock::time_point until) = 0;
 
-    /// How long the start waits for another process that brings the schema up to date, and whether an error
-    /// may mean that one has just done a step.
-    virtual std::chrono::seconds patienceAtStart() const = 0;
+    /// How long the start waits for another process that brings the schema up to date.
+    virtual std::chrono::seconds migrationTimeout() const = 0;
+    /// Whether an error may mean that another process has just made a step of the schema.
     virtual bool mayBeFromMigrationElsewhere(const DatabaseError &error) const = 0;
 };
 

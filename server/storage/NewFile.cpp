@@ -1,5 +1,7 @@
 #include "server/storage/NewFile.h"
 
+#include "server/storage/SqliteFile.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -74,8 +76,7 @@ NewFile::~NewFile()
     if (m_unfinished.empty())
         return;
     ::unlink(m_unfinished.c_str());
-    for (const char *suffix :
-         {"-journal", "-wal", "-shm"}) // what SQLite leaves behind when it could not finish
+    for (const char *suffix : sqliteCompanions) // SQLite leaves them behind when it could not finish
         ::unlink((m_unfinished + suffix).c_str());
 }
 

@@ -2,6 +2,7 @@
 #include "server/storage/PostgresError.h"
 #include "server/storage/PostgresResult.h"
 
+#include <boost/algorithm/string/trim.hpp>
 #include <poll.h>
 #include <soci/postgresql/soci-postgresql.h>
 #include <sys/socket.h>
@@ -60,9 +61,9 @@ public:
         try {
             throw;
         } catch (const soci::postgresql_soci_error &error) {
-            // Without one it is libpq that could not send or receive.
-            const bool isSaid = error.sqlstate().find(' ') == std::string::npos;
-            return isLost || !isSaid ? lostConnection(error.sqlstate()) : postgresError(error.sqlstate());
+            // Blank when libpq itself could not send or receive.
+            const std::string sqlstate = boost::trim_copy(error.sqlstate());
+            return isLost || sqlstate.empty() ? lostConnection(sqlstate) : postgresError(sqlstate);
         } catch (const soci::soci_error &error) {
             if (isLost)
                 return lostConnection({});

@@ -1,20 +1,14 @@
 #include "server/storage/PostgresEncryption.h"
 
-#include "server/storage/PostgresUrl.h"
-
-#include <libpq-fe.h>
-
-#include <memory>
+#include "server/storage/PostgresResult.h"
 
 namespace clockwell::server {
 
-std::string unencryptedAddress(const std::string &url)
+std::string unencryptedAddress(Connection &connection)
 {
-    const std::unique_ptr<PGconn, decltype(&::PQfinish)> connection{
-        ::PQconnectdb(postgresConnectText(url).c_str()), ::PQfinish};
-    const bool isThere = ::PQstatus(connection.get()) == CONNECTION_OK;
-    const bool isEncrypted = ::PQsslInUse(connection.get()) != 0 || ::PQgssEncInUse(connection.get()) != 0;
-    return isThere && !isEncrypted ? ::PQhostaddr(connection.get()) : "";
+    PGconn *handle = handleOf(connection.session());
+    const bool isEncrypted = ::PQsslInUse(handle) != 0 || ::PQgssEncInUse(handle) != 0;
+    return isEncrypted ? "" : ::PQhostaddr(handle);
 }
 
 } // namespace clockwell::server

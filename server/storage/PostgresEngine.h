@@ -4,7 +4,7 @@
 
 namespace clockwell::server {
 
-/// Connections that all read and write: writing is SERIALIZABLE, reading sees one unchanging view. Nothing is
+/// Connections that all read and write: writing is SERIALIZABLE, reading REPEATABLE READ. Nothing is
 /// kept in a session but prepared statements and limits of time, and nothing is locked but by reading and
 /// writing rows.
 class PostgresEngine : public Engine
@@ -20,7 +20,7 @@ public:
     std::unique_ptr<Connection> openReader() override;
     void beginWriting(Connection &connection, Wait::Clock::time_point until) override;
     void beginReading(Connection &connection, Wait::Clock::time_point until) override;
-    std::chrono::seconds patienceAtStart() const override;
+    std::chrono::seconds migrationTimeout() const override;
     bool mayBeFromMigrationElsewhere(const DatabaseError &error) const override;
 
 private:
@@ -32,8 +32,8 @@ private:
 inline constexpr const char *postgresTablesSql =
     "SELECT table_name FROM information_schema.tables WHERE table_schema = current_schema()";
 
-/// One connection to the database of a URL, as all others. `patience`: how long a statement waits for
-/// another transaction's lock.
-std::unique_ptr<Connection> connectPostgres(const std::string &url, std::chrono::milliseconds patience);
+/// One connection to the database of a URL, as all others. `lockTimeout`: how long a statement waits
+/// for another transaction's lock.
+std::unique_ptr<Connection> connectPostgres(const std::string &url, std::chrono::milliseconds lockTimeout);
 
 } // namespace clockwell::server

@@ -56,11 +56,10 @@ DatabaseError postgresError(const std::string &sqlstate)
 DatabaseError lostConnection(const std::string &sqlstate)
 {
     using Kind = DatabaseError::Kind;
-    const bool isSaid = !sqlstate.empty() && sqlstate.find(' ') == std::string::npos;
     const std::string text = "the connection to the database was lost";
     constexpr auto connectionFailure = "08006"; // of the SQL standard
-    return isSaid ? DatabaseError{Kind::Lost, text + " (SQLSTATE " + sqlstate + ")", sqlstate}
-                  : DatabaseError{Kind::Lost, text, connectionFailure};
+    return sqlstate.empty() ? DatabaseError{Kind::Lost, text, connectionFailure}
+                            : DatabaseError{Kind::Lost, text + " (SQLSTATE " + sqlstate + ")", sqlstate};
 }
 
 } // namespace clockwell::server

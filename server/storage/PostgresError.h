@@ -10,7 +10,7 @@ namespace clockwell::server {
 /// of the statement: those would get into the log.
 DatabaseError postgresError(const std::string &sqlstate);
 
-/// The connection broke. `sqlstate`: what PostgreSQL said before, if it did.
+/// The connection broke. `sqlstate`: what PostgreSQL said before; empty if it said nothing.
 DatabaseError lostConnection(const std::string &sqlstate);
 
 } // namespace clockwell::server

@@ -1,70 +1,65 @@
 #include "server/storage/PostgresReader.h"
 
-#include "server/storage/PostgresError.h"
-#include "server/storage/PostgresResult.h"
+#include "server/storage/DatabaseError.h"
 
-#include <boost/endian/conversion.hpp>
-
-#include <bit>
-#include <utility>
+#include <variant>
 
 namespace clockwell::server {
 
 namespace {
 
-/// The binary format of COPY, as PostgreSQL's manual describes it.
-class BinaryRow
+constexpr int rowsAtOnce = 500; // few enough to hold, and enough that the round trips cost little
+
+/// What SOCI reads each row into.
+class RowBuffer
 {
 public:
-    explicit BinaryRow(std::string_view rest) : m_rest(rest) {}
-
-    /// It stands before the first row; no row begins like it.
-    void skipHeader()
+    explicit RowBuffer(const std::vector<PostgresColumn> &columns)
     {
-        constexpr std::string_view signature{"PGCOPY\n\377\r\n\0", 11};
-        if (!m_rest.starts_with(signature))
-            return;
-        bytes(signature.size() + sizeof(std::int32_t)); // and the flags
-        bytes(static_cast<std::size_t>(number<std::int32_t>()));
+        for (const PostgresColumn &column : columns)
+            m_cells.push_back({emptyValue(column.kind)});
     }
-    /// Whether no row follows; else the number of its columns has been read.
-    bool isEnd() { return m_rest.empty() || number<std::int16_t>() < 0; }
-    StoredValue value(PostgresColumn::Kind kind)
+    void bind(soci::statement &statement)
     {
-        const auto size = number<std::int32_t>();
-        if (size < 0)
-            return {};
-        switch (kind) {
-        case PostgresColumn::Kind::Integer:
-            return size == sizeof(std::int32_t) ? static_cast<long long>(number<std::int32_t>())
-                                                : static_cast<long long>(number<std::int64_t>());
-        case PostgresColumn::Kind::Real:
-            return std::bit_cast<double>(number<std::int64_t>());
-        default:
-            return bytes(static_cast<std::size_t>(size));
-        }
+        for (Cell &cell : m_cells)
+            std::visit([&](auto &value) { statement.exchange(soci::into(value, cell.state)); }, cell.value);
+    }
+    const StoredRow &row()
+    {
+        m_row.clear();
+        for (const Cell &cell : m_cells)
+            m_row.push_back(stored(cell));
+        return m_row;
     }
 
 private:
-    std::string_view bytes(std::size_t count)
+    using Value = std::variant<long long, double, std::string>;
+    struct Cell
     {
-        if (count > m_rest.size())
-            throw DatabaseError{DatabaseError::Kind::Unusable, "a row was cut off"};
-        const std::string_view taken = m_rest.substr(0, count);
-        m_rest.remove_prefix(count);
-        return taken;
+        Value value;
+        soci::indicator state = soci::i_null;
+    };
+
+    static Value emptyValue(PostgresColumn::Kind kind)
+    {
+        switch (kind) {
+        case PostgresColumn::Kind::Integer:
+            return 0LL;
+        case PostgresColumn::Kind::Real:
+            return 0.0;
+        default:
+            return std::string{};
+        }
     }
-    template <class Number>
-    Number number()
+    static StoredValue stored(const Cell &cell)
     {
-        using Unsigned = std::make_unsigned_t<Number>;
-        const std::string_view taken = bytes(sizeof(Number));
-        return static_cast<Number>(
-            boost::endian::endian_load<Unsigned, sizeof(Number), boost::endian::order::big>(
-                reinterpret_cast<const unsigned char *>(taken.data())));
+        if (cell.state == soci::i_null)
+            return {};
+        return std::visit([](const auto &value) { return StoredValue{value}; }, cell.value);
     }
 
-    std::string_view m_rest;
+    std::vector<Cell> m_cells;
+    StoredRow m_row;
 };
 
 struct CatalogueColumn
@@ -105,26 +100,19 @@ void forEachPostgresRow(Connection &connection, const std::string &query,
                         const std::vector<PostgresColumn> &columns,
                         const std::function<void(const StoredRow &)> &onRow)
 {
-    PGconn *handle = handleOf(connection.session());
-    const std::string sql = "COPY (" + query + ") TO STDOUT (FORMAT binary)";
-    requireStatus(handle, PostgresResult{::PQexec(handle, sql.c_str())}, PGRES_COPY_OUT);
-    StoredRow row(columns.size());
-    char *received = nullptr;
-    while (true) { // libpq gives one row each time
-        const int size = ::PQgetCopyData(handle, &received, 0);
-        const std::unique_ptr<char, decltype(&::PQfreemem)> buffer{std::exchange(received, nullptr),
-                                                                   ::PQfreemem};
-        if (size < 0)
-            break;
-        BinaryRow binary{{buffer.get(), static_cast<std::size_t>(size)}};
-        binary.skipHeader();
-        if (binary.isEnd())
-            continue;
-        for (std::size_t i = 0; i < columns.size(); ++i)
-            row[i] = binary.value(columns[i].kind);
-        onRow(row);
-    }
-    requireCopied(handle);
+    // SOCI takes the whole result of a statement at once.
+    connection.execute("DECLARE all_rows NO SCROLL CURSOR FOR " + query);
+    const std::string fetch = "FETCH " + std::to_string(rowsAtOnce) + " FROM all_rows";
+    RowBuffer buffer{columns};
+    int fetched = 0;
+    do {
+        fetched = 0;
+        connection.forEach(fetch, buffer, [&] {
+            onRow(buffer.row());
+            ++fetched;
+        });
+    } while (fetched == rowsAtOnce);
+    connection.execute("CLOSE all_rows");
 }
 
 } // namespace clockwell::server

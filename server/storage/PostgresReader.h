@@ -24,8 +24,8 @@ struct PostgresColumn
 /// of a type that this program does not use.
 std::vector<PostgresColumn> postgresColumns(Connection &connection, const std::string &table);
 
-/// Calls `onRow` with each row of a query, whose columns are of these kinds, without ever holding all of
-/// them. Throws DatabaseError.
+/// Calls `onRow` with each row of a query, whose columns are of these kinds, and never holds more than some
+/// hundred of them. Part of a transaction. Throws DatabaseError.
 void forEachPostgresRow(Connection &connection, const std::string &query,
                         const std::vector<PostgresColumn> &columns,
                         const std::function<void(const StoredRow &)> &onRow);

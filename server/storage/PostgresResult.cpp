@@ -24,9 +24,4 @@ PostgresResult takeResult(PGconn *handle)
     return result;
 }
 
-void requireCopied(PGconn *handle)
-{
-    requireStatus(handle, takeResult(handle), PGRES_COMMAND_OK);
-}
-
 } // namespace clockwell::server

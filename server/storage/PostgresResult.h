@@ -7,7 +7,7 @@
 
 namespace clockwell::server {
 
-// What goes past SOCI, in the words of libpq.
+// libpq itself, for what SOCI does not offer.
 
 /// libpq's own connection behind a session of PostgreSQL.
 PGconn *handleOf(soci::session &session);
@@ -18,14 +18,11 @@ struct PostgresResultDeleter
 };
 using PostgresResult = std::unique_ptr<PGresult, PostgresResultDeleter>;
 
-/// Throws DatabaseError unless the result is the expected one. What libpq says is dropped, for it repeats
+/// Throws DatabaseError unless the result has the expected status. Without libpq's message, which may contain
 /// values.
 void requireStatus(PGconn *handle, const PostgresResult &result, ExecStatusType expected);
 
-/// Waits for the answer to what was sent, and takes it all; returns its first part.
+/// Waits for all results of what was sent, and returns the first.
 PostgresResult takeResult(PGconn *handle);
-
-/// Waits for the end of a COPY, and throws DatabaseError if it failed.
-void requireCopied(PGconn *handle);
 
 } // namespace clockwell::server

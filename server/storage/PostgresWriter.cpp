@@ -71,8 +71,7 @@ PostgresWriter::~PostgresWriter()
     if (m_isFinished)
         return;
     ::PQputCopyEnd(m_handle, "given up");
-    while (const PostgresResult result{::PQgetResult(m_handle)}) {
-    }
+    takeResult(m_handle);
 }
 
 void PostgresWriter::add(const StoredRow &row)
@@ -100,7 +99,7 @@ void PostgresWriter::finish()
     m_isFinished = true;
     if (::PQputCopyEnd(m_handle, nullptr) != 1)
         throw lostConnection({});
-    requireCopied(m_handle);
+    requireStatus(m_handle, takeResult(m_handle), PGRES_COMMAND_OK);
 }
 
 } // namespace clockwell::server

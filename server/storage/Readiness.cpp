@@ -9,11 +9,11 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::seconds patience{1};
+constexpr std::chrono::seconds readinessTimeout{1};
 
 void requireVersion(Connection &connection)
 {
-    const auto found = connection.value<long long>("SELECT COALESCE(MAX(version), 0) FROM schema_migrations");
+    const long long found = storedSchemaVersion(connection);
     if (found != schemaVersion())
         throw DatabaseError{DatabaseError::Kind::Newer, "its schema is of version " + std::to_string(found) +
                                                             ", and this program works with " +
@@ -28,13 +28,11 @@ void requireWritable(Connection &postgres)
 
 void readEachTable(Connection &sqlite)
 {
-    const auto tables =
-        sqlite.all<SingleColumn<std::string>>("SELECT name FROM sqlite_master WHERE type = 'table'");
+    const auto tables = sqlite.column<std::string>("SELECT name FROM sqlite_master WHERE type = 'table'");
     if (tables.empty())
         throw DatabaseError{DatabaseError::Kind::Damaged, "the database has no tables"};
-    for (const auto &table : tables)
-        sqlite.value<long long>("SELECT COUNT(*) FROM (SELECT * FROM \"" + table.value +
-                                "\" LIMIT 1) AS one");
+    for (const std::string &table : tables)
+        sqlite.value<long long>("SELECT COUNT(*) FROM (SELECT * FROM \"" + table + "\" LIMIT 1) AS one");
 }
 
 } // namespace
@@ -43,7 +41,8 @@ void Readiness::require()
 {
     if (isPostgresUrl(m_database))
         return requirePostgres();
-    Connection connection{m_database, static_cast<int>(patience.count()), Connection::Access::ReadOnly};
+    Connection connection{m_database, static_cast<int>(readinessTimeout.count()),
+                          Connection::Access::ReadOnly};
     readEachTable(connection);
     requireVersion(connection);
 }
@@ -54,7 +53,7 @@ void Readiness::requirePostgres()
     for (bool isKept = m_postgres != nullptr;; isKept = false) {
         try {
             if (!m_postgres)
-                m_postgres = connectPostgres(m_database, patience);
+                m_postgres = connectPostgres(m_database, readinessTimeout);
             requireWritable(*m_postgres);
             return requireVersion(*m_postgres);
         } catch (const DatabaseError &error) {

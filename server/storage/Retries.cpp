@@ -7,7 +7,7 @@ namespace clockwell::server {
 
 namespace {
 
-constexpr std::chrono::microseconds longestPause{40'000}; // few are left to meet: one of each server
+constexpr std::chrono::microseconds longestPause{40'000}; // one of each server is left to conflict with
 
 /// Between half the length and all of it.
 std::chrono::microseconds jittered(std::chrono::microseconds length)
@@ -24,25 +24,25 @@ void Retries::pauseOrThrow(const DatabaseError &error)
     using Kind = DatabaseError::Kind;
     if (error.kind() == Kind::Conflict)
         return pauseAfterConflict(error);
-    m_turn.reset(); // those who met others need not wait for whom this waits for
+    m_turn.reset(); // while this one reconnects or waits for a lock, another may be retried
     const bool isInTime = Wait::Clock::now() < m_wait.until;
     if (error.kind() == Kind::Locked && isInTime)
-        return; // has waited already
+        return; // it has waited for the lock already
     if (error.kind() == Kind::Locked)
         throw DatabaseError{Kind::Busy, error.what(), error.sqlstate()};
-    if (error.kind() != Kind::Lost || ++m_losses > mostLosses || !isInTime)
+    if (error.kind() != Kind::Lost || ++m_lostConnections > mostLostConnections || !isInTime)
         throw error;
 }
 
-/// Of many who meet only one can be recorded, and those who try again at the same time would meet again. One
-/// after the other they meet only newcomers and those of other servers.
+/// Of transactions that conflict only one commits. Retried at the same time, the others would conflict again;
+/// one after the other, they conflict only with new ones and with those of other servers.
 void Retries::pauseAfterConflict(const DatabaseError &error)
 {
     const DatabaseError busy{DatabaseError::Kind::Busy, error.what(), error.sqlstate()};
     if (!m_turn) {
-        if (!m_again.take(m_wait))
+        if (!m_turns.take(m_wait))
             throw DatabaseError{busy};
-        m_turn.emplace(m_again);
+        m_turn.emplace(m_turns);
     }
     const auto pause = jittered(m_pause);
     if (Wait::Clock::now() + pause >= m_wait.until)

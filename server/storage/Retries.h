@@ -12,25 +12,28 @@ namespace clockwell::server {
 class Retries
 {
 public:
-    static constexpr int mostLosses = 3; ///< of connections; several may be left from before a restart
+    static constexpr int mostLostConnections = 3; ///< several may be left from before a restart
 
-    /// `again`: lets one on at a time; it belongs to all transactions that may meet, and outlives this.
-    Retries(const Wait &wait, Turns &again) : m_wait(wait), m_again(again) {}
+    /// `turns`: one for all transactions of this process that may conflict, so that one of them is retried at
+    /// a time; outlives this.
+    Retries(const Wait &wait, Turns &turns) : m_wait(wait), m_turns(turns) {}
 
-    /// Returns when the transaction is to be run again: after a conflict with others once it has the turn to
-    /// do so, which it keeps until it is over, and after a pause that is longer each time and of random
-    /// length; after a lost connection, or a wait for a lock, at once. Throws the error otherwise; when it
-    /// has to be run again but the time is over, one of kind Busy.
+    /// Returns when the transaction is to be run again:
+    /// - after a conflict, once it has its turn, which it keeps until it is over, and after a random pause,
+    ///   longer each time;
+    /// - after a lost connection or a lock timeout, at once.
+    /// Throws any other error, and a lost connection when there were too many or the time is over. A conflict
+    /// or a lock timeout is then thrown as Busy.
     void pauseOrThrow(const DatabaseError &error);
 
 private:
     void pauseAfterConflict(const DatabaseError &error);
 
     const Wait m_wait;
-    Turns &m_again;
+    Turns &m_turns;
     std::optional<Turn> m_turn;
     std::chrono::microseconds m_pause{5000}; // about as long as a transaction of a busy server
-    int m_losses = 0;
+    int m_lostConnections = 0;
 };
 
 } // namespace clockwell::server

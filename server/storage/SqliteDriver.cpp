@@ -38,7 +38,7 @@ public:
     bool keepsFailedStatements() const override { return false; }
     void commit(soci::session &session, std::chrono::steady_clock::time_point /*until*/) const override
     {
-        session << "COMMIT";
+        session.commit();
     }
 };
 

@@ -1,6 +1,7 @@
 #include "server/storage/SqliteEngine.h"
 
 #include "server/storage/DatabaseError.h"
+#include "server/storage/SqliteFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,29 +39,32 @@ const std::string &madePrivate(const std::string &file)
     return file;
 }
 
+void requirePrivateFile(const std::string &name)
+{
+    struct stat facts
+    {};
+    if (::stat(name.c_str(), &facts) == 0 && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        throw DatabaseError{DatabaseError::Kind::Exposed,
+                            "The file " + name +
+                                " of the database can be read or written by others than its owner; it holds"
+                                " password hashes and attendance. Try: chmod 600 " +
+                                name};
+}
+
 } // namespace
 
 void requirePrivate(const std::string &file)
 {
     std::error_code ignored;
-    const auto real = std::filesystem::canonical(file, ignored); // the companions stand beside that
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
-        const std::string name = real.string() + suffix;
-        struct stat facts
-        {};
-        if (::stat(name.c_str(), &facts) == 0 && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-            throw DatabaseError{
-                DatabaseError::Kind::Exposed,
-                "The file " + name +
-                    " of the database can be read or written by others than its owner; it holds"
-                    " password hashes and attendance. Try: chmod 600 " +
-                    name};
-    }
+    const std::string real = std::filesystem::canonical(file, ignored); // the companions stand beside that
+    requirePrivateFile(real);
+    for (const char *suffix : sqliteCompanions)
+        requirePrivateFile(real + suffix);
 }
 
 std::unique_ptr<Connection> SqliteEngine::openWriter()
 {
-    auto writer = std::make_unique<Connection>(madePrivate(m_file), patienceSeconds());
+    auto writer = std::make_unique<Connection>(madePrivate(m_file), timeoutSeconds());
     writer->value<long long>("PRAGMA schema_version"); // whether it is a database at all
     requirePrivate(m_file);
     if (writer->value<std::string>("PRAGMA journal_mode = WAL") != "wal")
@@ -84,7 +88,7 @@ void SqliteEngine::limitSize(Connection &writer) const
 
 std::unique_ptr<Connection> SqliteEngine::openReader()
 {
-    auto reader = std::make_unique<Connection>(m_file, patienceSeconds());
+    auto reader = std::make_unique<Connection>(m_file, timeoutSeconds());
     reader->execute("PRAGMA query_only = ON");
     return reader;
 }

@@ -22,11 +22,11 @@ public:
     {
         connection.execute("BEGIN");
     }
-    std::chrono::seconds patienceAtStart() const override { return m_options.patience; }
+    std::chrono::seconds migrationTimeout() const override { return m_options.timeout; }
     bool mayBeFromMigrationElsewhere(const DatabaseError & /*error*/) const override { return false; }
 
 private:
-    int patienceSeconds() const { return static_cast<int>(m_options.patience.count()); }
+    int timeoutSeconds() const { return static_cast<int>(m_options.timeout.count()); }
     void limitSize(Connection &writer) const;
 
     std::string m_file;

@@ -2,6 +2,7 @@
 
 #include "server/storage/StoredRow.h"
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,6 +11,9 @@
 struct sqlite3;
 
 namespace clockwell::server {
+
+/// What SQLite appends to the name of a database for the files that it keeps beside it.
+inline constexpr std::array sqliteCompanions{"-wal", "-shm", "-journal"};
 
 /// One connection to a SQLite file that is there, through SQLite's own interface: for copying and checking
 /// whole databases, which statements cannot do. Used by one thread. All operations throw DatabaseError.

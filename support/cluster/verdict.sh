@@ -53,6 +53,6 @@ judge_acknowledged() {
     kept "the comparison notices a punch that is taken away" \
         [ "$(compare "DELETE FROM punches WHERE id IN ($one);")" = "$told $((rows - 1)) $((lost + 1)) $((not_once + 1))" ]
     kept "the comparison notices a punch that is there twice" \
-        [ "$(compare "INSERT INTO punches SELECT '2' || substr(id, 2), $columns FROM punches WHERE id IN ($one);")" = \
+        [ "$(compare "INSERT INTO punches SELECT gen_random_uuid()::text, $columns FROM punches WHERE id IN ($one);")" = \
         "$told $((rows + 1)) $lost $((not_once + 1))" ]
 }

@@ -223,7 +223,7 @@ TEST_F(AuthStoreTest, LogoutDuringARefreshLeavesNoTokenBehind)
     signIn();
     server.expect("GET", "/api/auth/me").reply(401, "{}");
     server.expect("POST", "/api/auth/refresh")
-        .after(300ms)
+        .after(1s)
         .reply(200, R"({"accessToken":"a2","refreshToken":"r2"})");
     const auto outcome = test::observe(store.refreshMe());
     ASSERT_TRUE(server.waitForRequests(3));
@@ -265,7 +265,7 @@ TEST_F(AuthStoreTest, RefreshMeFailingChangesNothing)
 TEST_F(AuthStoreTest, RefreshMeAnsweredAfterLogoutSetsNoUser)
 {
     signIn();
-    server.expect("GET", "/api/auth/me").after(200ms).reply(200, ada);
+    server.expect("GET", "/api/auth/me").after(1s).reply(200, ada);
     const auto outcome = test::observe(store.refreshMe());
     ASSERT_TRUE(server.waitForRequests(2));
     store.logout();
@@ -345,12 +345,12 @@ TEST_F(AuthStoreTest, VerifyOtpRethrowsTheServersMessage)
 
 TEST_F(AuthStoreTest, DestroyingTheStoreDuringLoginIsSafe)
 {
-    server.expect("POST", "/api/auth/login").after(200ms).reply(200, loginReply());
+    server.expect("POST", "/api/auth/login").after(1s).reply(200, loginReply());
     auto shortLived = std::make_unique<AuthStore>(api, tokens);
     shortLived->login(u"a"_s, u"b"_s);
     ASSERT_TRUE(server.waitForRequests(1));
     shortLived.reset();
-    test::spinUntil([] { return false; }, 400ms);
+    test::spinUntil([] { return false; }, 1500ms);
     EXPECT_TRUE(tokens.writes().isEmpty());
 }
 

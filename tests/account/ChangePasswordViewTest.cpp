@@ -167,7 +167,7 @@ TEST_F(ChangePasswordViewTest, ANetworkFailureIsShown)
 
 TEST_F(ChangePasswordViewTest, ADoubleTapSendsOnce)
 {
-    server.expect("POST", path).after(200ms).reply(200, "{}");
+    server.expect("POST", path).after(1s).reply(200, "{}");
     fill();
     ASSERT_TRUE(submit());
     submit();
@@ -219,12 +219,12 @@ TEST_F(ChangePasswordViewTest, EscapeClosesTheAlertAndTheSheetAndASecondOneDoesN
 
 TEST_F(ChangePasswordViewTest, ClosingDuringTheRequestShowsNoAlert)
 {
-    server.expect("POST", path).after(300ms).reply(200, "{}");
+    server.expect("POST", path).after(1s).reply(200, "{}");
     fill();
     ASSERT_TRUE(submit());
     ASSERT_TRUE(requests(path, 1));
     screen().key(Qt::Key_Escape);
-    settle(600ms);
+    settle(1500ms);
     EXPECT_FALSE(screen().shows(u"Password changed"_s));
     ASSERT_TRUE(openSheet());
     EXPECT_FALSE(screen().shows(u"Password changed"_s));

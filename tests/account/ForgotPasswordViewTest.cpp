@@ -93,7 +93,7 @@ TEST_F(ForgotPasswordViewTest, ShowsTheReplyForSixTenthsOfASecondThenOpensTheCod
 
 TEST_F(ForgotPasswordViewTest, TheCodeScreenIsForTheEmailThatWasSent)
 {
-    server.expect("POST", "/api/auth/forgot-password").after(400ms).reply(200, onItsWay);
+    server.expect("POST", "/api/auth/forgot-password").after(1s).reply(200, onItsWay);
     server.expect("POST", "/api/auth/reset-password").reply(400, R"({"message":"Wrong."})");
     stage->type(u"Email"_s, u" ada@example.org "_s);
     stage->click(u"Send reset code"_s);
@@ -237,13 +237,13 @@ TEST_F(ForgotPasswordViewTest, IsBusyWhileItWaitsAndIgnoresTapsAndEnter)
 
 TEST_F(ForgotPasswordViewTest, LeavingDuringTheRequestPushesNothingLater)
 {
-    server.expect("POST", "/api/auth/forgot-password").after(200ms).reply(200, onItsWay);
+    server.expect("POST", "/api/auth/forgot-password").after(1s).reply(200, onItsWay);
     stage->type(u"Email"_s, u"a"_s);
     stage->click(u"Send reset code"_s);
     ASSERT_TRUE(server.waitForRequests(1));
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
-    settle(400ms);
+    settle(1500ms);
     timing.advance(1s);
     settle(100ms);
     EXPECT_EQ(depth(), 1);

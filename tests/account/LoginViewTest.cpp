@@ -116,7 +116,7 @@ TEST_F(LoginViewTest, SendsTheTrimmedEmailAndThePasswordAsTyped)
 TEST_F(LoginViewTest, IsBusyWhileTheRequestRunsAndIgnoresFurtherTaps)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
-    server.expect("POST", "/api/auth/login").after(400ms).reply(401, R"({"message":"No."})");
+    server.expect("POST", "/api/auth/login").after(1s).reply(401, R"({"message":"No."})");
     for (int tap = 0; tap < 6; ++tap)
         stage->click(u"Sign in"_s);
     stage->key(Qt::Key_Return);
@@ -162,7 +162,7 @@ TEST_F(LoginViewTest, ASecondAttemptHidesErrorAndLinkBeforeItIsAnswered)
 {
     fill(u"ada@example.org"_s, u"secret"_s);
     server.expect("POST", "/api/auth/login").reply(403, unverified);
-    server.expect("POST", "/api/auth/login").after(400ms).reply(401, R"({"message":"Other."})");
+    server.expect("POST", "/api/auth/login").after(1s).reply(401, R"({"message":"Other."})");
     stage->click(u"Sign in"_s);
     ASSERT_TRUE(stage->waitFor(u"Enter verification code"_s));
     ASSERT_TRUE(waitForIdle());
@@ -285,7 +285,7 @@ TEST_F(LoginViewTest, TheFocusedFieldStaysVisibleWhenAKeyboardShrinksTheScreen)
 
 TEST_F(LoginViewTest, DestroyingTheScreenDuringARequestIsSafe)
 {
-    server.expect("POST", "/api/auth/login").after(200ms).reply(401, R"({"message":"No."})");
+    server.expect("POST", "/api/auth/login").after(1s).reply(401, R"({"message":"No."})");
     auto second = std::make_unique<QmlStage>(
         u"Clockwell/Account/AccountStack.qml"_s,
         QVariantMap{{u"auth"_s, QVariant::fromValue(&auth)}, {u"timing"_s, QVariant::fromValue(&timing)}});
@@ -294,7 +294,7 @@ TEST_F(LoginViewTest, DestroyingTheScreenDuringARequestIsSafe)
     (*second)->click(u"Sign in"_s);
     ASSERT_TRUE(server.waitForRequests(1));
     second.reset();
-    spinUntil([] { return false; }, 400ms);
+    spinUntil([] { return false; }, 1500ms);
     EXPECT_FALSE(stage->shows(u"No."_s));
 }
 

@@ -239,7 +239,7 @@ TEST_F(OtpViewTest, ANetworkFailureIsShown)
 
 TEST_F(OtpViewTest, IsBusyWhileTheRequestRunsAndIgnoresTapsAndEnter)
 {
-    server.expect("POST", "/api/auth/verify-otp").after(300ms).reply(400, R"({"message":"Wrong."})");
+    server.expect("POST", "/api/auth/verify-otp").after(1s).reply(400, R"({"message":"Wrong."})");
     enter(u"123456"_s);
     stage->key(Qt::Key_Return); // the last field: submits
     EXPECT_FALSE(stage->isEnabled(u"Verify"_s));
@@ -309,7 +309,7 @@ TEST_F(OtpViewTest, AFailedResendCanBeRepeatedImmediately)
 
 TEST_F(OtpViewTest, ADoubleTapRequestsOneCode)
 {
-    server.expect("POST", "/api/auth/resend-otp").after(200ms).reply(200, sent);
+    server.expect("POST", "/api/auth/resend-otp").after(1s).reply(200, sent);
     stage->click(u"Resend code"_s);
     stage->click(u"Resend code"_s);
     ASSERT_TRUE(stage->waitFor(u"Resend code in 60s"_s));
@@ -319,7 +319,7 @@ TEST_F(OtpViewTest, ADoubleTapRequestsOneCode)
 
 TEST_F(OtpViewTest, ResendIsShownAsDisabledWhileItsRequestRuns)
 {
-    server.expect("POST", "/api/auth/resend-otp").after(300ms).reply(429, R"({"message":"Too soon."})");
+    server.expect("POST", "/api/auth/resend-otp").after(1s).reply(429, R"({"message":"Too soon."})");
     const auto label = [this] {
         const auto element = stage->find(u"Resend code"_s, QAccessible::Button);
         return element ? textIn(element->object) : nullptr;
@@ -379,8 +379,8 @@ TEST_F(OtpViewTest, TheCountdownEndsWithTheScreen)
 
 TEST_F(OtpViewTest, LeavingDuringItsRequestsIsSafe)
 {
-    server.expect("POST", "/api/auth/verify-otp").after(300ms).reply(200, "{}");
-    server.expect("POST", "/api/auth/resend-otp").after(300ms).reply(200, "{}");
+    server.expect("POST", "/api/auth/verify-otp").after(1s).reply(200, "{}");
+    server.expect("POST", "/api/auth/resend-otp").after(1s).reply(200, "{}");
     enter(u"123456"_s);
     stage->click(u"Verify"_s);
     stage->click(u"Resend code"_s);

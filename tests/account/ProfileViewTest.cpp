@@ -56,7 +56,7 @@ TEST_F(ProfileViewTest, WithoutAUserEveryValueIsADash)
 
 TEST_F(ProfileViewTest, TheOldUserIsShownUntilTheNewOneArrives)
 {
-    server.expect("GET", me).after(300ms).reply(200, userJson("Kel Orin Voss"));
+    server.expect("GET", me).after(1s).reply(200, userJson("Kel Orin Voss"));
     show(userJson("kel voss"));
     EXPECT_TRUE(screen().shows(u"kel voss"_s));
     EXPECT_TRUE(screen().waitFor(u"Kel Orin Voss"_s));

@@ -163,7 +163,7 @@ TEST_F(SignupViewTest, RequestAndCodeScreenBothGetTheTrimmedEmail)
 
 TEST_F(SignupViewTest, TheCodeScreenIsForTheEmailThatWasSent)
 {
-    server.expect("POST", "/api/auth/signup").after(400ms).reply(201, R"({"message":"ok"})");
+    server.expect("POST", "/api/auth/signup").after(1s).reply(201, R"({"message":"ok"})");
     server.expect("POST", "/api/auth/resend-otp").reply(200, "{}");
     fill(u" ada@example.org "_s);
     stage->click(u"Create account"_s);
@@ -250,7 +250,7 @@ TEST_F(SignupViewTest, TheErrorIsClearedWhenTheNextRequestStarts)
 
 TEST_F(SignupViewTest, IsBusyWhileTheRequestRunsAndIgnoresTapsAndEnter)
 {
-    server.expect("POST", "/api/auth/signup").after(300ms).reply(409, R"({"message":"Taken."})");
+    server.expect("POST", "/api/auth/signup").after(1s).reply(409, R"({"message":"Taken."})");
     fill();
     stage->click(u"Create account"_s);
     EXPECT_FALSE(stage->isEnabled(u"Create account"_s));
@@ -288,13 +288,13 @@ TEST_F(SignupViewTest, EscapeInAFieldGoesBack)
 
 TEST_F(SignupViewTest, LeavingDuringTheRequestPushesNothingLater)
 {
-    server.expect("POST", "/api/auth/signup").after(300ms).reply(201, R"({"message":"ok"})");
+    server.expect("POST", "/api/auth/signup").after(1s).reply(201, R"({"message":"ok"})");
     fill();
     stage->click(u"Create account"_s);
     ASSERT_TRUE(server.waitForRequests(1));
     stage->click(u"Back"_s);
     ASSERT_TRUE(arrivesAtSignIn());
-    settle(600ms);
+    settle(1500ms);
     EXPECT_EQ(depth(), 1);
 }
 

@@ -196,7 +196,7 @@ TEST_F(AttendanceStoreTest, PunchingLastsUntilTheReloadsEnd)
 {
     server.expect("POST", punchPath).reply(200, checkedOut);
     server.expect("GET", todayPath).reply(200, complete);
-    server.expect("GET", distancePath).after(100ms).reply(200, inside);
+    server.expect("GET", distancePath).after(1s).reply(200, inside);
     const auto outcome = observe<void>(store->punch(location.get()));
     ASSERT_TRUE(server.waitForRequests(3));
     EXPECT_TRUE(store->punching());
@@ -291,7 +291,7 @@ TEST_F(AttendanceStoreTest, HistoryAndSummaryFailSilently)
 TEST_F(AttendanceStoreTest, FirstOfTwoOverlappingLoadsDoesNotStopTheSpinner)
 {
     server.expect("GET", todayPath).reply(200, atWork);
-    server.expect("GET", todayPath).after(150ms).reply(200, complete);
+    server.expect("GET", todayPath).after(1s).reply(200, complete);
     const auto first = observe<void>(store->loadToday());
     const auto second = observe<void>(store->loadToday());
     ASSERT_TRUE(spinUntil([&] { return first->done || second->done; }));
@@ -332,8 +332,8 @@ TEST_F(AttendanceStoreTest, ReloadReplacedByACheckEndsThePunch)
 
 TEST_F(AttendanceStoreTest, DestroyedStoreEndsItsOperations)
 {
-    server.expect("GET", todayPath).after(100ms).reply(200, atWork);
-    server.expect("POST", punchPath).after(100ms).reply(200, checkedIn);
+    server.expect("GET", todayPath).after(1s).reply(200, atWork);
+    server.expect("POST", punchPath).after(1s).reply(200, checkedIn);
     const auto today = observe<void>(store->loadToday());
     const auto punch = observe<void>(store->punch(location.get()));
     ASSERT_TRUE(server.waitForRequests(2));

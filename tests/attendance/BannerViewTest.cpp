@@ -77,36 +77,36 @@ TEST_F(BannerViewTest, CloseWorksForAssistiveTechnology)
 
 TEST_F(BannerViewTest, DisappearsAfterItsInterval)
 {
-    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 200));
+    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 1500));
     show(u"You are outside"_s);
     ASSERT_TRUE(stage->screen().waitFor(u"You are outside"_s));
-    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s, 2s));
+    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s));
     EXPECT_FALSE(services.store->banner());
 }
 
 TEST_F(BannerViewTest, BannerForAHiddenTabIsShownForItsWholeIntervalOnReturn)
 {
-    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 400));
+    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 1500));
     stage->root()->setVisible(false);
     show(u"You are outside"_s);
-    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 700ms));
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 2s));
     showAgain();
-    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 350ms));
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 900ms));
     EXPECT_TRUE(stage->screen().shows(u"You are outside"_s));
-    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s, 2s));
+    EXPECT_TRUE(stage->screen().waitUntilGone(u"You are outside"_s));
     EXPECT_FALSE(services.store->banner());
 }
 
 TEST_F(BannerViewTest, LeavingTheTabStopsTheTimerAndReturningRestartsIt)
 {
-    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 400));
+    ASSERT_TRUE(stage->root()->setProperty("bannerInterval", 1500));
     show(u"You are outside"_s);
-    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 200ms));
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 700ms));
     stage->root()->setVisible(false);
-    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 500ms));
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 2s));
     showAgain();
-    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 350ms));
-    EXPECT_TRUE(spinUntil([&] { return !services.store->banner(); }, 2s));
+    EXPECT_FALSE(spinUntil([&] { return !services.store->banner(); }, 900ms));
+    EXPECT_TRUE(spinUntil([&] { return !services.store->banner(); }));
 }
 
 TEST_F(BannerViewTest, RepeatedTextIsShownAndAnnouncedAgain)

@@ -220,7 +220,7 @@ TEST_F(HistoryViewTest, FirstLoadShowsASpinnerAndMovesNothing)
 
 TEST_F(HistoryViewTest, SampleRowIsInvisibleAndSendsNoRequest)
 {
-    services.server.expect("GET", path).after(300ms).reply(200, days(2));
+    services.server.expect("GET", path).after(1s).reply(200, days(2));
     open();
     ASSERT_TRUE(spinUntil([&] { return list->property("model").value<QObject *>() != nullptr; }));
     const QImage blank = stage->view().grabWindow().copy(0, 80, 390, 300);
@@ -399,7 +399,7 @@ TEST_F(HistoryViewTest, KeysScroll)
 
 TEST_F(HistoryViewTest, DestroyingTheScreenDuringARequestIsHarmless)
 {
-    services.server.expect("GET", path).after(100ms).reply(200, days(3));
+    services.server.expect("GET", path).after(1s).reply(200, days(3));
     open();
     ASSERT_TRUE(services.server.waitForRequests(1));
     stage.reset();

@@ -218,7 +218,7 @@ TEST_F(HomeViewModelTest, ChecksTheDistanceAfterAFailedLoadOfToday)
 
 TEST_F(HomeViewModelTest, SendsNoRequestAfterItsDestruction)
 {
-    services.server.expect("GET", "/api/attendance/today").after(100ms).reply(200, beforeCheckIn);
+    services.server.expect("GET", "/api/attendance/today").after(1s).reply(200, beforeCheckIn);
     model->setShown(true);
     ASSERT_TRUE(services.server.waitForRequests(1));
     model.reset();

@@ -97,7 +97,7 @@ TEST_F(HomeViewTest, OffersTheCheckInBeforeTheFirstResponse)
 
 TEST_F(HomeViewTest, NothingMovesWhenTheFirstResponseArrives)
 {
-    services.server.expect("GET", "/api/attendance/today").after(400ms).reply(200, atWork);
+    services.server.expect("GET", "/api/attendance/today").after(1s).reply(200, atWork);
     services.expectDistance(inside);
     openOnly();
     const QStringList fixed{u"OFFICE"_s, u"TODAY"_s, u"Check-in"_s, u"Refresh my location"_s};
@@ -145,10 +145,10 @@ TEST_F(HomeViewTest, PunchWorksForAssistiveTechnologyAndTheKeyboard)
     EXPECT_EQ(punches(), 2);
 }
 
-TEST_F(HomeViewTest, SixTapsWithinHalfASecondSendOnePunch)
+TEST_F(HomeViewTest, SixTapsBeforeTheAnswerSendOnePunch)
 {
     open(beforeCheckIn, inside);
-    services.server.expect("POST", "/api/attendance/punch").after(700ms).reply(200, checkedIn);
+    services.server.expect("POST", "/api/attendance/punch").after(2500ms).reply(200, checkedIn);
     services.expectToday(atWork);
     services.expectDistance(inside);
     const QPoint middle = screen().find(u"Check In"_s)->rect.center();
@@ -158,7 +158,7 @@ TEST_F(HomeViewTest, SixTapsWithinHalfASecondSendOnePunch)
         QTest::mouseClick(&stage->view(), Qt::LeftButton, {}, middle);
         QTest::qWait(50);
     }
-    EXPECT_LT(clock.elapsed(), 600);
+    ASSERT_LT(clock.elapsed(), 2500);
     EXPECT_FALSE(screen().isEnabled(u"Check In"_s));
     ASSERT_TRUE(services.settle(5));
     EXPECT_EQ(punches(), 1);
@@ -264,7 +264,7 @@ TEST_F(HomeViewTest, PullingFarEnoughRefreshesOnlyTheDay)
 
 TEST_F(HomeViewTest, DestroyingTheScreenDuringARequestIsHarmless)
 {
-    services.server.expect("GET", "/api/attendance/today").after(100ms).reply(200, beforeCheckIn);
+    services.server.expect("GET", "/api/attendance/today").after(1s).reply(200, beforeCheckIn);
     openOnly();
     ASSERT_TRUE(services.server.waitForRequests(1));
     stage.reset();

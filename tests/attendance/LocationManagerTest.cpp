@@ -218,7 +218,7 @@ TEST_F(LocationManagerTest, MissingPositionIsATimeout)
 {
     make();
     const auto outcome = observe<Fix>(manager->currentFix(0.05));
-    ASSERT_TRUE(spinUntil([&] { return outcome->done; }, 2s));
+    ASSERT_TRUE(spinUntil([&] { return outcome->done; }));
     EXPECT_EQ(errorOf(outcome), LocationError::Kind::Timeout);
     source->deliver({office});
     settle();
@@ -231,19 +231,19 @@ TEST_F(LocationManagerTest, TimeLimitStartsAfterThePermission)
     const auto outcome = observe<Fix>(manager->currentFix(0.05));
     EXPECT_FALSE(spinUntil([&] { return outcome->done; }, 150ms));
     source->answer(AuthorizedWhenInUse);
-    ASSERT_TRUE(spinUntil([&] { return outcome->done; }, 2s));
+    ASSERT_TRUE(spinUntil([&] { return outcome->done; }));
     EXPECT_EQ(errorOf(outcome), LocationError::Kind::Timeout);
 }
 
 TEST_F(LocationManagerTest, PositionStopsTheTimer)
 {
     make();
-    const auto first = observe<Fix>(manager->currentFix(0.05));
+    const auto first = observe<Fix>(manager->currentFix(1));
     source->deliver({office});
     settle();
     ASSERT_TRUE(first->value);
     const auto second = observe<Fix>(manager->currentFix(15));
-    EXPECT_FALSE(spinUntil([&] { return second->done; }, 150ms)); // the first timer would have ended it
+    EXPECT_FALSE(spinUntil([&] { return second->done; }, 1500ms)); // the first timer would have ended it
 }
 
 TEST_F(LocationManagerTest, WithdrawnPermissionFailsThePendingFix)
@@ -294,7 +294,7 @@ TEST_F(LocationManagerTest, TimerOfAReplacedRequestKeepsRunningAndEndsTheNextReq
     make();
     const auto first = observe<Fix>(manager->currentFix(0.05));
     const auto second = observe<Fix>(manager->currentFix(15));
-    ASSERT_TRUE(spinUntil([&] { return second->done; }, 2s));
+    ASSERT_TRUE(spinUntil([&] { return second->done; }));
     EXPECT_EQ(errorOf(second), LocationError::Kind::Timeout);
     EXPECT_TRUE(wasAbandoned(first));
 }

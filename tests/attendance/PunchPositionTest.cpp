@@ -74,7 +74,7 @@ protected:
 
 TEST_F(PunchPositionTest, CheckAfterTheFirstResponseSharesThePosition)
 {
-    services.server.expect("GET", "/api/attendance/today").after(300ms).reply(200, beforeCheckIn);
+    services.server.expect("GET", "/api/attendance/today").after(1s).reply(200, beforeCheckIn);
     open();
     tapCheckIn();
     ASSERT_TRUE(spinUntil([&] { return services.store->checkingDistance(); }));

@@ -200,7 +200,7 @@ TEST_F(SummaryViewTest, TwoTilesAreInARow)
 
 TEST_F(SummaryViewTest, PlaceholderBeforeTheFirstResponseIsHiddenFromScreenReaders)
 {
-    services.server.expect("GET", path).after(400ms).reply(200, month("2025-03"));
+    services.server.expect("GET", path).after(1s).reply(200, month("2025-03"));
     open();
     EXPECT_TRUE(screen().shows(u"Summary"_s));
     EXPECT_TRUE(isPlaceholder()) << screen().dump().toStdString();
@@ -284,7 +284,7 @@ TEST_F(SummaryViewTest, EveryTabStopHasAName)
 
 TEST_F(SummaryViewTest, DestroyingTheScreenDuringARequestIsHarmless)
 {
-    services.server.expect("GET", path).after(100ms).reply(200, month("2025-03"));
+    services.server.expect("GET", path).after(1s).reply(200, month("2025-03"));
     open();
     ASSERT_TRUE(services.server.waitForRequests(1));
     stage.reset();

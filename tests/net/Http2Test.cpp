@@ -17,7 +17,7 @@ protected:
     APIClient &start(std::chrono::milliseconds idleLimit = 10s, const QStringList &options = {})
     {
         m_front = std::make_unique<Http2Front>(server.port(), options);
-        limit(idleLimit, 20s);
+        limit(idleLimit, 40s);
         changeOptions([this](APIClient::Options &client) {
             client.baseURL = m_front->url(QStringLiteral("/api"));
             client.certificateFile = m_front->certificateFile();
@@ -160,7 +160,7 @@ TEST_F(Http2, EachPostOpensItsOwnConnectionEvenIfTheKeptOneIsStalled)
 TEST_F(Http2, GetDoesNotShareTheConnectionOfAPost)
 {
     start();
-    server.expect("POST", "/api/thing").after(300ms).reply(200, R"({"message":"m"})");
+    server.expect("POST", "/api/thing").after(1500ms).reply(200, R"({"message":"m"})");
     const auto call = observe(post());
     EXPECT_TRUE(server.waitForRequests(1));
     expectAnswer();

@@ -53,7 +53,7 @@ TEST_F(Lifetime, DestructionEndsAllRequestsInFlightWithAnError)
     QElapsedTimer clock;
     clock.start();
     destroyClient();
-    EXPECT_LT(clock.elapsed(), 2000);
+    EXPECT_LT(clock.elapsed(), 15'000) << "a request may take 25 seconds";
     for (const auto &call : calls)
         EXPECT_EQ(kindOf(call), Kind::Cancelled);
 }
@@ -144,14 +144,14 @@ TEST_F(Lifetime, CallersResumeOnTheirOwnThreads)
         resumed = QThread::currentThread();
     }));
     thread->start();
-    ASSERT_TRUE(thread->wait(10s));
+    ASSERT_TRUE(thread->wait(patience));
     EXPECT_EQ(message, QStringLiteral("m"));
     EXPECT_EQ(resumed, thread.get());
 }
 
 TEST_F(Lifetime, ThreadThatEndsDuringARequestUnwindsItsCoroutines)
 {
-    server.expect("GET", "/api/thing").after(200ms).reply(200, "{}");
+    server.expect("GET", "/api/thing").after(1s).reply(200, "{}");
     client();
     std::shared_ptr<Outcome<MessageResponse>> call;
     const std::unique_ptr<QThread> thread(QThread::create([&] {
@@ -159,9 +159,9 @@ TEST_F(Lifetime, ThreadThatEndsDuringARequestUnwindsItsCoroutines)
         spinUntil([] { return false; }, 50ms);
     }));
     thread->start();
-    ASSERT_TRUE(thread->wait(10s));
+    ASSERT_TRUE(thread->wait(patience));
     EXPECT_EQ(kindOf(call), Kind::Cancelled);
-    spinUntil([] { return false; }, 250ms); // the reply arrives after its thread has ended
+    spinUntil([] { return false; }, 1500ms); // the reply arrives after its thread has ended
     expectUsable();
 }
 
@@ -180,10 +180,10 @@ TEST_F(Lifetime, OfflineDeviceWaitsForTheNetwork)
     FakeNetwork network;
     APIClient::Options waiting = options();
     waiting.reachability = network.factory();
-    waiting.idleLimit = 150ms; // does not apply while the device is offline
+    waiting.idleLimit = 1s; // does not apply while the device is offline
     APIClient other(waiting, tokens, events);
     const auto call = observe(getThing(other));
-    spinUntil([] { return false; }, 300ms);
+    spinUntil([] { return false; }, 1500ms);
     EXPECT_FALSE(call->done);
     EXPECT_EQ(server.connections(), 0);
     server.expect("GET", "/api/thing").reply(200, "{}");
@@ -228,7 +228,7 @@ TEST_F(Lifetime, KeptConnectionsAreNotReusedAfterAChangeOfTheNetwork)
 
 TEST_F(Lifetime, KeptConnectionsAreNotReusedAfterAFailure)
 {
-    limit(500ms, 5s);
+    limit(1500ms, 40s);
     server.expect("GET", "/api/thing").times(4).reply(200, "{}");
     await(get());
     server.expect("POST", "/api/silent").never();

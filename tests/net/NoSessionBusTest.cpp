@@ -20,7 +20,7 @@ TEST(SecretServiceWithoutBus, ReadsAsAbsentAndLosesWritesSilently)
     EXPECT_EQ(store.load(TokenKey::accessToken), std::nullopt);
     clearTokens(store);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_LT(clock.elapsed(), 5000);
+    EXPECT_LT(clock.elapsed(), 20'000);
 }
 
 } // namespace clockwell::test

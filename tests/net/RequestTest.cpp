@@ -425,7 +425,7 @@ TEST_F(Request, SystemProxyIsUsedForOtherMachinesOnly)
 
 TEST_F(Request, RequestsRunConcurrently)
 {
-    server.expect("GET", "/api/slow").after(1s).reply(200, "{}");
+    server.expect("GET", "/api/slow").after(3s).reply(200, "{}");
     server.expect("GET", "/api/fast").reply(200, "{}");
     const auto slow = observe(get("slow"));
     await(get("fast"));
@@ -441,7 +441,7 @@ TEST_F(Request, RequestsRunConcurrentlyOverTlsToo)
         options.baseURL = secure.url(QStringLiteral("/api"));
         options.certificateFile = certificate.certificateFile();
     });
-    secure.expect("GET", "/api/slow").after(1s).reply(200, "{}");
+    secure.expect("GET", "/api/slow").after(3s).reply(200, "{}");
     secure.expect("GET", "/api/fast").reply(200, "{}");
     const auto slow = observe(get("slow"));
     await(get("fast"));

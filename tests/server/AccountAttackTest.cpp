@@ -1,4 +1,5 @@
 #include "AccountFixture.h"
+#include "Contains.h"
 #include "LogCatcher.h"
 
 #include <algorithm>
@@ -183,13 +184,12 @@ TEST_F(AccountAttackTest, NeitherFilesNorLogHoldASecretOrAnAddress)
     const LogCatcher log;
     std::vector<std::string> secrets{"Correct-Horse-7", "New-Horse-8", "Third-Horse-9"};
     signup();
-    for (const std::string &code : codesFor())
-        secrets.push_back(code);
+    std::vector<std::string> codes = codesFor();
     verify(other(world.code()));
     verify(world.code());
     approve();
     forgot();
-    secrets.push_back(world.code());
+    codes.push_back(world.code());
     reset(world.code());
     const auto login = world.login("kim@example.org", "New-Horse-8").json();
     secrets.push_back(login.at("accessToken"));
@@ -199,13 +199,19 @@ TEST_F(AccountAttackTest, NeitherFilesNorLogHoldASecretOrAnAddress)
                   .status,
               200);
     forgot(); // a code that is in the database now
-    secrets.push_back(world.code());
+    codes.push_back(world.code());
     const std::string files = contentOf(world.databaseFile());
     ASSERT_NE(files.find("kim@example.org"), std::string::npos);
     ASSERT_NE(log.text().find("event=passwordChanged"), std::string::npos);
     for (const std::string &secret : secrets) {
         EXPECT_EQ(files.find(secret), std::string::npos) << secret;
         EXPECT_EQ(log.text().find(secret), std::string::npos) << secret;
+    }
+    ASSERT_EQ(codes.size(), 4U);
+    for (const std::string &code : codes) {
+        ASSERT_EQ(code.size(), 6U);
+        EXPECT_FALSE(containsCode(files, code)) << code;
+        EXPECT_FALSE(containsCode(log.text(), code)) << code;
     }
     EXPECT_EQ(log.text().find("@example.org"), std::string::npos);
     EXPECT_EQ(log.text().find("Kim"), std::string::npos);

@@ -18,11 +18,11 @@ namespace {
 const std::string signupBody = R"({"fullName":"Kim","email":"kim@example.org","password":"Correct-Horse-7",)"
                                R"("deviceId":"dev-1","deviceModel":"Phone","osVersion":"iOS 17"})";
 
-/// The code in the first message of an outbox, for which it waits at most ten seconds.
+/// The code in the first message of an outbox, for which it waits at most 20 seconds.
 std::string codeIn(const std::string &outbox)
 {
     static const std::regex line{"\n    ([0-9]{6})\r"};
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{20};
     while (std::chrono::steady_clock::now() < end) {
         std::error_code error;
         for (const auto &entry : std::filesystem::directory_iterator{outbox, error}) {

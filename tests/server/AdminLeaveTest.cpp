@@ -1,4 +1,5 @@
 #include "AdminFixture.h"
+#include "Midnight.h"
 
 #include <algorithm>
 #include <array>
@@ -189,6 +190,7 @@ TEST_F(AdminLeaveTest, WriteThatFailsHalfwayChangesNothingAndSaysSo)
 
 TEST_F(AdminLeaveTest, RunningServerShowsLeaveInTheHistoryAtOnce)
 {
+    passMidnight();
     const ServerProcess server{file};
     ASSERT_NE(server.port(), 0);
     const std::string access = token(server.port());

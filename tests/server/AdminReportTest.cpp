@@ -1,3 +1,4 @@
+#include "Midnight.h"
 #include "ReportFixture.h"
 #include "TestDatabase.h"
 
@@ -139,6 +140,7 @@ TEST_F(AdminReportTest, EachOfficesOwnCalendarSaysWhatTodayIs)
 
 TEST(AdminReportProcessTest, FiguresOfTheRunningMonthAreThoseOfTheRunningServer)
 {
+    passMidnight(TimeZone::ofMachine());
     const TempFolder folder;
     const std::string file = databaseIn(folder, "demo.db");
     ASSERT_EQ(runServer({"demo", "--database", file}).exitCode, 0);

@@ -31,11 +31,6 @@ protected:
         return client.receiveAll(clean).starts_with("HTTP/1.1 200 ");
     }
 
-    static bool logs(const ServerProcess &server, const std::string &event)
-    {
-        return eventually([&] { return server.log().find(event) != std::string::npos; });
-    }
-
     TempFolder folder;
     TestCertificate first, second;
 };
@@ -50,7 +45,7 @@ TEST_F(CertificateReloadTest, HangUpTakesTheNewCertificateForTheHandshakesToCome
     ASSERT_TRUE(early.connected());
     install(second);
     ASSERT_EQ(::kill(server.process(), SIGHUP), 0);
-    ASSERT_TRUE(logs(server, "event=certificateReloaded"));
+    ASSERT_TRUE(server.logs("event=certificateReloaded"));
     EXPECT_TRUE(eventually([&] { return serves(server, second); }));
     EXPECT_FALSE(serves(server, first));
     bool clean = false;
@@ -68,11 +63,11 @@ TEST_F(CertificateReloadTest, UnusableFilesKeepTheOldOneAndAreSaid)
     std::filesystem::copy_file(second.keyFile(), folder.file("key"),
                                std::filesystem::copy_options::overwrite_existing);
     ASSERT_EQ(::kill(server.process(), SIGHUP), 0);
-    ASSERT_TRUE(logs(server, "event=certificateKept"));
+    ASSERT_TRUE(server.logs("event=certificateKept"));
     EXPECT_TRUE(serves(server, first));
     install(second);
     ASSERT_EQ(::kill(server.process(), SIGHUP), 0);
-    ASSERT_TRUE(logs(server, "event=certificateReloaded"));
+    ASSERT_TRUE(server.logs("event=certificateReloaded"));
     EXPECT_TRUE(eventually([&] { return serves(server, second); }));
     EXPECT_EQ(server.terminate(), 0);
 }
@@ -81,7 +76,7 @@ TEST_F(CertificateReloadTest, HangUpOfAServerWithoutCertificateChangesNothing)
 {
     ServerProcess server{databaseIn(folder, "a.db")};
     ASSERT_EQ(::kill(server.process(), SIGHUP), 0);
-    ASSERT_TRUE(logs(server, "event=certificateReloaded"));
+    ASSERT_TRUE(server.logs("event=certificateReloaded"));
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
     EXPECT_EQ(server.terminate(), 0);
 }

@@ -1,5 +1,6 @@
 #include "Contains.h"
 #include "HttpClient.h"
+#include "Midnight.h"
 #include "ServerProcess.h"
 #include "TempFolder.h"
 #include "TestDatabase.h"
@@ -133,6 +134,7 @@ TEST(CommandLineTest, RequestsOfAnAccountHaveALimit)
 
 TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)
 {
+    passMidnight(TimeZone::ofMachine());
     const TempFolder folder;
     runServer({"demo", "--database", databaseIn(folder, "a.db")});
     std::string token;
@@ -150,6 +152,7 @@ TEST(CommandLineTest, SessionsAndPunchesSurviveARestart)
 
 TEST(CommandLineTest, RepeatWindowCanBeSwitchedOff)
 {
+    passMidnight(TimeZone::ofMachine());
     const TempFolder folder;
     runServer({"demo", "--database", databaseIn(folder, "a.db")});
     const ServerProcess server{databaseIn(folder, "a.db"), {"--repeat-window", "0"}};
@@ -164,17 +167,18 @@ TEST(CommandLineTest, RepeatWindowIsNinetySecondsAndFiveForTheDemonstration)
 {
     const TempFolder folder;
     EXPECT_TRUE(contains(runServer({"serve", "--help"}).output, "=90 (demonstration: 5)"));
-    EXPECT_TRUE(contains(ServerProcess{databaseIn(folder, "empty.db")}.log(), "repeat_window=90s"));
+    EXPECT_TRUE(ServerProcess{databaseIn(folder, "empty.db")}.logs("repeat_window=90s"));
     runServer({"demo", "--database", databaseIn(folder, "demo.db")});
-    EXPECT_TRUE(contains(ServerProcess{databaseIn(folder, "demo.db")}.log(), "repeat_window=5s"));
-    EXPECT_TRUE(contains(ServerProcess(databaseIn(folder, "demo.db"), {"--repeat-window", "90"}).log(),
-                         "repeat_window=90s"));
-    EXPECT_TRUE(contains(ServerProcess(databaseIn(folder, "empty.db"), {"--repeat-window", "7"}).log(),
-                         "repeat_window=7s"));
+    EXPECT_TRUE(ServerProcess{databaseIn(folder, "demo.db")}.logs("repeat_window=5s"));
+    EXPECT_TRUE(
+        ServerProcess(databaseIn(folder, "demo.db"), {"--repeat-window", "90"}).logs("repeat_window=90s"));
+    EXPECT_TRUE(
+        ServerProcess(databaseIn(folder, "empty.db"), {"--repeat-window", "7"}).logs("repeat_window=7s"));
 }
 
 TEST(CommandLineTest, DemonstrationChecksOutAfterFiveSeconds)
 {
+    passMidnight(TimeZone::ofMachine());
     const TempFolder folder;
     runServer({"demo", "--database", databaseIn(folder, "a.db")});
     const ServerProcess server{databaseIn(folder, "a.db")};
@@ -249,6 +253,7 @@ TEST(DemoTest, CoversEveryStatusAndLeavesTodayOpenAtAnyHour)
 {
     // Somewhere it is early, somewhere late: today's check-in works at any hour.
     for (const char *zone : {"UTC", "Pacific/Kiritimati", "Pacific/Pago_Pago", "America/New_York"}) {
+        passMidnight(TimeZone::named(zone).value());
         const TempFolder folder;
         runServer({"demo", "--database", databaseIn(folder, "a.db"), "--time-zone", zone});
         const ServerProcess server{databaseIn(folder, "a.db")};

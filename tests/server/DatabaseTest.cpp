@@ -199,7 +199,7 @@ TEST(DatabaseTest, TwoProgramsOnOneFileTakeTurnsWithoutLosingAnUpdate)
 TEST(DatabaseTest, LockedByAnotherProcessIsBusyAfterTheWait)
 {
     const TempFolder folder;
-    Database database{databaseIn(folder, "a.db"), {.patience = std::chrono::seconds{1}}};
+    Database database{databaseIn(folder, "a.db"), {.timeout = std::chrono::seconds{1}}};
     WriteBlocker other{databaseIn(folder, "a.db")};
     EXPECT_EQ(kindOfFailure(
                   [&] { database.write([](Connection &connection) { insertCompany(connection, "i"); }); }),

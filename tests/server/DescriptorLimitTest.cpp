@@ -62,7 +62,7 @@ TEST_F(DescriptorLimitTest, LowHardLimitIsSaidAndTheServerLetsFewerIn)
     setDescriptorLimits(low, low);
     const ServerProcess server{file};
     ASSERT_NE(server.port(), 0);
-    EXPECT_NE(server.log().find("event=fewDescriptors limit=700 "), std::string::npos) << server.log();
+    EXPECT_TRUE(server.logs("event=fewDescriptors limit=700 ")) << server.log();
     std::vector<std::unique_ptr<RawClient>> clients;
     for (int i = 0; i < 600; ++i) {
         clients.push_back(std::make_unique<RawClient>(server.port()));

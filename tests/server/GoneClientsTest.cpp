@@ -1,3 +1,4 @@
+#include "Midnight.h"
 #include "ServerProcess.h"
 #include "TestDatabase.h"
 #include "World.h"
@@ -60,6 +61,7 @@ protected:
 
 TEST_F(GoneClientsTest, PunchesOfThoseWhoHaveGivenUpAreNotBegunAndTheirRetriesAreCheckIns)
 {
+    passMidnight();
     const ServerProcess server{file};
     ASSERT_NE(server.port(), 0);
     std::vector<std::string> tokens;

@@ -20,7 +20,7 @@ public:
     ClientSocket(std::uint16_t port, const std::string &from)
         : m_descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
     {
-        const timeval limit{10, 0};
+        const timeval limit{60, 0};
         ::setsockopt(m_descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         ::setsockopt(m_descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
         const int withoutPort = 1; // the connection gets one: the address alone has too few

@@ -21,7 +21,7 @@ struct Reply
     std::string message() const;
 };
 
-/// One request on a connection of its own to 127.0.0.1, with a limit of ten seconds.
+/// One request on a connection of its own to 127.0.0.1, with a limit of a minute.
 /// `token` is sent as bearer token unless it is empty, `body` as JSON unless it is empty. `from` is the
 /// client's own address, any in 127.0.0.0/8.
 Reply send(std::uint16_t port, const std::string &method, const std::string &target,

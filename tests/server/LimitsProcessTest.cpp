@@ -1,4 +1,5 @@
 #include "HttpClient.h"
+#include "Midnight.h"
 #include "ServerProcess.h"
 #include "World.h"
 
@@ -70,6 +71,7 @@ TEST_F(LimitsProcessTest, AreCountedTogetherAndOutliveAKill)
 
 TEST_F(LimitsProcessTest, SessionsOfAServerThatDiedGoOnAtTheOther)
 {
+    passMidnight();
     start(one);
     start(two);
     const auto session = login(one, "kim@example.org", "Correct-Horse-7").json();

@@ -43,10 +43,10 @@ public:
         m_reader = -1;
     }
 
-    /// Reads until `enough` likes all that was read since the start, at most 20 seconds; returns it.
+    /// Reads until `enough` likes all that was read since the start, at most a minute; returns it.
     const std::string &readUntil(const std::function<bool(const std::string &)> &enough)
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{20};
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes{1};
         while (!enough(m_text) && std::chrono::steady_clock::now() < end) {
             char part[4096];
             ::usleep(5000);

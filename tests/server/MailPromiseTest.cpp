@@ -104,7 +104,7 @@ TEST(MailPromiseTest, EveryPromisedCodeArrivesAndTheRestIsRefused)
     EXPECT_GT(promised.size(), 3U);
     EXPECT_EQ(office.forgot("owner@example.org").status, 200) << "strangers have kept an owner out";
     promised.insert("owner@example.org");
-    EXPECT_TRUE(within(std::chrono::seconds{40}, [&] { return mail.messages().size() == promised.size(); }));
+    EXPECT_TRUE(within(std::chrono::minutes{2}, [&] { return mail.messages().size() == promised.size(); }));
     std::set<std::string> arrived;
     for (const std::string &message : mail.messages())
         arrived.insert(recipientOf(message));
@@ -122,12 +122,12 @@ TEST(MailPromiseTest, RefusalIsTheSameForEverybodyAndUsesNothingUp)
     options.longestPause = std::chrono::seconds{1};
     PostOffice office{mail->url(), options};
     ASSERT_EQ(office.forgot("owner@example.org").status, 200);
-    ASSERT_TRUE(within(std::chrono::seconds{10}, [&] { return mail->messages().size() == 1; }));
+    ASSERT_TRUE(within(std::chrono::seconds{30}, [&] { return mail->messages().size() == 1; }));
     const std::string code = codeOf(mail->messages().front());
     mail.reset();
     ASSERT_EQ(office.signup("early@example.org").status, 201); // nobody knows yet
     ASSERT_TRUE(
-        within(std::chrono::seconds{10}, [&] { return office.queue.excess(Precedence::Own).count() > 0; }));
+        within(std::chrono::seconds{30}, [&] { return office.queue.excess(Precedence::Own).count() > 0; }));
     const std::string refusal = office.forgot("owner@example.org").body;
     for (int round = 0; round < 4; ++round)
         for (const char *email : {"owner@example.org", "unproven@example.org", "nobody@example.org"})
@@ -143,10 +143,10 @@ TEST(MailPromiseTest, RefusalIsTheSameForEverybodyAndUsesNothingUp)
               200)
         << "a refusal has replaced a code that works";
     mail.emplace(SmtpServer::Options{.port = port});
-    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return mail->messages().size() == 1; }));
+    EXPECT_TRUE(within(std::chrono::seconds{30}, [&] { return mail->messages().size() == 1; }));
     EXPECT_EQ(recipientOf(mail->messages().front()), "early@example.org");
     EXPECT_EQ(office.forgot("owner@example.org").status, 200) << "a refusal has used up a limit";
-    EXPECT_TRUE(within(std::chrono::seconds{10}, [&] { return mail->messages().size() == 2; }));
+    EXPECT_TRUE(within(std::chrono::seconds{30}, [&] { return mail->messages().size() == 2; }));
 }
 
 TEST(MailPromiseTest, WhatWaitsAtTheEndIsDeliveredOrSaidByNumber)
@@ -160,12 +160,12 @@ TEST(MailPromiseTest, WhatWaitsAtTheEndIsDeliveredOrSaidByNumber)
         PostOffice office{mail.url(), options};
         for (int i = 0; i < 30; ++i)
             office.queue.post({"kim@example.org", "Code", "text\n"});
+        EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return !mail.messages().empty(); }));
     }
     static const std::regex line{"event=mailDropped reason=stopping messages=([0-9]+)"};
     const std::string text = log.text();
     std::smatch match;
     ASSERT_TRUE(std::regex_search(text, match, line)) << text;
-    EXPECT_GT(mail.messages().size(), 0U);
     // Whether those arrive that were under way, up to two, only the mail server knows.
     const std::size_t sum = mail.messages().size() + std::stoul(match[1]);
     EXPECT_GE(sum, 30U);

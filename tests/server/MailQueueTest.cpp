@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <regex>
 #include <string>
 #include <thread>
 
@@ -54,7 +55,7 @@ TEST(MailQueueTest, TransientFailuresAreTriedAgain)
     ScriptedDelivery::Record record;
     MailQueue queue{std::make_unique<ScriptedDelivery>(record, 2, DeliveryError::Kind::Transient), quick(3)};
     queue.post({});
-    EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.delivered == 1; }));
+    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return record.delivered == 1; }));
     EXPECT_EQ(record.attempts, 3);
 }
 
@@ -70,8 +71,8 @@ TEST(MailQueueTest, BacklogIsWhatWaitsAndSinceWhen)
     queue.post({});
     queue.post({});
     EXPECT_TRUE(within(
-        std::chrono::seconds{5}, [&] { return queue.backlog().messages == 2; }));
-    EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return queue.backlog().oldest.count() >= 1; }));
+        std::chrono::seconds{20}, [&] { return queue.backlog().messages == 2; }));
+    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return queue.backlog().oldest.count() >= 1; }));
 }
 
 TEST(MailQueueTest, QuotesOfAMailServerDoNotBreakTheLine)
@@ -82,7 +83,7 @@ TEST(MailQueueTest, QuotesOfAMailServerDoNotBreakTheLine)
         std::make_unique<ScriptedDelivery>(record, 1, DeliveryError::Kind::Transient, "it said \"no=1\"\n"),
         quick(1)};
     queue.post({});
-    EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.delivered == 1; }));
+    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return record.delivered == 1; }));
     EXPECT_NE(log.text().find(R"(what="it said \"no=1\"?")"), std::string::npos) << log.text();
 }
 
@@ -93,7 +94,7 @@ TEST(MailQueueTest, AttemptsAreBounded)
         MailQueue queue{std::make_unique<ScriptedDelivery>(record, 1000, DeliveryError::Kind::Transient),
                         quick(3)};
         queue.post({});
-        EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.attempts == 4; }));
+        EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return record.attempts == 4; }));
     }
     EXPECT_EQ(record.attempts, 4);
 }
@@ -120,7 +121,7 @@ TEST(MailQueueTest, WhatWaitsIsTriedOnceMoreAtTheEnd)
         MailQueue queue{std::make_unique<ScriptedDelivery>(record, 1, DeliveryError::Kind::Transient),
                         options};
         queue.post({});
-        EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return record.attempts == 1; }));
+        EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return record.attempts == 1; }));
     }
     EXPECT_EQ(record.delivered, 1);
 }
@@ -158,7 +159,7 @@ protected:
         options.deliveries = 1;
         MailQueue &queue = m_queue.emplace(std::make_unique<HeldDelivery>(m_record), std::move(options));
         queue.post({"a", "", ""});
-        EXPECT_TRUE(within(std::chrono::seconds{5}, [&] { return m_record.isHolding.load(); }));
+        EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return m_record.isHolding.load(); }));
         return queue;
     }
     void post(int messages, const std::string &to, Precedence precedence)
@@ -244,6 +245,20 @@ TEST_F(HeldMailQueueTest, MessageFarBeyondTheCapacityIsDroppedAndSaid)
     EXPECT_NE(log.text().find("event=mailDropped reason=queueFull messages=1"), std::string::npos);
 }
 
+namespace {
+
+/// The sum of the messages of all lines that say it.
+int droppedTooLate(const std::string &log)
+{
+    static const std::regex line{"event=mailDropped reason=tooLate messages=([0-9]+)"};
+    int sum = 0;
+    for (std::sregex_iterator match{log.begin(), log.end(), line}; match != std::sregex_iterator{}; ++match)
+        sum += std::stoi((*match)[1]);
+    return sum;
+}
+
+} // namespace
+
 TEST(MailQueueTest, ClosedWayKeepsMessagesForTheirLifeThenSaysHowManyAreDropped)
 {
     const LogCatcher log;
@@ -257,14 +272,12 @@ TEST(MailQueueTest, ClosedWayKeepsMessagesForTheirLifeThenSaysHowManyAreDropped)
     queue.post({});
     queue.post({});
     EXPECT_TRUE(within(
-        std::chrono::seconds{10}, [&] { return queue.excess(Precedence::Own).count() > 0; }));
-    EXPECT_TRUE(within(
-        std::chrono::seconds{10}, [&] { return record.attempts > 1; }));
-    EXPECT_TRUE(within(std::chrono::seconds{10}, [&] {
-        return log.text().find("event=mailDropped reason=tooLate messages=2") != std::string::npos;
-    }));
+        std::chrono::seconds{20}, [&] { return queue.excess(Precedence::Own).count() > 0; }));
+    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return record.attempts > 1; }));
+    // One that is being tried at that moment is dropped the next time.
+    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return droppedTooLate(log.text()) == 2; }));
     // Nothing waits now that could show that the way is open again: it is found out without a message.
-    EXPECT_TRUE(within(std::chrono::seconds{10}, [&] { return queue.excess(Precedence::Own).count() == 0; }));
+    EXPECT_TRUE(within(std::chrono::seconds{20}, [&] { return queue.excess(Precedence::Own).count() == 0; }));
 }
 
 } // namespace clockwell::server::test

@@ -1,5 +1,6 @@
 #include "Contains.h"
 #include "HttpClient.h"
+#include "Midnight.h"
 #include "PortInLog.h"
 #include "PrometheusText.h"
 #include "ServerProcess.h"
@@ -45,6 +46,7 @@ protected:
 
 TEST_F(MetricsProcessTest, ShowsWhatHappensAndNobodysName)
 {
+    passMidnight();
     ASSERT_NE(m_port, 0);
     const std::string access = token();
     const Reply outside = punch(access, 49.0);
@@ -52,14 +54,18 @@ TEST_F(MetricsProcessTest, ShowsWhatHappensAndNobodysName)
     ASSERT_EQ(punch(access, 48.0005).status, 200);
     ASSERT_EQ(punch(access, 48.0005).status, 200) << "the same punch again";
     ASSERT_EQ(send(server.port(), "GET", "/api/secret/" + access).status, 404);
-    const Reply reply = ask("/metrics");
-    ASSERT_EQ(reply.status, 200);
+    // A request is counted when its answer has been sent, and whoever has that may be quicker.
+    const char *total = "clockwell_http_requests_total";
+    Reply reply;
+    ASSERT_TRUE(eventually([&] {
+        reply = ask("/metrics");
+        return reply.status == 200 && PrometheusText{reply.body}.sum(total, {{"status", "404"}}) > 0;
+    }));
     EXPECT_EQ(reply.headers.at("content-type"), "text/plain; version=0.0.4");
     const PrometheusText text{reply.body};
     EXPECT_EQ(text.value("clockwell_punches_total", {{"outcome", "OUTSIDE_GEOFENCE"}}), 1);
     EXPECT_EQ(text.value("clockwell_punches_total", {{"outcome", "IN"}}), 1);
     EXPECT_EQ(text.value("clockwell_punches_total", {{"outcome", "REPEATED"}}), 1);
-    const char *total = "clockwell_http_requests_total";
     EXPECT_EQ(text.sum(total, {{"route", "/api/attendance/punch"}, {"method", "POST"}}), 3);
     EXPECT_EQ(text.value(total, {{"route", "other"}, {"method", "GET"}, {"status", "404"}}), 1);
     EXPECT_EQ(text.sum("clockwell_http_request_duration_seconds_count", {{"route", "/api/auth/login"}}), 1);
@@ -82,7 +88,7 @@ TEST_F(MetricsProcessTest, AnswersNothingElseAndNobodyElse)
     EXPECT_EQ(send(server.port(), "GET", "/metrics").status, 404);
     const ServerProcess without{folder.file("b.db")};
     ASSERT_NE(without.port(), 0);
-    EXPECT_EQ(portInLog(without, "metricsListening"), 0);
+    EXPECT_FALSE(contains(without.log(), "metricsListening"));
 }
 
 TEST_F(MetricsProcessTest, ShowsTheQueueOfPasswordChecks)

@@ -52,7 +52,6 @@ protected:
     std::string target() const
     {
         const auto connection = connectTo(url);
-        connection->execute("SET jit = off"); // it would take longer than all else
         std::string all =
             connection->value<std::string>("SELECT COALESCE(STRING_AGG(c.relname || '.' || a.attname, ' ' "
                                            "ORDER BY c.relname, a.attname), '')"

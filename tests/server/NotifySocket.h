@@ -45,7 +45,7 @@ public:
     NotifySocket &operator=(const NotifySocket &) = delete;
 
     /// The next message; empty when none comes in time.
-    std::string next(std::chrono::milliseconds limit = std::chrono::seconds{10}) const
+    std::string next(std::chrono::milliseconds limit = std::chrono::seconds{30}) const
     {
         const timeval time{limit.count() / 1000, (limit.count() % 1000) * 1000};
         ::setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
@@ -57,18 +57,11 @@ public:
     /// Whether this message comes, behind others perhaps.
     bool hears(const std::string &message) const
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{30};
         while (std::chrono::steady_clock::now() < end)
             if (next(std::chrono::seconds{1}) == message)
                 return true;
         return false;
-    }
-
-    /// Throws away what has come so far.
-    void forget() const
-    {
-        while (!next(std::chrono::milliseconds{1}).empty()) {
-        }
     }
 
 private:

@@ -50,14 +50,14 @@ TEST_F(OperatorTest, HealthAndReadinessAreToldApart)
     EXPECT_EQ(send(operatorPort(server), "POST", "/ready").status, 405);
     EXPECT_EQ(send(server.port(), "GET", "/health").status, 200);
     EXPECT_EQ(send(server.port(), "GET", "/ready").status, 404) << "not for everybody";
-    EXPECT_TRUE(contains(server.log(), "path=/ready status=200"));
+    EXPECT_TRUE(server.logs("path=/ready status=200"));
 }
 
 TEST_F(OperatorTest, NothingListensUnlessAsked)
 {
     const ServerProcess server{file};
     ASSERT_NE(server.port(), 0);
-    EXPECT_EQ(operatorPort(server), 0);
+    EXPECT_FALSE(contains(server.log(), "operatorListening"));
 }
 
 TEST_F(OperatorTest, FullServerStillAnswersItsOperator)
@@ -96,7 +96,7 @@ TEST_F(OperatorTest, DamagedDatabaseIsNotReadyThoughTheProcessLives)
     EXPECT_EQ(reply.status, 503);
     EXPECT_EQ(reply.error(), "NOT_READY");
     EXPECT_EQ(ask(server, "/health").status, 200);
-    EXPECT_NE(server.log().find("event=notReady"), std::string::npos);
+    EXPECT_TRUE(server.logs("event=notReady"));
 }
 
 TEST_F(OperatorTest, DamagedTableIsNotReady)
@@ -145,7 +145,7 @@ TEST_F(OperatorTest, DatabaseOfANewerVersionIsNotReady)
     const Reply reply = ask(server, "/ready");
     EXPECT_EQ(reply.status, 503);
     EXPECT_EQ(reply.error(), "NOT_READY");
-    EXPECT_TRUE(contains(server.log(), "its schema is of version 1000")) << server.log();
+    EXPECT_TRUE(server.logs("its schema is of version 1000")) << server.log();
     run("DELETE FROM schema_migrations WHERE version = 1000");
     EXPECT_EQ(ask(server, "/ready").status, 200);
 }

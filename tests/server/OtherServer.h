@@ -11,7 +11,7 @@ public:
     /// `threads`: that check passwords, and as many for those who are signed in.
     OtherServer(World &world, const Settings &settings, SendMail sendMail, unsigned threads = 2)
         : m_database(world.databaseFile(),
-                     {.patience = std::chrono::seconds{30}, .readers = std::size_t{2} * threads}),
+                     {.timeout = std::chrono::seconds{30}, .readers = std::size_t{2} * threads}),
           m_application(m_database, world.clock(), settings, std::move(sendMail)),
           m_http(
               withThreads(threads), [this](const Request &request) { return m_application.handle(request); },

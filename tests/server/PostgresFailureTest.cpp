@@ -1,3 +1,4 @@
+#include "Midnight.h"
 #include "PostgresServer.h"
 #include "ServerProcess.h"
 #include "TestDatabase.h"
@@ -107,7 +108,7 @@ TEST_F(PostgresFailureTest, WorkWhoseConnectionsAlwaysEndIsGivenUp)
     } catch (const DatabaseError &error) {
         EXPECT_EQ(error.kind(), Kind::Lost);
     }
-    EXPECT_EQ(runs, 1 + Retries::mostLosses);
+    EXPECT_EQ(runs, 1 + Retries::mostLostConnections);
 }
 
 TEST_F(PostgresFailureTest, ConnectionThatEndsDuringCommitIsNotRunAgain)
@@ -173,6 +174,7 @@ TEST_F(PostgresFailureTest, DatabaseThatCanOnlyBeReadIsNotReady)
 
 TEST(PostgresOutageTest, PunchThatWasRecordedWithoutAnAnswerIsFoundByItsRepeat)
 {
+    passMidnight();
     const PostgresServer postgres;
     Database database{postgres.url()};
     addOrganisation(database);
@@ -210,7 +212,7 @@ TEST(PostgresOutageTest, CommitThatWaitsTooLongForAStandbyIsUnconfirmedAndReadin
 {
     const PostgresServer postgres;
     DatabaseOptions options;
-    options.patience = std::chrono::seconds{1};
+    options.timeout = std::chrono::seconds{1};
     options.longestCommit = std::chrono::milliseconds{200};
     Database database{postgres.url(), options};
     waitForStandby(postgres, "nobody");
@@ -227,6 +229,7 @@ TEST(PostgresOutageTest, CommitThatWaitsTooLongForAStandbyIsUnconfirmedAndReadin
 
 TEST(PostgresOutageTest, ServerGoesOnWhenPostgresComesBack)
 {
+    passMidnight();
     const PostgresServer postgres;
     {
         Database database{postgres.url()};

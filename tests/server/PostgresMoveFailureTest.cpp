@@ -73,6 +73,27 @@ TEST_F(PostgresMoveFailureTest, NumberThatDiffersInItsLastBitIsFound)
     expectRefusal({"as they are in the file: offices (rows: 1 in the file, 1 in PostgreSQL)"});
 }
 
+TEST_F(PostgresMoveFailureTest, EmptyTextWhereThereWasNoneIsFound)
+{
+    inFile("INSERT INTO leaves VALUES ('l', 'employee-1', '2026-01-02', '2026-01-03', NULL)");
+    makeSchemaInTarget();
+    changeNewRows("leaves", "NEW.reason = repeat(chr(97), 0); RETURN NEW;");
+    expectRefusal({"as they are in the file: leaves (rows: 1 in the file, 1 in PostgreSQL)"});
+    inTarget("DROP TRIGGER spoil ON leaves");
+    EXPECT_TRUE(moves());
+}
+
+TEST_F(PostgresMoveFailureTest, LastOfManyRowsIsCompared)
+{
+    inFile("WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000)"
+           " INSERT INTO holidays SELECT 'office-1', printf('%010d', i), 'Holiday' FROM n");
+    makeSchemaInTarget();
+    changeNewRows("holidays", "IF NEW.day = ''0000001000'' THEN NEW.name = ''Workday''; END IF; RETURN NEW;");
+    expectRefusal({"as they are in the file: holidays (rows: 1000 in the file, 1000 in PostgreSQL)"});
+    inTarget("DROP TRIGGER spoil ON holidays");
+    EXPECT_TRUE(moves());
+}
+
 TEST_F(PostgresMoveFailureTest, MissingAndAddedRowsAreFound)
 {
     makeSchemaInTarget();

@@ -1,3 +1,4 @@
+#include "Midnight.h"
 #include "MoveFixture.h"
 #include "server/demo/DemoData.h"
 #include "server/storage/Migrations.h"
@@ -49,6 +50,7 @@ protected:
 
 TEST_F(PostgresMoveTest, DemonstrationIsServedAsBeforeAndSessionsGoOn)
 {
+    passMidnight(TimeZone::ofMachine());
     file = folder.file("demo.db");
     ASSERT_EQ(runServer({"demo", "--database", file, "--password", "Correct-Horse-7"}).exitCode, 0);
     nlohmann::json session;

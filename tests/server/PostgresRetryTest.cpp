@@ -62,9 +62,9 @@ protected:
     TempFolder folder;
     std::vector<std::string> reasons; ///< why transactions of the next were run again
     Database database{databaseIn(folder),
-                      {.patience = std::chrono::seconds{60},
+                      {.timeout = std::chrono::seconds{60},
                        .onRetry = [this](std::string_view sqlstate) { reasons.emplace_back(sqlstate); }}};
-    Database other{databaseIn(folder), {.patience = std::chrono::seconds{60}}};
+    Database other{databaseIn(folder), {.timeout = std::chrono::seconds{60}}};
 };
 
 TEST_F(PostgresRetryTest, WorkIsRunAgainWhenOthersCameInBetween)
@@ -137,7 +137,7 @@ TEST_F(PostgresRetryTest, GivesUpWhenTheWaitIsOverAndRecordsNothing)
 TEST_F(PostgresRetryTest, ThoseWhoMetRunAgainOneAtATime)
 {
     constexpr std::size_t many = 8;
-    Database shared{databaseIn(folder), {.patience = std::chrono::seconds{60}, .readers = many}};
+    Database shared{databaseIn(folder), {.timeout = std::chrono::seconds{60}, .readers = many}};
     std::barrier met{many};
     std::atomic<int> runningAgain = 0;
     std::atomic<int> most = 0;

@@ -15,8 +15,8 @@ string(SUBSTRING "${postgres_id}" 0 12 postgres_id)
 set(postgres_folder "/tmp/clockwell-postgres-${postgres_id}")
 add_test(NAME PostgreSQL.Start COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/postgres-server" fresh "${postgres_folder}")
 add_test(NAME PostgreSQL.Remove COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/postgres-server" remove "${postgres_folder}")
-set_tests_properties(PostgreSQL.Start PROPERTIES FIXTURES_SETUP PostgreSQL TIMEOUT 60)
-set_tests_properties(PostgreSQL.Remove PROPERTIES FIXTURES_CLEANUP PostgreSQL TIMEOUT 60)
+set_tests_properties(PostgreSQL.Start PROPERTIES FIXTURES_SETUP PostgreSQL TIMEOUT 300)
+set_tests_properties(PostgreSQL.Remove PROPERTIES FIXTURES_CLEANUP PostgreSQL TIMEOUT 300)
 
 # Not these: they touch no database ...
 set(without_database

@@ -1,42 +1,14 @@
 #include "AdminFixture.h"
 #include "PostgresServer.h"
+#include "ReservedPort.h"
 #include "Within.h"
 #include "server/storage/PostgresEngine.h"
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <cstdlib>
-#include <random>
 
 namespace clockwell::server::test {
 
 namespace {
-
-bool isFree(std::uint16_t port)
-{
-    const int handle = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = ::htons(port);
-    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-    const bool isBound = ::bind(handle, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
-    ::close(handle);
-    return isBound;
-}
-
-/// A port of loopback that is free, and not one of those that the system gives to whoever names none.
-std::uint16_t freePort()
-{
-    std::random_device random;
-    for (int i = 0; i < 100; ++i) {
-        const auto port = static_cast<std::uint16_t>(20000 + random() % 10000);
-        if (isFree(port))
-            return port;
-    }
-    return 0;
-}
 
 // Two authorities, one of which vouches for db.example.org.
 constexpr const char *certificatesScript = R"(
@@ -96,7 +68,8 @@ protected:
     }
 
     TempFolder folder;
-    std::string port = std::to_string(freePort());
+    const ReservedPort reserved;
+    std::string port = std::to_string(reserved.number());
     PostgresServer postgres{{"listen_addresses=127.0.0.1", "port=" + port}};
 };
 

@@ -1,5 +1,7 @@
 #include "ServerProcess.h"
 
+#include "Within.h"
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -77,9 +79,11 @@ ServerProcess::ServerProcess(const std::string &database, std::vector<std::strin
     if (!isFile && std::none_of(more.begin(), more.end(), isMail))
         arguments.insert(arguments.end(), {"--outbox", m_folder.file("outbox")});
     m_process = spawnServer(arguments, "/dev/null", logFile.empty() ? m_folder.file("log") : logFile);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes{1};
     while (m_port == 0 && m_process > 0 && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(pollPause);
+        if (::waitpid(m_process, nullptr, WNOHANG) == m_process)
+            m_process = -1;
         const std::string text = readFile(portFile);
         m_port = text.empty() ? std::uint16_t{0} : static_cast<std::uint16_t>(std::stoi(text));
     }
@@ -103,6 +107,13 @@ std::string ServerProcess::log() const
     return text;
 }
 
+bool ServerProcess::logs(const std::string &text) const
+{
+    return within(
+        std::chrono::seconds{20},
+        [&] { return readFile(m_folder.file("log")).find(text) != std::string::npos; });
+}
+
 void ServerProcess::kill()
 {
     if (m_process <= 0)
@@ -117,7 +128,7 @@ int ServerProcess::terminate()
     if (m_process <= 0)
         return -1;
     ::kill(m_process, SIGTERM);
-    const int exitCode = waitForEnd(m_process, std::chrono::seconds{15});
+    const int exitCode = waitForEnd(m_process, std::chrono::minutes{1});
     m_process = -1;
     return exitCode;
 }

@@ -20,13 +20,13 @@ struct ProcessResult
 
 /// Runs the server program to its end, or kills it when the limit is over.
 ProcessResult runServer(const std::vector<std::string> &arguments,
-                        std::chrono::milliseconds limit = std::chrono::seconds{20});
+                        std::chrono::milliseconds limit = std::chrono::minutes{1});
 
 /// The server program while it serves; killed with the object if it still runs.
 class ServerProcess
 {
 public:
-    /// Starts it on a free port and waits until it listens, at most ten seconds. `logFile`: where its
+    /// Starts it on a free port and waits until it listens or ends, at most a minute. `logFile`: where its
     /// standard error goes, perhaps a pipe that has a reader; empty: to a file for log().
     /// `database`: empty for the one in the environment.
     explicit ServerProcess(const std::string &database, std::vector<std::string> more = {},
@@ -38,8 +38,9 @@ public:
     std::uint16_t port() const { return m_port; } ///< 0 when it did not start
     pid_t process() const { return m_process; }   ///< -1 when it does not run
     std::string log() const; ///< what it has written to standard error, once it writes no more
-    void kill();             ///< SIGKILL, and waits for the end
-    int terminate();         ///< SIGTERM; returns the exit code
+    bool logs(const std::string &text) const; ///< whether it writes this to standard error within 20 seconds
+    void kill();                              ///< SIGKILL, and waits for the end
+    int terminate();                          ///< SIGTERM; returns the exit code
 
 private:
     TempFolder m_folder;

@@ -75,7 +75,7 @@ TEST(ServiceManagerTest, ServerWhoseWorkersHangIsNotAlive)
     const NotifySocket socket{milliseconds{100}};
     Gate gate;
     std::atomic<int> begun{0};
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.signedInThreads = 2;
     TestServer server(
         [&](const Request &) {
@@ -91,9 +91,9 @@ TEST(ServiceManagerTest, ServerWhoseWorkersHangIsNotAlive)
     for (RawClient *client : {&one, &two, &three})
         client->send(get("/"));
     ASSERT_TRUE(eventually([&] { return begun == 2; }));
-    std::this_thread::sleep_for(milliseconds{100}); // for an answer that was under way
-    socket.forget();
-    EXPECT_EQ(socket.next(milliseconds{500}), "") << "all workers are held up";
+    // After an answer that was under way.
+    EXPECT_TRUE(eventually([&] { return socket.next(milliseconds{500}).empty(); }))
+        << "all workers are held up";
     gate.open();
     EXPECT_TRUE(socket.hears(alive)) << "and now they are not";
 }
@@ -101,7 +101,7 @@ TEST(ServiceManagerTest, ServerWhoseWorkersHangIsNotAlive)
 TEST(ServiceManagerTest, LongQueueIsNoStandstill)
 {
     const NotifySocket socket{milliseconds{200}};
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.signedInThreads = 1;
     options.stopDeadline = milliseconds{10};
     TestServer server(
@@ -141,7 +141,7 @@ TEST(ServiceManagerTest, EndsAtOnceWhetherTheProbeIsAnsweredOrNot)
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes{1});
     late(); // harmless
     EXPECT_EQ(socket.next(), "READY=1");
-    EXPECT_EQ(socket.next(), "STOPPING=1");
+    EXPECT_TRUE(socket.hears("STOPPING=1")); // perhaps behind a sign of life: whoever stops is alive
 }
 
 } // namespace clockwell::server::test

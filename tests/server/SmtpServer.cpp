@@ -1,33 +1,23 @@
 #include "SmtpServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
+#include "ReservedPort.h"
+#include "Within.h"
+
 #include <spawn.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
+#include <deque>
 #include <stdexcept>
-#include <thread>
 
 namespace clockwell::server::test {
 
 std::uint16_t SmtpServer::freePort()
 {
-    const int probe = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    const bool known = ::bind(probe, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 &&
-                       ::getsockname(probe, reinterpret_cast<sockaddr *>(&address), &size) == 0;
-    ::close(probe);
-    if (!known)
-        throw std::runtime_error{"no free port"};
-    return ntohs(address.sin_port);
+    static std::deque<ReservedPort> ports;
+    return ports.emplace_back().number();
 }
 
 SmtpServer::SmtpServer(const Options &options) : m_port(options.port)
@@ -41,6 +31,7 @@ SmtpServer::SmtpServer(const Options &options) : m_port(options.port)
                                    options.certificateFile,
                                    options.keyFile,
                                    m_folder.file("connections"),
+                                   m_folder.file("closed"),
                                    std::to_string(options.delay.count()),
                                    std::to_string(options.messagesOfAConnection)};
     words.insert(words.end(), options.firstReplies.begin(), options.firstReplies.end());
@@ -50,12 +41,8 @@ SmtpServer::SmtpServer(const Options &options) : m_port(options.port)
     argv.push_back(nullptr);
     if (::posix_spawn(&m_process, argv.front(), nullptr, nullptr, argv.data(), environ) != 0)
         throw std::runtime_error{"python3 does not start"};
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
-    while (readFile(m_folder.file("port")).empty()) {
-        if (std::chrono::steady_clock::now() > end)
-            throw std::runtime_error{"the mail server does not answer; is python3-aiosmtpd installed?"};
-        std::this_thread::sleep_for(std::chrono::milliseconds{10});
-    }
+    if (!within(std::chrono::minutes{1}, [this] { return !readFile(m_folder.file("port")).empty(); }))
+        throw std::runtime_error{"the mail server does not answer; is python3-aiosmtpd installed?"};
 }
 
 SmtpServer::~SmtpServer()
@@ -67,6 +54,11 @@ SmtpServer::~SmtpServer()
 std::size_t SmtpServer::connections() const
 {
     return readFile(m_folder.file("connections")).size(); // a byte for each
+}
+
+std::size_t SmtpServer::closed() const
+{
+    return readFile(m_folder.file("closed")).size();
 }
 
 std::vector<std::string> SmtpServer::messages() const

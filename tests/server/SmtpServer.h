@@ -26,7 +26,7 @@ public:
         int messagesOfAConnection = 0;           ///< after so many it closes the connection; 0: never
     };
 
-    /// Waits until it answers, at most ten seconds; throws std::runtime_error when it does not.
+    /// Waits until it answers, at most a minute; throws std::runtime_error when it does not.
     explicit SmtpServer(const Options &options);
     ~SmtpServer();
     SmtpServer(const SmtpServer &) = delete;
@@ -39,8 +39,9 @@ public:
 
     /// How many connections it has accepted.
     std::size_t connections() const;
+    std::size_t closed() const; ///< and how many of them it has closed
 
-    /// A port that nobody listens on right now.
+    /// A port that nobody listens on but such a server, as long as this process lives.
     static std::uint16_t freePort();
 
 private:

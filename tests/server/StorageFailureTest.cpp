@@ -75,7 +75,7 @@ TEST(StorageFailureTest, FullStorageRefusesPunchesAndLosesNone)
 
 TEST(StorageFailureTest, LockedDatabaseIsBusyAndRecordsNothing)
 {
-    World world{"2026-06-10T09:00:00Z", World::cheap(), {.patience = std::chrono::seconds{1}}};
+    World world{"2026-06-10T09:00:00Z", World::cheap(), {.timeout = std::chrono::seconds{1}}};
     addOffice(world.database(), {});
     addEmployee(world.database(), {});
     const std::string token = world.token();

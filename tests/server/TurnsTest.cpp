@@ -48,7 +48,7 @@ protected:
         return m_order;
     }
 
-    static constexpr milliseconds longest{10'000};
+    static constexpr milliseconds longest{30'000};
     Turns m_turns{1};
 
 private:

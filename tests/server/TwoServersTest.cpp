@@ -14,7 +14,7 @@ namespace clockwell::server::test {
 class TwoServersTest : public testing::Test
 {
 protected:
-    TwoServersTest() : world("2026-06-10T09:00:00Z", settings(), {.patience = std::chrono::seconds{30}})
+    TwoServersTest() : world("2026-06-10T09:00:00Z", settings(), {.timeout = std::chrono::seconds{30}})
     {
         addOffice(world.database(), {});
         addEmployee(world.database(), {});

@@ -1,4 +1,5 @@
 #include "ComponentStage.h"
+#include "NextFrame.h"
 #include "StackDriver.h"
 #include "ui/Theme.h"
 
@@ -63,7 +64,7 @@ protected:
     {
         QTest::qWait(pause);
         QTest::touchEvent(&stage.window(), finger).move(0, at);
-        QTest::qWait(20); // moves are delivered with the next frame
+        EXPECT_TRUE(nextFrame(stage.window()));
     }
     void release(QPoint at) { QTest::touchEvent(&stage.window(), finger).release(0, at); }
     void dragByFinger(QPoint from, QPoint by, int pause = 60)

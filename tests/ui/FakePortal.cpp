@@ -9,7 +9,7 @@ namespace clockwell::test {
 
 namespace {
 
-constexpr int startLimit = 5000; // ms
+constexpr int startLimit = 40'000; // ms
 const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
 const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
 

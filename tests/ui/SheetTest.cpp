@@ -1,4 +1,5 @@
 #include "ComponentStage.h"
+#include "NextFrame.h"
 #include "ui/Theme.h"
 
 #include <QPointer>
@@ -219,9 +220,8 @@ TEST_F(SheetTest, DraggedByAFinger)
 {
     open();
     dragByFinger(bar(), QPoint(0, 60));
-    QTest::qWait(400);
+    EXPECT_TRUE(springsBack());
     EXPECT_EQ(count("rejections"), 0);
-    EXPECT_EQ(top(), 20);
     dragByFinger(bar(), QPoint(0, 300));
     EXPECT_EQ(count("rejections"), 1);
     EXPECT_TRUE(closes());
@@ -289,6 +289,7 @@ TEST_F(SheetTest, ADragUpwardsScrollsAndStaysAScroll)
     for (const int y : {-20, -60, -100, -60, 0, 60, 120, 200}) {
         QTest::qWait(30);
         QTest::touchEvent(&stage.window(), finger).move(0, middle() + QPoint(0, y));
+        EXPECT_TRUE(nextFrame(stage.window()));
     }
     EXPECT_EQ(top(), 20);
     QTest::touchEvent(&stage.window(), finger).release(0, middle() + QPoint(0, 200));

@@ -40,7 +40,7 @@ protected:
 
     static HttpOptions options()
     {
-        HttpOptions options = TestServer::quickOptions();
+        HttpOptions options = TestServer::usualOptions();
         options.renewalThreads = options.signedInThreads = options.passwordThreads = 1;
         return options;
     }
@@ -243,7 +243,9 @@ TEST_F(HttpLanesTest, HalfABodyTakesNoWorker)
 
 TEST_F(HttpLanesTest, RenewalThatDoesNotArriveWholeIsLeftUnanswered)
 {
-    TestServer server(handler(), options(), TestServer::byPath());
+    HttpOptions hasty = options();
+    hasty.requestDeadline = milliseconds(600);
+    TestServer server(handler(), hasty, TestServer::byPath());
     RawClient slow(server.port()), ended(server.port());
     slow.send("POST /renewal HTTP/1.1\r\nHost: x\r\nContent-Length: 9\r\n\r\nhalf");
     ended.send("POST /renewal HTTP/1.1\r\nHost: x\r\nContent-Length: 9\r\n\r\nhalf");

@@ -10,8 +10,6 @@
 
 namespace clockwell::server {
 
-using std::chrono::milliseconds;
-
 namespace {
 
 void expectError(const RawResponse &response, int status, const std::string &code)
@@ -33,7 +31,7 @@ TEST(HttpLimitsTest, BodyOverTheLimitIsRefusedByItsLengthAndTheConnectionClosed)
     RawClient client(server.port());
     expectError(client.exchange("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 16385\r\n\r\n"), 413,
                 "PAYLOAD_TOO_LARGE");
-    EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
 }
 
 TEST(HttpLimitsTest, ClientThatGoesOnSendingATooLargeBodyStillReadsTheRefusal)
@@ -77,7 +75,7 @@ TEST(HttpLimitsTest, HeaderLimitHoldsForEachRequestOfAConnection)
 
 TEST(HttpLimitsTest, FloodOfConnectionsIsClosedAndTheServerLives)
 {
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.maxConnections = 2;
     TestServer server(TestServer::echo, options);
     {
@@ -93,7 +91,7 @@ namespace {
 /// A server that answers "/missing" with 404, and lets an address fail so many times.
 HttpOptions failures(unsigned burst)
 {
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.failuresPerMinute = 20;
     options.failureBurst = burst;
     return options;
@@ -163,7 +161,7 @@ TEST(HttpLimitsTest, ThrottledRequestWithABodyEndsTheConnection)
     const auto response = client.exchange(post("/", get("/smuggled")));
     expectError(response, 429, "TOO_MANY_REQUESTS");
     EXPECT_EQ(response.headers.at("connection"), "close");
-    EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
 }
 
 TEST(HttpLimitsTest, HandlersExceptionBecomesAGeneralAnswerAndTheConnectionGoesOn)

@@ -20,8 +20,7 @@ constexpr const char *stranger = "127.0.0.1";
 
 HttpOptions behindProxy()
 {
-    HttpOptions options = TestServer::quickOptions();
-    options.idleDeadline = options.headDeadline = std::chrono::seconds(20);
+    HttpOptions options = TestServer::usualOptions();
     options.trustedProxies = {"127.0.0.8/31"};
     return options;
 }
@@ -160,7 +159,7 @@ TEST(HttpProxyTest, ProxyMayHaveAllConnections)
     RawClient first(server.port(), 0, stranger), second(server.port(), 0, stranger),
         third(server.port(), 0, stranger);
     EXPECT_EQ(third.exchange(get("/")).status, 200);
-    EXPECT_TRUE(first.closesWithin(std::chrono::seconds(2))) << "the limit by address holds for others";
+    EXPECT_TRUE(first.closesWithin(RawClient::patience)) << "the limit by address holds for others";
 }
 
 TEST(HttpProxyTest, QueueForPasswordsIsFairToClientsOfOneProxy)

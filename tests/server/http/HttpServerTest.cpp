@@ -90,7 +90,7 @@ TEST(HttpServerTest, ConnectionCloseIsHonouredAndSaid)
     const auto response = client.exchange(get("/", "Connection: close\r\n"));
     EXPECT_EQ(response.status, 200);
     EXPECT_EQ(response.headers.at("connection"), "close");
-    EXPECT_TRUE(client.closesWithin(std::chrono::seconds(1)));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
 }
 
 TEST(HttpServerTest, UnansweredRequestEndsTheConnectionWithoutAByte)
@@ -115,7 +115,7 @@ TEST(HttpServerTest, Http10ClosesUnlessItAsksNotTo)
     TestServer server;
     RawClient plain(server.port());
     EXPECT_EQ(plain.exchange("GET / HTTP/1.0\r\n\r\n").headers.at("connection"), "close");
-    EXPECT_TRUE(plain.closesWithin(std::chrono::seconds(1)));
+    EXPECT_TRUE(plain.closesWithin(RawClient::patience));
     RawClient kept(server.port());
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(kept.exchange("GET / HTTP/1.0\r\nConnection: keep-alive\r\n\r\n").headers.at("connection"),
@@ -162,7 +162,7 @@ TEST(HttpServerTest, BinaryBodiesArriveUnchanged)
     std::string body;
     for (int i = 0; i < 300'000; ++i)
         body.push_back(static_cast<char>(i * 7 + i / 256));
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.bodyLimit = body.size();
     TestServer server([](const Request &request) { return Response{200, request.body, "a/b", {}}; }, options);
     RawClient client(server.port());
@@ -216,7 +216,7 @@ TEST(HttpServerTest, AddressMustBeAnAddress)
 
 TEST(HttpServerTest, PortCanBeTakenAgainAfterStop)
 {
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     {
         TestServer server;
         options.port = server.port();

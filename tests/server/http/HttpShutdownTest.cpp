@@ -38,7 +38,7 @@ TEST(HttpShutdownTest, RequestInFlightIsAnsweredAndItsConnectionClosed)
     const auto response = client.receive();
     EXPECT_EQ(response.status, 200);
     EXPECT_EQ(response.headers.at("connection"), "close");
-    EXPECT_TRUE(client.closesWithin(milliseconds(1000))) << "what was sent ahead is not begun";
+    EXPECT_TRUE(client.closesWithin(RawClient::patience)) << "what was sent ahead is not begun";
     stopping.join();
     EXPECT_EQ(running, 1);
 }
@@ -48,7 +48,8 @@ TEST(HttpShutdownTest, HalfReceivedRequestMayFinish)
     TestServer server;
     RawClient client(server.port());
     client.send("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 4\r\n\r\nab");
-    std::this_thread::sleep_for(milliseconds(50));
+    // Answered by the same thread: what was sent before has been read by then.
+    EXPECT_EQ(RawClient(server.port()).exchange(get("/health")).status, 200);
     std::thread stopping([&server] { server.server().stop(); });
     std::this_thread::sleep_for(milliseconds(50));
     client.send("cd");
@@ -58,17 +59,17 @@ TEST(HttpShutdownTest, HalfReceivedRequestMayFinish)
 
 TEST(HttpShutdownTest, IdleConnectionsDoNotDelayIt)
 {
-    HttpOptions options = TestServer::quickOptions();
-    options.idleDeadline = options.headDeadline = options.stopDeadline = std::chrono::seconds(20);
+    HttpOptions options = TestServer::usualOptions();
+    options.idleDeadline = options.headDeadline = options.stopDeadline = std::chrono::minutes(1);
     TestServer server(TestServer::echo, options);
     RawClient used(server.port()), unused(server.port());
     used.exchange(get("/"));
     const auto start = SteadyClock::now();
     std::thread stopping([&server] { server.server().stop(); });
-    EXPECT_TRUE(used.closesWithin(milliseconds(1000)));
-    EXPECT_TRUE(unused.closesWithin(milliseconds(1000)));
+    EXPECT_TRUE(used.closesWithin(RawClient::patience));
+    EXPECT_TRUE(unused.closesWithin(RawClient::patience));
     stopping.join();
-    EXPECT_LT(SteadyClock::now() - start, milliseconds(1500));
+    EXPECT_LT(SteadyClock::now() - start, std::chrono::seconds(30));
 }
 
 TEST(HttpShutdownTest, NewConnectionsAreRefusedFromTheStart)
@@ -95,10 +96,11 @@ TEST(HttpShutdownTest, NewConnectionsAreRefusedFromTheStart)
 TEST(HttpShutdownTest, RequestsBeyondTheStopDeadlineAreCutOff)
 {
     std::atomic<int> running{0};
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.stopDeadline = milliseconds(100);
     options.signedInThreads = 1;
-    TestServer server(slowHandler(milliseconds(1200), running), options);
+    constexpr milliseconds handling(4000);
+    TestServer server(slowHandler(handling, running), options);
     RawClient first(server.port()), queued(server.port());
     first.send(get("/"));
     ASSERT_TRUE(eventually([&running] { return running == 1; }));
@@ -106,9 +108,9 @@ TEST(HttpShutdownTest, RequestsBeyondTheStopDeadlineAreCutOff)
     std::this_thread::sleep_for(milliseconds(50));
     const auto start = SteadyClock::now();
     std::thread stopping([&server] { server.server().stop(); });
-    EXPECT_TRUE(first.closesWithin(milliseconds(1000)));
-    EXPECT_TRUE(queued.closesWithin(milliseconds(1000)));
-    EXPECT_LT(SteadyClock::now() - start, milliseconds(1000));
+    EXPECT_TRUE(first.closesWithin(handling));
+    EXPECT_TRUE(queued.closesWithin(handling));
+    EXPECT_LT(SteadyClock::now() - start, handling - milliseconds(500));
     stopping.join();
     EXPECT_EQ(running, 1) << "the queued one is not begun any more";
     EXPECT_NE(server.log().find("event=stopDeadline"), std::string::npos);
@@ -116,21 +118,23 @@ TEST(HttpShutdownTest, RequestsBeyondTheStopDeadlineAreCutOff)
 
 TEST(HttpShutdownTest, SlowReaderDoesNotHoldItUpBeyondTheDeadline)
 {
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.writeDeadline = std::chrono::seconds(20);
     options.stopDeadline = milliseconds(200);
+    std::atomic<int> begun{0};
     TestServer server(
-        [](const Request &) {
+        [&begun](const Request &) {
+            ++begun;
             return Response{200, std::string(20'000'000, 'r'), "a/b", {}};
         },
         options);
     RawClient client(server.port(), 4096);
     client.send(get("/"));
-    std::this_thread::sleep_for(milliseconds(50));
+    ASSERT_TRUE(eventually([&begun] { return begun == 1; }));
     const auto start = SteadyClock::now();
     server.server().stop();
     EXPECT_GE(SteadyClock::now() - start, milliseconds(190));
-    EXPECT_LT(SteadyClock::now() - start, milliseconds(1500));
+    EXPECT_LT(SteadyClock::now() - start, std::chrono::seconds(10));
 }
 
 TEST(HttpShutdownTest, StopTwiceAndStopWithoutStartDoNothing)
@@ -172,7 +176,7 @@ TEST(StopSignalTest, WaitForGivesUpAtItsLimit)
     StopSignal signal;
     EXPECT_FALSE(signal.waitFor(milliseconds(30)));
     ASSERT_EQ(kill(getpid(), SIGTERM), 0);
-    EXPECT_EQ(signal.waitFor(milliseconds(1000)), SIGTERM);
+    EXPECT_EQ(signal.waitFor(std::chrono::seconds(20)), SIGTERM);
 }
 
 TEST(StopSignalTest, HangUpOfTheLastMomentDoesNotEndTheProcess)

@@ -20,7 +20,7 @@ milliseconds drip(RawClient &client, std::string_view bytes, milliseconds pause)
     for (const char byte : bytes) {
         if (!client.send({&byte, 1}) || client.closesWithin(pause))
             break;
-        if (SteadyClock::now() - start > std::chrono::seconds(3))
+        if (SteadyClock::now() - start > std::chrono::seconds(15))
             break;
     }
     return std::chrono::duration_cast<milliseconds>(SteadyClock::now() - start);
@@ -30,7 +30,7 @@ milliseconds drip(RawClient &client, std::string_view bytes, milliseconds pause)
 
 TEST(HttpSlowClientTest, HeaderThatStopsHalfwayIsTimedOut)
 {
-    TestServer server;
+    TestServer server(TestServer::echo, TestServer::quickOptions());
     RawClient client(server.port());
     const auto start = SteadyClock::now();
     const auto response = client.exchange("GET / HTTP/1.1\r\nHost: x\r\n");
@@ -38,42 +38,43 @@ TEST(HttpSlowClientTest, HeaderThatStopsHalfwayIsTimedOut)
     EXPECT_EQ(response.body, R"({"statusCode":408,"error":"REQUEST_TIMEOUT",)"
                              R"("message":"The request took too long to arrive."})");
     EXPECT_GE(SteadyClock::now() - start, milliseconds(390));
-    EXPECT_LT(SteadyClock::now() - start, milliseconds(1500));
-    EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
+    EXPECT_LT(SteadyClock::now() - start, std::chrono::seconds(10));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
 }
 
 TEST(HttpSlowClientTest, HeaderThatDripsIsTimedOutAllTheSame)
 {
-    TestServer server;
+    TestServer server(TestServer::echo, TestServer::quickOptions());
     RawClient client(server.port());
     const auto time = drip(client, get("/", "X: " + std::string(1000, 'a')), milliseconds(20));
     EXPECT_GE(time, milliseconds(390));
-    EXPECT_LT(time, milliseconds(1500));
+    EXPECT_LT(time, std::chrono::seconds(10)) << "all of it takes 20 seconds";
     EXPECT_EQ(client.receive().status, 408);
 }
 
 TEST(HttpSlowClientTest, BodyThatStopsHalfwayIsTimedOut)
 {
-    TestServer server;
+    TestServer server(TestServer::echo, TestServer::quickOptions());
     RawClient client(server.port());
     const auto start = SteadyClock::now();
     EXPECT_EQ(client.exchange("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf").status, 408);
     EXPECT_GE(SteadyClock::now() - start, milliseconds(590));
-    EXPECT_TRUE(client.closesWithin(milliseconds(1000)));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
 }
 
 TEST(HttpSlowClientTest, BodyThatDripsIsTimedOutAllTheSame)
 {
     std::atomic<int> handled{0};
-    TestServer server([&handled](const Request &request) {
+    const auto handler = [&handled](const Request &request) {
         ++handled;
         return TestServer::echo(request);
-    });
+    };
+    TestServer server(handler, TestServer::quickOptions());
     RawClient client(server.port());
     client.send("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 1000\r\n\r\n");
     const auto time = drip(client, std::string(1000, 'b'), milliseconds(20));
     EXPECT_GE(time, milliseconds(590));
-    EXPECT_LT(time, milliseconds(1700));
+    EXPECT_LT(time, std::chrono::seconds(10)) << "all of it takes 20 seconds";
     EXPECT_EQ(client.receive().status, 408);
     EXPECT_EQ(handled, 0) << "half a request reaches no handler";
 }
@@ -81,7 +82,7 @@ TEST(HttpSlowClientTest, BodyThatDripsIsTimedOutAllTheSame)
 TEST(HttpSlowClientTest, DeadlineOfTheSecondRequestStartsWithIt)
 {
     HttpOptions options = TestServer::quickOptions();
-    options.idleDeadline = std::chrono::seconds(5);
+    options.idleDeadline = std::chrono::seconds(20);
     TestServer server(TestServer::echo, options);
     RawClient client(server.port());
     for (int i = 0; i < 3; ++i) {
@@ -93,35 +94,36 @@ TEST(HttpSlowClientTest, DeadlineOfTheSecondRequestStartsWithIt)
 
 TEST(HttpSlowClientTest, SlowHandlerIsNotTheClientsFault)
 {
-    TestServer server([](const Request &request) {
+    const auto handler = [](const Request &request) {
         std::this_thread::sleep_for(milliseconds(900)); // longer than any deadline for the client
         return TestServer::echo(request);
-    });
+    };
+    TestServer server(handler, TestServer::quickOptions());
     EXPECT_EQ(RawClient(server.port()).exchange(post("/", "a")).status, 200);
 }
 
 TEST(HttpSlowClientTest, ConnectionWithoutARequestIsClosedSilently)
 {
-    TestServer server;
+    TestServer server(TestServer::echo, TestServer::quickOptions());
     RawClient client(server.port());
     const auto start = SteadyClock::now();
-    EXPECT_TRUE(client.closesWithin(milliseconds(1500)));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
     EXPECT_GE(SteadyClock::now() - start, milliseconds(390));
 }
 
 TEST(HttpSlowClientTest, IdleKeptAliveConnectionIsClosedSilently)
 {
-    TestServer server;
+    TestServer server(TestServer::echo, TestServer::quickOptions());
     RawClient client(server.port());
     ASSERT_EQ(client.exchange(get("/")).status, 200);
     const auto start = SteadyClock::now();
-    EXPECT_TRUE(client.closesWithin(milliseconds(1500)));
+    EXPECT_TRUE(client.closesWithin(RawClient::patience));
     EXPECT_GE(SteadyClock::now() - start, milliseconds(390));
 }
 
 TEST(HttpSlowClientTest, HalfSentBodyAtTheEndOfTheStreamIsABadRequest)
 {
-    TestServer server;
+    TestServer server(TestServer::echo, TestServer::quickOptions());
     RawClient client(server.port());
     client.send("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf");
     client.endOutput();
@@ -145,21 +147,25 @@ TEST(HttpSlowClientTest, ResetsAtEveryStageLeaveTheServerServing)
 
 TEST(HttpSlowClientTest, ReaderThatDoesNotReadIsCutOff)
 {
-    HttpOptions options = TestServer::quickOptions();
+    constexpr milliseconds deadline(2000);
+    HttpOptions options = TestServer::usualOptions();
+    options.writeDeadline = deadline;
     options.maxConnections = 1;
+    std::atomic<int> begun{0};
     TestServer server(
-        [](const Request &) {
+        [&begun](const Request &) {
+            ++begun;
             return Response{200, std::string(20'000'000, 'r'), "a/b", {}};
         },
         options);
     RawClient client(server.port(), 4096);
     const auto start = SteadyClock::now();
     client.send(get("/"));
-    // The one place is free again only when the slow reader was thrown out.
-    std::this_thread::sleep_for(milliseconds(100));
+    ASSERT_TRUE(eventually([&begun] { return begun == 1; })); // from now on it has the one place
+    // That is free again only when the slow reader was thrown out.
     EXPECT_EQ(RawClient(server.port()).exchange(get("/a")).status, 503);
     EXPECT_TRUE(eventually([&server] { return RawClient(server.port()).exchange(get("/a")).status == 200; }));
-    EXPECT_GE(SteadyClock::now() - start, milliseconds(490));
+    EXPECT_GE(SteadyClock::now() - start, deadline - milliseconds(10));
     EXPECT_LT(client.receiveAll().size(), 20'000'000U);
 }
 
@@ -171,8 +177,8 @@ TEST(HttpSlowClientTest, ReaderThatReadsGetsALargeAnswerWhole)
 
 TEST(HttpSlowClientTest, ManyDrippingConnectionsDoNotHinderOthers)
 {
-    HttpOptions options = TestServer::quickOptions();
-    options.headDeadline = std::chrono::seconds(20); // they stay for the whole test
+    HttpOptions options = TestServer::usualOptions();
+    options.headDeadline = std::chrono::minutes(1); // they stay for the whole test
     TestServer server(TestServer::echo, options);
     std::vector<std::unique_ptr<RawClient>> dripping;
     for (int i = 0; i < 200; ++i) {
@@ -181,7 +187,7 @@ TEST(HttpSlowClientTest, ManyDrippingConnectionsDoNotHinderOthers)
     }
     const auto start = SteadyClock::now();
     EXPECT_EQ(RawClient(server.port()).exchange(get("/")).status, 200);
-    EXPECT_LT(SteadyClock::now() - start, std::chrono::seconds(2));
+    EXPECT_LT(SteadyClock::now() - start, std::chrono::seconds(10));
 }
 
 } // namespace clockwell::server

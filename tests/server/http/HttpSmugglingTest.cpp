@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(HttpSmugglingTest, BareLineFeedsAreRefusedAtOnceNotAtTheDeadline)
 {
-    HttpOptions options = TestServer::quickOptions();
+    HttpOptions options = TestServer::usualOptions();
     options.headDeadline = std::chrono::seconds(30);
     TestServer server(TestServer::echo, options);
     EXPECT_EQ(RawClient(server.port()).exchange("GET / HTTP/1.1\nHost: x\n\n").status, 400);

@@ -21,9 +21,8 @@ protected:
         s_certificate = nullptr;
     }
 
-    static HttpOptions options()
+    static HttpOptions options(HttpOptions result = TestServer::usualOptions())
     {
-        HttpOptions result = TestServer::quickOptions();
         result.certificateFile = s_certificate->certificateFile();
         result.privateKeyFile = s_certificate->keyFile();
         return result;
@@ -90,16 +89,18 @@ TEST_F(HttpTlsTest, PlainHttpOnATlsPortGetsNoAnswer)
 
 TEST_F(HttpTlsTest, HandshakeThatDoesNotHappenIsTimedOut)
 {
-    TestServer server(TestServer::echo, options());
+    TestServer server(TestServer::echo, options(TestServer::quickOptions()));
     RawClient silent(server.port());
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(silent.closesWithin(std::chrono::milliseconds(1500)));
+    EXPECT_TRUE(silent.closesWithin(RawClient::patience));
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(390));
 }
 
 TEST_F(HttpTlsTest, HalfSentRequestIsTimedOutWithAnAnswer)
 {
-    TestServer server(TestServer::echo, options());
+    HttpOptions hasty = options();
+    hasty.requestDeadline = std::chrono::milliseconds(600);
+    TestServer server(TestServer::echo, hasty);
     TlsClient client(server.port(), s_certificate->certificateFile(), tls13);
     client.send("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf");
     bool clean = false;

@@ -21,7 +21,7 @@ struct RawResponse
 class RawClient
 {
 public:
-    static constexpr std::chrono::milliseconds patience = std::chrono::seconds(5);
+    static constexpr std::chrono::milliseconds patience = std::chrono::seconds(20);
 
     /// `receiveBuffer` in bytes, 0 for the system's default; `from` is the address of loopback to come from.
     /// Throws std::system_error when it cannot connect.

@@ -5,11 +5,17 @@
 
 namespace clockwell::server {
 
+HttpOptions TestServer::usualOptions()
+{
+    HttpOptions options;
+    options.signedInThreads = 2;
+    return options;
+}
+
 HttpOptions TestServer::quickOptions()
 {
     using std::chrono::milliseconds;
-    HttpOptions options;
-    options.signedInThreads = 2;
+    HttpOptions options = usualOptions();
     options.headDeadline = milliseconds(400);
     options.requestDeadline = milliseconds(600);
     options.writeDeadline = milliseconds(500);

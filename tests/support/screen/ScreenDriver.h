@@ -26,7 +26,8 @@ namespace clockwell::test {
 class ScreenDriver
 {
 public:
-    static constexpr std::chrono::milliseconds defaultLimit{5000};
+    /// It only ends a test that hangs.
+    static constexpr std::chrono::milliseconds defaultLimit = std::chrono::seconds(40);
 
     explicit ScreenDriver(QQuickWindow *window);
 

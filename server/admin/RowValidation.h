@@ -11,7 +11,6 @@ namespace clockwell::server {
 
 /// Throws AdminError, with the table, the key of the row and the column, when a row of SQLite holds what a
 /// column of PostgreSQL cannot: SQLite heeds neither the lengths nor all of the types that it was told.
-void requireFitting(const StoredRow &row, const TableLayout &table,
-                    const std::vector<PostgresColumn> &columns);
+void validateRow(const StoredRow &row, const TableLayout &table, const std::vector<PostgresColumn> &columns);
 
 } // namespace clockwell::server

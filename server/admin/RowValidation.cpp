@@ -1,4 +1,4 @@
-#include "server/admin/Misfit.h"
+#include "server/admin/RowValidation.h"
 
 #include "server/admin/AdminError.h"
 #include "server/admin/Printable.h"
@@ -10,19 +10,14 @@ namespace clockwell::server {
 
 namespace {
 
-long long characters(std::string_view utf8)
-{
-    return std::ranges::count_if(
-        utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; });
-}
-
 std::string textProblem(std::string_view text, const PostgresColumn &column)
 {
     if (text.find('\0') != std::string_view::npos)
         return "holds a NUL character, which PostgreSQL cannot store";
     if (!isUtf8(text))
         return "holds a text that is not UTF-8";
-    if (const long long length = characters(text); column.longest && length > *column.longest)
+    if (const auto length = static_cast<long long>(characterCount(text));
+        column.longest && length > *column.longest)
         return "holds a text of " + std::to_string(length) + " characters, and " +
                std::to_string(*column.longest) + " are allowed";
     return {};
@@ -68,8 +63,7 @@ std::string keyOf(const StoredRow &row, const TableLayout &table)
 
 } // namespace
 
-void requireFitting(const StoredRow &row, const TableLayout &table,
-                    const std::vector<PostgresColumn> &columns)
+void validateRow(const StoredRow &row, const TableLayout &table, const std::vector<PostgresColumn> &columns)
 {
     for (std::size_t i = 0; i < columns.size(); ++i)
         if (const std::string problem = problemOf(row[i], columns[i]); !problem.empty())
