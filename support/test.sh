@@ -42,7 +42,10 @@ dev_screens() {
     ensure_packages "${test_packages[@]}"
     build dev clockwell_screens
     rm -rf out/screens
-    QT_QPA_PLATFORM=offscreen FONTCONFIG_FILE=$root/build/dev/fonts.conf build/dev/bin/clockwell_screens out/screens
+    export QT_QPA_PLATFORM=offscreen FONTCONFIG_FILE=$root/build/dev/fonts.conf
+    # All formats at once: most of its time a process waits for motions to end.
+    local screens=build/dev/bin/clockwell_screens
+    "$screens" --formats | xargs --max-procs=0 --max-args=1 "$screens" out/screens
 }
 
 # --brief: a short run of the development build without limits; it only checks that every benchmark works.

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 using clockwell::test::Format;
 using clockwell::test::Stage;
@@ -33,26 +36,37 @@ bool takeScreenshot(const State &state, const Format &format, const QString &dir
 
 } // namespace
 
-// clockwell_screens DIRECTORY [NAME]: takes a screenshot of every state (whose name contains NAME) of every
-// screen.
+// clockwell_screens DIRECTORY FORMAT [NAME]: takes a screenshot in this format of every state (whose name
+// contains NAME) of every screen.
+// clockwell_screens --formats: lists the formats, a line each.
 int main(int argc, char **argv)
 {
     ::testing::InitGoogleTest(&argc, argv);
     QGuiApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    const QString directory = QGuiApplication::arguments().value(1, u"out/screens"_s);
-    const QString wanted = QGuiApplication::arguments().value(2);
+    const QStringList arguments = QGuiApplication::arguments();
+    if (arguments.value(1) == "--formats"_L1) {
+        for (const auto &format : formats)
+            QTextStream(stdout) << format.name << Qt::endl;
+        return 0;
+    }
+    const QString directory = arguments.value(1);
+    const auto *format = std::ranges::find(formats, arguments.value(2),
+                                           [](const Format &each) { return QString::fromLatin1(each.name); });
+    if (format == std::end(formats)) {
+        QTextStream(stderr) << "There is no format " << arguments.value(2) << Qt::endl;
+        return 2;
+    }
+    const QString wanted = arguments.value(3);
     int taken = 0;
     int missed = 0;
     for (const auto &state : clockwell::test::signInStates() + clockwell::test::signUpStates() +
                                  clockwell::test::codeStates() + clockwell::test::mainStates() +
                                  clockwell::test::historyStates() + clockwell::test::summaryStates() +
-                                 clockwell::test::profileStates()) {
-        if (!QString::fromLatin1(state.name).contains(wanted))
-            continue;
-        for (const auto &format : formats)
-            ++(takeScreenshot(state, format, directory) ? taken : missed);
-    }
-    QTextStream(stdout) << taken << " pictures in " << directory << ", " << missed << " missed" << Qt::endl;
+                                 clockwell::test::profileStates())
+        if (QString::fromLatin1(state.name).contains(wanted))
+            ++(takeScreenshot(state, *format, directory) ? taken : missed);
+    QTextStream(stdout) << format->name << ": " << taken << " pictures in " << directory << ", " << missed
+                        << " missed" << Qt::endl;
     return missed == 0 && taken > 0 && !::testing::UnitTest::GetInstance()->Failed() ? 0 : 1;
 }
