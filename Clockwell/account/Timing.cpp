@@ -22,7 +22,7 @@ QCoro::Task<> Timing::pause(std::chrono::milliseconds duration)
     const auto end = ReplySlot::make();
     std::erase_if(m_pauses, [](const auto &pause) { return pause.expired(); });
     m_pauses.push_back(end);
-    QTimer::singleShot(duration, this, [end] { end->finish(); });
+    QTimer::singleShot(duration, Qt::PreciseTimer, this, [end] { end->finish(); });
     co_await end->finished();
 }
 

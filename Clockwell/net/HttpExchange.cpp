@@ -121,6 +121,7 @@ void HttpExchange::startTimers()
 {
     for (QTimer *timer : {&m_idle, &m_total}) {
         timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer); // the default type may fire 5 % early
         QObject::connect(timer, &QTimer::timeout, timer, [this] { end(TransportError::Kind::TimedOut); });
     }
     m_idle.start(m_options.idleLimit);

@@ -64,6 +64,7 @@ QCoro::Task<> HttpTransport::waitUntilOnline()
         m_waiting.append(slot);
         QTimer limit;
         limit.setSingleShot(true);
+        limit.setTimerType(Qt::PreciseTimer); // the default type may fire 5 % early
         connect(&limit, &QTimer::timeout, this, [this, slot] {
             m_waiting.removeOne(slot);
             slot->finish(std::make_exception_ptr(TransportError(TransportError::Kind::Offline)));

@@ -90,8 +90,8 @@ TEST_F(HttpTlsTest, PlainHttpOnATlsPortGetsNoAnswer)
 TEST_F(HttpTlsTest, HandshakeThatDoesNotHappenIsTimedOut)
 {
     TestServer server(TestServer::echo, options(TestServer::quickOptions()));
-    RawClient silent(server.port());
     const auto start = std::chrono::steady_clock::now();
+    RawClient silent(server.port());
     EXPECT_TRUE(silent.closesWithin(RawClient::patience));
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(390));
 }
