@@ -9,6 +9,7 @@
 #include <QUrlQuery>
 
 #include <gtest/gtest.h>
+#include <openssl/crypto.h>
 
 namespace clockwell::test {
 
@@ -64,6 +65,11 @@ FakeServer::FakeServer(std::optional<QSslConfiguration> tls) : m_state(std::make
 {
     m_state->tls = tls.has_value();
     m_state->thread.setObjectName(QStringLiteral("FakeServer"));
+    // QThread::wait() returns while the system still ends the thread, and a process that ends right then
+    // frees what libcrypto keeps of the thread twice.
+    QObject::connect(
+        &m_state->thread, &QThread::finished, &m_state->thread, [] { OPENSSL_thread_stop(); },
+        Qt::DirectConnection);
     m_state->listener = std::make_unique<Listener>(m_state->journal, std::move(tls));
     if (!m_state->listener->listen(QHostAddress::LocalHost))
         qFatal("FakeServer cannot listen");
